@@ -1,0 +1,72 @@
+# What every target of ours shares, and the function that makes a library of a folder.
+
+add_library(house_options INTERFACE)
+target_compile_features(house_options INTERFACE cxx_std_20)
+target_include_directories(house_options INTERFACE "${CMAKE_SOURCE_DIR}")
+target_compile_options(house_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+target_link_libraries(house_options INTERFACE Threads::Threads)
+if(WIN32)
+  # With XP's version number the headers declare only what XP has, and structures keep the sizes that XP's
+  # common controls accept. Newer routines are looked up at run time.
+  target_compile_definitions(house_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN
+                                                     WINVER=0x0501 _WIN32_WINNT=0x0501 _WIN32_IE=0x0600)
+endif()
+
+# The sources directly in a folder; a file added or removed is noticed by the next build.
+function(folder_sources result folder)
+  file(GLOB found CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/${folder}/*.cpp")
+  foreach(name IN LISTS ARGN)
+    list(REMOVE_ITEM found "${CMAKE_SOURCE_DIR}/${folder}/${name}")
+  endforeach()
+  set(${result} "${found}" PARENT_SCOPE)
+endfunction()
+
+# add_house_library(NAME FOLDER folder [USES target...] [PRIVATELY target...] [WITHOUT file...])
+# A folder of headers alone gives an interface library, so that the links are the same before and after its first source.
+function(add_house_library name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "FOLDER" "USES;PRIVATELY;WITHOUT")
+  folder_sources(sources "${arg_FOLDER}" ${arg_WITHOUT})
+  if(sources)
+    add_library(${name} STATIC ${sources})
+    target_link_libraries(${name} PUBLIC house_options ${arg_USES} PRIVATE ${arg_PRIVATELY})
+  else()
+    add_library(${name} INTERFACE)
+    target_link_libraries(${name} INTERFACE house_options ${arg_USES})
+  endif()
+endfunction()
+
+# core/lettercase.h is a seam: its tables come from the system on Windows and from a table of our own elsewhere.
+# It is a library below core/, because core/ calls it.
+function(add_letter_case_library)
+  if(WIN32)
+    set(source "${CMAKE_SOURCE_DIR}/platform/windows/lettercase.cpp")
+  else()
+    set(source "${CMAKE_SOURCE_DIR}/platform/memory/lettercase.cpp")
+  endif()
+  file(GLOB found CONFIGURE_DEPENDS "${source}")
+  if(found)
+    add_library(letter_case STATIC ${found})
+    target_link_libraries(letter_case PUBLIC house_options)
+  else()
+    add_library(letter_case INTERFACE)
+  endif()
+endfunction()
+
+# Links a program of ours with everything below app/, and with what keeps its imports within Windows XP.
+function(finish_program name)
+  target_link_libraries(${name} PRIVATE house_options core suitecontrols scan repair ui)
+  if(WIN32)
+    target_link_libraries(${name} PRIVATE ui_windows platform_windows xp_floor)
+  endif()
+endfunction()
+
+if(WIN32)
+  file(GLOB xpFloorSource CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/platform/windows/xpfloor.cpp")
+  if(xpFloorSource)
+    # An object, not an archive: it must win over the system's import library.
+    add_library(xp_floor OBJECT ${xpFloorSource})
+    target_link_libraries(xp_floor PRIVATE house_options)
+  else()
+    add_library(xp_floor INTERFACE)
+  endif()
+endif()

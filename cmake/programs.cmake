@@ -1,0 +1,30 @@
+# The two programs, in a folder that is complete: ready to run or to zip.
+set(programFolder "${CMAKE_BINARY_DIR}/Corvalt")
+
+folder_sources(sharedSources app corvalt.cpp corvaltc.cpp)
+if(sharedSources)
+  add_library(app_common STATIC ${sharedSources})
+  target_link_libraries(app_common PUBLIC house_options ui_windows platform_windows ui repair scan suitecontrols core)
+else()
+  add_library(app_common INTERFACE)
+endif()
+
+# add_windows_program(NAME [WIN32]): app/NAME.cpp with its resources, app/resources/NAME.rc.
+function(add_windows_program name)
+  file(GLOB source CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/app/${name}.cpp")
+  if(NOT source)
+    return()
+  endif()
+  file(GLOB resources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/app/resources/${name}.rc")
+  add_executable(${name} ${ARGN} ${source} ${resources})
+  target_link_libraries(${name} PRIVATE app_common)
+  finish_program(${name})
+  target_link_options(${name} PRIVATE -municode -s)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${programFolder}")
+  if(TARGET program_data)
+    add_dependencies(${name} program_data)
+  endif()
+endfunction()
+
+add_windows_program(corvalt WIN32)
+add_windows_program(corvaltc)

@@ -1,0 +1,11 @@
+# program_zlib: the system's zlib natively, the static one for Windows (no DLL lies beside the program).
+add_library(program_zlib INTERFACE)
+if(WIN32)
+  find_library(ZLIB_ARCHIVE NAMES libz.a REQUIRED)
+  find_path(ZLIB_INCLUDES NAMES zlib.h REQUIRED)
+  target_link_libraries(program_zlib INTERFACE "${ZLIB_ARCHIVE}")
+  target_include_directories(program_zlib SYSTEM INTERFACE "${ZLIB_INCLUDES}")
+else()
+  find_package(ZLIB REQUIRED)
+  target_link_libraries(program_zlib INTERFACE ZLIB::ZLIB)
+endif()
