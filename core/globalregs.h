@@ -1,0 +1,32 @@
+// TGlobalReg: the cleaner's own settings, the two lists of what must not be reported and the backup settings.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "core/globals.h"
+#include "core/system.h"
+#include "core/text.h"
+
+inline constexpr TextView kCleanerSettingsKey = u"\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\Settings";
+inline constexpr TextView kIgnoreListKey = u"\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\IgnoreList";
+inline constexpr TextView kSectionsKey = u"\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\Sections";
+
+struct TGlobalReg {
+  std::vector<Text> BuiltInExclusions;
+  std::vector<Text> IgnoreList;  // as stored: a switched-off entry begins with ";". Changes on the UI thread only.
+  Text BackupFolder;             // ends with "\"
+  std::int32_t BackupCount = 0;
+};
+
+// Fills all of it. A missing or unreadable exclusion file leaves the exclusions empty.
+void FillGlobalReg(TSystem& system, const TGlobalVars& vars, TGlobalReg& reg);
+
+// The exclusions that a data file's lines say: comments, remarks and empty lines removed, the rest trimmed.
+std::vector<Text> ParseExclusions(const std::vector<Text>& lines);
+
+// The enabled and switched-off entries that are stored with true, in enumeration order.
+std::vector<Text> LoadIgnoreList(TSystem& system);
+
+// Writes the backup settings back, at the program's end. Failures are silent.
+void SaveCleanerSettings(TSystem& system, const TGlobalReg& reg);

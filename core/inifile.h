@@ -1,0 +1,47 @@
+// Ini files as the Windows profile calls read and write them, kept as text so that what other programs wrote stays.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "core/systemlocale.h"
+#include "core/text.h"
+
+// One ini file in memory. Lines that say nothing (comments, blanks, damaged ones) are kept where they are. Section and key names
+// compare without regard to case; of two with one name the first counts.
+class TIniFile {
+ public:
+  // Any bytes are accepted: UTF-16 LE with its byte order mark, else UTF-8 with one, else the ANSI code page.
+  static TIniFile FromBytes(std::span<const std::uint8_t> bytes, TLocale& locale);
+
+  // The section names in file order, each once.
+  std::vector<Text> SectionNames() const;
+
+  // The trimmed value, one pair of enclosing quotes removed; nothing when the section or the key is missing.
+  std::optional<Text> Read(TextView section, TextView key) const;
+
+  // Replaces the value or adds it at the end of its section, the section at the end of the file. Expects names and a
+  // value that an ini file can hold (no line ends, no "]" in a section, no "=" in a key).
+  void Write(TextView section, TextView key, TextView value);
+
+  // Removes the section with everything up to the next one; every section of this name.
+  void EraseSection(TextView section);
+
+  // The file's bytes in the encoding it was read in; UTF-16 LE with its mark once a text needs it (the profile calls
+  // read and write all characters in that form alone).
+  std::vector<std::uint8_t> ToBytes(TLocale& locale) const;
+
+ private:
+  enum class TEncoding { Ansi, Utf8, Utf16 };
+  struct TLine {
+    Text Content;
+    Text End;
+  };
+
+  std::optional<std::size_t> FindSection(TextView section) const;
+
+  TEncoding m_encoding = TEncoding::Ansi;
+  std::vector<TLine> m_lines;
+};

@@ -1,0 +1,57 @@
+// Texts of the registry and the file system: sequences of 16-bit units that may be ill-formed UTF-16.
+// They are carried unchanged from the registry to the tree, the backup and back.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+using Text = std::u16string;
+using TextView = std::u16string_view;
+
+// The text without the characters up to and including the blank (U+0020) at both ends.
+Text Trim(TextView text);
+
+// The text without leading blanks (U+0020).
+Text TrimLeadingBlanks(TextView text);
+
+// The part of text before the first occurrence of separator, or the whole text when it does not occur.
+// An empty separator never occurs.
+Text CutAt(TextView separator, TextView text);
+
+// The text with every occurrence of from, found from left to right in one pass, replaced by to.
+Text ReplaceAll(TextView text, TextView from, TextView to);
+
+// Whether part occurs anywhere in text. An empty part never occurs.
+bool Contains(TextView text, TextView part);
+
+// 1-based position of the last occurrence of sub in text, 0 when there is none.
+std::size_t LastPos(TextView sub, TextView text);
+
+// The lines of a text, without their ends (CR LF, LF or CR). A last line without an end counts, an empty one does not.
+std::vector<Text> SplitLines(TextView text);
+
+// The text with a trailing "\" added when it has none. An empty text becomes "\".
+Text WithTrailingBackslash(TextView text);
+
+// The text without its first "\", if it begins with one.
+TextView WithoutLeadingBackslash(TextView text);
+
+// A whole number in decimal, with "-" before a negative one.
+Text DecimalText(std::int64_t number);
+
+// The number that the whole text says: an optional sign and decimal digits, within 32 bits. Nothing for any other text.
+std::optional<std::int32_t> ParseInteger(TextView text);
+
+// UTF-8 to 16-bit units. Nothing when the bytes are not valid UTF-8.
+std::optional<Text> DecodeUtf8(std::string_view bytes);
+
+// 16-bit units to UTF-8. A lone surrogate, which UTF-8 can't say, becomes U+FFFD: for display and logs only, never
+// on the way to a deletion or a backup.
+std::string EncodeUtf8(TextView text);
+
+// Widens the 7-bit characters of a literal or a decoded technical text. Expects bytes below 128.
+Text FromAscii(std::string_view ascii);
