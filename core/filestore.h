@@ -24,8 +24,8 @@ class FileStore {
   // The whole file.
   virtual TSystemError ReadFile(TextView path, std::vector<std::uint8_t>& bytes) = 0;
 
-  // Replaces the file whole or creates it: writes a temporary file beside it, flushes it to the disk, renames it over
-  // the target. After a failure the old file is in place and no temporary file is left.
+  // Replaces the file whole or creates it: writes a temporary file beside it, flushes it to the disk, renames
+  // it over the target. After a failure the old file is in place and no temporary file is left.
   virtual TSystemError ReplaceFile(TextView path, std::span<const std::uint8_t> bytes) = 0;
 
   // A plain rename or move; fails when the target exists.

@@ -1,5 +1,5 @@
-// Path and file checks: from a registry text to yes or no. They lean to "exists" whenever a text cannot be judged, so
-// that only clear cases are reported.
+// Path and file checks: from a registry text to yes or no. They lean to "exists" whenever a text cannot be
+// judged, so that only clear cases are reported.
 #pragma once
 
 #include <cstdint>
@@ -14,30 +14,37 @@
 // The mask of ShowFileProperties (shellapi.h): invoke-id-list, no-close-process, no error interface.
 inline constexpr std::uint32_t kShowPropertiesMask = 0x44C;
 
-// The six references that are expanded, each only when "\" follows: %SYSTEMROOT%, %PROGRAMFILES%, %SYSTEMDIRECTORY%,
-// %WINDIR%, %TEMP%, %TMP%. The result is upper-case but for a folder inserted for %TMP%\.
+// The six references that are expanded, each only when "\" follows: %SYSTEMROOT%, %PROGRAMFILES%,
+// %SYSTEMDIRECTORY%, %WINDIR%, %TEMP%, %TMP%. The result is upper-case but for a folder inserted for %TMP%\.
 Text ExpandPathVariables(TextView text, const TGlobalVars& vars);
 
 // The questions that need the file system and the program environment.
 class TPathChecks {
  public:
   // Both must outlive the checks.
-  TPathChecks(FileSystemProbe& probe, const TGlobalVars& vars) : m_probe(probe), m_vars(vars) {}
+  TPathChecks(FileSystemProbe& probe, const TGlobalVars& vars) : m_probe(probe), m_vars(vars) {
+  }
 
-  Text ExpandPathVariables(TextView text) const { return ::ExpandPathVariables(text, m_vars); }
+  Text ExpandPathVariables(TextView text) const {
+    return ::ExpandPathVariables(text, m_vars);
+  }
 
-  // True for a path that is not on a fixed drive; otherwise whether the file, or without filesOnly the folder, exists,
-  // asked a second time without the 64-bit redirection where there is one.
+  // True for a path that is not on a fixed drive; otherwise whether the file, or without filesOnly the
+  // folder, exists, asked a second time without the 64-bit redirection where there is one.
   bool FileOrFolderExists(TextView path, bool filesOnly);
 
-  // The longest leading part of a command line that is an existing file, as it was found; nothing when there is none.
+  // The longest leading part of a command line that is an existing file, as it was found; nothing when there
+  // is none.
   std::optional<Text> SplitCommandFile(TextView text);
 
-  // Whether the program of a command line exists. commaSeparates: an unquoted text is also cut at its first ",".
+  // Whether the program of a command line exists. commaSeparates: an unquoted text is also cut at its first
+  // ",".
   bool CommandLineFileExists(TextView text, bool commaSeparates);
 
   // Whether the folder itself exists, with no fixed-drive rule.
-  bool DirectoryExists(TextView path) { return m_probe.DirectoryExists(path); }
+  bool DirectoryExists(TextView path) {
+    return m_probe.DirectoryExists(path);
+  }
 
  private:
   Text LongForm(TextView path);
@@ -48,8 +55,8 @@ class TPathChecks {
   const TGlobalVars& m_vars;
 };
 
-// A size in bytes in words: "%d Byte" below 1024 (negative ones included), then KB, MB and GB by powers of 1024 with two
-// decimals and the user's separators.
+// A size in bytes in words: "%d Byte" below 1024 (negative ones included), then KB, MB and GB by powers of
+// 1024 with two decimals and the user's separators.
 Text FormatSize(std::int64_t size, TLocale& locale);
 
 // The shell's properties sheet of a file; true when the call succeeds.

@@ -8,14 +8,16 @@
 #include "core/system.h"
 #include "core/text.h"
 
-inline constexpr TextView kCleanerSettingsKey = u"\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\Settings";
+inline constexpr TextView kCleanerSettingsKey =
+    u"\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\Settings";
 inline constexpr TextView kIgnoreListKey = u"\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\IgnoreList";
 inline constexpr TextView kSectionsKey = u"\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\Sections";
 
 struct TGlobalReg {
   std::vector<Text> BuiltInExclusions;
-  std::vector<Text> IgnoreList;  // as stored: a switched-off entry begins with ";". Changes on the UI thread only.
-  Text BackupFolder;             // ends with "\"
+  std::vector<Text>
+      IgnoreList;     // as stored: a switched-off entry begins with ";". Changes on the UI thread only.
+  Text BackupFolder;  // ends with "\"
   std::int32_t BackupCount = 0;
 };
 

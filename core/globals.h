@@ -1,5 +1,5 @@
-// TGlobalVars: the machine's folders, the Windows version, the suite's settings and the language tables. Filled once at
-// start, before any window exists, and read everywhere by reference.
+// TGlobalVars: the machine's folders, the Windows version, the suite's settings and the language tables.
+// Filled once at start, before any window exists, and read everywhere by reference.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,8 @@
 // Keys of the suite's settings under HKEY_CURRENT_USER.
 inline constexpr TextView kSuiteKey = u"\\SOFTWARE\\TessalySoft\\Tessaly Utilities";
 inline constexpr TextView kSuiteSettingsKey = u"\\Software\\TessalySoft\\Tessaly Utilities\\Settings";
-inline constexpr TextView kAvailableModulesKey = u"\\Software\\TessalySoft\\Tessaly Utilities\\Settings\\AvailableModules";
+inline constexpr TextView kAvailableModulesKey =
+    u"\\Software\\TessalySoft\\Tessaly Utilities\\Settings\\AvailableModules";
 
 struct TGlobalVars {
   // Folders end with "\".
@@ -50,7 +51,7 @@ struct TGlobalVars {
 // The version's name; an unknown version has none.
 Text WindowsVersionNameOf(const TSystemVersion& version);
 
-// Fills everything, in the order that the suite's other programs rely on: version, folders, search folders, fixed
-// drives, language, suite settings. Missing settings are written with their defaults. Throws TSystemException with code
-// kErrorOutOfMemory when the drive list does not fit.
+// Fills everything, in the order that the suite's other programs rely on: version, folders, search folders,
+// fixed drives, language, suite settings. Missing settings are written with their defaults. Throws
+// TSystemException with code kErrorOutOfMemory when the drive list does not fit.
 void FillGlobalVars(TSystem& system, TGlobalVars& vars);

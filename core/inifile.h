@@ -1,4 +1,5 @@
-// Ini files as the Windows profile calls read and write them, kept as text so that what other programs wrote stays.
+// Ini files as the Windows profile calls read and write them, kept as text so that what other programs wrote
+// stays.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +10,8 @@
 #include "core/systemlocale.h"
 #include "core/text.h"
 
-// One ini file in memory. Lines that say nothing (comments, blanks, damaged ones) are kept where they are. Section and key names
-// compare without regard to case; of two with one name the first counts.
+// One ini file in memory. Lines that say nothing (comments, blanks, damaged ones) are kept where they are.
+// Section and key names compare without regard to case; of two with one name the first counts.
 class TIniFile {
  public:
   // Any bytes are accepted: UTF-16 LE with its byte order mark, else UTF-8 with one, else the ANSI code page.
@@ -22,15 +23,15 @@ class TIniFile {
   // The trimmed value, one pair of enclosing quotes removed; nothing when the section or the key is missing.
   std::optional<Text> Read(TextView section, TextView key) const;
 
-  // Replaces the value or adds it at the end of its section, the section at the end of the file. Expects names and a
-  // value that an ini file can hold (no line ends, no "]" in a section, no "=" in a key).
+  // Replaces the value or adds it at the end of its section, the section at the end of the file. Expects
+  // names and a value that an ini file can hold (no line ends, no "]" in a section, no "=" in a key).
   void Write(TextView section, TextView key, TextView value);
 
   // Removes the section with everything up to the next one; every section of this name.
   void EraseSection(TextView section);
 
-  // The file's bytes in the encoding it was read in; UTF-16 LE with its mark once a text needs it (the profile calls
-  // read and write all characters in that form alone).
+  // The file's bytes in the encoding it was read in; UTF-16 LE with its mark once a text needs it (the
+  // profile calls read and write all characters in that form alone).
   std::vector<std::uint8_t> ToBytes(TLocale& locale) const;
 
  private:

@@ -23,32 +23,37 @@ constexpr std::array<TNamedRoot, 6> kRoots = {{
 
 Text RootKeyName(TRootKey rootKey) {
   for (const TNamedRoot& root : kRoots) {
-    if (root.RootKey == rootKey) return Text(root.Name);
+    if (root.RootKey == rootKey)
+      return Text(root.Name);
   }
   return Text(kRoots.front().Name);
 }
 
 TRootKey RootKeyFromName(TextView name) {
   for (const TNamedRoot& root : kRoots) {
-    if (root.Name == name) return root.RootKey;
+    if (root.Name == name)
+      return root.RootKey;
   }
   return kHkeyCurrentUser;
 }
 
 bool IsRootKeyName(TextView name) {
   for (const TNamedRoot& root : kRoots) {
-    if (root.Name == name) return true;
+    if (root.Name == name)
+      return true;
   }
   return false;
 }
 
 std::optional<TParsedKeyPath> ParseKeyPath(TextView path) {
   TParsedKeyPath parsed;
-  if (path.substr(0, 2) == u"\\\\") return std::nullopt;
+  if (path.substr(0, 2) == u"\\\\")
+    return std::nullopt;
   parsed.FromRoot = !path.empty() && path.front() == u'\\';
   while (!path.empty()) {
     const std::size_t end = path.find(u'\\');
-    if (end != 0) parsed.Names.emplace_back(path.substr(0, end));
+    if (end != 0)
+      parsed.Names.emplace_back(path.substr(0, end));
     path.remove_prefix(end == TextView::npos ? path.size() : end + 1);
   }
   return parsed;

@@ -1,5 +1,5 @@
-// Root keys and key paths. A registry location travels as a root key and a key path that begins with "\" and names no
-// root; the full text is formed only for display, ignore matching, backups and reports.
+// Root keys and key paths. A registry location travels as a root key and a key path that begins with "\" and
+// names no root; the full text is formed only for display, ignore matching, backups and reports.
 #pragma once
 
 #include <cstdint>
@@ -33,6 +33,6 @@ struct TParsedKeyPath {
   std::vector<Text> Names;  // no empty ones; none at all means the root or the open key itself
 };
 
-// Runs of "\" inside the path count as one and a trailing one is ignored; nothing for a path that begins with two:
-// such a path opens no key.
+// Runs of "\" inside the path count as one and a trailing one is ignored; nothing for a path that begins with
+// two: such a path opens no key.
 std::optional<TParsedKeyPath> ParseKeyPath(TextView path);

@@ -12,15 +12,18 @@
 // The lines of one language file.
 class TLanguageTable {
  public:
-  // The lines of a file's bytes: UTF-16 or UTF-8 by a byte order mark, else UTF-8 when valid, else the ANSI code page.
-  // Lines without "=" are left out; of two lines with one identifier the first counts.
+  // The lines of a file's bytes: UTF-16 or UTF-8 by a byte order mark, else UTF-8 when valid, else the ANSI
+  // code page. Lines without "=" are left out; of two lines with one identifier the first counts.
   static TLanguageTable FromFile(std::span<const std::uint8_t> bytes, TLocale& locale);
 
-  // The text after the "=" of this identifier's line, empty when there is none. A blank after the "=" is still there.
+  // The text after the "=" of this identifier's line, empty when there is none. A blank after the "=" is
+  // still there.
   Text Find(TextView identifier) const;
 
   // All identifiers, for checks of a language file as a whole.
-  const std::map<Text, Text, std::less<>>& Lines() const { return m_lines; }
+  const std::map<Text, Text, std::less<>>& Lines() const {
+    return m_lines;
+  }
 
  private:
   std::map<Text, Text, std::less<>> m_lines;
@@ -32,13 +35,13 @@ struct TLanguageTexts {
   TLanguageTable English;
 };
 
-// The text of an identifier: "%s2" replaced by arg2, then "%s" by arg1, every "&" doubled, leading blanks removed.
-// Empty when neither table has it.
+// The text of an identifier: "%s2" replaced by arg2, then "%s" by arg1, every "&" doubled, leading blanks
+// removed. Empty when neither table has it.
 Text LanguageText(const TLanguageTexts& texts, TextId id, TextView arg1 = {}, TextView arg2 = {});
 
 // A text as it is shown where the system gives "&" no meaning: each doubled "&" single again.
 Text PlainText(TextView text);
 
-// Reads the user's language from the suite's settings, writes "english.lng" back where it is missing or its file is, and
-// loads both tables. Answers the language file's name. A missing file leaves its table empty.
+// Reads the user's language from the suite's settings, writes "english.lng" back where it is missing or its
+// file is, and loads both tables. Answers the language file's name. A missing file leaves its table empty.
 Text LoadLanguage(TSystem& system, TextView programFolder, TLanguageTexts& texts);

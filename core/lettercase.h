@@ -1,5 +1,5 @@
-// Upper and lower case, one 16-bit unit at a time by the system's own table: the way Windows compares key names and
-// the program compares everything. No locale, no surrogate pairs.
+// Upper and lower case, one 16-bit unit at a time by the system's own table: the way Windows compares key
+// names and the program compares everything. No locale, no surrogate pairs.
 #pragma once
 
 #include <array>
@@ -12,8 +12,8 @@ struct TLetterCaseTable {
   std::array<char16_t, 0x10000> Lower;
 };
 
-// The system's table. Defined by the platform library that the program links: the real system's answer on Windows,
-// the same mapping written down as ranges elsewhere.
+// The system's table. Defined by the platform library that the program links: the real system's answer on
+// Windows, the same mapping written down as ranges elsewhere.
 const TLetterCaseTable& SystemLetterCase();
 
 char16_t UpperUnit(char16_t unit);
@@ -29,5 +29,7 @@ int CompareIgnoringCase(TextView a, TextView b);
 
 struct TLessIgnoringCase {
   using is_transparent = void;
-  bool operator()(TextView a, TextView b) const { return CompareIgnoringCase(a, b) < 0; }
+  bool operator()(TextView a, TextView b) const {
+    return CompareIgnoringCase(a, b) < 0;
+  }
 };

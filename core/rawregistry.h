@@ -42,9 +42,9 @@ enum class TRawResult {
   Failed,   // any other failure
 };
 
-// Every path is absolute: it begins with "\" and names no root. A link inside the path above the key is followed, as
-// the system does for "CurrentControlSet"; the key itself is opened as the link it is and answers Link. A failing
-// operation leaves its outputs as they were.
+// Every path is absolute: it begins with "\" and names no root. A link inside the path above the key is
+// followed, as the system does for "CurrentControlSet"; the key itself is opened as the link it is and
+// answers Link. A failing operation leaves its outputs as they were.
 class RawRegistry {
  public:
   virtual ~RawRegistry() = default;

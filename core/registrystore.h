@@ -10,9 +10,9 @@
 
 enum class TDataType { Unknown, String, ExpandString, Integer, Binary };
 
-// A current root and at most one open key. Names compare without regard to case and keep theirs. Failed operations
-// answer false, the empty text, 0 or an empty list, never raise and leave everything as it was. Not for use by two
-// threads at once.
+// A current root and at most one open key. Names compare without regard to case and keep theirs. Failed
+// operations answer false, the empty text, 0 or an empty list, never raise and leave everything as it was.
+// Not for use by two threads at once.
 class RegistryStore {
  public:
   virtual ~RegistryStore() = default;
@@ -20,17 +20,17 @@ class RegistryStore {
   // Selects the root for the following operations. Closes nothing.
   virtual void SetRootKey(TRootKey rootKey) = 0;
 
-  // Opens a key, with canCreate creating it and its missing parents. A path that begins with "\" is taken from the
-  // root, any other relative to the open key, or to the root when none is open; see ParseKeyPath. Replaces the open
-  // key on success; on failure no key is left open.
+  // Opens a key, with canCreate creating it and its missing parents. A path that begins with "\" is taken
+  // from the root, any other relative to the open key, or to the root when none is open; see ParseKeyPath.
+  // Replaces the open key on success; on failure no key is left open.
   virtual bool OpenKey(TextView path, bool canCreate) = 0;
   virtual void CloseKey() = 0;
 
   // Tests a key without opening it; paths as in OpenKey.
   virtual bool KeyExists(TextView path) = 0;
 
-  // The open key's values. The empty name is the default value, and a name of one NUL unit means the same to the
-  // registry.
+  // The open key's values. The empty name is the default value, and a name of one NUL unit means the same to
+  // the registry.
   virtual bool ValueExists(TextView name) = 0;
 
   // Integer means the 32-bit little-endian type alone; a missing value is Unknown.
@@ -52,8 +52,8 @@ class RegistryStore {
   virtual std::vector<Text> GetKeyNames() = 0;
   virtual bool HasSubKeys() = 0;
 
-  // Deletes a key with all its subkeys; paths as in OpenKey. A key that is itself a registry link, or that holds one
-  // below it, is left whole: a link is never followed. False when anything of it remains.
+  // Deletes a key with all its subkeys; paths as in OpenKey. A key that is itself a registry link, or that
+  // holds one below it, is left whole: a link is never followed. False when anything of it remains.
   virtual bool DeleteKey(TextView path) = 0;
   virtual bool DeleteValue(TextView name) = 0;
 };

@@ -1,7 +1,8 @@
 #include "core/systemerror.h"
 
 Text DescribeException(const std::exception_ptr& exception, TLocale& locale) {
-  if (!exception) return {};
+  if (!exception)
+    return {};
   try {
     std::rethrow_exception(exception);
   } catch (const TSystemException& error) {

@@ -11,7 +11,9 @@
 // A Windows error code (winerror.h); 0 is success. TLocale::SystemMessage says it in words.
 struct TSystemError {
   std::uint32_t Code = 0;
-  bool Failed() const { return Code != 0; }
+  bool Failed() const {
+    return Code != 0;
+  }
   bool operator==(const TSystemError&) const = default;
 };
 
@@ -28,9 +30,16 @@ inline constexpr std::uint32_t kErrorAlreadyExists = 183;
 class TSystemException : public std::runtime_error {
  public:
   explicit TSystemException(TSystemError error, Text subject = {})
-      : std::runtime_error("system error " + std::to_string(error.Code)), m_error(error), m_subject(std::move(subject)) {}
-  TSystemError Error() const { return m_error; }
-  const Text& Subject() const { return m_subject; }
+      : std::runtime_error("system error " + std::to_string(error.Code)),
+        m_error(error),
+        m_subject(std::move(subject)) {
+  }
+  TSystemError Error() const {
+    return m_error;
+  }
+  const Text& Subject() const {
+    return m_subject;
+  }
 
  private:
   TSystemError m_error;
@@ -40,8 +49,12 @@ class TSystemException : public std::runtime_error {
 // An error that the program words itself, in the user's language.
 class TProgramException : public std::runtime_error {
  public:
-  explicit TProgramException(Text message) : std::runtime_error(EncodeUtf8(message)), m_message(std::move(message)) {}
-  const Text& Message() const { return m_message; }
+  explicit TProgramException(Text message)
+      : std::runtime_error(EncodeUtf8(message)), m_message(std::move(message)) {
+  }
+  const Text& Message() const {
+    return m_message;
+  }
 
  private:
   Text m_message;

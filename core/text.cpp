@@ -7,11 +7,17 @@ namespace {
 constexpr char16_t kBlank = u' ';
 constexpr char16_t kReplacement = u'\uFFFD';
 
-bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-bool IsLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+bool IsHighSurrogate(char16_t unit) {
+  return unit >= 0xD800 && unit <= 0xDBFF;
+}
+bool IsLowSurrogate(char16_t unit) {
+  return unit >= 0xDC00 && unit <= 0xDFFF;
+}
 
 void AppendUtf8(std::string& bytes, char32_t point) {
-  const auto add = [&bytes](char32_t byte) { bytes.push_back(static_cast<char>(static_cast<unsigned char>(byte))); };
+  const auto add = [&bytes](char32_t byte) {
+    bytes.push_back(static_cast<char>(static_cast<unsigned char>(byte)));
+  };
   if (point < 0x80) {
     add(point);
   } else if (point < 0x800) {
@@ -31,25 +37,34 @@ void AppendUtf8(std::string& bytes, char32_t point) {
 
 // Length of the UTF-8 sequence that the first byte announces, 0 when it can't begin one.
 std::size_t SequenceLength(unsigned char first) {
-  if (first < 0x80) return 1;
-  if (first >= 0xC2 && first <= 0xDF) return 2;
-  if (first >= 0xE0 && first <= 0xEF) return 3;
-  if (first >= 0xF0 && first <= 0xF4) return 4;
+  if (first < 0x80)
+    return 1;
+  if (first >= 0xC2 && first <= 0xDF)
+    return 2;
+  if (first >= 0xE0 && first <= 0xEF)
+    return 3;
+  if (first >= 0xF0 && first <= 0xF4)
+    return 4;
   return 0;
 }
 
-// The code point of a sequence of the given length, or nothing when it is overlong, a surrogate or out of range.
+// The code point of a sequence of the given length, or nothing when it is overlong, a surrogate or out of
+// range.
 std::optional<char32_t> DecodeSequence(std::string_view bytes, std::size_t length) {
   const auto at = [bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-  if (length == 1) return at(0);
+  if (length == 1)
+    return at(0);
   char32_t point = at(0) & (0x7Fu >> length);
   for (std::size_t i = 1; i < length; ++i) {
-    if ((at(i) & 0xC0) != 0x80) return std::nullopt;
+    if ((at(i) & 0xC0) != 0x80)
+      return std::nullopt;
     point = (point << 6) | (at(i) & 0x3Fu);
   }
   constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
-  if (point < kSmallest[length] || point > 0x10FFFF) return std::nullopt;
-  if (point >= 0xD800 && point <= 0xDFFF) return std::nullopt;
+  if (point < kSmallest[length] || point > 0x10FFFF)
+    return std::nullopt;
+  if (point >= 0xD800 && point <= 0xDFFF)
+    return std::nullopt;
   return point;
 }
 
@@ -67,9 +82,11 @@ void AppendPoint(Text& text, char32_t point) {
 
 Text Trim(TextView text) {
   std::size_t first = 0;
-  while (first < text.size() && text[first] <= kBlank) ++first;
+  while (first < text.size() && text[first] <= kBlank)
+    ++first;
   std::size_t end = text.size();
-  while (end > first && text[end - 1] <= kBlank) --end;
+  while (end > first && text[end - 1] <= kBlank)
+    --end;
   return Text(text.substr(first, end - first));
 }
 
@@ -79,12 +96,14 @@ Text TrimLeadingBlanks(TextView text) {
 }
 
 Text CutAt(TextView separator, TextView text) {
-  if (separator.empty()) return Text(text);
+  if (separator.empty())
+    return Text(text);
   return Text(text.substr(0, text.find(separator)));
 }
 
 Text ReplaceAll(TextView text, TextView from, TextView to) {
-  if (from.empty()) return Text(text);
+  if (from.empty())
+    return Text(text);
   Text result;
   std::size_t done = 0;
   for (std::size_t at = text.find(from); at != TextView::npos; at = text.find(from, done)) {
@@ -94,10 +113,13 @@ Text ReplaceAll(TextView text, TextView from, TextView to) {
   return result.append(text.substr(done));
 }
 
-bool Contains(TextView text, TextView part) { return !part.empty() && text.find(part) != TextView::npos; }
+bool Contains(TextView text, TextView part) {
+  return !part.empty() && text.find(part) != TextView::npos;
+}
 
 std::size_t LastPos(TextView sub, TextView text) {
-  if (sub.empty()) return 0;
+  if (sub.empty())
+    return 0;
   const std::size_t at = text.rfind(sub);
   return at == TextView::npos ? 0 : at + 1;
 }
@@ -120,29 +142,38 @@ std::vector<Text> SplitLines(TextView text) {
 
 Text WithTrailingBackslash(TextView text) {
   Text result(text);
-  if (result.empty() || result.back() != u'\\') result.push_back(u'\\');
+  if (result.empty() || result.back() != u'\\')
+    result.push_back(u'\\');
   return result;
 }
 
 TextView WithoutLeadingBackslash(TextView text) {
-  if (!text.empty() && text.front() == u'\\') text.remove_prefix(1);
+  if (!text.empty() && text.front() == u'\\')
+    text.remove_prefix(1);
   return text;
 }
 
-Text DecimalText(std::int64_t number) { return FromAscii(std::to_string(number)); }
+Text DecimalText(std::int64_t number) {
+  return FromAscii(std::to_string(number));
+}
 
 std::optional<std::int32_t> ParseInteger(TextView text) {
   const bool negative = !text.empty() && text.front() == u'-';
-  if (negative || (!text.empty() && text.front() == u'+')) text.remove_prefix(1);
-  if (text.empty()) return std::nullopt;
+  if (negative || (!text.empty() && text.front() == u'+'))
+    text.remove_prefix(1);
+  if (text.empty())
+    return std::nullopt;
   constexpr std::int64_t kLargest = std::numeric_limits<std::int32_t>::max();
   std::int64_t value = 0;
   for (const char16_t unit : text) {
-    if (unit < u'0' || unit > u'9') return std::nullopt;
+    if (unit < u'0' || unit > u'9')
+      return std::nullopt;
     value = value * 10 + (unit - u'0');
-    if (value > kLargest + 1) return std::nullopt;
+    if (value > kLargest + 1)
+      return std::nullopt;
   }
-  if (!negative && value > kLargest) return std::nullopt;
+  if (!negative && value > kLargest)
+    return std::nullopt;
   return static_cast<std::int32_t>(negative ? -value : value);
 }
 
@@ -151,9 +182,11 @@ std::optional<Text> DecodeUtf8(std::string_view bytes) {
   text.reserve(bytes.size());
   while (!bytes.empty()) {
     const std::size_t length = SequenceLength(static_cast<unsigned char>(bytes.front()));
-    if (length == 0 || length > bytes.size()) return std::nullopt;
+    if (length == 0 || length > bytes.size())
+      return std::nullopt;
     const std::optional<char32_t> point = DecodeSequence(bytes, length);
-    if (!point) return std::nullopt;
+    if (!point)
+      return std::nullopt;
     AppendPoint(text, *point);
     bytes.remove_prefix(length);
   }
@@ -178,4 +211,6 @@ std::string EncodeUtf8(TextView text) {
   return bytes;
 }
 
-Text FromAscii(std::string_view ascii) { return Text(ascii.begin(), ascii.end()); }
+Text FromAscii(std::string_view ascii) {
+  return Text(ascii.begin(), ascii.end());
+}

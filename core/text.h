@@ -31,7 +31,8 @@ bool Contains(TextView text, TextView part);
 // 1-based position of the last occurrence of sub in text, 0 when there is none.
 std::size_t LastPos(TextView sub, TextView text);
 
-// The lines of a text, without their ends (CR LF, LF or CR). A last line without an end counts, an empty one does not.
+// The lines of a text, without their ends (CR LF, LF or CR). A last line without an end counts, an empty one
+// does not.
 std::vector<Text> SplitLines(TextView text);
 
 // The text with a trailing "\" added when it has none. An empty text becomes "\".
@@ -43,14 +44,15 @@ TextView WithoutLeadingBackslash(TextView text);
 // A whole number in decimal, with "-" before a negative one.
 Text DecimalText(std::int64_t number);
 
-// The number that the whole text says: an optional sign and decimal digits, within 32 bits. Nothing for any other text.
+// The number that the whole text says: an optional sign and decimal digits, within 32 bits. Nothing for any
+// other text.
 std::optional<std::int32_t> ParseInteger(TextView text);
 
 // UTF-8 to 16-bit units. Nothing when the bytes are not valid UTF-8.
 std::optional<Text> DecodeUtf8(std::string_view bytes);
 
-// 16-bit units to UTF-8. A lone surrogate, which UTF-8 can't say, becomes U+FFFD: for display and logs only, never
-// on the way to a deletion or a backup.
+// 16-bit units to UTF-8. A lone surrogate, which UTF-8 can't say, becomes U+FFFD: for display and logs only,
+// never on the way to a deletion or a backup.
 std::string EncodeUtf8(TextView text);
 
 // Widens the 7-bit characters of a literal or a decoded technical text. Expects bytes below 128.

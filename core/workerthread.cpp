@@ -1,7 +1,8 @@
 #include "core/workerthread.h"
 
 TWorkerThread::~TWorkerThread() {
-  if (!m_thread.joinable()) return;
+  if (!m_thread.joinable())
+    return;
   // Without a user interface the thread frees itself as its very last act, and nobody can wait for oneself.
   if (m_thread.get_id() == std::this_thread::get_id()) {
     m_thread.detach();
@@ -17,7 +18,8 @@ void TWorkerThread::Start() {
 void TWorkerThread::Adopt(std::unique_ptr<TWorkerThread> thread) {
   TWorkerThread& self = *thread;
   const std::lock_guard<std::mutex> hold(self.m_ownerMutex);
-  if (!self.m_abandoned) self.m_self = std::move(thread);
+  if (!self.m_abandoned)
+    self.m_self = std::move(thread);
 }
 
 void TWorkerThread::Run() {
@@ -26,12 +28,14 @@ void TWorkerThread::Run() {
   } catch (...) {
     m_fatalException = std::current_exception();
   }
-  if (!m_uiThread.Post([this] { Finish(); })) AbandonUserInterface();
+  if (!m_uiThread.Post([this] { Finish(); }))
+    AbandonUserInterface();
 }
 
 void TWorkerThread::Finish() {
   m_thread.join();
-  if (m_endHandler) m_endHandler(*this);
+  if (m_endHandler)
+    m_endHandler(*this);
   const std::unique_ptr<TWorkerThread> self = std::move(m_self);
 }
 
@@ -43,5 +47,6 @@ void TWorkerThread::AbandonUserInterface() {
 }
 
 void TWorkerThread::Synchronize(const std::function<void()>& routine) {
-  if (!m_uiThread.Send(routine)) Terminate();
+  if (!m_uiThread.Send(routine))
+    Terminate();
 }

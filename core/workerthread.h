@@ -1,4 +1,5 @@
-// Base class of the worker threads: a body, a terminate flag and a synchronous call on the user-interface thread.
+// Base class of the worker threads: a body, a terminate flag and a synchronous call on the user-interface
+// thread.
 #pragma once
 
 #include <atomic>
@@ -16,8 +17,8 @@ class TWorkerThread {
   // Runs on the user-interface thread after Execute has ended, also when Execute threw.
   using TEndHandler = std::function<void(TWorkerThread&)>;
 
-  // Creates a thread that is its own owner: it frees itself on the user-interface thread after its end handler, and
-  // the reference answered here is good until then. Called on the user-interface thread.
+  // Creates a thread that is its own owner: it frees itself on the user-interface thread after its end
+  // handler, and the reference answered here is good until then. Called on the user-interface thread.
   template <typename TThread, typename... TArguments>
   static TThread& Launch(TArguments&&... arguments) {
     auto thread = std::make_unique<TThread>(std::forward<TArguments>(arguments)...);
@@ -32,14 +33,21 @@ class TWorkerThread {
   TWorkerThread& operator=(const TWorkerThread&) = delete;
 
   // Asks the body to end at its next check.
-  void Terminate() { m_terminated = true; }
-  bool Terminated() const { return m_terminated; }
+  void Terminate() {
+    m_terminated = true;
+  }
+  bool Terminated() const {
+    return m_terminated;
+  }
 
   // What ended Execute early, for the end handler; null after a normal end.
-  std::exception_ptr FatalException() const { return m_fatalException; }
+  std::exception_ptr FatalException() const {
+    return m_fatalException;
+  }
 
  protected:
-  explicit TWorkerThread(TUiThread& uiThread) : m_uiThread(uiThread) {}
+  explicit TWorkerThread(TUiThread& uiThread) : m_uiThread(uiThread) {
+  }
 
   // The last statement of the most derived constructor: the body runs from here on.
   void Start();
@@ -47,10 +55,12 @@ class TWorkerThread {
   virtual void Execute() = 0;
 
   // Called by Execute, or before Start.
-  void SetOnTerminate(TEndHandler handler) { m_endHandler = std::move(handler); }
+  void SetOnTerminate(TEndHandler handler) {
+    m_endHandler = std::move(handler);
+  }
 
-  // Runs routine on the user-interface thread and waits for it. When the user interface is gone for good the routine
-  // does not run and the thread is told to terminate.
+  // Runs routine on the user-interface thread and waits for it. When the user interface is gone for good the
+  // routine does not run and the thread is told to terminate.
   void Synchronize(const std::function<void()>& routine);
 
  private:
@@ -63,7 +73,8 @@ class TWorkerThread {
   std::atomic<bool> m_terminated = false;
   TEndHandler m_endHandler;
   std::exception_ptr m_fatalException;
-  std::mutex m_ownerMutex;  // guards the two below between Launch and a body that ends without a user interface
+  std::mutex
+      m_ownerMutex;  // guards the two below between Launch and a body that ends without a user interface
   std::unique_ptr<TWorkerThread> m_self;
   bool m_abandoned = false;
   std::thread m_thread;
