@@ -1,0 +1,9 @@
+#include "core/lettercase.h"
+
+#include "platform/memory/lettercasetable.h"
+
+const TLetterCaseTable& SystemLetterCase() {
+  static const TLetterCaseTable table = {ExpandLetterCase(kUpperCaseRanges),
+                                         ExpandLetterCase(kLowerCaseRanges)};
+  return table;
+}
