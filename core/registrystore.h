@@ -26,7 +26,7 @@ class RegistryStore {
   virtual bool OpenKey(TextView path, bool canCreate) = 0;
   virtual void CloseKey() = 0;
 
-  // Tests a key without opening it; paths as in OpenKey.
+  // Tests a key without opening it; paths as in OpenKey. A key that the user may not open exists all the same.
   virtual bool KeyExists(TextView path) = 0;
 
   // The open key's values. The empty name is the default value, and a name of one NUL unit means the same to

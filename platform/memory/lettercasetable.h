@@ -355,7 +355,8 @@ inline constexpr TLetterCaseRange kLowerCaseRanges[] = {
 // One direction of the table that the ranges say.
 constexpr std::array<char16_t, 0x10000> ExpandLetterCase(std::span<const TLetterCaseRange> ranges) {
   std::array<char16_t, 0x10000> mapped{};
-  for (std::size_t unit = 0; unit < mapped.size(); ++unit) mapped[unit] = static_cast<char16_t>(unit);
+  for (std::size_t unit = 0; unit < mapped.size(); ++unit)
+    mapped[unit] = static_cast<char16_t>(unit);
   for (const TLetterCaseRange& range : ranges) {
     for (int unit = range.First; unit <= range.Last; unit += range.Stride)
       mapped[static_cast<std::size_t>(unit)] = static_cast<char16_t>(unit + range.Delta);
