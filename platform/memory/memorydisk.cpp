@@ -1,0 +1,360 @@
+#include "platform/memory/memorydisk.h"
+
+#include <algorithm>
+
+#include "core/machine.h"
+
+namespace {
+
+bool IsDeviceName(TextView name) {
+  static const std::set<Text> kDevices = {u"CON", u"PRN", u"AUX", u"NUL"};
+  const Text stem = UpperCase(Trim(CutAt(u".", name)));
+  if (kDevices.count(stem) != 0)
+    return true;
+  const bool numbered = stem.size() == 4 && stem[3] >= u'1' && stem[3] <= u'9';
+  return numbered && (stem.substr(0, 3) == u"COM" || stem.substr(0, 3) == u"LPT");
+}
+
+bool HasWildcard(TextView path) {
+  return path.find_first_of(u"*?") != TextView::npos;
+}
+
+// "*" and "?" as FindFirstFile takes them in one name.
+bool Matches(TextView pattern, TextView name) {
+  if (pattern.empty())
+    return name.empty();
+  if (pattern.front() == u'*') {
+    for (std::size_t skip = 0; skip <= name.size(); ++skip) {
+      if (Matches(pattern.substr(1), name.substr(skip)))
+        return true;
+    }
+    return false;
+  }
+  if (name.empty())
+    return false;
+  const bool same = pattern.front() == u'?' || UpperUnit(pattern.front()) == UpperUnit(name.front());
+  return same && Matches(pattern.substr(1), name.substr(1));
+}
+
+TMemoryFile* EntryOf(const TMemoryFile& folder, TextView name) {
+  const auto found = folder.Entries.find(UpperCase(name));
+  if (found != folder.Entries.end())
+    return found->second.get();
+  for (const auto& [upperName, entry] : folder.Entries) {
+    if (!entry->ShortName.empty() && EqualIgnoringCase(entry->ShortName, name))
+      return entry.get();
+  }
+  return nullptr;
+}
+
+void CollectBelow(const TMemoryFile& folder, const Text& path, std::vector<Text>& paths) {
+  for (const auto& [upperName, entry] : folder.Entries) {
+    const Text entryPath = path + u"\\" + entry->Name;
+    paths.push_back(entryPath);
+    CollectBelow(*entry, entryPath, paths);
+  }
+}
+
+TSystemError Error(std::uint32_t code) {
+  return TSystemError{code};
+}
+
+}  // namespace
+
+TMemoryDisk::TMemoryDisk() {
+  AddDrive(u"C:\\", kDriveFixed);
+}
+
+void TMemoryDisk::AddDrive(TextView root, std::uint32_t driveType) {
+  TDrive& drive = m_drives[UpperCase(root.substr(0, 2))];
+  drive.Type = driveType;
+  drive.Root.Name = Text(root.substr(0, 2));
+  drive.Root.IsFolder = true;
+}
+
+void TMemoryDisk::AddFolder(TextView path) {
+  Create(path, true);
+}
+
+void TMemoryDisk::AddFile(TextView path, std::string_view content) {
+  Create(path, false).Bytes.assign(content.begin(), content.end());
+}
+
+void TMemoryDisk::SetShortName(TextView path, TextView shortName) {
+  Find(path)->ShortName = Text(shortName);
+}
+void TMemoryDisk::MakeLink(TextView path) {
+  Find(path)->IsLink = true;
+}
+void TMemoryDisk::MakeUnreadable(TextView path) {
+  Find(path)->IsUnreadable = true;
+}
+
+void TMemoryDisk::Remove(TextView path) {
+  const std::vector<Text> names = Components(path);
+  TMemoryFile* parent = Find(FolderOf(path));
+  if (parent != nullptr)
+    parent->Entries.erase(UpperCase(names.back()));
+}
+
+void TMemoryDisk::SetEnvironmentVariable(TextView name, TextView value) {
+  m_environment.insert_or_assign(Text(name), Text(value));
+}
+
+void TMemoryDisk::RedirectFolder(TextView redirectedFolder, TextView targetFolder) {
+  m_redirections.push_back({UpperCase(redirectedFolder), Text(targetFolder)});
+  SetEnvironmentVariable(u"ProgramFiles(x86)", u"C:\\Program Files (x86)");
+}
+
+std::optional<std::string> TMemoryDisk::Content(TextView path) const {
+  const TMemoryFile* file = Find(path);
+  if (file == nullptr || file->IsFolder)
+    return std::nullopt;
+  return std::string(file->Bytes.begin(), file->Bytes.end());
+}
+
+std::vector<Text> TMemoryDisk::AllBelow(TextView folder) const {
+  std::vector<Text> paths;
+  const TMemoryFile* file = Find(folder);
+  if (file != nullptr)
+    CollectBelow(*file, Text(folder.substr(0, folder.find_last_not_of(u'\\') + 1)), paths);
+  return paths;
+}
+
+// The names below the drive, the drive first; empty for a path that leads nowhere.
+std::vector<Text> TMemoryDisk::Components(TextView path) const {
+  std::vector<Text> names;
+  const bool absolute = path.size() >= 3 && path[1] == u':' && (path[2] == u'\\' || path[2] == u'/');
+  if (!absolute)
+    return names;
+  while (!path.empty()) {
+    const std::size_t end = path.find_first_of(u"\\/");
+    TextView name = path.substr(0, end);
+    path.remove_prefix(end == TextView::npos ? path.size() : end + 1);
+    if (name == u"..") {
+      if (names.size() > 1)
+        names.pop_back();
+      continue;
+    }
+    while (!name.empty() && (name.back() == u'.' || name.back() == u' '))
+      name.remove_suffix(1);
+    if (!name.empty())
+      names.emplace_back(name);
+  }
+  return names;
+}
+
+TMemoryFile* TMemoryDisk::Find(TextView path) const {
+  std::vector<Text> names = Components(path);
+  if (names.empty() || HasWildcard(path))
+    return nullptr;
+  if (m_redirectionOff == 0) {
+    Text joined;
+    for (const Text& name : names)
+      joined += (joined.empty() ? u"" : u"\\") + name;
+    for (const TRedirection& redirection : m_redirections) {
+      const Text upper = UpperCase(joined);
+      const bool inside = upper == redirection.From || upper.starts_with(redirection.From + u"\\");
+      if (inside)
+        names = Components(redirection.To + joined.substr(redirection.From.size()));
+    }
+  }
+  const auto drive = m_drives.find(UpperCase(names.front()));
+  if (drive == m_drives.end())
+    return nullptr;
+  const TMemoryFile* file = &drive->second.Root;
+  for (std::size_t i = 1; i < names.size() && file != nullptr; ++i)
+    file = EntryOf(*file, names[i]);
+  return const_cast<TMemoryFile*>(file);
+}
+
+TMemoryFile& TMemoryDisk::Create(TextView path, bool isFolder) {
+  const std::vector<Text> names = Components(path);
+  TMemoryFile* file = &m_drives[UpperCase(names.front())].Root;
+  for (std::size_t i = 1; i < names.size(); ++i) {
+    TMemoryFile* entry = EntryOf(*file, names[i]);
+    if (entry == nullptr) {
+      std::unique_ptr<TMemoryFile>& created = file->Entries[UpperCase(names[i])];
+      created = std::make_unique<TMemoryFile>();
+      created->Name = names[i];
+      created->IsFolder = isFolder || i + 1 < names.size();
+      entry = created.get();
+    }
+    file = entry;
+  }
+  return *file;
+}
+
+void TMemoryDisk::Note(std::string_view what, TextView path) const {
+  if (m_journal != nullptr)
+    m_journal->Add(std::string(what) + " " + EncodeUtf8(path));
+}
+
+bool TMemoryDisk::FileExists(TextView path) {
+  ++m_questions;
+  const TMemoryFile* file = Find(path);
+  return file != nullptr && !file->IsFolder;
+}
+
+bool TMemoryDisk::DirectoryExists(TextView path) {
+  ++m_questions;
+  const TMemoryFile* file = Find(path);
+  return file != nullptr && file->IsFolder;
+}
+
+std::optional<Text> TMemoryDisk::GetLongPathName(TextView path) {
+  const std::vector<Text> names = Components(path);
+  if (names.empty() || Find(path) == nullptr)
+    return std::nullopt;
+  Text longPath = names.front();
+  const TMemoryFile* file = &m_drives.at(UpperCase(names.front())).Root;
+  for (std::size_t i = 1; i < names.size() && file != nullptr; ++i) {
+    file = EntryOf(*file, names[i]);
+    if (file != nullptr)
+      longPath += u"\\" + file->Name;
+  }
+  const bool keepsSeparator = names.size() == 1 || path.back() == u'\\';
+  return keepsSeparator ? WithTrailingBackslash(longPath) : longPath;
+}
+
+std::size_t TMemoryDisk::GetLogicalDriveStrings(std::size_t bufferLength, Text& roots) {
+  Text all;
+  for (const auto& [name, drive] : m_drives)
+    all += name + u"\\" + u'\0';
+  if (all.size() <= bufferLength)
+    roots = all;
+  return all.size();
+}
+
+std::uint32_t TMemoryDisk::GetDriveType(TextView root) {
+  constexpr std::uint32_t kNoRootDir = 1;
+  const auto drive = m_drives.find(UpperCase(root.substr(0, 2)));
+  return drive == m_drives.end() ? kNoRootDir : drive->second.Type;
+}
+
+Text TMemoryDisk::GetEnvironmentVariable(TextView name) {
+  const auto found = m_environment.find(name);
+  return found == m_environment.end() ? Text() : found->second;
+}
+
+bool TMemoryDisk::Wow64DisableWow64FsRedirection() {
+  if (m_redirections.empty())
+    return false;
+  ++m_redirectionOff;
+  ++m_redirectionSwitches;
+  return true;
+}
+
+void TMemoryDisk::Wow64RevertWow64FsRedirection() {
+  if (!m_redirections.empty())
+    --m_redirectionOff;
+}
+
+std::int64_t TMemoryDisk::FileSize(TextView path) {
+  const std::size_t nameStart = LastPos(u"\\", path);
+  const TMemoryFile* folder = Find(path.substr(0, nameStart));
+  if (folder == nullptr)
+    return 0;
+  for (const auto& [upperName, entry] : folder->Entries) {
+    if (Matches(path.substr(nameStart), entry->Name))
+      return static_cast<std::int64_t>(entry->Bytes.size());
+  }
+  return 0;
+}
+
+FileSystemProbe::TListing TMemoryDisk::ListFolder(TextView folder, std::vector<TFolderEntry>& entries) {
+  ++m_questions;
+  const TMemoryFile* file = Find(folder);
+  if (file == nullptr || !file->IsFolder)
+    return TListing::Missing;
+  if (file->IsUnreadable)
+    return TListing::Unreadable;
+  entries.clear();
+  for (const auto& [upperName, entry] : file->Entries) {
+    entries.push_back({entry->Name, entry->ShortName, entry->IsFolder, entry->IsLink});
+  }
+  return TListing::Listed;
+}
+
+TSystemError TMemoryDisk::ReadFile(TextView path, std::vector<std::uint8_t>& bytes) {
+  const TMemoryFile* file = Find(path);
+  if (file == nullptr)
+    return Error(Find(FolderOf(path)) == nullptr ? kErrorPathNotFound : kErrorFileNotFound);
+  if (file->IsFolder || file->IsUnreadable)
+    return Error(kErrorAccessDenied);
+  if (m_readFailure != 0)
+    return Error(m_readFailure);
+  bytes = file->Bytes;
+  return {};
+}
+
+TSystemError TMemoryDisk::ReplaceFile(TextView path, std::span<const std::uint8_t> bytes) {
+  const TMemoryFile* folder = Find(FolderOf(path));
+  if (folder == nullptr || !folder->IsFolder)
+    return Error(kErrorPathNotFound);
+  const TMemoryFile* existing = Find(path);
+  if (existing != nullptr && existing->IsFolder)
+    return Error(kErrorAccessDenied);
+  if (m_replaceFailure != 0)
+    return Error(m_replaceFailure);
+  Note("replace file", path);
+  TMemoryFile& file = Create(path, false);
+  file.IsLink = false;
+  file.Bytes.assign(bytes.begin(), bytes.end());
+  if (m_corruptWrites && !file.Bytes.empty())
+    file.Bytes.back() ^= 1;
+  return {};
+}
+
+TSystemError TMemoryDisk::MoveFile(TextView from, TextView to) {
+  const TMemoryFile* source = Find(from);
+  if (source == nullptr)
+    return Error(kErrorFileNotFound);
+  if (Find(to) != nullptr)
+    return Error(kErrorAlreadyExists);
+  if (Find(FolderOf(to)) == nullptr)
+    return Error(kErrorPathNotFound);
+  Note("move file", from);
+  Create(to, source->IsFolder).Bytes = source->Bytes;
+  Remove(from);
+  return {};
+}
+
+TSystemError TMemoryDisk::DeleteFile(TextView path) {
+  const TMemoryFile* file = Find(path);
+  if (file == nullptr)
+    return Error(kErrorFileNotFound);
+  if (file->IsFolder)
+    return Error(kErrorAccessDenied);
+  if (m_deleteFailure != 0)
+    return Error(m_deleteFailure);
+  Note("delete file", path);
+  Remove(path);
+  return {};
+}
+
+TSystemError TMemoryDisk::MakeFolders(TextView path) {
+  const std::vector<Text> names = Components(path);
+  if (names.empty() || m_drives.find(UpperCase(names.front())) == m_drives.end())
+    return Error(kErrorPathNotFound);
+  if (m_folderFailure != 0)
+    return Error(m_folderFailure);
+  const TMemoryFile* existing = Find(path);
+  if (existing != nullptr)
+    return Error(existing->IsFolder ? 0 : kErrorAlreadyExists);
+  Create(path, true);
+  return {};
+}
+
+TFileInfo TMemoryDisk::Info(TextView path) {
+  TFileInfo info;
+  info.IsDevice = IsDeviceName(path.substr(LastPos(u"\\", path)));
+  const TMemoryFile* file = Find(path);
+  if (file == nullptr || info.IsDevice)
+    return info;
+  info.Exists = true;
+  info.IsFolder = file->IsFolder;
+  info.IsLink = file->IsLink;
+  info.Size = static_cast<std::int64_t>(file->Bytes.size());
+  return info;
+}

@@ -1,0 +1,222 @@
+#include "platform/memory/memorysystem.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace {
+
+// What code page 1252 says with the bytes 0x80 to 0x9F; 0 where it says nothing, and Windows takes the
+// control character of the same number.
+constexpr std::array<char16_t, 32> kCodePage1252 = {
+    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
+
+constexpr char16_t kFirstOwn = 0x80;
+
+char16_t UnitOf(unsigned char byte) {
+  if (byte < kFirstOwn || byte >= kFirstOwn + kCodePage1252.size())
+    return byte;
+  const char16_t unit = kCodePage1252[byte - kFirstOwn];
+  return unit == 0 ? byte : unit;
+}
+
+std::optional<char> ByteOf(char16_t unit) {
+  for (int byte = 0; byte < 256; ++byte) {
+    if (UnitOf(static_cast<unsigned char>(byte)) == unit)
+      return static_cast<char>(static_cast<unsigned char>(byte));
+  }
+  return std::nullopt;
+}
+
+Text TwoDigits(std::int64_t number) {
+  return (number < 10 ? u"0" : u"") + DecimalText(number);
+}
+
+struct TDate {
+  std::int64_t Year;
+  std::int64_t Month;
+  std::int64_t Day;
+};
+
+// The proleptic Gregorian date of a day count from 30 December 1899.
+TDate DateOf(TDateTime time) {
+  constexpr std::int64_t kDaysFromMarchOfYearZero = 693899;  // from 1 March of year 0 to 30 December 1899
+  const std::int64_t days = static_cast<std::int64_t>(std::floor(time)) + kDaysFromMarchOfYearZero;
+  const std::int64_t era = days / 146097;
+  const std::int64_t dayOfEra = days % 146097;
+  const std::int64_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+  const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+  const std::int64_t marchMonth = (5 * dayOfYear + 2) / 153;
+  const std::int64_t month = marchMonth < 10 ? marchMonth + 3 : marchMonth - 9;
+  return {yearOfEra + era * 400 + (month <= 2 ? 1 : 0), month, dayOfYear - (153 * marchMonth + 2) / 5 + 1};
+}
+
+std::string Said(std::initializer_list<TextView> words) {
+  std::string line;
+  for (const TextView word : words)
+    line += (line.empty() ? "" : " ") + EncodeUtf8(word);
+  return line;
+}
+
+std::string Number(std::intptr_t number) {
+  return std::to_string(number);
+}
+
+TWindowHandle WindowOf(const std::map<Text, TWindowHandle>& windows, TextView className) {
+  const auto found = windows.find(Text(className));
+  return found == windows.end() ? 0 : found->second;
+}
+
+class TMemoryLock : public THeldLock {
+ public:
+  explicit TMemoryLock(std::mutex& mutex) : m_lock(mutex) {
+  }
+
+ private:
+  std::unique_lock<std::mutex> m_lock;
+};
+
+}  // namespace
+
+Text TMemoryMachine::GetSystemDirectory(std::size_t bufferLength) {
+  return SystemDirectory.size() < bufferLength ? SystemDirectory : Text();
+}
+
+Text TMemoryLocale::FormatShortDate(TDateTime time) {
+  const TDate date = DateOf(time);
+  return DecimalText(date.Month) + u"/" + DecimalText(date.Day) + u"/" + DecimalText(date.Year);
+}
+
+Text TMemoryLocale::FormatLongTime(TDateTime time) {
+  const auto seconds = static_cast<std::int64_t>(std::llround((time - std::floor(time)) * 86400.0)) % 86400;
+  const std::int64_t hour = seconds / 3600;
+  const std::int64_t shown = hour % 12 == 0 ? 12 : hour % 12;
+  return DecimalText(shown) + u":" + TwoDigits(seconds / 60 % 60) + u":" + TwoDigits(seconds % 60) +
+         (hour < 12 ? u" AM" : u" PM");
+}
+
+Text TMemoryLocale::DecodeAnsi(std::string_view bytes) {
+  Text text;
+  for (const char byte : bytes)
+    text.push_back(UnitOf(static_cast<unsigned char>(byte)));
+  return text;
+}
+
+std::string TMemoryLocale::EncodeAnsi(TextView text) {
+  std::string bytes;
+  for (const char16_t unit : text)
+    bytes.push_back(ByteOf(unit).value_or('?'));
+  return bytes;
+}
+
+std::optional<std::string> TMemoryLocale::EncodeAnsiExact(TextView text) {
+  std::string bytes;
+  for (const char16_t unit : text) {
+    const std::optional<char> byte = ByteOf(unit);
+    if (!byte)
+      return std::nullopt;
+    bytes.push_back(*byte);
+  }
+  return bytes;
+}
+
+Text TMemoryLocale::SystemMessage(std::uint32_t code) {
+  return u"System message " + DecimalText(code) + u".";
+}
+
+void TMemoryClock::Sleep(std::chrono::milliseconds duration) {
+  constexpr double kMillisecondsADay = 86400000.0;
+  Slept += duration;
+  Time += static_cast<double>(duration.count()) / kMillisecondsADay;
+}
+
+TAnswer TMemoryShell::ShowMessage(TextView text, TextView title, TMessageKind kind) {
+  const TextView name = kind == TMessageKind::Question  ? u"question"
+                        : kind == TMessageKind::Failure ? u"failure"
+                                                        : u"information";
+  Calls.push_back(Said({name, title, u"|", text}));
+  if (kind != TMessageKind::Question)
+    return TAnswer::Ok;
+  if (Answers.empty())
+    return TAnswer::No;
+  const TAnswer answer = Answers.front();
+  Answers.pop_front();
+  return answer;
+}
+
+void TMemoryShell::Execute(TextView verb, TextView target) {
+  Calls.push_back(Said({u"execute", verb, target}));
+}
+
+bool TMemoryShell::ExecuteAndWaitForIdle(TextView verb, TextView program) {
+  Calls.push_back(Said({u"start", verb, program}));
+  if (Starts)
+    TopLevelWindows.insert(WindowsOnceStarted.begin(), WindowsOnceStarted.end());
+  return Starts;
+}
+
+bool TMemoryShell::ShowProperties(TextView path, std::uint32_t mask) {
+  Calls.push_back(Said({u"properties", path}) + " " + std::to_string(mask));
+  return Starts;
+}
+
+void TMemoryShell::ShowHelpTopic(TextView helpFile, TextView topic) {
+  Calls.push_back(Said({u"help", helpFile, topic}));
+}
+
+TWindowHandle TMemoryShell::FindTopLevelWindow(TextView className) {
+  return WindowOf(TopLevelWindows, className);
+}
+
+TWindowHandle TMemoryShell::FindChildWindow(TWindowHandle parent, TextView className, bool deep) {
+  return parent == 0 ? 0 : WindowOf(deep ? DeepChildren : DirectChildren, className);
+}
+
+void TMemoryShell::ShowWindow(TWindowHandle window) {
+  Calls.push_back("show " + std::to_string(window));
+}
+void TMemoryShell::BringToForeground(TWindowHandle window) {
+  Calls.push_back("foreground " + std::to_string(window));
+}
+void TMemoryShell::SetFocus(TWindowHandle window) {
+  Calls.push_back("focus " + std::to_string(window));
+}
+
+void TMemoryShell::SendMessage(TWindowHandle window, std::uint32_t message, std::uintptr_t wParam,
+                               std::intptr_t lParam) {
+  Calls.push_back("message " + std::to_string(window) + " " + std::to_string(message) + " " +
+                  std::to_string(wParam) + " " + Number(lParam));
+}
+
+bool TMemoryShell::OpensWithFullAccess(std::uint32_t rootKey, TextView subKey) {
+  const std::string key = std::to_string(rootKey) + ":" + EncodeUtf8(subKey);
+  return std::find(FullAccessKeys.begin(), FullAccessKeys.end(), key) != FullAccessKeys.end();
+}
+
+std::unique_ptr<THeldLock> TMemoryInterprocess::Lock(TextView) {
+  return std::make_unique<TMemoryLock>(m_mutex);
+}
+
+void TMemorySystem::AddUsualFolders() {
+  Disk.SetEnvironmentVariable(u"windir", u"C:\\Windows");
+  Disk.SetEnvironmentVariable(u"APPDATA", u"C:\\Users\\Ann\\AppData");
+  Disk.SetEnvironmentVariable(u"ProgramFiles", u"C:\\Program Files");
+  Disk.SetEnvironmentVariable(u"CommonProgramFiles", u"C:\\Program Files\\Common Files");
+  Disk.SetEnvironmentVariable(u"TEMP", u"C:\\Users\\Ann\\Temp");
+  Disk.SetEnvironmentVariable(u"ALLUSERSPROFILE", u"C:\\Users\\All");
+  Disk.SetEnvironmentVariable(u"USERPROFILE", u"C:\\Users\\Ann");
+  Disk.SetEnvironmentVariable(u"Path", u"C:\\Windows;C:\\Tools");
+  for (const TextView folder :
+       {u"C:\\Windows\\system32", u"C:\\Windows\\fonts", u"C:\\Program Files\\Common Files",
+        u"C:\\Program Files\\Internet Explorer", u"C:\\Program Files\\Tessaly", u"C:\\Users\\Ann\\AppData",
+        u"C:\\Users\\Ann\\Temp", u"C:\\Users\\All", u"C:\\Tools"}) {
+    Disk.AddFolder(folder);
+  }
+}
+
+void TMemorySystem::KeepJournal(TJournal& journal) {
+  Registry.SetJournal(&journal);
+  Disk.SetJournal(&journal);
+}

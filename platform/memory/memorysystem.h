@@ -1,0 +1,125 @@
+// The whole system in memory, for tests, fuzzers and benchmarks.
+#pragma once
+
+#include <deque>
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "core/system.h"
+#include "platform/memory/memorydisk.h"
+#include "platform/memory/memoryregistry.h"
+
+class TMemoryMachine : public TMachine {
+ public:
+  TSystemVersion GetVersion() override {
+    return Version;
+  }
+  Text GetSystemDirectory(std::size_t bufferLength) override;
+  Text ProgramFile() override {
+    return Program;
+  }
+
+  TSystemVersion Version = {5, 1, false};
+  Text SystemDirectory = u"C:\\Windows\\system32";
+  Text Program = u"C:\\Program Files\\Tessaly\\corvalt.exe";
+};
+
+// An English locale on code page 1252, unless a test says otherwise.
+class TMemoryLocale : public TLocale {
+ public:
+  Text DecimalSeparator() override {
+    return Decimal;
+  }
+  Text ThousandsSeparator() override {
+    return Thousands;
+  }
+  Text FormatShortDate(TDateTime time) override;
+  Text FormatLongTime(TDateTime time) override;
+  Text DecodeAnsi(std::string_view bytes) override;
+  std::string EncodeAnsi(TextView text) override;
+  std::optional<std::string> EncodeAnsiExact(TextView text) override;
+  Text SystemMessage(std::uint32_t code) override;
+
+  Text Decimal = u".";
+  Text Thousands = u",";
+};
+
+class TMemoryClock : public TClock {
+ public:
+  TDateTime Now() override {
+    return Time;
+  }
+  // Moves the clock instead of waiting.
+  void Sleep(std::chrono::milliseconds duration) override;
+
+  TDateTime Time = 46341.5;
+  std::chrono::milliseconds Slept{0};
+};
+
+// Answers from a script and remembers what it was asked, one line a call.
+class TMemoryShell : public Shell {
+ public:
+  TAnswer ShowMessage(TextView text, TextView title, TMessageKind kind) override;
+  void Execute(TextView verb, TextView target) override;
+  bool ExecuteAndWaitForIdle(TextView verb, TextView program) override;
+  bool ShowProperties(TextView path, std::uint32_t mask) override;
+  void ShowHelpTopic(TextView helpFile, TextView topic) override;
+  TWindowHandle FindTopLevelWindow(TextView className) override;
+  TWindowHandle FindChildWindow(TWindowHandle parent, TextView className, bool deep) override;
+  void ShowWindow(TWindowHandle window) override;
+  void BringToForeground(TWindowHandle window) override;
+  void SetFocus(TWindowHandle window) override;
+  void SendMessage(TWindowHandle window, std::uint32_t message, std::uintptr_t wParam,
+                   std::intptr_t lParam) override;
+  std::uint32_t FirstDisplayModeBitsPerPixel() override {
+    return BitsPerPixel;
+  }
+  bool OpensWithFullAccess(std::uint32_t rootKey, TextView subKey) override;
+
+  // The answers to the questions to come; No when none is left.
+  std::deque<TAnswer> Answers;
+  bool Starts = true;
+  std::uint32_t BitsPerPixel = 32;
+  std::map<Text, TWindowHandle> TopLevelWindows;     // by class
+  std::map<Text, TWindowHandle> DirectChildren;      // by class
+  std::map<Text, TWindowHandle> DeepChildren;        // by class
+  std::map<Text, TWindowHandle> WindowsOnceStarted;  // appear when a program is started
+  std::vector<std::string> FullAccessKeys;           // "2147483649:Software\Foo" for what opens
+  std::vector<std::string> Calls;
+};
+
+class TMemoryInterprocess : public TInterprocess {
+ public:
+  std::unique_ptr<THeldLock> Lock(TextView name) override;
+
+ private:
+  std::mutex m_mutex;
+};
+
+class TMemorySystem {
+ public:
+  explicit TMemorySystem(TNameOrder order = TNameOrder::Windows) : Registry(order), Raw(Registry) {
+  }
+
+  // Good as long as this object.
+  TSystem Bundle() {
+    return {Registry, Raw, Disk, Disk, Machine, Locale, Clock, Shell, Interprocess};
+  }
+
+  // The usual variables and folders of a Windows XP machine: C:\Windows, C:\Program Files, a user "Ann".
+  void AddUsualFolders();
+
+  // Writes every change of the registry and the disk into one journal.
+  void KeepJournal(TJournal& journal);
+
+  TMemoryRegistry Registry;
+  TMemoryRawRegistry Raw;
+  TMemoryDisk Disk;
+  TMemoryMachine Machine;
+  TMemoryLocale Locale;
+  TMemoryClock Clock;
+  TMemoryShell Shell;
+  TMemoryInterprocess Interprocess;
+};
