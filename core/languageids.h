@@ -133,8 +133,8 @@ enum class TextId : std::int32_t {
   BackupDamaged = 40011,               // Argument: the row of the backup.
   BackupUnreadable = 40012,            // Arguments: the row of the backup, the reason.
   BackupNotRemoved = 40013,            // Arguments: the row of the backup, the reason.
-  RestoreIncomplete =
-      40014,  // Argument: the row of the backup. One or both of the next two follow on lines of their own.
+  // Argument: the row of the backup. One or both of the next two follow, on lines of their own.
+  RestoreIncomplete = 40014,
   LinesSkipped = 40015,       // Argument: their number.
   EntriesNotWritten = 40016,  // Argument: their number.
 

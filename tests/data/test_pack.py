@@ -1,0 +1,328 @@
+"""The packer of the data files: what it writes, and that it refuses each kind of malformed source.
+
+Runs from the top of the project: python3 -m unittest discover -s tests/data
+"""
+
+import contextlib
+import io
+import os
+import sys
+import tempfile
+import unittest
+import xml.etree.ElementTree as ElementTree
+import zlib
+
+TOP = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+DATA = os.path.join(TOP, "data")
+sys.path.insert(0, DATA)
+
+import pack  # noqa: E402
+
+EXCLUSIONS = os.path.join(DATA, "exclusions.txt")
+TRACES = os.path.join(DATA, "adware-traces.tsv")
+HEADER = "program\tkind\ttrace\tsource\tconfidence\n"
+CLASS_ID = "{0123ABCD-4567-89AB-CDEF-0123456789AB}"
+
+
+def unpacked(content):
+    """What a reader of a data file sees: two bytes skipped, one zlib stream, nothing after it."""
+    stream = zlib.decompressobj()
+    text = stream.decompress(content[2:])
+    assert stream.eof and not stream.unused_data
+    return text.decode("utf-8")
+
+
+def entries_as_the_program_reads_them(text):
+    """Trimmed lines, without empty ones, comments and remarks."""
+    lines = (line.strip() for line in text.splitlines())
+    return [line.split("//")[0].strip() for line in lines if line and not line.startswith(";")]
+
+
+def traces_as_the_program_reads_them(xml):
+    """(program, kind, trace) of every child of every group but its first, which is the name."""
+    found = []
+    for group in ElementTree.fromstring(xml.encode("utf-8")):
+        program = group[0].text
+        found.extend((program, child.tag, child.text) for child in group[1:])
+    return found
+
+
+def source_columns():
+    with open(TRACES, encoding="utf-8") as file:
+        return [tuple(line.rstrip("\n").split("\t")) for line in file][1:]
+
+
+def probe_of(kind, trace):
+    """The lower-case text that the scan compares the exclusions with, for a trace that was found."""
+    if kind == "SERVICE":
+        key, value = "HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\" + trace, ""
+    elif kind == "BHO":
+        helpers = "\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Browser Helper Objects\\"
+        key, value = "HKEY_LOCAL_MACHINE" + helpers + trace, ""
+    elif kind == "TOOLBAR":
+        key, value = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Internet Explorer\\Toolbar", trace
+    else:
+        # The scan joins root and key path of these two kinds without a backslash.
+        root, path = trace.split("\\", 1)
+        path, value = path.rsplit("\\", 1) if kind == "REGVALUE" else (path, "")
+        key = root + path
+    return (key + "\\" + value + "\\").lower()
+
+
+class PackedExclusions(unittest.TestCase):
+    def test_hold_the_entries_of_the_source_and_no_remark(self):
+        with open(EXCLUSIONS, encoding="utf-8") as file:
+            lines = [line.rstrip("\n") for line in file]
+        expected = [line.split(" // ")[0] for line in lines if line and not line.startswith(";")]
+        text = unpacked(pack.pack_exclusions(pack.read_source(EXCLUSIONS)))
+        self.assertGreater(len(expected), 100)
+        self.assertEqual(entries_as_the_program_reads_them(text), expected)
+
+    def test_are_the_same_bytes_each_time(self):
+        text = pack.read_source(EXCLUSIONS)
+        self.assertEqual(pack.pack_exclusions(text), pack.pack_exclusions(text))
+
+
+class PackedTraces(unittest.TestCase):
+    def test_hold_the_traces_of_the_source_in_its_order(self):
+        expected = [(program, kind, trace) for program, kind, trace, _, _ in source_columns()]
+        xml = unpacked(pack.pack_traces(pack.read_source(TRACES)))
+        self.assertGreater(len(expected), 2000)
+        self.assertEqual(traces_as_the_program_reads_them(xml), expected)
+
+    def test_have_one_group_a_program_and_its_name_first_under_a_name_that_is_no_kind(self):
+        xml = unpacked(pack.pack_traces(pack.read_source(TRACES)))
+        groups = list(ElementTree.fromstring(xml.encode("utf-8")))
+        self.assertEqual(len(groups), len({program for program, *_ in source_columns()}))
+        for group in groups:
+            self.assertNotIn(group[0].tag.upper(), pack.KINDS)
+            self.assertGreater(len(group), 1)
+
+    def test_escape_what_xml_would_misread(self):
+        line = "A & B <x>\tREGKEY\tHKEY_CURRENT_USER\\Software\\A&B <\"x\">]]>\tseen\thigh\n"
+        xml = unpacked(pack.pack_traces(HEADER + line))
+        trace = "HKEY_CURRENT_USER\\Software\\A&B <\"x\">]]>"
+        self.assertEqual(traces_as_the_program_reads_them(xml), [("A & B <x>", "REGKEY", trace)])
+
+    def test_of_an_empty_catalogue_are_a_root_without_groups(self):
+        self.assertEqual(traces_as_the_program_reads_them(unpacked(pack.pack_traces(HEADER))), [])
+
+    def test_are_the_same_bytes_each_time(self):
+        text = pack.read_source(TRACES)
+        self.assertEqual(pack.pack_traces(text), pack.pack_traces(text))
+
+
+class ExclusionsAndTraces(unittest.TestCase):
+    def test_only_the_logon_key_is_shielded_from_a_trace(self):
+        with open(EXCLUSIONS, encoding="utf-8") as file:
+            entries = [exclusion.entry for exclusion in pack.read_exclusions(file.read())]
+        silenced = [
+            (entry, program)
+            for program, kind, trace, _, _ in source_columns()
+            for entry in entries
+            if entry in probe_of(kind, trace)
+        ]
+        self.assertEqual(silenced, [("\\windows nt\\currentversion\\winlogon", "Look2Me")])
+
+
+class Refusals(unittest.TestCase):
+    def assert_refused(self, read, text, line, part_of_message):
+        with self.assertRaises(pack.Findings) as caught:
+            read(text)
+        matching = [found for found in caught.exception.found if part_of_message in found[1]]
+        self.assertEqual([number for number, _ in matching], [line], caught.exception.found)
+
+
+class MalformedExclusions(Refusals):
+    def assert_exclusion_refused(self, text, part_of_message, line=2):
+        self.assert_refused(pack.read_exclusions, "\\aaa // sound | here\n" + text, line, part_of_message)
+
+    def test_a_sound_entry_passes(self):
+        text = "; remark\n\n\\aaa // sound | here\n\\bbb\\\\ // sound, too | here\n"
+        self.assertEqual([exclusion.entry for exclusion in pack.read_exclusions(text)], ["\\aaa", "\\bbb\\\\"])
+
+    def test_an_entry_without_a_reason(self):
+        self.assert_exclusion_refused("\\bbb\n", "reason")
+        self.assert_exclusion_refused("\\bbb // \n", "reason")
+
+    def test_an_empty_entry(self):
+        self.assert_exclusion_refused(" // why | where\n", "the entry is empty")
+
+    def test_an_entry_between_blanks(self):
+        self.assert_exclusion_refused("\\bbb  // why | where\n", "blank")
+        self.assert_refused(pack.read_exclusions, " \\bbb // why | where\n", 1, "blank")
+
+    def test_an_entry_that_holds_the_mark_of_a_remark(self):
+        self.assert_exclusion_refused("\\bbb//ccc // why | where\n", "'//'")
+
+    def test_an_entry_in_upper_case(self):
+        self.assert_exclusion_refused("\\bbb\\Ccc // why | where\n", "lower case")
+
+    def test_an_entry_with_a_control_character(self):
+        self.assert_exclusion_refused("\\bbb\tccc // why | where\n", "control character")
+        self.assert_exclusion_refused("\\bbb\x01ccc // why | where\n", "control character")
+
+    def test_an_entry_that_stands_there_twice(self):
+        self.assert_exclusion_refused("\\aaa // why | where\n", "already")
+
+    def test_an_entry_that_holds_another(self):
+        self.assert_exclusion_refused("\\bbb\\aaab // why | where\n", "needless")
+
+    def test_an_entry_out_of_order(self):
+        self.assert_exclusion_refused("\\ccc // why | where\n\\bbb // why | where\n", "not sorted", line=3)
+
+    def test_an_entry_that_silences_a_whole_section(self):
+        for place in (
+            "hkey_current_user\\",
+            "\\currentversion\\uninstall",
+            "\\currentversion\\fonts",
+            "\\services\\",
+            "\\start menu2",
+            "hkey_classes_root\\clsid",
+            "\\appevents\\schemes",
+            "\\opensavemru",
+            "arpcache",
+        ):
+            with self.subTest(place):
+                self.assert_refused(
+                    pack.read_exclusions, place + " // why | where\n", 1, "silence the whole section"
+                )
+
+
+class MalformedTraces(Refusals):
+    def assert_trace_refused(self, columns, part_of_message):
+        self.assert_refused(pack.read_traces, HEADER + "\t".join(columns) + "\n", 2, part_of_message)
+
+    def assert_place_refused(self, kind, trace, part_of_message):
+        self.assert_trace_refused(("A", kind, trace, "seen", "high"), part_of_message)
+
+    def test_a_sound_trace_of_each_kind_passes(self):
+        text = HEADER + "".join(
+            f"A\t{kind}\t{trace}\tseen\thigh\n"
+            for kind, trace in (
+                ("SERVICE", "aservice"),
+                ("REGKEY", "HKEY_CURRENT_USER\\Software\\A"),
+                ("REGVALUE", "HKEY_CURRENT_USER\\Software\\A\\name"),
+                ("BHO", CLASS_ID),
+                ("TOOLBAR", CLASS_ID),
+            )
+        )
+        self.assertEqual([trace.kind for trace in pack.read_traces(text)], list(pack.KINDS))
+
+    def test_another_first_line(self):
+        self.assert_refused(pack.read_traces, "program\tkind\ttrace\n", 1, "first line")
+
+    def test_a_missing_column(self):
+        self.assert_trace_refused(("A", "SERVICE", "a", "seen"), "columns")
+
+    def test_an_unknown_kind(self):
+        self.assert_trace_refused(("A", "DRIVER", "a", "seen", "high"), "kind")
+        self.assert_trace_refused(("A", "service", "a", "seen", "high"), "kind")
+
+    def test_an_unknown_confidence(self):
+        self.assert_trace_refused(("A", "SERVICE", "a", "seen", "low"), "confidence")
+
+    def test_an_empty_program(self):
+        self.assert_trace_refused(("", "SERVICE", "a", "seen", "high"), "the program is empty")
+
+    def test_an_empty_trace(self):
+        self.assert_trace_refused(("A", "SERVICE", "", "seen", "high"), "the trace is empty")
+
+    def test_a_missing_source(self):
+        self.assert_trace_refused(("A", "SERVICE", "a", "", "high"), "the source is empty")
+
+    def test_a_program_or_trace_between_blanks(self):
+        self.assert_trace_refused((" A", "SERVICE", "a", "seen", "high"), "the program begins or ends with a blank")
+        self.assert_trace_refused(("A", "SERVICE", "a ", "seen", "high"), "the trace begins or ends with a blank")
+
+    def test_a_control_character(self):
+        self.assert_trace_refused(("A\x01", "SERVICE", "a", "seen", "high"), "control character")
+
+    def test_a_class_identifier_of_another_shape(self):
+        for kind in ("BHO", "TOOLBAR"):
+            for trace in (CLASS_ID[1:-1], CLASS_ID.lower(), CLASS_ID[:-2] + "}", CLASS_ID.replace("0", "G")):
+                with self.subTest(kind + trace):
+                    self.assert_place_refused(kind, trace, "class identifier")
+
+    def test_a_service_name_with_a_backslash(self):
+        self.assert_place_refused("SERVICE", "a\\b", "backslash")
+
+    def test_an_unknown_root(self):
+        self.assert_place_refused("REGKEY", "HKLM\\SOFTWARE\\A", "root")
+        self.assert_place_refused("REGVALUE", "hkey_local_machine\\SOFTWARE\\A\\b", "root")
+
+    def test_a_key_without_a_path(self):
+        self.assert_place_refused("REGKEY", "HKEY_LOCAL_MACHINE", "key path")
+
+    def test_a_value_without_a_key_path_or_without_a_name(self):
+        self.assert_place_refused("REGVALUE", "HKEY_LOCAL_MACHINE", "key path")
+        self.assert_place_refused("REGVALUE", "HKEY_LOCAL_MACHINE\\name", "key path")
+        self.assert_place_refused("REGVALUE", "HKEY_LOCAL_MACHINE\\SOFTWARE\\A\\", "is empty")
+
+    def test_an_empty_name_inside_a_path(self):
+        self.assert_place_refused("REGKEY", "HKEY_LOCAL_MACHINE\\SOFTWARE\\\\A", "is empty")
+        self.assert_place_refused("REGKEY", "HKEY_LOCAL_MACHINE\\SOFTWARE\\A\\", "is empty")
+
+    def test_a_key_that_many_programs_share(self):
+        self.assert_place_refused("REGKEY", "HKEY_LOCAL_MACHINE\\SOFTWARE", "share")
+        self.assert_place_refused("REGKEY", "HKEY_CURRENT_USER\\software\\microsoft", "share")
+        self.assert_place_refused("REGKEY", "HKEY_CLASSES_ROOT\\CLSID", "share")
+
+    def test_classes_under_the_machine_root(self):
+        self.assert_place_refused("REGKEY", "HKEY_LOCAL_MACHINE\\Software\\Classes\\A.B", "HKEY_CLASSES_ROOT")
+
+    def test_a_trace_that_stands_there_twice_under_any_program_and_in_any_letter_case(self):
+        text = HEADER + "A\tSERVICE\tone\tseen\thigh\nB\tSERVICE\tOne\tseen\thigh\n"
+        self.assert_refused(pack.read_traces, text, 3, "already")
+
+    def test_a_program_in_two_spellings(self):
+        text = HEADER + "Abc\tSERVICE\tone\tseen\thigh\nABC\tSERVICE\ttwo\tseen\thigh\n"
+        self.assert_refused(pack.read_traces, text, 3, "spelled")
+
+    def test_traces_out_of_order(self):
+        text = HEADER + "B\tSERVICE\tone\tseen\thigh\nA\tSERVICE\ttwo\tseen\thigh\n"
+        self.assert_refused(pack.read_traces, text, 3, "not sorted")
+
+
+class CommandLine(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.source = os.path.join(folder.name, "source.txt")
+        self.target = os.path.join(folder.name, "target.dat")
+
+    def run_packer(self, content, what="exclusions"):
+        with open(self.source, "wb") as file:
+            file.write(content)
+        errors = io.StringIO()
+        with contextlib.redirect_stderr(errors):
+            code = pack.main([what, self.source, self.target])
+        return code, errors.getvalue()
+
+    def test_writes_two_bytes_and_a_zlib_stream(self):
+        code, errors = self.run_packer(b"\\aaa // why | where\n")
+        self.assertEqual((code, errors), (0, ""))
+        with open(self.target, "rb") as file:
+            self.assertEqual(unpacked(file.read()), "\\aaa // why | where\n")
+
+    def test_a_refusal_names_file_and_line_and_writes_nothing(self):
+        code, errors = self.run_packer(b"\\aaa // why | where\n\\bBB // why | where\n")
+        self.assertEqual(code, 1)
+        self.assertEqual(errors, f"{self.source}:2: the entry is not in lower case\n")
+        self.assertFalse(os.path.exists(self.target))
+
+    def test_a_source_with_other_line_ends_a_byte_order_mark_or_no_utf_8_is_refused(self):
+        for content in (b"\\aaa // why | where\r\n", b"\xef\xbb\xbf\\aaa // why | where\n", b"\\\xff // a | b\n"):
+            with self.subTest(content):
+                code, errors = self.run_packer(content)
+                self.assertEqual(code, 1)
+                self.assertIn(f"{self.source}:1: ", errors)
+                self.assertFalse(os.path.exists(self.target))
+
+    def test_wrong_usage(self):
+        with contextlib.redirect_stderr(io.StringIO()):
+            self.assertEqual(pack.main(["pictures", self.source, self.target]), 2)
+
+
+if __name__ == "__main__":
+    unittest.main()
