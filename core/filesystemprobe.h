@@ -70,6 +70,11 @@ class TRedirectionOff {
   TRedirectionOff(const TRedirectionOff&) = delete;
   TRedirectionOff& operator=(const TRedirectionOff&) = delete;
 
+  // Whether there was something to switch off.
+  bool Switched() const {
+    return m_switched;
+  }
+
  private:
   FileSystemProbe& m_probe;
   bool m_switched;

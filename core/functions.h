@@ -47,7 +47,14 @@ class TPathChecks {
   }
 
  private:
+  bool Exists(TextView path, bool filesOnly);
+
+  // The long form of a text that contains "~"; any other text, and one that has no long form, as it is.
   Text LongForm(TextView path);
+
+  // The text, in its long form, when it exists.
+  std::optional<Text> FoundAs(TextView path, bool filesOnly);
+  std::optional<Text> FoundWithOrWithoutExtension(TextView path, bool filesOnly);
   std::optional<Text> LongestExistingFile(TextView command);
   bool QuotedFileExists(TextView quoted);
 

@@ -26,7 +26,8 @@ class RegistryStore {
   virtual bool OpenKey(TextView path, bool canCreate) = 0;
   virtual void CloseKey() = 0;
 
-  // Tests a key without opening it; paths as in OpenKey. A key that the user may not open exists all the same.
+  // Tests a key without opening it; paths as in OpenKey. A key that the user may not open exists all the
+  // same.
   virtual bool KeyExists(TextView path) = 0;
 
   // The open key's values. The empty name is the default value, and a name of one NUL unit means the same to
@@ -70,5 +71,6 @@ class TRegistryFactory {
   virtual std::unique_ptr<RegistryStore> CreateStore(TRegistryAccess access) = 0;
 };
 
-// Writes a value where it is missing, and answers what is stored afterwards.
+// Writes a value where it is missing, and answers what is stored afterwards; the default too where it could
+// not be written.
 std::int32_t ReadOrWriteInteger(RegistryStore& store, TextView name, std::int32_t defaultValue);

@@ -1,0 +1,176 @@
+#include "core/functions.h"
+
+#include <array>
+
+#include "core/lettercase.h"
+
+namespace {
+
+constexpr TextView kProgramExtension = u".exe";
+constexpr TextView kNetworkPrefix = u"\\\\";
+
+bool IsAbsolute(TextView text) {
+  return text.size() > 2 && text.substr(1, 2) == u":\\";
+}
+
+// "C:", "\\server\share", or nothing for a path that names no drive.
+TextView DriveOf(TextView path) {
+  if (path.size() >= 2 && path[1] == u':')
+    return path.substr(0, 2);
+  if (!path.starts_with(kNetworkPrefix))
+    return {};
+  const std::size_t serverEnd = path.find(u'\\', kNetworkPrefix.size());
+  if (serverEnd == TextView::npos)
+    return path;
+  return path.substr(0, path.find(u'\\', serverEnd + 1));
+}
+
+// The text before its last blank, without trimming it; nothing when no blank is left.
+std::optional<TextView> CutAtLastBlank(TextView text) {
+  const std::size_t blank = text.rfind(u' ');
+  if (blank == TextView::npos)
+    return std::nullopt;
+  return text.substr(0, blank);
+}
+
+Text Joined(TextView left, TextView right) {
+  return Text(left).append(right);
+}
+
+// Digits in groups of three, from the right.
+Text Grouped(const Text& digits, const Text& separator) {
+  Text result;
+  for (std::size_t i = 0; i < digits.size(); ++i) {
+    if (i > 0 && (digits.size() - i) % 3 == 0)
+      result += separator;
+    result += digits[i];
+  }
+  return result;
+}
+
+// A quotient with two decimals, rounded half up, as the suite's other programs print it.
+Text TwoDecimals(std::int64_t size, std::int64_t unit, TLocale& locale) {
+  std::int64_t whole = size / unit;
+  std::int64_t hundredths = ((size % unit) * 100 + unit / 2) / unit;
+  if (hundredths == 100) {
+    ++whole;
+    hundredths = 0;
+  }
+  const Text padding(hundredths < 10 ? 1 : 0, u'0');
+  return Grouped(DecimalText(whole), locale.ThousandsSeparator()) + locale.DecimalSeparator() + padding +
+         DecimalText(hundredths);
+}
+
+}  // namespace
+
+Text ExpandPathVariables(TextView text, const TGlobalVars& vars) {
+  struct TReference {
+    TextView Name;
+    const Text& Folder;
+  };
+  const std::array<TReference, 6> references = {{
+      {u"%SYSTEMROOT%\\", vars.WindowsFolder},
+      {u"%PROGRAMFILES%\\", vars.ProgramFilesFolder},
+      {u"%SYSTEMDIRECTORY%\\", vars.SystemFolder},
+      {u"%WINDIR%\\", vars.WindowsFolder},
+      {u"%TEMP%\\", vars.TempFolder},
+      {u"%TMP%\\", vars.TempFolder},
+  }};
+  Text result = UpperCase(text);
+  if (!Contains(result, u"%"))
+    return result;
+  for (const TReference& reference : references)
+    result = ReplaceAll(UpperCase(result), reference.Name, reference.Folder);
+  return result;
+}
+
+bool TPathChecks::Exists(TextView path, bool filesOnly) {
+  return m_probe.FileExists(path) || (!filesOnly && m_probe.DirectoryExists(path));
+}
+
+bool TPathChecks::FileOrFolderExists(TextView path, bool filesOnly) {
+  if (!Contains(m_vars.FixedDrives, UpperCase(DriveOf(path))))
+    return true;
+  if (Exists(path, filesOnly))
+    return true;
+  if (m_probe.GetEnvironmentVariable(u"ProgramFiles(x86)").empty())
+    return false;
+  const TRedirectionOff redirectionOff(m_probe);
+  // Where there was nothing to switch off, the answer would be the same.
+  return redirectionOff.Switched() && Exists(path, filesOnly);
+}
+
+Text TPathChecks::LongForm(TextView path) {
+  if (!Contains(path, u"~"))
+    return Text(path);
+  return m_probe.GetLongPathName(path).value_or(Text(path));
+}
+
+std::optional<Text> TPathChecks::FoundAs(TextView path, bool filesOnly) {
+  Text longForm = LongForm(path);
+  if (!FileOrFolderExists(longForm, filesOnly))
+    return std::nullopt;
+  return longForm;
+}
+
+std::optional<Text> TPathChecks::FoundWithOrWithoutExtension(TextView path, bool filesOnly) {
+  std::optional<Text> found = FoundAs(path, filesOnly);
+  return found ? found : FoundAs(Joined(path, kProgramExtension), filesOnly);
+}
+
+std::optional<Text> TPathChecks::LongestExistingFile(TextView command) {
+  std::optional<Text> found = FoundWithOrWithoutExtension(command, false);
+  for (auto rest = CutAtLastBlank(command); rest && !found; rest = CutAtLastBlank(*rest))
+    found = FoundWithOrWithoutExtension(*rest, true);
+  return found;
+}
+
+std::optional<Text> TPathChecks::SplitCommandFile(TextView text) {
+  const Text command = Trim(text);
+  if (IsAbsolute(command))
+    return LongestExistingFile(command);
+  for (const Text& folder : m_vars.SearchFolders) {
+    if (std::optional<Text> found = LongestExistingFile(Joined(WithTrailingBackslash(folder), command)))
+      return found;
+  }
+  return std::nullopt;
+}
+
+bool TPathChecks::QuotedFileExists(TextView quoted) {
+  if (IsAbsolute(quoted))
+    return FoundWithOrWithoutExtension(quoted, false).has_value();
+  for (const Text& folder : m_vars.SearchFolders) {
+    const Text path = Joined(WithTrailingBackslash(folder), quoted);
+    if (FileOrFolderExists(path, false) || FileOrFolderExists(Joined(path, kProgramExtension), false))
+      return true;
+  }
+  return false;
+}
+
+bool TPathChecks::CommandLineFileExists(TextView text, bool commaSeparates) {
+  Text command = Trim(text);
+  if (command.starts_with(u'"'))
+    return QuotedFileExists(CutAt(u"\"", TextView(command).substr(1)));
+  command = Trim(CutAt(u"\"", command));
+  command = Trim(CutAt(u"/", command));
+  if (commaSeparates)
+    command = Trim(CutAt(u",", command));
+  return SplitCommandFile(command).has_value();
+}
+
+Text FormatSize(std::int64_t size, TLocale& locale) {
+  constexpr std::int64_t kKilobyte = 1024;
+  constexpr std::int64_t kMegabyte = kKilobyte * 1024;
+  constexpr std::int64_t kGigabyte = kMegabyte * 1024;
+  if (size < kKilobyte)
+    return DecimalText(size) + u" Byte";
+  if (size < kMegabyte)
+    return TwoDecimals(size, kKilobyte, locale) + u" KB";
+  if (size < kGigabyte)
+    return TwoDecimals(size, kMegabyte, locale) + u" MB";
+  return TwoDecimals(size, kGigabyte, locale) + u" GB";
+}
+
+bool ShowFileProperties(TextView path, Shell& shell) {
+  return shell.ShowProperties(path, kShowPropertiesMask);
+}

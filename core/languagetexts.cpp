@@ -1,0 +1,72 @@
+#include "core/languagetexts.h"
+
+#include "core/globals.h"
+#include "core/textfile.h"
+
+namespace {
+
+constexpr TextView kEnglishFile = u"english.lng";
+
+TLanguageTable LoadTable(TSystem& system, const Text& path) {
+  std::vector<std::uint8_t> bytes;
+  system.Files.ReadFile(path, bytes);
+  return TLanguageTable::FromFile(bytes, system.Locale);
+}
+
+// The language that the suite's settings name, corrected there when its file is missing.
+Text ChooseLanguage(TSystem& system, const Text& languagesFolder) {
+  const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
+  store->SetRootKey(kHkeyCurrentUser);
+  store->OpenKey(kSuiteKey, true);
+  Text name = store->ReadString(kLanguageValue);
+  if (name.empty() || !system.Probe.FileExists(languagesFolder + name)) {
+    name = kEnglishFile;
+    store->WriteString(kLanguageValue, name);
+  }
+  store->CloseKey();
+  return name;
+}
+
+}  // namespace
+
+TLanguageTable TLanguageTable::FromFile(std::span<const std::uint8_t> bytes, TLocale& locale) {
+  TLanguageTable table;
+  for (const Text& line : SplitLines(DecodeTextFile(bytes, locale))) {
+    const std::size_t equals = line.find(u'=');
+    if (equals == Text::npos)
+      continue;
+    const TextView view = line;
+    // Trimmed with its "=", so that a blank after it stays.
+    const Text textWithEquals = Trim(view.substr(equals));
+    table.m_lines.emplace(Trim(view.substr(0, equals)), textWithEquals.substr(1));
+  }
+  return table;
+}
+
+Text TLanguageTable::Find(TextView identifier) const {
+  const auto line = m_lines.find(identifier);
+  return line == m_lines.end() ? Text() : line->second;
+}
+
+Text LanguageText(const TLanguageTexts& texts, TextId id, TextView arg1, TextView arg2) {
+  const Text identifier = DecimalText(static_cast<std::int32_t>(id));
+  Text text = texts.Selected.Find(identifier);
+  if (text.empty())
+    text = texts.English.Find(identifier);
+  // The longer placeholder first: the shorter one is its beginning.
+  text = ReplaceAll(text, u"%s2", arg2);
+  text = ReplaceAll(text, u"%s", arg1);
+  return TrimLeadingBlanks(ReplaceAll(text, u"&", u"&&"));
+}
+
+Text PlainText(TextView text) {
+  return ReplaceAll(text, u"&&", u"&");
+}
+
+Text LoadLanguage(TSystem& system, TextView programFolder, TLanguageTexts& texts) {
+  const Text languagesFolder = WithTrailingBackslash(programFolder) + u"languages\\";
+  const Text name = ChooseLanguage(system, languagesFolder);
+  texts.English = LoadTable(system, languagesFolder + Text(kEnglishFile));
+  texts.Selected = LoadTable(system, languagesFolder + name);
+  return name;
+}
