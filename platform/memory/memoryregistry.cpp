@@ -83,7 +83,7 @@ std::string Escaped(TextView text) {
     if (unit >= 0x20 && unit < 0x7F) {
       escaped.push_back(static_cast<char>(unit));
     } else {
-      escaped += "<" + std::to_string(unit) + ">";
+      escaped.append("<").append(std::to_string(unit)).append(">");
     }
   }
   return escaped;
