@@ -36,12 +36,25 @@ class TIniFile {
 
  private:
   enum class TEncoding { Ansi, Utf8, Utf16 };
+  struct TDecoded {
+    TEncoding Encoding = TEncoding::Ansi;
+    Text Content;
+    bool operator==(const TDecoded&) const = default;
+  };
   struct TLine {
     Text Content;
     Text End;
   };
 
-  std::optional<std::size_t> FindSection(TextView section) const;
+  static TDecoded Decode(std::span<const std::uint8_t> bytes, TLocale& locale);
+
+  // The index of a section's line; section is trimmed.
+  std::optional<std::size_t> FindSection(const Text& section) const;
+
+  // The index after the last line of the section that begins at header.
+  std::size_t SectionEnd(std::size_t header) const;
+  void InsertLine(std::size_t at, Text content);
+  Text Content() const;
 
   TEncoding m_encoding = TEncoding::Ansi;
   std::vector<TLine> m_lines;
