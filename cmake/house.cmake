@@ -3,7 +3,8 @@
 add_library(house_options INTERFACE)
 target_compile_features(house_options INTERFACE cxx_std_20)
 target_include_directories(house_options INTERFACE "${CMAKE_SOURCE_DIR}")
-target_compile_options(house_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+target_compile_options(house_options INTERFACE
+  "$<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wconversion;-Wshadow;-Werror>")
 target_link_libraries(house_options INTERFACE Threads::Threads)
 if(WIN32)
   # With XP's version number the headers declare only what XP has, and structures keep the sizes that XP's
