@@ -6,85 +6,11 @@ the entries are those of this machine's own package sources that are Debian's, a
 
 import fcntl
 import pathlib
-import re
 import shutil
 import subprocess
 import sys
 
-APT_FOLDER = pathlib.Path("/etc/apt")
-
-
-def codename():
-    """The release's name, such as bookworm; third parties' suites are named otherwise."""
-    for line in pathlib.Path("/etc/os-release").read_text().splitlines():
-        if line.startswith("VERSION_CODENAME="):
-            return line.partition("=")[2].strip('"')
-    sys.exit("fetchsource: /etc/os-release names no release")
-
-
-def is_debians(suites, components, keyring):
-    release = re.compile(rf"({codename()}|stable|oldstable)(-updates|-security|/updates|-proposed-updates)?$")
-    of_release = all(release.match(suite) for suite in suites)
-    of_key = not keyring or "debian-archive" in keyring or "BEGIN PGP" in keyring
-    return bool(suites) and of_release and "main" in components and of_key
-
-
-def deb822_entries(text):
-    """The paragraphs of a .sources file as dictionaries of field to text, continuation lines included."""
-    for paragraph in re.split(r"\n[ \t]*\n", text):
-        fields, last = {}, None
-        for line in paragraph.splitlines():
-            if line.startswith("#"):
-                continue
-            if line[:1] in (" ", "\t") and last:
-                fields[last] += "\n" + line
-            elif ":" in line:
-                last, _, value = line.partition(":")
-                last = last.strip().lower()
-                fields[last] = value.strip()
-        if fields:
-            yield fields
-
-
-def source_entries_of_deb822(text):
-    for fields in deb822_entries(text):
-        kinds = fields.get("types", "").split()
-        enabled = fields.get("enabled", "yes").lower() not in ("no", "false", "0")
-        suites, components = fields.get("suites", "").split(), fields.get("components", "").split()
-        keyring = fields.get("signed-by", "")
-        if not enabled or not {"deb", "deb-src"} & set(kinds) or not is_debians(suites, components, keyring):
-            continue
-        lines = ["Types: deb-src", f"URIs: {fields.get('uris', '')}", f"Suites: {' '.join(suites)}", "Components: main"]
-        lines += [f"Signed-By: {keyring}"] if keyring else []
-        lines += [f"Trusted: {fields['trusted']}"] if "trusted" in fields else []
-        lines += [f"Check-Valid-Until: {fields['check-valid-until']}"] if "check-valid-until" in fields else []
-        yield "\n".join(lines)
-
-
-def source_entries_of_lines(text):
-    for line in text.splitlines():
-        entry = re.match(r"\s*deb(?:-src)?\s+(?:\[([^]]*)\]\s+)?(\S+)\s+(\S+)\s+([^#]*)", line)
-        if not entry:
-            continue
-        options, uri, suite, components = entry.groups()
-        settings = dict(option.partition("=")[::2] for option in (options or "").split())
-        if not is_debians([suite], components.split(), settings.get("signed-by", "")):
-            continue
-        lines = ["Types: deb-src", f"URIs: {uri}", f"Suites: {suite}", "Components: main"]
-        names = {"signed-by": "Signed-By", "trusted": "Trusted", "check-valid-until": "Check-Valid-Until"}
-        lines += [f"{names[key]}: {value}" for key, value in settings.items() if key in names]
-        yield "\n".join(lines)
-
-
-def source_entries():
-    entries = []
-    parts = APT_FOLDER / "sources.list.d"
-    for file in [APT_FOLDER / "sources.list", *sorted(parts.glob("*.list"))]:
-        if file.is_file():
-            entries += source_entries_of_lines(file.read_text(errors="replace"))
-    for file in sorted(parts.glob("*.sources")):
-        entries += source_entries_of_deb822(file.read_text(errors="replace"))
-    return list(dict.fromkeys(entries))
+from debiansources import APT_FOLDER, source_paragraphs
 
 
 def run(command, folder):
@@ -94,7 +20,7 @@ def run(command, folder):
 
 def download(package, folder):
     """Leaves PACKAGE's .dsc and archives in folder."""
-    entries = source_entries()
+    entries = source_paragraphs()
     if not entries:
         sys.exit(f"fetchsource: no entry of Debian's own among the package sources in {APT_FOLDER}")
     state = folder / "apt"

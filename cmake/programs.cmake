@@ -9,6 +9,15 @@ else()
   add_library(app_common INTERFACE)
 endif()
 
+# Builds what ships and nothing else.
+add_custom_target(programs)
+if(TARGET program_data)
+  add_dependencies(programs program_data)
+endif()
+
+# What the resource compiler reads without telling the build.
+file(GLOB resourceFiles CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/app/resources/*" "${CMAKE_SOURCE_DIR}/app/version.h")
+
 # add_windows_program(NAME [WIN32]): app/NAME.cpp with its resources, app/resources/NAME.rc.
 function(add_windows_program name)
   file(GLOB source CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/app/${name}.cpp")
@@ -16,11 +25,13 @@ function(add_windows_program name)
     return()
   endif()
   file(GLOB resources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/app/resources/${name}.rc")
+  set_source_files_properties(${resources} PROPERTIES OBJECT_DEPENDS "${resourceFiles}")
   add_executable(${name} ${ARGN} ${source} ${resources})
   target_link_libraries(${name} PRIVATE app_common)
   finish_program(${name})
   target_link_options(${name} PRIVATE -municode -s)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${programFolder}")
+  add_dependencies(programs ${name})
   if(TARGET program_data)
     add_dependencies(${name} program_data)
   endif()
