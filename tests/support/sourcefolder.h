@@ -2,7 +2,8 @@
 
 #include <string>
 
-// The folder of the project's sources, without a slash at its end, in the form in which the running system opens it.
+// The folder of the project's sources, without a slash at its end, in the form in which the running system
+// opens it.
 std::string SourceFolder();
 
 // The folder of the built program, with "data" and "languages" inside, in the same form.

@@ -1,0 +1,27 @@
+// ARP Cache: cached Add/Remove Programs entries of programs that are no longer in the uninstall list.
+
+#include "scan/threadscan.h"
+
+namespace {
+
+constexpr TextView kCache = u"\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Management\\ARPCache";
+constexpr TextView kUninstall = u"\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
+
+}  // namespace
+
+void TScan::ScanArpCache(const TSection& section) {
+  AddHeader(section);
+  const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyLocalMachine);
+  const std::vector<Text> names = SubKeyNames(*registry, kCache);
+  for (std::size_t i = 0; i < names.size() && !Terminated(); ++i) {
+    const Text key = Text(kCache) + u"\\" + names[i];
+    ReportProgress(ShareOfBar(i, names.size(), 100), key);
+    if (!registry->OpenKey(kUninstall, false))
+      continue;
+    const bool isInstalled = registry->KeyExists(names[i]);
+    registry->CloseKey();
+    if (!isInstalled)
+      ReportKey(kHkeyLocalMachine, key, {}, Say(TextId::MissingUninstaller, names[i]));
+  }
+  FinishSection();
+}

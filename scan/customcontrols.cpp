@@ -1,0 +1,169 @@
+// Custom Controls: the component registrations, and the list of broken ones that File Associations reads
+// afterwards.
+
+#include "core/lettercase.h"
+#include "scan/threadscan.h"
+
+namespace {
+
+constexpr TextView kServerKeys[] = {u"\\InprocServer", u"\\InprocServer32"};
+constexpr TextView kLocalServerKeys[] = {u"\\LocalServer", u"\\LocalServer32"};
+constexpr TextView kStubKeys[] = {u"\\ProxyStubClsid", u"\\ProxyStubClsid32"};
+
+// In order of priority: the first that occurs at all counts, wherever it stands.
+constexpr TextView kComponentExtensions[] = {u".EXE", u".DLL", u".OCX", u".ICO"};
+
+std::size_t FindExtension(TextView text) {
+  for (const TextView extension : kComponentExtensions) {
+    const std::size_t at = text.find(extension);
+    if (at != TextView::npos)
+      return at;
+  }
+  return TextView::npos;
+}
+
+// What a key says of itself: its default value, and how much else it holds.
+struct TKeyContent {
+  Text Default;
+  std::size_t ValueCount = 0;  // a default value that stands alone does not count
+  bool HasSubKeys = false;
+};
+
+std::optional<TKeyContent> ReadContent(RegistryStore& registry, TextView keyPath) {
+  if (!registry.OpenKey(keyPath, false))
+    return std::nullopt;
+  const std::vector<Text> names = registry.GetValueNames();
+  const bool loneDefault = names.size() == 1 && names.front().empty();
+  TKeyContent content = {registry.ReadString({}), loneDefault ? 0 : names.size(), registry.HasSubKeys()};
+  registry.CloseKey();
+  return content;
+}
+
+// Whether nothing but fewer than this many values is there.
+bool IsHollow(const TKeyContent& content, std::size_t fewerThan) {
+  return content.Default.empty() && !content.HasSubKeys && content.ValueCount < fewerThan;
+}
+
+}  // namespace
+
+void TScan::ScanCustomControls(const TSection& section) {
+  AddHeader(section);
+  const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyClassesRoot);
+
+  const std::vector<Text> classes = SubKeyNames(*registry, u"\\CLSID");
+  for (std::size_t i = 0; i < classes.size() && !Terminated(); ++i) {
+    ReportProgress(ShareOfBar(i, classes.size(), 33), u"CLSID\\" + classes[i]);
+    CheckClass(*registry, classes[i]);
+  }
+  const std::vector<Text> libraries = SubKeyNames(*registry, u"\\Typelib");
+  for (std::size_t i = 0; i < libraries.size() && !Terminated(); ++i) {
+    ReportProgress(ShareOfBar(i, libraries.size(), 33, 33), u"Typelib\\" + libraries[i]);
+    for (const Text& version : SubKeyNames(*registry, u"\\Typelib\\" + libraries[i])) {
+      CheckTypeLibraryVersion(*registry, libraries[i], version);
+    }
+  }
+  const std::vector<Text> interfaces = SubKeyNames(*registry, u"\\Interface");
+  for (std::size_t i = 0; i < interfaces.size() && !Terminated(); ++i) {
+    ReportProgress(ShareOfBar(i, interfaces.size(), 33, 66), u"Interface\\" + interfaces[i]);
+    CheckInterface(*registry, interfaces[i]);
+  }
+  FinishSection();
+}
+
+void TScan::CheckClass(RegistryStore& registry, TextView classId) {
+  const Text iconKey = u"\\CLSID\\" + Text(classId) + u"\\DefaultIcon";
+  if (const std::optional<TKeyContent> icon = ReadContent(registry, iconKey)) {
+    if (icon->Default.empty()) {
+      ReportKey(kHkeyClassesRoot, iconKey, {}, Say(TextId::EmptyKey));
+    } else if (!IsComponentFileValid(icon->Default)) {
+      ReportKey(kHkeyClassesRoot, iconKey, icon->Default, Say(TextId::MissingIcon, icon->Default));
+    }
+  }
+  for (const TextView suffix : kServerKeys)
+    CheckServerKey(registry, classId, suffix, TextId::MissingInProcessServer);
+  for (const TextView suffix : kLocalServerKeys)
+    CheckServerKey(registry, classId, suffix, TextId::MissingLocalServer);
+}
+
+// The class is reported, and listed as broken, once for each broken server key.
+void TScan::CheckServerKey(RegistryStore& registry, TextView classId, TextView suffix, TextId missingText) {
+  const Text classKey = u"\\CLSID\\" + Text(classId);
+  const std::optional<TKeyContent> server = ReadContent(registry, classKey + Text(suffix));
+  if (!server)
+    return;
+  if (!server->Default.empty() && !IsComponentFileValid(server->Default)) {
+    ReportKey(kHkeyClassesRoot, classKey, server->Default, Say(missingText, server->Default));
+    ReportedClassIds.Append(classId);
+  } else if (IsHollow(*server, 1)) {
+    ReportKey(kHkeyClassesRoot, classKey, {}, Say(TextId::EmptyKey));
+    ReportedClassIds.Append(classId);
+  }
+}
+
+void TScan::CheckTypeLibraryVersion(RegistryStore& registry, TextView libraryId, TextView version) {
+  const Text versionKey = u"\\Typelib\\" + Text(libraryId) + u"\\" + Text(version);
+  const Text helpKey = versionKey + u"\\HELPDIR";
+  if (const std::optional<TKeyContent> help = ReadContent(registry, helpKey)) {
+    if (!help->Default.empty() && !IsComponentFileValid(help->Default)) {
+      ReportKey(kHkeyClassesRoot, helpKey, {}, Say(TextId::InvalidTypeLibraryHelpFolder, help->Default));
+    } else if (IsHollow(*help, 2)) {
+      ReportKey(kHkeyClassesRoot, helpKey, {}, Say(TextId::EmptyKey));
+    }
+  }
+  for (const Text& locale : SubKeyNames(registry, versionKey)) {
+    if (ParseInteger(locale))
+      CheckTypeLibraryLocale(registry, libraryId, versionKey + u"\\" + locale);
+  }
+}
+
+void TScan::CheckTypeLibraryLocale(RegistryStore& registry, TextView libraryId, TextView localePath) {
+  const Text win32Key = Text(localePath) + u"\\win32";
+  const std::optional<TKeyContent> library = ReadContent(registry, win32Key);
+  if (!library)
+    return;
+  if (!library->Default.empty() && !IsComponentFileValid(library->Default)) {
+    ReportKey(kHkeyClassesRoot, u"\\Typelib\\" + Text(libraryId), library->Default,
+              Say(TextId::MissingTypeLibraryFile, library->Default));
+    ReportedClassIds.Append(libraryId);
+  } else if (IsHollow(*library, 2)) {
+    ReportKey(kHkeyClassesRoot, win32Key, {}, Say(TextId::EmptyTypeLibraryKey, win32Key));
+    ReportedClassIds.Append(libraryId);
+  }
+}
+
+void TScan::CheckInterface(RegistryStore& registry, TextView interfaceId) {
+  const Text interfaceKey = u"\\Interface\\" + Text(interfaceId);
+  const auto isIntact = [&](TextView key, TextView identifier) {
+    return registry.KeyExists(Text(key) + Text(identifier)) && !ReportedClassIds.Holds(identifier);
+  };
+  if (const std::optional<TKeyContent> link = ReadContent(registry, interfaceKey + u"\\TypeLib")) {
+    const Text& libraryId = link->Default;
+    if (!libraryId.empty() && !isIntact(u"\\typelib\\", libraryId)) {
+      ReportKey(kHkeyClassesRoot, interfaceKey, libraryId, Say(TextId::BrokenTypeLibraryLink, libraryId));
+    }
+  }
+  for (const TextView suffix : kStubKeys) {
+    const Text stubKey = interfaceKey + Text(suffix);
+    const std::optional<TKeyContent> link = ReadContent(registry, stubKey);
+    if (!link || link->Default.empty() || isIntact(u"\\CLSID\\", link->Default))
+      continue;
+    ReportKey(kHkeyClassesRoot, stubKey, link->Default, Say(TextId::BrokenClassLink, link->Default));
+  }
+}
+
+// Only a drive-letter path to an .EXE, .DLL, .OCX or .ICO file is ever judged.
+bool TScan::IsComponentFileValid(TextView originalText) {
+  Text text = UpperCase(originalText);
+  if (Contains(text, u"\\\\") || BeginsWithArgument(text))
+    return true;
+  if (Contains(text, u"%"))
+    text = m_paths.ExpandPathVariables(text);
+  const std::size_t colon = text.find(u':');
+  const std::size_t extension = FindExtension(text);
+  if (colon == Text::npos || extension == Text::npos || colon > extension)
+    return true;
+  const std::size_t begin = colon == 0 ? 0 : colon - 1;
+  constexpr std::size_t kExtensionLength = 4;
+  return m_paths.CommandLineFileExists(TextView(text).substr(begin, extension + kExtensionLength - begin),
+                                       false);
+}

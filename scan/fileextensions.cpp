@@ -1,0 +1,40 @@
+// File Extensions: the user's settings for extensions that hold nothing.
+
+#include "core/lettercase.h"
+#include "scan/threadscan.h"
+
+namespace {
+
+constexpr TextView kFileExts = u"\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts";
+
+// Only values count, whatever other subkeys there are. A key that does not open is taken for used.
+bool IsUsed(RegistryStore& registry, const Text& key) {
+  if (!registry.OpenKey(key, false) || !registry.GetValueNames().empty())
+    return true;
+  for (const TextView subKey : {u"\\OpenWithList", u"\\OpenWithProgids"}) {
+    if (registry.OpenKey(key + Text(subKey), false) && !registry.GetValueNames().empty())
+      return true;
+  }
+  return false;
+}
+
+// Keys of the shell's own that stand among the extensions.
+bool IsShellsOwn(TextView name) {
+  return EqualIgnoringCase(name, u"ddecache") || EqualIgnoringCase(name, u"openwithlist");
+}
+
+}  // namespace
+
+void TScan::ScanFileExtensions(const TSection& section) {
+  AddHeader(section);
+  const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyCurrentUser);
+  const std::vector<Text> names = SubKeyNames(*registry, kFileExts);
+  for (std::size_t i = 0; i < names.size() && !Terminated(); ++i) {
+    const Text key = Text(kFileExts) + u"\\" + names[i];
+    ReportProgress(ShareOfBar(i, names.size(), 100), WithoutLeadingBackslash(key));
+    if (IsUsed(*registry, key) || IsShellsOwn(names[i]))
+      continue;
+    ReportKey(kHkeyCurrentUser, key, {}, Say(TextId::EmptyKey));
+  }
+  FinishSection();
+}

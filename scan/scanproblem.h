@@ -1,0 +1,32 @@
+// The data of one results-tree node: a section header or a problem.
+#pragma once
+
+#include <cstdint>
+
+#include "core/keypaths.h"
+#include "core/text.h"
+
+inline constexpr std::int32_t kKindKey = 1;    // the whole key is the problem
+inline constexpr std::int32_t kKindValue = 2;  // one value of the key is; section headers carry it too
+inline constexpr std::int32_t kKindFile = 3;   // the file whose path stands in KeyPath is
+
+inline constexpr std::int32_t kCheckMarkRepair = 1;
+inline constexpr std::int32_t kCheckMarkSkip = 2;
+
+inline constexpr std::int32_t kNoImage = -1;
+
+struct ScanProblem {
+  Text KeyPath;    // below the root, beginning with "\"; the file path of kind 3; empty on headers
+  Text ValueName;  // empty for the default value, and where no value is meant
+  Text ValueData;  // what was found bad
+  TRootKey RootKey = kNoRootKey;
+  Text Description;  // what is wrong, for the user
+  std::int32_t Kind = kKindValue;
+  Text SectionCaption;  // on headers; empty on problems
+  std::uint32_t ChildCount = 0;
+  std::int32_t ImageIndex = kNoImage;
+  std::int32_t CheckMark = kCheckMarkRepair;
+  Text Extra;
+  bool StateFlag1 = false;  // the selected row, shown on three lines
+  bool StateFlag2 = false;  // removed by the repair
+};

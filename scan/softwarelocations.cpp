@@ -1,0 +1,31 @@
+// Software Locations: registered application paths whose program is gone.
+
+#include "core/lettercase.h"
+#include "scan/threadscan.h"
+
+namespace {
+
+constexpr TextView kAppPaths = u"\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths";
+
+}  // namespace
+
+void TScan::ScanSoftwareLocations(const TSection& section) {
+  AddHeader(section);
+  const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyLocalMachine);
+  const std::vector<Text> names = SubKeyNames(*registry, kAppPaths);
+  for (std::size_t i = 0; i < names.size() && !Terminated(); ++i) {
+    const Text key = Text(kAppPaths) + u"\\" + names[i];
+    if (!registry->OpenKey(key, false))
+      continue;
+    Text target = registry->ReadString({});
+    const Text folder = registry->ReadString(u"Path");
+    if (EqualIgnoringCase(target, names[i]) && !folder.empty())
+      target = WithTrailingBackslash(folder) + target;
+    ReportProgress(ShareOfBar(i, names.size(), 100), WithoutLeadingBackslash(key));
+    // A target without a drive can't be judged.
+    const bool isMissing = Contains(target, u":") && !m_paths.CommandLineFileExists(target, true);
+    if (isMissing)
+      ReportKey(kHkeyLocalMachine, key, target, Say(TextId::MissingApplicationFile, target));
+  }
+  FinishSection();
+}

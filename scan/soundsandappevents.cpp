@@ -1,0 +1,11 @@
+// Sounds and Appevents: sounds of the user's event schemes whose file is gone.
+
+#include "scan/threadscan.h"
+
+void TScan::ScanSoundsAndAppevents(const TSection& section) {
+  AddHeader(section);
+  const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyCurrentUser);
+  // The bar stays at 0; only the label moves.
+  ScanKeyTree(*registry, kHkeyCurrentUser, 0, {}, u"\\AppEvents\\Schemes\\Apps");
+  FinishSection();
+}

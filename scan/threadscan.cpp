@@ -1,0 +1,262 @@
+#include "scan/threadscan.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "core/lettercase.h"
+
+namespace {
+
+// Room beside the longest text of a row: the check box, the lines of the tree and the margins, in pixels.
+constexpr int kColumnRoom = 100;
+
+// The dialog is refreshed on every fiftieth call; each refresh is a round trip to the user-interface thread.
+constexpr std::int32_t kProgressThreshold = 50;
+
+// The one section name that is never throttled. No section bears it.
+constexpr TextView kUnthrottledSection = u"ShortCuts";
+
+Text TokenOf(std::int32_t code) {
+  return u"." + DecimalText(code) + u".";
+}
+
+// What the ignore lists hold against a problem, folded for the comparison. A built-in entry can't begin with
+// ";".
+std::vector<Text> IgnoredPhrases(const TGlobalReg& reg) {
+  std::vector<Text> phrases;
+  for (const Text& entry : reg.BuiltInExclusions)
+    phrases.push_back(LowerCase(entry));
+  for (const Text& entry : reg.IgnoreList) {
+    if (!entry.starts_with(u';'))
+      phrases.push_back(LowerCase(entry));
+  }
+  return phrases;
+}
+
+// The text up to and including a module's extension, where a resource path continues below the module file.
+Text CutBelowModule(TextView text, TextView extensionWithSeparator) {
+  const std::size_t at = text.find(extensionWithSeparator);
+  return Text(at == TextView::npos ? text : text.substr(0, at + extensionWithSeparator.size() - 1));
+}
+
+}  // namespace
+
+std::int32_t RoundHalfToEven(double number) {
+  // The default rounding mode of the floating-point unit rounds a half to the even neighbour.
+  return static_cast<std::int32_t>(std::nearbyint(number));
+}
+
+std::int32_t ShareOfBar(std::size_t i, std::size_t count, double scale, double start) {
+  return RoundHalfToEven(static_cast<double>(i + 1) * scale / static_cast<double>(count) + start);
+}
+
+Text LabelOf(TextView keyPath, TextView valueName) {
+  return Text(WithoutLeadingBackslash(keyPath)) + u"\\" + Text(valueName);
+}
+
+bool BeginsWithArgument(TextView text) {
+  return text.substr(0, 2) == u"%1" || (!text.empty() && text.substr(1, 2) == u"%1");
+}
+
+std::vector<Text> SubKeyNames(RegistryStore& registry, TextView keyPath) {
+  if (!registry.OpenKey(keyPath, false))
+    return {};
+  std::vector<Text> names = registry.GetKeyNames();
+  registry.CloseKey();
+  return names;
+}
+
+TScan::TScan(TScanContext context, TProgressDialog& progressDialog)
+    : TWorkerThread(context.UiThread),
+      m_context(std::move(context)),
+      m_system(m_context.System),
+      m_probe(m_system.Probe),
+      m_paths(m_probe, m_context.Vars),
+      m_ignored(IgnoredPhrases(m_context.Reg)),
+      Registry(m_system.Registry.CreateStore(TRegistryAccess::Read)),
+      ProgressDialog(progressDialog) {
+  Start();
+}
+
+void TScan::Execute() {
+  m_context.Results.Clear();
+  SetOnTerminate(m_context.OnFinished);
+  EnabledSectionCount = 0;
+  const Text enabled = CollectEnabledSections(m_context.Sections.FirstRoot());
+  std::int32_t ordinal = 0;
+  for (const TSection& section : SectionCatalogue()) {
+    if (!Contains(enabled, TokenOf(section.Code)))
+      continue;
+    BeginSection(++ordinal, section.ProgressName);
+    (this->*section.Scanner)(section);
+    if (Terminated())
+      break;
+  }
+}
+
+Text TScan::CollectEnabledSections(TSectionsNode* node) {
+  SectionsTree& sections = m_context.Sections;
+  Text enabled;
+  for (; node != nullptr; node = sections.NextSibling(node)) {
+    TSectionsNode* child = sections.FirstChild(node);
+    if (child != nullptr) {
+      enabled += CollectEnabledSections(child);
+    } else if (sections.CheckState(node) == TCheckState::Checked) {
+      enabled += TokenOf(sections.Code(node));
+      ++EnabledSectionCount;
+    }
+  }
+  return enabled;
+}
+
+void TScan::BeginSection(std::int32_t ordinal, TextView name) {
+  SectionPosition = RoundHalfToEven(ordinal * 100.0 / EnabledSectionCount);
+  CurrentSectionName = name;
+  ShowSection();
+}
+
+void TScan::ShowSection() {
+  Synchronize([this] {
+    if (Terminated())
+      return;
+    ProgressDialog.SetItemLabel({});
+    ProgressDialog.SetSectionLabel(Say(TextId::ScanningSection) + u" " + CurrentSectionName + u"...");
+    ProgressDialog.SetOverallPosition(SectionPosition);
+  });
+}
+
+void TScan::EndSection() {
+  if (ParentNode == nullptr)
+    return;
+  ResultsTree& results = m_context.Results;
+  const std::size_t count = results.ChildCount(ParentNode);
+  results.Data(ParentNode).ChildCount = static_cast<std::uint32_t>(count);
+  if (count == 0)
+    results.DeleteNode(std::exchange(ParentNode, nullptr));
+}
+
+void TScan::AddProblem(TResultsNode* parentNode, TRootKey rootKey, TextView sectionCaption,
+                       std::int32_t imageIndex, TextView keyPath, TextView valueName, TextView valueData,
+                       TextView extra, TextView description, std::int32_t checkMark, std::int32_t kind) {
+  ParentNode = parentNode;
+  Pending.KeyPath = keyPath;
+  Pending.ValueName = valueName;
+  Pending.ValueData = valueData;
+  Pending.RootKey = rootKey;
+  Pending.Description = description;
+  Pending.Kind = kind;
+  Pending.SectionCaption = sectionCaption;
+  Pending.ImageIndex = imageIndex;
+  Pending.CheckMark = checkMark;
+  Pending.Extra = extra;
+}
+
+void TScan::AddProblemNode() {
+  if (IsIgnored())
+    return;
+  ResultsTree& results = m_context.Results;
+  const int textWidth =
+      std::max(results.MeasureText(Pending.KeyPath), results.MeasureText(Pending.Description));
+  if (textWidth + kColumnRoom > results.ColumnWidth())
+    results.SetColumnWidth(textWidth + kColumnRoom);
+  TResultsNode* node = results.AddNode(ParentNode);
+  results.Data(node) = Pending;
+  if (ParentNode == nullptr)
+    ParentNode = node;
+}
+
+bool TScan::IsIgnored() const {
+  const Text probe =
+      RootKeyName(Pending.RootKey) + Pending.KeyPath + u"\\" + Pending.ValueName + u"\\" + Pending.ValueData;
+  return m_ignored.OccursIn(LowerCase(probe));
+}
+
+void TScan::AddHeader(const TSection& section) {
+  AddProblem(nullptr, section.HeaderRoot, section.HeaderCaption, section.HeaderImage, {}, {}, {}, {}, {},
+             kCheckMarkRepair, kKindValue);
+  Synchronize([this] { AddProblemNode(); });
+}
+
+void TScan::FinishSection() {
+  Synchronize([this] { EndSection(); });
+}
+
+void TScan::ReportKey(TRootKey rootKey, TextView keyPath, TextView valueData, TextView description,
+                      std::int32_t imageIndex, TextView valueName) {
+  AddProblem(ParentNode, rootKey, {}, imageIndex, keyPath, valueName, valueData, {}, description,
+             kCheckMarkRepair, kKindKey);
+  Synchronize([this] { AddProblemNode(); });
+}
+
+void TScan::ReportValue(TRootKey rootKey, TextView keyPath, TextView valueName, TextView valueData,
+                        TextView description) {
+  AddProblem(ParentNode, rootKey, {}, kNoImage, keyPath, valueName, valueData, {}, description,
+             kCheckMarkRepair, kKindValue);
+  Synchronize([this] { AddProblemNode(); });
+}
+
+Text TScan::Say(TextId id, TextView arg1, TextView arg2) const {
+  return LanguageText(m_context.Vars.Texts, id, arg1, arg2);
+}
+
+void TScan::ReportProgress(std::int32_t percent, TextView label) {
+  const std::int32_t threshold = CurrentSectionName == kUnthrottledSection ? 0 : kProgressThreshold;
+  if (threshold <= ProgressCounter) {
+    ItemPercent = percent;
+    ProgressLabel = label;
+    Synchronize([this] { RefreshProgress(); });
+    ProgressCounter = 0;
+  }
+  ++ProgressCounter;
+}
+
+void TScan::RefreshProgress() {
+  if (Terminated())
+    return;
+  ProgressDialog.SetItemLabel(ProgressLabel);
+  ProgressDialog.SetSectionPosition(ItemPercent);
+}
+
+std::unique_ptr<RegistryStore> TScan::OpenRoot(TRootKey rootKey) const {
+  std::unique_ptr<RegistryStore> registry = m_system.Registry.CreateStore(TRegistryAccess::Read);
+  registry->SetRootKey(rootKey);
+  return registry;
+}
+
+bool TScan::IsKeyEmpty(TRootKey rootKey, TextView keyPath, bool recursive) {
+  Registry->SetRootKey(rootKey);
+  if (!Registry->OpenKey(keyPath, false))
+    return false;
+  const bool hasValues = !Registry->GetValueNames().empty();
+  std::vector<Text> subKeys;
+  if (!hasValues)
+    subKeys = Registry->GetKeyNames();
+  Registry->CloseKey();
+  if (hasValues || (!subKeys.empty() && !recursive))
+    return false;
+  for (const Text& name : subKeys) {
+    if (!IsKeyEmpty(rootKey, Text(keyPath) + u"\\" + name, true))
+      return false;
+  }
+  return true;
+}
+
+bool TScan::CommandPathExists(TextView originalText) {
+  Text text(originalText);
+  if (Contains(text, u"%"))
+    text = LowerCase(m_paths.ExpandPathVariables(text));
+  if (Contains(text, u"?:\\") || !Contains(text, u":\\"))
+    return true;
+  const bool quotedByApostrophes = text.find(u'\'') != text.rfind(u'\'');
+  const std::size_t colon = text.find(u":\\");
+  if (colon > 0)
+    text.erase(0, colon - 1);
+  if (quotedByApostrophes)
+    text = CutAt(u"'", text);
+  for (const TextView separator : {u"\"", u",", u";", u"|"})
+    text = CutAt(separator, text);
+  for (const TextView module : {u".dll\\", u".ocx\\", u".exe\\"})
+    text = CutBelowModule(text, module);
+  return m_paths.CommandLineFileExists(text, true) || m_paths.CommandLineFileExists(CutAt(u"(", text), true);
+}

@@ -1,0 +1,14 @@
+// Virtual Devices: files of the old virtual device drivers that are gone.
+
+#include "scan/threadscan.h"
+
+void TScan::ScanVirtualDevices(const TSection& section) {
+  AddHeader(section);
+  const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyLocalMachine);
+  ScanKeyTree(*registry, kHkeyLocalMachine, 0, {}, u"\\SYSTEM\\CurrentControlSet\\Services\\VxD");
+  if (!Terminated()) {
+    ScanKeyTree(*registry, kHkeyLocalMachine, 0.5, {},
+                u"\\SYSTEM\\CurrentControlSet\\Control\\VirtualDeviceDrivers");
+  }
+  FinishSection();
+}

@@ -1,0 +1,134 @@
+#include "tests/support/scanrig.h"
+
+#include <zlib.h>
+
+#include <stdexcept>
+
+namespace {
+
+std::string LineOf(const ScanProblem& problem) {
+  std::string line = EncodeUtf8(RootKeyName(problem.RootKey));
+  for (const Text& field : {problem.KeyPath, problem.ValueName, problem.ValueData, problem.Description}) {
+    line += " | " + EncodeUtf8(field);
+  }
+  return line;
+}
+
+}  // namespace
+
+void TRecordingDialog::SetSectionLabel(TextView text) {
+  Updates.push_back("section: " + EncodeUtf8(text));
+}
+
+void TRecordingDialog::SetItemLabel(TextView text) {
+  Updates.push_back("item: " + EncodeUtf8(text));
+}
+
+void TRecordingDialog::SetOverallPosition(std::int32_t position) {
+  Updates.push_back("overall: " + std::to_string(position));
+}
+
+void TRecordingDialog::SetSectionPosition(std::int32_t position) {
+  Updates.push_back("bar: " + std::to_string(position));
+}
+
+TLanguageTexts NumberedTexts() {
+  constexpr const char* kArguments[] = {"", "(%s)", "(%s|%s2)"};
+  std::string lines;
+  for (const TTextEntry& entry : kTextIds) {
+    const std::string id = std::to_string(static_cast<std::int32_t>(entry.Id));
+    lines += id + "=" + id + kArguments[entry.Placeholders] + "\n";
+  }
+  TMemoryLocale locale;
+  const std::vector<std::uint8_t> bytes(lines.begin(), lines.end());
+  TLanguageTexts texts;
+  texts.English = TLanguageTable::FromFile(bytes, locale);
+  return texts;
+}
+
+TScanRig::TScanRig(TNameOrder order) : System(order) {
+  System.AddUsualFolders();
+  TSystem system = System.Bundle();
+  FillGlobalVars(system, Vars);
+  System.Registry.RemoveKey(u"HKEY_CURRENT_USER\\Software");
+  Vars.Texts = NumberedTexts();
+}
+
+void TScanRig::Run(const std::vector<std::int32_t>& sectionCodes) {
+  RunAndCancel(sectionCodes, -1);
+}
+
+void TScanRig::RunAndCancel(const std::vector<std::int32_t>& sectionCodes, int afterReads) {
+  Sections.CheckOnly(sectionCodes);
+  Dialog.Updates.clear();
+  m_reads = 0;
+  bool finished = false;
+  TSystem system = System.Bundle();
+  TScan* scan = nullptr;
+  // A scan's first section begins with a call of this thread, so that scan is set before the registry is
+  // asked.
+  System.Registry.OnRead = [&] {
+    ++m_reads;
+    if (m_reads == afterReads)
+      scan->Terminate();
+  };
+  const auto onFinished = [&](TWorkerThread& thread) {
+    Failure = thread.FatalException();
+    finished = true;
+  };
+  const TScanContext context = {system, Vars, Reg, Sections, Results, UiThread, onFinished};
+  scan = &TWorkerThread::Launch<TScan>(context, Dialog);
+  UiThread.RunUntil([&finished] { return finished; });
+  System.Registry.OnRead = nullptr;
+}
+
+std::vector<ScanProblem> TScanRig::Headers() {
+  std::vector<ScanProblem> headers;
+  for (TResultsNode* node = Results.FirstRoot(); node != nullptr; node = Results.NextSibling(node)) {
+    headers.push_back(node->Problem);
+  }
+  return headers;
+}
+
+std::vector<ScanProblem> TScanRig::Problems() {
+  std::vector<ScanProblem> problems;
+  for (TResultsNode* header = Results.FirstRoot(); header != nullptr; header = Results.NextSibling(header)) {
+    for (TResultsNode* node = Results.FirstChild(header); node != nullptr; node = Results.NextSibling(node)) {
+      problems.push_back(node->Problem);
+    }
+  }
+  return problems;
+}
+
+std::vector<ScanProblem> TScanRig::ProblemsOf(TextView sectionCaption) {
+  std::vector<ScanProblem> problems;
+  for (TResultsNode* header = Results.FirstRoot(); header != nullptr; header = Results.NextSibling(header)) {
+    if (header->Problem.SectionCaption != sectionCaption)
+      continue;
+    for (TResultsNode* node = Results.FirstChild(header); node != nullptr; node = Results.NextSibling(node)) {
+      problems.push_back(node->Problem);
+    }
+  }
+  return problems;
+}
+
+std::vector<std::string> TScanRig::Lines() {
+  std::vector<std::string> lines;
+  for (const ScanProblem& problem : Problems())
+    lines.push_back(LineOf(problem));
+  return lines;
+}
+
+void TScanRig::WriteCatalogue(std::string_view xml) {
+  System.Disk.AddFile(u"C:\\Program Files\\Tessaly\\data\\xdata.dat", PackDataFile(xml));
+}
+
+std::string PackDataFile(std::string_view content) {
+  uLongf length = compressBound(static_cast<uLong>(content.size()));
+  std::string stream(length, '\0');
+  if (compress(reinterpret_cast<Bytef*>(stream.data()), &length,
+               reinterpret_cast<const Bytef*>(content.data()), static_cast<uLong>(content.size())) != Z_OK) {
+    throw std::runtime_error("the content does not compress");
+  }
+  return "\x01\x02" + stream.substr(0, length);
+}

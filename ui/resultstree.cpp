@@ -1,0 +1,57 @@
+#include "ui/resultstree.h"
+
+TResultsTreeModel::TResultsTreeModel(std::function<int(TextView)> measure) : m_measure(std::move(measure)) {
+}
+
+void TResultsTreeModel::Clear() {
+  // The scan clears a tree that its start has emptied already; then nothing is touched that somebody may be
+  // drawing.
+  if (m_model.TotalCount() != 0)
+    m_model.Clear();
+}
+
+TResultsNode* TResultsTreeModel::AddNode(TResultsNode* parent) {
+  if (parent != nullptr && parent->Children.empty())
+    parent->Expanded = true;
+  return static_cast<TResultsNode*>(m_model.Add(parent, std::make_unique<TResultsNode>()));
+}
+
+void TResultsTreeModel::DeleteNode(TResultsNode* node) {
+  m_model.Delete(node);
+}
+
+ScanProblem& TResultsTreeModel::Data(TResultsNode* node) {
+  return node->Problem;
+}
+
+std::size_t TResultsTreeModel::ChildCount(TResultsNode* node) {
+  return node->Children.size();
+}
+
+TCheckState TResultsTreeModel::CheckState(TResultsNode* node) {
+  return node->State;
+}
+
+TResultsNode* TResultsTreeModel::FirstRoot() {
+  return static_cast<TResultsNode*>(m_model.FirstRoot());
+}
+
+TResultsNode* TResultsTreeModel::FirstChild(TResultsNode* node) {
+  return static_cast<TResultsNode*>(m_model.FirstChild(node));
+}
+
+TResultsNode* TResultsTreeModel::NextSibling(TResultsNode* node) {
+  return static_cast<TResultsNode*>(m_model.NextSibling(node));
+}
+
+int TResultsTreeModel::MeasureText(TextView text) {
+  return m_measure ? m_measure(text) : 0;
+}
+
+int TResultsTreeModel::ColumnWidth() {
+  return m_columnWidth;
+}
+
+void TResultsTreeModel::SetColumnWidth(int width) {
+  m_columnWidth = width;
+}

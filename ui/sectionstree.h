@@ -1,0 +1,46 @@
+// The Sections tree without a window: "My Computer" with the scan's sections below it, ticked as the user
+// left them.
+#pragma once
+
+#include <vector>
+
+#include "core/system.h"
+#include "ui/treemodel.h"
+
+struct TSectionsNode : TTreeNode {
+  std::int32_t NodeCode = 0;
+  Text Caption;
+  std::int32_t ImageIndex = 0;
+};
+
+class TSectionsTreeModel : public SectionsTree {
+ public:
+  // Every section ticked.
+  TSectionsTreeModel();
+
+  // Ticks what the user's settings say; everything where they say nothing. Nothing is written.
+  void LoadChecks(TSystem& system);
+
+  // Writes a boolean for every section, named by its code. A key that can't be created is no error.
+  void SaveChecks(TSystem& system) const;
+
+  // Ticks exactly the sections with these codes; unknown codes are passed over.
+  void CheckOnly(const std::vector<std::int32_t>& codes);
+
+  TSectionsNode* FirstRoot() override;
+  TSectionsNode* FirstChild(TSectionsNode* node) override;
+  TSectionsNode* NextSibling(TSectionsNode* node) override;
+  TCheckState CheckState(TSectionsNode* node) override;
+  std::int32_t Code(TSectionsNode* node) override;
+
+  TTreeModel& Model() {
+    return m_model;
+  }
+
+ private:
+  TSectionsNode* AddNode(TSectionsNode* parent, std::int32_t code, TextView caption, std::int32_t image);
+  std::vector<TSectionsNode*> Leaves() const;
+  void RecomputeParents();
+
+  TTreeModel m_model;
+};

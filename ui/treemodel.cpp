@@ -1,0 +1,91 @@
+#include "ui/treemodel.h"
+
+#include <algorithm>
+
+namespace {
+
+std::size_t CountBelow(const TTreeNode& node) {
+  std::size_t count = node.Children.size();
+  for (const auto& child : node.Children)
+    count += CountBelow(*child);
+  return count;
+}
+
+void SetAll(TTreeNode& node, TCheckState state) {
+  node.State = state;
+  for (const auto& child : node.Children)
+    SetAll(*child, state);
+}
+
+void Renumber(std::vector<std::unique_ptr<TTreeNode>>& siblings, std::size_t from) {
+  for (std::size_t i = from; i < siblings.size(); ++i)
+    siblings[i]->Index = i;
+}
+
+}  // namespace
+
+void TTreeModel::Clear() {
+  m_roots.clear();
+  m_totalCount = 0;
+}
+
+TTreeNode* TTreeModel::Add(TTreeNode* parent, std::unique_ptr<TTreeNode> node) {
+  std::vector<std::unique_ptr<TTreeNode>>& siblings = SiblingsOf(parent);
+  node->Parent = parent;
+  node->Index = siblings.size();
+  siblings.push_back(std::move(node));
+  ++m_totalCount;
+  return siblings.back().get();
+}
+
+void TTreeModel::Delete(TTreeNode* node) {
+  std::vector<std::unique_ptr<TTreeNode>>& siblings = SiblingsOf(node->Parent);
+  const std::size_t index = node->Index;
+  m_totalCount -= 1 + CountBelow(*node);
+  siblings.erase(siblings.begin() + static_cast<std::ptrdiff_t>(index));
+  Renumber(siblings, index);
+}
+
+void TTreeModel::DeleteChildren(TTreeNode* parent, const std::function<bool(const TTreeNode&)>& test) {
+  std::vector<std::unique_ptr<TTreeNode>>& children = parent->Children;
+  std::erase_if(children, [this, &test](const std::unique_ptr<TTreeNode>& child) {
+    if (!test(*child))
+      return false;
+    m_totalCount -= 1 + CountBelow(*child);
+    return true;
+  });
+  Renumber(children, 0);
+}
+
+TTreeNode* TTreeModel::FirstRoot() const {
+  return m_roots.empty() ? nullptr : m_roots.front().get();
+}
+
+TTreeNode* TTreeModel::FirstChild(const TTreeNode* node) const {
+  return node->Children.empty() ? nullptr : node->Children.front().get();
+}
+
+TTreeNode* TTreeModel::NextSibling(const TTreeNode* node) const {
+  const auto& siblings = node->Parent == nullptr ? m_roots : node->Parent->Children;
+  return node->Index + 1 < siblings.size() ? siblings[node->Index + 1].get() : nullptr;
+}
+
+void TTreeModel::SetChecked(TTreeNode* node, bool checked) {
+  SetAll(*node, checked ? TCheckState::Checked : TCheckState::Unchecked);
+  for (TTreeNode* above = node->Parent; above != nullptr; above = above->Parent) {
+    above->State = StateFromChildren(*above);
+  }
+}
+
+TCheckState TTreeModel::StateFromChildren(const TTreeNode& node) {
+  if (node.Children.empty())
+    return node.State;
+  const TCheckState first = node.Children.front()->State;
+  const bool allAgree = std::all_of(node.Children.begin(), node.Children.end(),
+                                    [first](const auto& child) { return child->State == first; });
+  return allAgree ? first : TCheckState::Mixed;
+}
+
+std::vector<std::unique_ptr<TTreeNode>>& TTreeModel::SiblingsOf(TTreeNode* parent) {
+  return parent == nullptr ? m_roots : parent->Children;
+}

@@ -1,0 +1,58 @@
+// A tree with check boxes as it is without a window: nodes, check states, what is expanded. Both trees of the
+// main window stand on it.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "scan/scantrees.h"
+
+struct TTreeNode {
+  virtual ~TTreeNode() = default;
+
+  TTreeNode* Parent = nullptr;  // null: a root node
+  std::vector<std::unique_ptr<TTreeNode>> Children;
+  std::size_t Index = 0;  // among its siblings
+  TCheckState State = TCheckState::Checked;
+  bool Expanded = false;
+};
+
+class TTreeModel {
+ public:
+  const std::vector<std::unique_ptr<TTreeNode>>& Roots() const {
+    return m_roots;
+  }
+
+  // All nodes, whatever is expanded.
+  std::size_t TotalCount() const {
+    return m_totalCount;
+  }
+
+  void Clear();
+
+  // Adds node as the last child of parent, or as the last root for null.
+  TTreeNode* Add(TTreeNode* parent, std::unique_ptr<TTreeNode> node);
+  void Delete(TTreeNode* node);
+
+  // Deletes every child of parent that the test answers true for, in one pass.
+  void DeleteChildren(TTreeNode* parent, const std::function<bool(const TTreeNode&)>& test);
+
+  TTreeNode* FirstRoot() const;
+  TTreeNode* FirstChild(const TTreeNode* node) const;
+  TTreeNode* NextSibling(const TTreeNode* node) const;
+
+  // Checks or unchecks a node with all below it, and recomputes the nodes above it: checked when all children
+  // are, unchecked when none is, mixed otherwise.
+  void SetChecked(TTreeNode* node, bool checked);
+
+  // The state that a node's children give it; its own without children.
+  static TCheckState StateFromChildren(const TTreeNode& node);
+
+ private:
+  std::vector<std::unique_ptr<TTreeNode>>& SiblingsOf(TTreeNode* parent);
+
+  std::vector<std::unique_ptr<TTreeNode>> m_roots;
+  std::size_t m_totalCount = 0;
+};
