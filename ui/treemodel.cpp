@@ -27,6 +27,7 @@ void Renumber(std::vector<std::unique_ptr<TTreeNode>>& siblings, std::size_t fro
 void TTreeModel::Clear() {
   m_roots.clear();
   m_totalCount = 0;
+  m_selected = nullptr;
 }
 
 TTreeNode* TTreeModel::Add(TTreeNode* parent, std::unique_ptr<TTreeNode> node) {
@@ -41,7 +42,7 @@ TTreeNode* TTreeModel::Add(TTreeNode* parent, std::unique_ptr<TTreeNode> node) {
 void TTreeModel::Delete(TTreeNode* node) {
   std::vector<std::unique_ptr<TTreeNode>>& siblings = SiblingsOf(node->Parent);
   const std::size_t index = node->Index;
-  m_totalCount -= 1 + CountBelow(*node);
+  Forget(*node);
   siblings.erase(siblings.begin() + static_cast<std::ptrdiff_t>(index));
   Renumber(siblings, index);
 }
@@ -51,7 +52,7 @@ void TTreeModel::DeleteChildren(TTreeNode* parent, const std::function<bool(cons
   std::erase_if(children, [this, &test](const std::unique_ptr<TTreeNode>& child) {
     if (!test(*child))
       return false;
-    m_totalCount -= 1 + CountBelow(*child);
+    Forget(*child);
     return true;
   });
   Renumber(children, 0);
@@ -84,6 +85,14 @@ TCheckState TTreeModel::StateFromChildren(const TTreeNode& node) {
   const bool allAgree = std::all_of(node.Children.begin(), node.Children.end(),
                                     [first](const auto& child) { return child->State == first; });
   return allAgree ? first : TCheckState::Mixed;
+}
+
+void TTreeModel::Forget(const TTreeNode& node) {
+  if (m_selected == &node)
+    m_selected = nullptr;
+  --m_totalCount;
+  for (const auto& child : node.Children)
+    Forget(*child);
 }
 
 std::vector<std::unique_ptr<TTreeNode>>& TTreeModel::SiblingsOf(TTreeNode* parent) {

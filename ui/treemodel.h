@@ -43,6 +43,14 @@ class TTreeModel {
   TTreeNode* FirstChild(const TTreeNode* node) const;
   TTreeNode* NextSibling(const TTreeNode* node) const;
 
+  // The one selected row; null when none is, and as soon as it has left the tree.
+  TTreeNode* Selected() const {
+    return m_selected;
+  }
+  void Select(TTreeNode* node) {
+    m_selected = node;
+  }
+
   // Checks or unchecks a node with all below it, and recomputes the nodes above it: checked when all children
   // are, unchecked when none is, mixed otherwise.
   void SetChecked(TTreeNode* node, bool checked);
@@ -51,8 +59,11 @@ class TTreeModel {
   static TCheckState StateFromChildren(const TTreeNode& node);
 
  private:
+  // Counts a node that is about to go, with all below it, and lets go of the selection in it.
+  void Forget(const TTreeNode& node);
   std::vector<std::unique_ptr<TTreeNode>>& SiblingsOf(TTreeNode* parent);
 
   std::vector<std::unique_ptr<TTreeNode>> m_roots;
   std::size_t m_totalCount = 0;
+  TTreeNode* m_selected = nullptr;
 };
