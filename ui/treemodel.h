@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -17,6 +18,10 @@ struct TTreeNode {
   std::size_t Index = 0;  // among its siblings
   TCheckState State = TCheckState::Checked;
   bool Expanded = false;
+
+  // The layout's memory: where each child's row ends with all that is open below it, in pixels from the first
+  // child's top. As many children as it holds are known; the model cuts it where something changes.
+  std::vector<std::int64_t> ChildBottoms;
 };
 
 class TTreeModel {
@@ -43,6 +48,18 @@ class TTreeModel {
   TTreeNode* FirstChild(const TTreeNode* node) const;
   TTreeNode* NextSibling(const TTreeNode* node) const;
 
+  // Opens or closes a node.
+  void SetExpanded(TTreeNode* node, bool expanded);
+
+  // To be told when a row's height has changed.
+  void RowHeightChanged(const TTreeNode* node);
+  void AllRowHeightsChanged();
+
+  // The layout's memory of the roots, see TTreeNode.
+  std::vector<std::int64_t>& RootBottoms() {
+    return m_rootBottoms;
+  }
+
   // The one selected row; null when none is, and as soon as it has left the tree.
   TTreeNode* Selected() const {
     return m_selected;
@@ -61,9 +78,12 @@ class TTreeModel {
  private:
   // Counts a node that is about to go, with all below it, and lets go of the selection in it.
   void Forget(const TTreeNode& node);
+  // Everything from this child of parent on may have moved.
+  void RowsMoved(TTreeNode* parent, std::size_t fromIndex);
   std::vector<std::unique_ptr<TTreeNode>>& SiblingsOf(TTreeNode* parent);
 
   std::vector<std::unique_ptr<TTreeNode>> m_roots;
+  std::vector<std::int64_t> m_rootBottoms;
   std::size_t m_totalCount = 0;
   TTreeNode* m_selected = nullptr;
 };
