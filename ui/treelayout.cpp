@@ -15,6 +15,14 @@ TTreeNode* LastBelow(TTreeNode* node) {
   return node;
 }
 
+TRowSum TotalOf(const std::vector<TRowSum>& sums) {
+  return sums.empty() ? TRowSum() : sums.back();
+}
+
+TRowSum SumBefore(const std::vector<TRowSum>& sums, std::size_t index) {
+  return index == 0 ? TRowSum() : sums[index - 1];
+}
+
 }  // namespace
 
 TTreeLayout::TTreeLayout(TTreeModel& model, std::function<int(const TTreeNode&)> heightOf)
@@ -22,8 +30,11 @@ TTreeLayout::TTreeLayout(TTreeModel& model, std::function<int(const TTreeNode&)>
 }
 
 std::int64_t TTreeLayout::TotalHeight() {
-  const TBottoms& bottoms = BottomsOf(nullptr);
-  return bottoms.empty() ? 0 : bottoms.back();
+  return TotalOf(SumsOf(nullptr)).Height;
+}
+
+std::int64_t TTreeLayout::RowCount() {
+  return TotalOf(SumsOf(nullptr)).Rows;
 }
 
 std::optional<TTreeRow> TTreeLayout::RowAt(std::int64_t y) {
@@ -32,11 +43,13 @@ std::optional<TTreeRow> TTreeLayout::RowAt(std::int64_t y) {
   TTreeNode* parent = nullptr;
   std::int64_t base = 0;
   for (int level = 0;; ++level) {
-    const TBottoms& bottoms = BottomsOf(parent);
-    const auto block = std::upper_bound(bottoms.begin(), bottoms.end(), y - base);
-    const auto index = static_cast<std::size_t>(block - bottoms.begin());
-    TTreeNode* node = (parent == nullptr ? m_model.Roots() : parent->Children)[index].get();
-    const std::int64_t top = base + (index == 0 ? 0 : bottoms[index - 1]);
+    const TSums& sums = SumsOf(parent);
+    const auto block =
+        std::upper_bound(sums.begin(), sums.end(), y - base,
+                         [](std::int64_t place, const TRowSum& sum) { return place < sum.Height; });
+    const auto index = static_cast<std::size_t>(block - sums.begin());
+    TTreeNode* node = ChildrenOf(parent)[index].get();
+    const std::int64_t top = base + SumBefore(sums, index).Height;
     const int height = m_heightOf(*node);
     if (y < top + height)
       return TTreeRow{node, top, height, level};
@@ -48,13 +61,39 @@ std::optional<TTreeRow> TTreeLayout::RowAt(std::int64_t y) {
 TTreeRow TTreeLayout::RowOf(TTreeNode* node) {
   TTreeRow row = {node, 0, m_heightOf(*node), LevelOf(*node)};
   for (TTreeNode* each = node; each != nullptr; each = each->Parent) {
-    const TBottoms& bottoms = BottomsOf(each->Parent);
-    if (each->Index > 0)
-      row.Top += bottoms[each->Index - 1];
+    row.Top += SumBefore(SumsOf(each->Parent), each->Index).Height;
     if (each->Parent != nullptr)
       row.Top += m_heightOf(*each->Parent);
   }
   return row;
+}
+
+TTreeNode* TTreeLayout::NodeOfRow(std::int64_t number) {
+  if (number < 0 || number >= RowCount())
+    return nullptr;
+  for (TTreeNode* parent = nullptr;;) {
+    const TSums& sums = SumsOf(parent);
+    const auto block =
+        std::upper_bound(sums.begin(), sums.end(), number,
+                         [](std::int64_t wanted, const TRowSum& sum) { return wanted < sum.Rows; });
+    const auto index = static_cast<std::size_t>(block - sums.begin());
+    TTreeNode* node = ChildrenOf(parent)[index].get();
+    number -= SumBefore(sums, index).Rows;
+    if (number == 0)
+      return node;
+    --number;
+    parent = node;
+  }
+}
+
+std::int64_t TTreeLayout::NumberOfRow(const TTreeNode* node) {
+  std::int64_t number = 0;
+  for (const TTreeNode* each = node; each != nullptr; each = each->Parent) {
+    number += SumBefore(SumsOf(each->Parent), each->Index).Rows;
+    if (each->Parent != nullptr)
+      ++number;
+  }
+  return number;
 }
 
 TTreeNode* TTreeLayout::FirstRow() const {
@@ -78,7 +117,7 @@ TTreeNode* TTreeLayout::NextRow(const TTreeNode* node) const {
 TTreeNode* TTreeLayout::PreviousRow(const TTreeNode* node) const {
   if (node->Index == 0)
     return node->Parent;
-  const auto& siblings = node->Parent == nullptr ? m_model.Roots() : node->Parent->Children;
+  const auto& siblings = ChildrenOf(node->Parent);
   return LastBelow(siblings[node->Index - 1].get());
 }
 
@@ -89,18 +128,24 @@ int TTreeLayout::LevelOf(const TTreeNode& node) {
   return level;
 }
 
-const TTreeLayout::TBottoms& TTreeLayout::BottomsOf(TTreeNode* parent) {
-  TBottoms& bottoms = parent == nullptr ? m_model.RootBottoms() : parent->ChildBottoms;
-  const auto& children = parent == nullptr ? m_model.Roots() : parent->Children;
-  std::int64_t bottom = bottoms.empty() ? 0 : bottoms.back();
-  while (bottoms.size() < children.size()) {
-    bottom += BlockHeight(*children[bottoms.size()]);
-    bottoms.push_back(bottom);
+const TTreeLayout::TSums& TTreeLayout::SumsOf(TTreeNode* parent) {
+  TSums& sums = parent == nullptr ? m_model.RootSums() : parent->ChildSums;
+  const auto& children = ChildrenOf(parent);
+  TRowSum sum = TotalOf(sums);
+  while (sums.size() < children.size()) {
+    TTreeNode& child = *children[sums.size()];
+    sum.Height += m_heightOf(child);
+    ++sum.Rows;
+    if (IsOpen(child)) {
+      const TRowSum below = TotalOf(SumsOf(&child));
+      sum.Height += below.Height;
+      sum.Rows += below.Rows;
+    }
+    sums.push_back(sum);
   }
-  return bottoms;
+  return sums;
 }
 
-std::int64_t TTreeLayout::BlockHeight(TTreeNode& node) {
-  const std::int64_t own = m_heightOf(node);
-  return IsOpen(node) ? own + BottomsOf(&node).back() : own;
+const std::vector<std::unique_ptr<TTreeNode>>& TTreeLayout::ChildrenOf(const TTreeNode* parent) const {
+  return parent == nullptr ? m_model.Roots() : parent->Children;
 }

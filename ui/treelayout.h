@@ -20,14 +20,19 @@ class TTreeLayout {
   // heightOf answers a row's height in pixels; the model must be told when it changes.
   TTreeLayout(TTreeModel& model, std::function<int(const TTreeNode&)> heightOf);
 
-  // Pixels of all rows together.
+  // Pixels of all rows together, and their number.
   std::int64_t TotalHeight();
+  std::int64_t RowCount();
 
   // The row at a place; nothing above the first and below the last.
   std::optional<TTreeRow> RowAt(std::int64_t y);
 
   // The row of a node, all of whose parents must be open.
   TTreeRow RowOf(TTreeNode* node);
+
+  // Rows by number, from 0; null outside. All parents of a node that is asked for must be open.
+  TTreeNode* NodeOfRow(std::int64_t number);
+  std::int64_t NumberOfRow(const TTreeNode* node);
 
   // Neighbours among the rows; null where there is none.
   TTreeNode* FirstRow() const;
@@ -38,10 +43,10 @@ class TTreeLayout {
   static int LevelOf(const TTreeNode& node);
 
  private:
-  using TBottoms = std::vector<std::int64_t>;
+  using TSums = std::vector<TRowSum>;
 
-  const TBottoms& BottomsOf(TTreeNode* parent);
-  std::int64_t BlockHeight(TTreeNode& node);
+  const TSums& SumsOf(TTreeNode* parent);
+  const std::vector<std::unique_ptr<TTreeNode>>& ChildrenOf(const TTreeNode* parent) const;
 
   TTreeModel& m_model;
   std::function<int(const TTreeNode&)> m_heightOf;

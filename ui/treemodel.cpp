@@ -26,7 +26,7 @@ void Renumber(std::vector<std::unique_ptr<TTreeNode>>& siblings, std::size_t fro
 
 void TTreeModel::Clear() {
   m_roots.clear();
-  m_rootBottoms.clear();
+  m_rootSums.clear();
   m_totalCount = 0;
   m_selected = nullptr;
 }
@@ -102,20 +102,20 @@ void TTreeModel::RowHeightChanged(const TTreeNode* node) {
 
 void TTreeModel::AllRowHeightsChanged() {
   const std::function<void(TTreeNode&)> forget = [&forget](TTreeNode& node) {
-    node.ChildBottoms.clear();
+    node.ChildSums.clear();
     for (const auto& child : node.Children)
       forget(*child);
   };
-  m_rootBottoms.clear();
+  m_rootSums.clear();
   for (const auto& root : m_roots)
     forget(*root);
 }
 
 void TTreeModel::RowsMoved(TTreeNode* parent, std::size_t fromIndex) {
   for (;;) {
-    std::vector<std::int64_t>& bottoms = parent == nullptr ? m_rootBottoms : parent->ChildBottoms;
-    if (bottoms.size() > fromIndex)
-      bottoms.resize(fromIndex);
+    std::vector<TRowSum>& sums = parent == nullptr ? m_rootSums : parent->ChildSums;
+    if (sums.size() > fromIndex)
+      sums.resize(fromIndex);
     if (parent == nullptr)
       return;
     fromIndex = parent->Index;

@@ -10,6 +10,12 @@
 
 #include "scan/scantrees.h"
 
+// Rows from a parent's first child on.
+struct TRowSum {
+  std::int64_t Height = 0;  // pixels
+  std::int64_t Rows = 0;
+};
+
 struct TTreeNode {
   virtual ~TTreeNode() = default;
 
@@ -19,9 +25,9 @@ struct TTreeNode {
   TCheckState State = TCheckState::Checked;
   bool Expanded = false;
 
-  // The layout's memory: where each child's row ends with all that is open below it, in pixels from the first
-  // child's top. As many children as it holds are known; the model cuts it where something changes.
-  std::vector<std::int64_t> ChildBottoms;
+  // The layout's memory: the sums of the rows of the first children, of each with all that is open below it.
+  // It holds as many children as are known; the model cuts it where something changes.
+  std::vector<TRowSum> ChildSums;
 };
 
 class TTreeModel {
@@ -56,8 +62,8 @@ class TTreeModel {
   void AllRowHeightsChanged();
 
   // The layout's memory of the roots, see TTreeNode.
-  std::vector<std::int64_t>& RootBottoms() {
-    return m_rootBottoms;
+  std::vector<TRowSum>& RootSums() {
+    return m_rootSums;
   }
 
   // The one selected row; null when none is, and as soon as it has left the tree.
@@ -83,7 +89,7 @@ class TTreeModel {
   std::vector<std::unique_ptr<TTreeNode>>& SiblingsOf(TTreeNode* parent);
 
   std::vector<std::unique_ptr<TTreeNode>> m_roots;
-  std::vector<std::int64_t> m_rootBottoms;
+  std::vector<TRowSum> m_rootSums;
   std::size_t m_totalCount = 0;
   TTreeNode* m_selected = nullptr;
 };
