@@ -10,7 +10,8 @@ namespace {
 // A text passed to the system may have 32,767 units; keys nested deeper than that are reached step by step.
 constexpr std::size_t kLongestPath = 16000;
 
-constexpr DWORD kKeyNameUnits = 256;  // the longest name and its NUL, winreg.h
+constexpr std::size_t kLongestKeyName = 255;  // units, winreg.h
+constexpr DWORD kKeyNameUnits = 512;          // more than any system lets a key have
 constexpr DWORD kLargestValueNameUnits = 32768;
 constexpr DWORD kSmallestNameBuffer = 256;   // units
 constexpr DWORD kSmallestDataBuffer = 4096;  // bytes
@@ -367,7 +368,7 @@ std::shared_ptr<TKeptKey> TKeyChain::Last(TRootKey rootKey, TextView path) const
 std::optional<Text> JoinNames(const std::vector<Text>& names) {
   Text path;
   for (const Text& name : names) {
-    if (HoldsNul(name))
+    if (HoldsNul(name) || name.size() > kLongestKeyName)
       return std::nullopt;
     if (!path.empty())
       path += u'\\';

@@ -145,7 +145,8 @@ class TKeyChain {
   std::vector<std::shared_ptr<TKeptKey>> m_kept;  // each a parent of the next
 };
 
-// Joins names with "\". Nothing when a name holds a NUL, which no routine can pass on.
+// Joins names with "\". Nothing when a name holds a NUL, which no routine can pass on, or is too long for a
+// key.
 std::optional<Text> JoinNames(const std::vector<Text>& names);
 
 // A value name as the routines take it: a name of one NUL is the default value. Nothing for a name that holds

@@ -157,8 +157,10 @@ TRawResult TWindowsRawRegistry::ReadValue(TRootKey rootKey, TextView keyPath, Te
   const std::lock_guard<std::mutex> hold(m_mutex);
   const std::optional<Text> path = PathOf(keyPath);
   const std::optional<Text> systemName = SystemValueName(name);
-  if (!path || !systemName)
+  if (!path)
     return TRawResult::Failed;
+  if (!systemName)
+    return TRawResult::Missing;
   const TRawResult result = WithKey(rootKey, *path, kReadAccess, [&](HKEY handle) {
     return m_calls.QueryValue(handle, *systemName, m_buffer);
   });
@@ -224,8 +226,10 @@ TRawResult TWindowsRawRegistry::DeleteValue(TRootKey rootKey, TextView keyPath, 
   const std::lock_guard<std::mutex> hold(m_mutex);
   const std::optional<Text> path = PathOf(keyPath);
   const std::optional<Text> systemName = SystemValueName(name);
-  if (!path || !systemName)
+  if (!path)
     return TRawResult::Failed;
+  if (!systemName)
+    return TRawResult::Missing;
   return WithKey(rootKey, *path, kChangeAccess,
                  [&](HKEY handle) { return m_calls.DeleteValue(handle, *systemName); });
 }

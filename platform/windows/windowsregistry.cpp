@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "core/lettercase.h"
 
@@ -114,7 +115,6 @@ std::optional<TWindowsRegistryStore::TPlace> TWindowsRegistryStore::PlaceOf(Text
 }
 
 void TWindowsRegistryStore::Forget() {
-  m_valuesCounted = false;
   m_subKeysCounted = false;
   m_snapshot.Clear();
 }
@@ -223,20 +223,19 @@ bool TWindowsRegistryStore::WriteBool(TextView name, bool value) {
 }
 
 bool TWindowsRegistryStore::Count() {
-  if (!m_open)
-    return false;
-  const bool counted = m_calls.Counts(m_open->Key.Get(), m_counts) == ERROR_SUCCESS;
-  m_valuesCounted = counted;
-  m_subKeysCounted = counted;
-  return counted;
+  return m_open && m_calls.Counts(m_open->Key.Get(), m_counts) == ERROR_SUCCESS;
+}
+
+bool TWindowsRegistryStore::CountSubKeys() {
+  return std::exchange(m_subKeysCounted, false) || Count();
 }
 
 std::vector<Text> TWindowsRegistryStore::GetValueNames() {
   std::vector<Text> names;
   m_snapshot.Clear();
-  if (!m_valuesCounted && !Count())
+  m_subKeysCounted = Count();
+  if (!m_subKeysCounted)
     return names;
-  m_valuesCounted = false;
   m_buffer.Reserve(m_counts, kLargestKeptData);
   names.reserve(m_counts.Values);
   for (DWORD i = 0; i < m_counts.Values; ++i) {
@@ -250,9 +249,8 @@ std::vector<Text> TWindowsRegistryStore::GetValueNames() {
 
 std::vector<Text> TWindowsRegistryStore::GetKeyNames() {
   std::vector<Text> names;
-  if (!m_subKeysCounted && !Count())
+  if (!CountSubKeys())
     return names;
-  m_subKeysCounted = false;
   names.reserve(m_counts.SubKeys);
   for (DWORD i = 0; i < m_counts.SubKeys; ++i) {
     Text name;
@@ -264,10 +262,7 @@ std::vector<Text> TWindowsRegistryStore::GetKeyNames() {
 }
 
 bool TWindowsRegistryStore::HasSubKeys() {
-  if (!m_subKeysCounted && !Count())
-    return false;
-  m_subKeysCounted = false;
-  return m_counts.SubKeys != 0;
+  return CountSubKeys() && m_counts.SubKeys != 0;
 }
 
 bool TWindowsRegistryStore::DeleteKey(TextView path) {

@@ -88,6 +88,7 @@ class TWindowsRegistryStore : public RegistryStore {
   LSTATUS OpenForAccess(const TPlace& place);
   void Forget();
   bool Count();
+  bool CountSubKeys();
   std::optional<TValue> FindValue(TextView name);
   bool Write(TextView name, DWORD type, std::span<const std::uint8_t> data);
   bool MayChange() const {
@@ -100,9 +101,8 @@ class TWindowsRegistryStore : public RegistryStore {
   TKeyChain m_chain{m_calls};
   std::shared_ptr<TKeptKey> m_open;
 
-  // Of the open key. Counts answer once for its values and once for its subkeys, then they are taken again.
+  // Of the open key. The counts that a listing of its values took answer once for its subkeys too.
   TKeyCounts m_counts;
-  bool m_valuesCounted = false;
   bool m_subKeysCounted = false;
   TValueSnapshot m_snapshot;
   TValueBuffer m_buffer;
