@@ -212,6 +212,21 @@ TEST_F(SplitCommand, NothingIsFoundWhenNoBlankIsLeft) {
   EXPECT_FALSE(Checks.SplitCommandFile(u"C:\\Gone\\a"));
 }
 
+TEST_F(SplitCommand, CutsBeyondThePathsGreatestLengthAreNotTried) {
+  Disk.AddFile(u"C:\\Tools\\tool.exe");
+  Text command = u"C:\\Tools\\tool.exe";
+  for (int i = 0; i < 500; ++i)
+    command += u" " + Text(2000, u'x');
+  EXPECT_EQ(Checks.SplitCommandFile(command), u"C:\\Tools\\tool.exe");
+  EXPECT_LT(Disk.Questions(), 50);
+}
+
+TEST_F(SplitCommand, ACutOfThePathsGreatestLengthIsTried) {
+  const Text longest = Text(u"C:\\Tools\\").append(32767 - 9, u'a');
+  Disk.AddFile(longest);
+  EXPECT_EQ(Checks.SplitCommandFile(longest + u" -x"), longest);
+}
+
 TEST_F(SplitCommand, ABareNameIsSoughtInTheSearchFolders) {
   Disk.AddFile(u"C:\\Windows\\notepad.exe");
   EXPECT_EQ(Checks.SplitCommandFile(u"notepad"), u"C:\\Windows\\notepad.exe");
