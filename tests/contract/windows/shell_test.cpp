@@ -5,11 +5,11 @@
 
 namespace {
 
-// Windows that need no display: below a message-only one.
+// Windows that nobody sees: below a message-only one.
 class TTestWindow {
  public:
   TTestWindow(const wchar_t* className, HWND parent)
-      : m_window(CreateWindowExW(0, className, L"", parent == HWND_MESSAGE ? 0 : WS_CHILD, 0, 0, 10, 10,
+      : m_window(CreateWindowExW(0, className, L"", parent == HWND_MESSAGE ? 0 : WS_CHILD, 0, 0, 400, 40,
                                  parent, nullptr, nullptr, nullptr)) {
     EXPECT_NE(m_window, nullptr);
   }
