@@ -219,6 +219,21 @@ bool CountsAsEmpty(TScanRig& rig) {
   return !rig.Problems().empty();
 }
 
+// What a scan thread, which has nothing ticked to scan, says of a key of the user's.
+bool IsKeyEmpty(TScanRig& rig, TextView keyPath, bool recursive) {
+  rig.Sections.CheckOnly({});
+  TSystem system = rig.System.Bundle();
+  std::optional<bool> answer;
+  const auto onFinished = [&](TWorkerThread& thread) {
+    answer = dynamic_cast<TScan&>(thread).IsKeyEmpty(kHkeyCurrentUser, keyPath, recursive);
+  };
+  const TScanContext context = {system,      rig.Vars,     rig.Reg,   rig.Sections,
+                                rig.Results, rig.UiThread, onFinished};
+  TWorkerThread::Launch<TScan>(context, rig.Dialog);
+  rig.UiThread.RunUntil([&answer] { return answer.has_value(); });
+  return *answer;
+}
+
 }  // namespace
 
 TEST(KeyEmptiness, AKeyWithNothingIsEmpty) {
@@ -265,6 +280,23 @@ TEST(KeyEmptiness, ASubKeyThatDoesNotOpenMakesAKeyUsed) {
   rig.System.Registry.AddKey(u"HKEY_CLASSES_ROOT\\thing\\a");
   rig.System.Registry.Deny(u"HKEY_CLASSES_ROOT\\thing\\a");
   EXPECT_FALSE(CountsAsEmpty(rig));
+}
+
+TEST(KeyEmptiness, SubKeysCountByThemselvesWhenTheyAreNotLookedInto) {
+  TScanRig rig;
+  rig.System.Registry.AddKey(u"HKEY_CURRENT_USER\\thing\\a");
+  EXPECT_FALSE(IsKeyEmpty(rig, u"\\thing", false));
+  EXPECT_TRUE(IsKeyEmpty(rig, u"\\thing", true));
+  EXPECT_TRUE(IsKeyEmpty(rig, u"\\thing\\a", false));
+  EXPECT_FALSE(IsKeyEmpty(rig, u"\\missing", false));
+  EXPECT_FALSE(IsKeyEmpty(rig, u"\\missing", true));
+}
+
+TEST(KeyEmptiness, AnOnlySubKeyWithOneValueMakesAKeyUsedInBothWays) {
+  TScanRig rig;
+  rig.System.Registry.Set(u"HKEY_CURRENT_USER\\thing\\a", u"v", u"");
+  EXPECT_FALSE(IsKeyEmpty(rig, u"\\thing", false));
+  EXPECT_FALSE(IsKeyEmpty(rig, u"\\thing", true));
 }
 
 // The hand-over to the tree
@@ -554,6 +586,18 @@ TEST(Progress, TheFirstRefreshComesWithTheFiftyFirstCallAndThenEveryFiftieth) {
             (TStrings{"item: ", "section: 11035 Shared Programs...", "overall: 100",
                       "item: SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\SharedDLLs\\f050", "bar: 42",
                       "item: SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\SharedDLLs\\f100", "bar: 84"}));
+}
+
+TEST(Progress, AHundredAndTwentyCallsAfterARefreshRefreshTwice) {
+  TScanRig rig;
+  AddSharedFiles(rig, 51 + 120);
+  rig.Run({kSharedPrograms});
+  TStrings labels;
+  for (const std::string& update : rig.Dialog.Updates) {
+    if (update.starts_with("item: S"))
+      labels.push_back(update.substr(update.size() - 4));
+  }
+  EXPECT_EQ(labels, (TStrings{"f050", "f100", "f150"}));
 }
 
 TEST(Progress, FiftyCallsRefreshNothing) {
