@@ -73,6 +73,11 @@ usage_error() {
   [[ $code == 2 && ! -s $work/out && -s $work/err ]]
 }
 
+no_later_section() {
+  result captions "$1" "Registry Integrity" "HKEY_LOCAL_MACHINE - Files and Folders" ||
+    result captions "$1" "Registry Integrity"
+}
+
 fill_prefix() {
   local drive=$WINEPREFIX/drive_c menu="drive_c/ProgramData/Start Menu/Programs"
   mkdir -p "$drive/Corvalt/real folder" "$WINEPREFIX/$menu/Corvalt Real" "$WINEPREFIX/$menu/Corvalt Real Without Order"
@@ -144,6 +149,15 @@ ok "the other file is still written" result captions "$work/beside.json" "Regist
 
 corvaltc scan --sections 1 --json "$json/Straße 中.json" --quiet
 ok "a file name may hold any character" result captions "$work/Straße 中.json" "Registry Integrity"
+
+# In the middle of the second section, with the progress line and the outcome on a console of its own.
+code=0
+run_windows build/windows-x64/tests/wine_interrupt.exe "Files and Folders - HKEY_LOCAL_MACHINE" "$folder/corvaltc.exe" \
+  scan --json "$json/cancelled.json" --report "$json/cancelled.txt" >"$work/screen" </dev/null || code=$?
+ok "Ctrl-C ends the scan by what was found" answered 1
+ok "a word says so" grep -q "^Scan cancelled" "$work/screen"
+ok "no later section ran" no_later_section "$work/cancelled.json"
+ok "the report is written all the same" result report "$work/cancelled.json" "$work/cancelled.txt"
 
 cp -r $folder "$work/Corvalt"
 rm "$work/Corvalt/data/xdata.dat"
