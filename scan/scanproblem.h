@@ -30,3 +30,11 @@ struct ScanProblem {
   bool StateFlag1 = false;  // the selected row, shown on three lines
   bool StateFlag2 = false;  // removed by the repair
 };
+
+// The full text of the problem's key, root name first. Key paths from the adware catalogue have no leading
+// "\" and get their separator here.
+Text FullKeyText(const ScanProblem& problem);
+
+// Whether a value name means the key's default value: the empty name, and one NUL, which the MRU scanner
+// reads it by.
+bool IsDefaultValueName(TextView valueName);

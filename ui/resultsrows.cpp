@@ -1,0 +1,151 @@
+#include "ui/resultsrows.h"
+
+#include "core/lettercase.h"
+
+namespace {
+
+bool IsHeader(const TResultsNode& node) {
+  return node.Parent == nullptr;
+}
+
+// Keeps the mark in step with the check box.
+void FollowCheckBox(TTreeNode& node) {
+  auto& problem = static_cast<TResultsNode&>(node).Problem;
+  if (node.State == TCheckState::Unchecked && problem.CheckMark == kCheckMarkRepair) {
+    problem.CheckMark = kCheckMarkSkip;
+  } else if (node.State == TCheckState::Checked && problem.CheckMark == kCheckMarkSkip) {
+    problem.CheckMark = kCheckMarkRepair;
+  }
+}
+
+}  // namespace
+
+TResultsRows::TResultsRows(TResultsTreeModel& tree, const TLanguageTexts& texts, THost host)
+    : m_tree(tree), m_texts(texts), m_host(std::move(host)) {
+}
+
+int TResultsRows::HeightInUnits(const TResultsNode& node) {
+  if (IsHeader(node))
+    return 1;
+  return node.Problem.StateFlag1 ? 3 : 2;
+}
+
+std::vector<TRowLine> TResultsRows::Lines(const TResultsNode& node) const {
+  const ScanProblem& problem = node.Problem;
+  if (IsHeader(node)) {
+    // The count is stored when the section ends: a header without one is being scanned.
+    const Text ending = problem.ChildCount > 0
+                            ? u"  " + Plain(TextId::HeaderCount, DecimalText(problem.ChildCount))
+                            : u" - " + Plain(TextId::HeaderScanning) + u"...";
+    return {{problem.SectionCaption + ending, true, false}};
+  }
+  const Text location =
+      problem.Kind == kKindFile ? problem.KeyPath : RootKeyName(problem.RootKey) + problem.KeyPath;
+  const bool isSelected = problem.StateFlag1;
+  std::vector<TRowLine> lines = {{Plain(TextId::RowLocation) + u" " + location, false, false},
+                                 {PlainText(problem.Description), false, !isSelected}};
+  if (isSelected)
+    lines.push_back({ActionLabel() + u" ", false, false});
+  return lines;
+}
+
+Text TResultsRows::ActionLabel() const {
+  return Plain(TextId::RowAction);
+}
+
+TResultsNode* TResultsRows::Selected() const {
+  return static_cast<TResultsNode*>(m_tree.Model().Selected());
+}
+
+TResultsNode* TResultsRows::SelectedProblem() const {
+  TResultsNode* node = Selected();
+  return node != nullptr && !IsHeader(*node) ? node : nullptr;
+}
+
+void TResultsRows::Select(TResultsNode* node) {
+  if (node == nullptr)
+    return;
+  ForgetSelection();
+  node->Problem.StateFlag1 = true;
+  m_tree.Model().Select(node);
+  m_tree.Model().RowHeightChanged(node);
+}
+
+void TResultsRows::ForgetSelection() {
+  TResultsNode* node = Selected();
+  if (node != nullptr)
+    node->Problem.StateFlag1 = false;
+  m_tree.Model().Select(nullptr);
+}
+
+TRowControls TResultsRows::Controls() const {
+  const ScanProblem& problem = SelectedProblem()->Problem;
+  TRowControls controls;
+  controls.Choice = problem.CheckMark - 1;
+  if (problem.Kind == kKindFile) {
+    controls.Choices = {Plain(TextId::ChoiceRepairFile), Plain(TextId::ChoiceDoNotRepairFile)};
+    controls.ButtonCaption = Plain(TextId::ButtonProperties);
+    controls.ButtonTip = Plain(TextId::TipProperties);
+  } else {
+    controls.Choices = {Plain(TextId::ChoiceRepair), Plain(TextId::ChoiceDoNotRepair),
+                        Plain(TextId::ChoiceIgnore)};
+    controls.ButtonCaption = Plain(TextId::ButtonOpenInRegedit);
+    controls.ButtonTip = Plain(TextId::TipOpenInRegedit);
+  }
+  return controls;
+}
+
+void TResultsRows::Checked(TResultsNode* node) {
+  if (IsHeader(*node)) {
+    for (const auto& child : node->Children)
+      FollowCheckBox(*child);
+  } else {
+    FollowCheckBox(*node);
+  }
+  m_host.SummaryChanged();
+}
+
+void TResultsRows::Choose(std::int32_t choice) {
+  TResultsNode* node = SelectedProblem();
+  if (node == nullptr)
+    return;
+  if (choice == kChoiceIgnore) {
+    if (m_host.ConfirmIgnore())
+      IgnoreSelected();
+  } else {
+    node->Problem.CheckMark = choice + 1;
+    m_tree.Model().SetChecked(node, node->Problem.CheckMark != kCheckMarkSkip);
+  }
+  m_host.SummaryChanged();
+}
+
+void TResultsRows::IgnoreSelected() {
+  TResultsNode* node = SelectedProblem();
+  const Text entry =
+      RootKeyName(node->Problem.RootKey) + node->Problem.KeyPath + u"\\" + node->Problem.ValueName;
+  TTreeNode* header = node->Parent;
+  const bool isOnlyRow = header->Children.size() == 1;
+  m_tree.Model().Delete(isOnlyRow ? header : node);
+  m_host.AddIgnoreEntry(entry);
+}
+
+void TResultsRows::DropRemoved() {
+  TTreeModel& model = m_tree.Model();
+  TResultsNode* next = nullptr;
+  for (TResultsNode* header = m_tree.FirstRoot(); header != nullptr; header = next) {
+    next = m_tree.NextSibling(header);
+    model.DeleteChildren(header, [](const TTreeNode& child) {
+      return static_cast<const TResultsNode&>(child).Problem.StateFlag2;
+    });
+    if (header->Children.empty()) {
+      model.Delete(header);
+      continue;
+    }
+    header->State = TTreeModel::StateFromChildren(*header);
+    header->Problem.ChildCount = static_cast<std::uint32_t>(header->Children.size());
+  }
+}
+
+Text TResultsRows::Plain(TextId id, TextView argument) const {
+  return PlainText(LanguageText(m_texts, id, argument));
+}

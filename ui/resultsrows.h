@@ -1,0 +1,81 @@
+// What the rows of the results tree say and do: their lines and heights, the selected row with its choices,
+// the check boxes, and the way onto the ignore list.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "core/languagetexts.h"
+#include "ui/resultstree.h"
+
+// One line of a row.
+struct TRowLine {
+  Text Content;
+  bool Bold = false;
+  bool Grey = false;
+};
+
+// The choices of the selected problem's drop-down list, by place.
+inline constexpr std::int32_t kChoiceRepair = 0;
+inline constexpr std::int32_t kChoiceSkip = 1;
+inline constexpr std::int32_t kChoiceIgnore = 2;
+
+// What the selected row's controls show.
+struct TRowControls {
+  std::vector<Text> Choices;
+  std::int32_t Choice = 0;
+  Text ButtonCaption;
+  Text ButtonTip;
+};
+
+class TResultsRows {
+ public:
+  // What the rows ask of the window they are shown in.
+  struct THost {
+    std::function<bool()> ConfirmIgnore;                    // the user said Yes
+    std::function<void(const Text& entry)> AddIgnoreEntry;  // puts an entry on the ignore list
+    std::function<void()> SummaryChanged;
+  };
+
+  TResultsRows(TResultsTreeModel& tree, const TLanguageTexts& texts, THost host);
+
+  // Rows in units of one text line: headers 1, problems 2, the selected problem 3.
+  static int HeightInUnits(const TResultsNode& node);
+
+  // The row's lines from top to bottom, as they are drawn: every "&" once.
+  std::vector<TRowLine> Lines(const TResultsNode& node) const;
+
+  // The label in front of the selected row's drop-down list.
+  Text ActionLabel() const;
+
+  // The remembered row, or null when none is, or it has left the tree.
+  TResultsNode* Selected() const;
+
+  // The selected row when it is a problem.
+  TResultsNode* SelectedProblem() const;
+
+  // Selects a row; nothing for null.
+  void Select(TResultsNode* node);
+  void ForgetSelection();
+
+  // What the selected problem's controls show; only with one.
+  TRowControls Controls() const;
+
+  // After the user has checked or unchecked a row.
+  void Checked(TResultsNode* node);
+
+  // After the user has chosen in the selected problem's list. Ignoring asks first, and removes the row.
+  void Choose(std::int32_t choice);
+
+  // After a repair: removes the rows it has marked, and the headers left without rows; recounts the others.
+  void DropRemoved();
+
+ private:
+  void IgnoreSelected();
+  Text Plain(TextId id, TextView argument = {}) const;
+
+  TResultsTreeModel& m_tree;
+  const TLanguageTexts& m_texts;
+  THost m_host;
+};

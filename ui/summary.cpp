@@ -1,0 +1,32 @@
+#include "ui/summary.h"
+
+namespace {
+
+Text CountText(const TLanguageTexts& texts, std::size_t count, TextId none, TextId one, TextId several) {
+  if (count == 0)
+    return LanguageText(texts, none);
+  if (count == 1)
+    return LanguageText(texts, one);
+  return LanguageText(texts, several, DecimalText(static_cast<std::int64_t>(count)));
+}
+
+}  // namespace
+
+TSummary Summarize(ResultsTree& tree, const TLanguageTexts& texts) {
+  TSummary summary;
+  for (TResultsNode* header = tree.FirstRoot(); header != nullptr; header = tree.NextSibling(header)) {
+    for (TResultsNode* node = tree.FirstChild(header); node != nullptr; node = tree.NextSibling(node)) {
+      ++summary.Total;
+      if (tree.CheckState(node) == TCheckState::Checked)
+        ++summary.Selected;
+    }
+  }
+  summary.TotalText =
+      CountText(texts, summary.Total, TextId::NoProblemFound, TextId::OneProblemFound, TextId::ProblemsFound);
+  summary.SelectedText = CountText(texts, summary.Selected, TextId::NoProblemSelected,
+                                   TextId::OneProblemSelected, TextId::ProblemsSelected);
+  const Text both = summary.TotalText + u"," + summary.SelectedText;
+  summary.Label = LanguageText(texts, TextId::Summary) + u" (" + both + u")";
+  summary.FinalMessage = both + u".";
+  return summary;
+}

@@ -1,0 +1,18 @@
+// How many problems there are and how many of them are marked for repair, in the user's words.
+#pragma once
+
+#include <cstddef>
+
+#include "core/languagetexts.h"
+#include "scan/scantrees.h"
+
+struct TSummary {
+  std::size_t Total = 0;
+  std::size_t Selected = 0;
+  Text TotalText;
+  Text SelectedText;
+  Text Label;         // beside the results: the heading with both texts in brackets
+  Text FinalMessage;  // for the progress dialog
+};
+
+TSummary Summarize(ResultsTree& tree, const TLanguageTexts& texts);
