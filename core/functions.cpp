@@ -9,6 +9,9 @@ namespace {
 constexpr TextView kProgramExtension = u".exe";
 constexpr TextView kNetworkPrefix = u"\\\\";
 
+// The system's own limit in any form of a path.
+constexpr std::size_t kLongestPath = 32767;
+
 bool IsAbsolute(TextView text) {
   return text.size() > 2 && text.substr(1, 2) == u":\\";
 }
@@ -120,7 +123,9 @@ std::optional<Text> TPathChecks::FoundWithOrWithoutExtension(TextView path, bool
 
 std::optional<Text> TPathChecks::LongestExistingFile(TextView command) {
   std::optional<Text> found = FoundWithOrWithoutExtension(command, false);
-  for (auto rest = CutAtLastBlank(command); rest && !found; rest = CutAtLastBlank(*rest))
+  // A longer cut can't exist: on a drive that is not fixed the whole text was found already.
+  const TextView possible = command.substr(0, kLongestPath + 1);
+  for (auto rest = CutAtLastBlank(possible); rest && !found; rest = CutAtLastBlank(*rest))
     found = FoundWithOrWithoutExtension(*rest, true);
   return found;
 }

@@ -7,8 +7,7 @@ bool TQueueUiThread::Send(const std::function<void()>& routine) {
   std::unique_lock<std::mutex> lock(m_mutex);
   if (m_shut)
     return false;
-  m_queue.push_back({routine, &sender});
-  m_arrived.notify_one();
+  Add({routine, &sender});
   m_answered.wait(lock, [&sender] { return sender.Answered; });
   if (sender.Exception)
     std::rethrow_exception(sender.Exception);
@@ -19,8 +18,7 @@ bool TQueueUiThread::Post(std::function<void()> routine) {
   const std::lock_guard<std::mutex> lock(m_mutex);
   if (m_shut)
     return false;
-  m_queue.push_back({std::move(routine), nullptr});
-  m_arrived.notify_one();
+  Add({std::move(routine), nullptr});
   return true;
 }
 
@@ -53,9 +51,22 @@ void TQueueUiThread::RunUntil(const std::function<bool()>& done) {
 }
 
 void TQueueUiThread::RunPending() {
+  while (RunOne()) {
+  }
+}
+
+bool TQueueUiThread::RunOne() {
   TEntry entry;
-  while (Take(entry))
-    Run(entry);
+  if (!Take(entry))
+    return false;
+  Run(entry);
+  return true;
+}
+
+void TQueueUiThread::Add(TEntry entry) {
+  m_queue.push_back(std::move(entry));
+  m_arrived.notify_one();
+  Arrived();
 }
 
 bool TQueueUiThread::Take(TEntry& entry) {

@@ -23,6 +23,15 @@ class TQueueUiThread : public TUiThread {
   // Runs what is waiting now.
   void RunPending();
 
+ protected:
+  // Runs the oldest waiting routine; false when there is none.
+  bool RunOne();
+
+  // Something was put into the queue. Called on any thread, and no other call on this object is allowed
+  // inside.
+  virtual void Arrived() {
+  }
+
  private:
   // A sender that waits, on its own stack.
   struct TSender {
@@ -35,6 +44,7 @@ class TQueueUiThread : public TUiThread {
     TSender* Sender = nullptr;  // null for a posted routine
   };
 
+  void Add(TEntry entry);
   void Run(TEntry& entry);
   bool Take(TEntry& entry);
   void Answer(TSender& sender, bool hasRun, std::exception_ptr exception);

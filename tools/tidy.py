@@ -6,6 +6,7 @@ configuration changes.
 """
 
 import concurrent.futures
+import functools
 import hashlib
 import json
 import os
@@ -20,7 +21,29 @@ PASSED = TOP / "build" / "tidy"
 CONFIGURATION = TOP / ".clang-tidy"
 # The Windows build compiles everything, but clang reads Linux's headers with less ado: it comes last.
 PRESETS = ["native-debug", "fuzz", "windows-x64"]
-WINDOWS_ARGUMENTS = ["--target=x86_64-w64-mingw32", "-Wno-unused-command-line-argument"]
+# Options that clang lacks, and instrumentation that it need not see.
+GCC_OPTIONS = ("-fsanitize", "-fno-sanitize", "-Wno-restrict")
+CROSS_COMPILER = "x86_64-w64-mingw32-g++-posix"
+# The whole depth of the analyzer takes four fifths of the time and finds nothing more here.
+ANALYZER = [word for part in ("-analyzer-config", "mode=shallow") for word in ("-Xclang", part)]
+
+
+def search_folders(*command):
+    """Where a compiler looks for <headers>, in its order."""
+    words = [*command, "-E", "-x", "c++", "-v", "/dev/null", "-o", "/dev/null"]
+    asked = subprocess.run(words, stderr=subprocess.PIPE, text=True)
+    listed = asked.stderr.partition("#include <...> search starts here:")[2].partition("End of search list")[0]
+    return [os.path.normpath(line.strip()) for line in listed.splitlines() if line.strip()]
+
+
+@functools.cache
+def windows_arguments():
+    """Clang finds the cross-compiler's headers only when told; the compiler's own stay clang's."""
+    own = [folder for folder in search_folders("clang++") if "/lib/clang/" in folder]
+    cross = search_folders(CROSS_COMPILER)
+    libraries = [folder for folder in cross if "/include/c++" in folder or "/lib/gcc/" not in folder]
+    folders = [word for folder in own + libraries for word in ("-isystem", folder)]
+    return ["--target=x86_64-w64-mingw32", "-nostdinc", *folders, "-Wno-unused-command-line-argument"]
 
 
 def is_ours(path):
@@ -51,9 +74,9 @@ def arguments_of(preset, entry):
             skip = False
         elif word in ("-o", "-MT", "-MF"):
             skip = True
-        elif word not in ("-c", "-MD", entry["file"]) and not word.startswith("-fsanitize"):
+        elif word not in ("-c", "-MD", entry["file"]) and not word.startswith(GCC_OPTIONS):
             kept.append(word)
-    return kept + (WINDOWS_ARGUMENTS if preset.startswith("windows") else [])
+    return kept + ANALYZER + (windows_arguments() if preset.startswith("windows") else [])
 
 
 def own_includes(source, seen):

@@ -71,15 +71,20 @@ run_windows() {
   taskset -c "$wine_core" "$wine_program" "$@"
 }
 
-# Ends what start_display and start_wine started, and the programs that still run in the prefix.
-stop_wine() {
-  if [[ -n ${WINEPREFIX:-} ]]; then
-    "$wine_server" -k 2>/dev/null || true
-  fi
+# Ends the display that start_display started, if it had to.
+stop_display() {
   if [[ -n $display_process ]]; then
     kill "$display_process" 2>/dev/null || true
     wait "$display_process" 2>/dev/null || true
     display_process=
     unset DISPLAY
   fi
+}
+
+# Ends what start_wine and start_display started, and the programs that still run in the prefix.
+stop_wine() {
+  if [[ -n ${WINEPREFIX:-} ]]; then
+    "$wine_server" -k 2>/dev/null || true
+  fi
+  stop_display
 }

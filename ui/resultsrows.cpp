@@ -68,6 +68,7 @@ void TResultsRows::Select(TResultsNode* node) {
   ForgetSelection();
   node->Problem.StateFlag1 = true;
   m_tree.Model().Select(node);
+  m_tree.Model().RowHeightChanged(node);
 }
 
 void TResultsRows::ForgetSelection() {

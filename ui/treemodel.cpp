@@ -26,6 +26,7 @@ void Renumber(std::vector<std::unique_ptr<TTreeNode>>& siblings, std::size_t fro
 
 void TTreeModel::Clear() {
   m_roots.clear();
+  m_rootSums.clear();
   m_totalCount = 0;
   m_selected = nullptr;
 }
@@ -35,6 +36,7 @@ TTreeNode* TTreeModel::Add(TTreeNode* parent, std::unique_ptr<TTreeNode> node) {
   node->Parent = parent;
   node->Index = siblings.size();
   siblings.push_back(std::move(node));
+  RowsMoved(parent, siblings.size() - 1);
   ++m_totalCount;
   return siblings.back().get();
 }
@@ -42,6 +44,7 @@ TTreeNode* TTreeModel::Add(TTreeNode* parent, std::unique_ptr<TTreeNode> node) {
 void TTreeModel::Delete(TTreeNode* node) {
   std::vector<std::unique_ptr<TTreeNode>>& siblings = SiblingsOf(node->Parent);
   const std::size_t index = node->Index;
+  RowsMoved(node->Parent, index);
   Forget(*node);
   siblings.erase(siblings.begin() + static_cast<std::ptrdiff_t>(index));
   Renumber(siblings, index);
@@ -49,6 +52,7 @@ void TTreeModel::Delete(TTreeNode* node) {
 
 void TTreeModel::DeleteChildren(TTreeNode* parent, const std::function<bool(const TTreeNode&)>& test) {
   std::vector<std::unique_ptr<TTreeNode>>& children = parent->Children;
+  RowsMoved(parent, 0);
   std::erase_if(children, [this, &test](const std::unique_ptr<TTreeNode>& child) {
     if (!test(*child))
       return false;
@@ -85,6 +89,38 @@ TCheckState TTreeModel::StateFromChildren(const TTreeNode& node) {
   const bool allAgree = std::all_of(node.Children.begin(), node.Children.end(),
                                     [first](const auto& child) { return child->State == first; });
   return allAgree ? first : TCheckState::Mixed;
+}
+
+void TTreeModel::SetExpanded(TTreeNode* node, bool expanded) {
+  node->Expanded = expanded;
+  RowHeightChanged(node);
+}
+
+void TTreeModel::RowHeightChanged(const TTreeNode* node) {
+  RowsMoved(node->Parent, node->Index);
+}
+
+void TTreeModel::AllRowHeightsChanged() {
+  const std::function<void(TTreeNode&)> forget = [&forget](TTreeNode& node) {
+    node.ChildSums.clear();
+    for (const auto& child : node.Children)
+      forget(*child);
+  };
+  m_rootSums.clear();
+  for (const auto& root : m_roots)
+    forget(*root);
+}
+
+void TTreeModel::RowsMoved(TTreeNode* parent, std::size_t fromIndex) {
+  for (;;) {
+    std::vector<TRowSum>& sums = parent == nullptr ? m_rootSums : parent->ChildSums;
+    if (sums.size() > fromIndex)
+      sums.resize(fromIndex);
+    if (parent == nullptr)
+      return;
+    fromIndex = parent->Index;
+    parent = parent->Parent;
+  }
 }
 
 void TTreeModel::Forget(const TTreeNode& node) {

@@ -3,11 +3,18 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <vector>
 
 #include "scan/scantrees.h"
+
+// Rows from a parent's first child on.
+struct TRowSum {
+  std::int64_t Height = 0;  // pixels
+  std::int64_t Rows = 0;
+};
 
 struct TTreeNode {
   virtual ~TTreeNode() = default;
@@ -17,6 +24,10 @@ struct TTreeNode {
   std::size_t Index = 0;  // among its siblings
   TCheckState State = TCheckState::Checked;
   bool Expanded = false;
+
+  // The layout's memory: the sums of the rows of the first children, of each with all that is open below it.
+  // It holds as many children as are known; the model cuts it where something changes.
+  std::vector<TRowSum> ChildSums;
 };
 
 class TTreeModel {
@@ -43,6 +54,18 @@ class TTreeModel {
   TTreeNode* FirstChild(const TTreeNode* node) const;
   TTreeNode* NextSibling(const TTreeNode* node) const;
 
+  // Opens or closes a node.
+  void SetExpanded(TTreeNode* node, bool expanded);
+
+  // To be told when a row's height has changed.
+  void RowHeightChanged(const TTreeNode* node);
+  void AllRowHeightsChanged();
+
+  // The layout's memory of the roots, see TTreeNode.
+  std::vector<TRowSum>& RootSums() {
+    return m_rootSums;
+  }
+
   // The one selected row; null when none is, and as soon as it has left the tree.
   TTreeNode* Selected() const {
     return m_selected;
@@ -61,9 +84,12 @@ class TTreeModel {
  private:
   // Counts a node that is about to go, with all below it, and lets go of the selection in it.
   void Forget(const TTreeNode& node);
+  // Everything from this child of parent on may have moved.
+  void RowsMoved(TTreeNode* parent, std::size_t fromIndex);
   std::vector<std::unique_ptr<TTreeNode>>& SiblingsOf(TTreeNode* parent);
 
   std::vector<std::unique_ptr<TTreeNode>> m_roots;
+  std::vector<TRowSum> m_rootSums;
   std::size_t m_totalCount = 0;
   TTreeNode* m_selected = nullptr;
 };

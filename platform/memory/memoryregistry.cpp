@@ -10,14 +10,22 @@ namespace {
 constexpr std::size_t kLongestKeyName = 255;      // units, winreg.h
 constexpr std::size_t kLongestValueName = 16383;  // units, winreg.h
 
-bool NamesFit(const std::vector<Text>& names) {
-  return std::all_of(names.begin(), names.end(),
-                     [](const Text& name) { return name.size() <= kLongestKeyName; });
+bool HoldsNul(TextView name) {
+  return name.find(u'\0') != TextView::npos;
 }
 
-// The registry ends a name at its first NUL, so that a name of one NUL means the default value.
+bool NamesFit(const std::vector<Text>& names) {
+  return std::all_of(names.begin(), names.end(),
+                     [](const Text& name) { return name.size() <= kLongestKeyName && !HoldsNul(name); });
+}
+
+// A name of one NUL means the default value. Any other name with a NUL can't be said to the registry.
 Text StoredName(TextView name) {
-  return Text(name.substr(0, name.find(u'\0')));
+  return name == TextView(u"\0", 1) ? Text() : Text(name);
+}
+
+bool ValueNameFits(TextView name) {
+  return name.size() <= kLongestValueName && !HoldsNul(name);
 }
 
 void MarkDeleted(TMemoryKey& key) {
@@ -239,7 +247,7 @@ class TMemoryRegistryStore : public RegistryStore {
   bool Write(const TRawValue& value) {
     if (m_access != TRegistryAccess::Full || !m_key || m_key->Deleted)
       return false;
-    if (value.Name.size() > kLongestValueName)
+    if (!ValueNameFits(value.Name))
       return false;
     m_registry.Note("write value", value.Name);
     m_registry.WriteValue(*m_key, value);
@@ -513,7 +521,7 @@ TRawResult TMemoryRawRegistry::CreateKey(TRootKey rootKey, TextView keyPath) {
 }
 
 TRawResult TMemoryRawRegistry::WriteValue(TRootKey rootKey, TextView keyPath, const TRawValue& value) {
-  if (value.Name.size() > kLongestValueName)
+  if (!ValueNameFits(StoredName(value.Name)))
     return TRawResult::Failed;
   const TRawResult result = CreateKey(rootKey, keyPath);
   if (result != TRawResult::Done)
@@ -523,7 +531,7 @@ TRawResult TMemoryRawRegistry::WriteValue(TRootKey rootKey, TextView keyPath, co
   if (opened != TRawResult::Done)
     return opened;
   m_registry.Note("write value", value.Name);
-  m_registry.WriteValue(*key, value);
+  m_registry.WriteValue(*key, {StoredName(value.Name), value.Type, value.Data});
   return TRawResult::Done;
 }
 

@@ -54,6 +54,12 @@ class IncludeRules(unittest.TestCase):
         self.put("repair/packed.cpp", "#include <zlib.h>\n")
         self.assert_one_fault("repair/packed.cpp:1:")
 
+    def test_repair_sees_the_problems_of_a_scan_but_no_scanner(self):
+        self.put("scan/scanproblem.h", "")
+        self.put("scan/scanner.h", "")
+        self.put("repair/clean.cpp", '#include "scan/scanproblem.h"\n#include "scan/scanner.h"\n')
+        self.assert_one_fault("repair/clean.cpp:2:")
+
     def test_a_path_that_does_not_begin_at_the_top(self):
         self.put("core/near.cpp", '#include "text.h"\n')
         self.assert_one_fault("core/near.cpp:1:")

@@ -1,0 +1,11 @@
+// Any bytes as a data file: a content within the limit, or nothing.
+#include "core/inflate.h"
+
+#include <cstdlib>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const auto content = InflateDataFile({data, size});
+  if (content && content->size() > kLargestInflated)
+    std::abort();
+  return 0;
+}

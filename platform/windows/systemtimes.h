@@ -1,0 +1,13 @@
+// Between the system's calendar times and the day count that the logic uses.
+#pragma once
+
+#include <optional>
+
+#include "core/systemlocale.h"
+#include "platform/windows/windowsapi.h"
+
+// To the millisecond. Nothing for what the system's calendar can't say: before 1601, after 30827, no number.
+std::optional<SYSTEMTIME> SystemTimeOf(TDateTime time);
+
+// Expects a valid time.
+TDateTime DateTimeOf(const SYSTEMTIME& time);

@@ -1,0 +1,10 @@
+// The system's clock.
+#pragma once
+
+#include "core/systemclock.h"
+
+class TWindowsClock : public TClock {
+ public:
+  TDateTime Now() override;
+  void Sleep(std::chrono::milliseconds duration) override;
+};

@@ -1,0 +1,319 @@
+#include "platform/windows/windowsfiles.h"
+
+#include <algorithm>
+
+#include "core/machine.h"
+
+namespace {
+
+constexpr DWORD kLongestPath = 260;          // characters, of a long path name
+constexpr std::size_t kBlock = 1024 * 1024;  // bytes of one reading or writing
+constexpr int kMostTemporaryNames = 100;
+
+constexpr DWORD kNoSuchFile = INVALID_FILE_ATTRIBUTES;
+
+DWORD AttributesOf(TextView path) {
+  if (HoldsNul(path)) {
+    SetLastError(ERROR_INVALID_NAME);
+    return kNoSuchFile;
+  }
+  return GetFileAttributesW(Wide(Text(path)));
+}
+
+bool SaysMissing(DWORD error) {
+  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+
+std::int64_t SizeOf(DWORD high, DWORD low) {
+  return static_cast<std::int64_t>((std::uint64_t{high} << 32) | low);
+}
+
+TFolderEntry EntryOf(const WIN32_FIND_DATAW& found) {
+  TFolderEntry entry;
+  entry.Name = Text(FromWide(found.cFileName));
+  entry.ShortName = Text(FromWide(found.cAlternateFileName));
+  entry.IsFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  entry.IsLink = (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+  return entry;
+}
+
+bool IsDotName(const Text& name) {
+  return name == u"." || name == u"..";
+}
+
+// Why nothing of a folder could be listed. The system also says "path not found" where a file stands in the
+// way, and "file not found" for a drive's root without entries.
+FileSystemProbe::TListing WithoutListing(TextView folder, DWORD error, std::vector<TFolderEntry>& entries) {
+  const DWORD attributes = AttributesOf(folder);
+  if (attributes == kNoSuchFile) {
+    const bool missing = SaysMissing(error) && SaysMissing(GetLastError());
+    return missing ? FileSystemProbe::TListing::Missing : FileSystemProbe::TListing::Unreadable;
+  }
+  if (error != ERROR_FILE_NOT_FOUND || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+    return FileSystemProbe::TListing::Unreadable;
+  entries.clear();
+  return FileSystemProbe::TListing::Listed;
+}
+
+TSystemError ReadAll(HANDLE file, std::vector<std::uint8_t>& bytes) {
+  for (;;) {
+    const std::size_t done = bytes.size();
+    bytes.resize(done + kBlock);
+    DWORD read = 0;
+    if (!ReadFile(file, bytes.data() + done, static_cast<DWORD>(kBlock), &read, nullptr))
+      return LastError();
+    bytes.resize(done + read);
+    if (read == 0)
+      return {};
+  }
+}
+
+TSystemError WriteAll(HANDLE file, std::span<const std::uint8_t> bytes) {
+  while (!bytes.empty()) {
+    const auto size = static_cast<DWORD>(std::min(bytes.size(), kBlock));
+    DWORD written = 0;
+    if (!WriteFile(file, bytes.data(), size, &written, nullptr))
+      return LastError();
+    if (written == 0)
+      return TSystemError{kErrorDiskFull};
+    bytes = bytes.subspan(written);
+  }
+  return FlushFileBuffers(file) ? TSystemError{} : LastError();
+}
+
+// A file of a name that nobody uses, deleted at the end unless it was moved to where it belongs.
+class TTemporaryFile {
+ public:
+  explicit TTemporaryFile(const Text& target) : m_target(target) {
+  }
+  ~TTemporaryFile() {
+    m_file.Close();
+    if (m_exists)
+      DeleteFileW(Wide(m_path));
+  }
+
+  TSystemError Create() {
+    const Text stem = m_target + u"." + DecimalText(GetCurrentProcessId()) + u"-";
+    TSystemError error = {ERROR_FILE_EXISTS};
+    for (int i = 0; i < kMostTemporaryNames && error.Code == ERROR_FILE_EXISTS; ++i) {
+      m_path = stem + DecimalText(i) + u".tmp";
+      m_file = TOwnedFile(
+          CreateFileW(Wide(m_path), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+      error = m_file ? TSystemError{} : LastError();
+    }
+    m_exists = !error.Failed();
+    return error;
+  }
+
+  TSystemError Write(std::span<const std::uint8_t> bytes) {
+    const TSystemError error = WriteAll(m_file.Get(), bytes);
+    m_file.Close();
+    return error;
+  }
+
+  TSystemError MoveOverTarget() {
+    constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+    if (!MoveFileExW(Wide(m_path), Wide(m_target), kFlags))
+      return LastError();
+    m_exists = false;
+    return {};
+  }
+
+ private:
+  Text m_target;
+  Text m_path;
+  TOwnedFile m_file;
+  bool m_exists = false;
+};
+
+// A name that the system maps to a device wherever it stands, such as "nul" or "com1.txt".
+bool IsDeviceName(const Text& path) {
+  Text full(kLongestPath, u'\0');
+  DWORD length = GetFullPathNameW(Wide(path), kLongestPath, WideBuffer(full), nullptr);
+  if (length > full.size()) {
+    full.resize(length);
+    length = GetFullPathNameW(Wide(path), length, WideBuffer(full), nullptr);
+  }
+  return TextView(full).substr(0, length).starts_with(u"\\\\.\\");
+}
+
+}  // namespace
+
+TWindowsProbe::TWindowsProbe() {
+  const HMODULE kernel = GetModuleHandleW(L"kernel32.dll");
+  m_getLongPathName = FindRoutine<TGetLongPathName>(kernel, "GetLongPathNameW");
+  m_disableRedirection = FindRoutine<TDisableRedirection>(kernel, "Wow64DisableWow64FsRedirection");
+  m_revertRedirection = FindRoutine<TRevertRedirection>(kernel, "Wow64RevertWow64FsRedirection");
+}
+
+bool TWindowsProbe::FileExists(TextView path) {
+  const DWORD attributes = AttributesOf(path);
+  return attributes != kNoSuchFile && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
+bool TWindowsProbe::DirectoryExists(TextView path) {
+  const DWORD attributes = AttributesOf(path);
+  return attributes != kNoSuchFile && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+std::optional<Text> TWindowsProbe::GetLongPathName(TextView path) {
+  if (m_getLongPathName == nullptr || HoldsNul(path))
+    return std::nullopt;
+  Text longPath(kLongestPath, u'\0');
+  const DWORD length = m_getLongPathName(Wide(Text(path)), WideBuffer(longPath), kLongestPath);
+  if (length == 0 || length > kLongestPath)
+    return std::nullopt;
+  longPath.resize(length);
+  return longPath;
+}
+
+std::size_t TWindowsProbe::GetLogicalDriveStrings(std::size_t bufferLength, Text& roots) {
+  Text buffer(bufferLength, u'\0');
+  const DWORD length = GetLogicalDriveStringsW(static_cast<DWORD>(bufferLength),
+                                               bufferLength == 0 ? nullptr : WideBuffer(buffer));
+  if (length <= bufferLength)
+    roots = buffer.substr(0, length);
+  return length;
+}
+
+std::uint32_t TWindowsProbe::GetDriveType(TextView root) {
+  return GetDriveTypeW(Wide(Text(root)));
+}
+
+Text TWindowsProbe::GetEnvironmentVariable(TextView name) {
+  const Text variable(name);
+  Text value;
+  DWORD length = GetEnvironmentVariableW(Wide(variable), nullptr, 0);
+  // The variable may grow between the two calls; then the answer is larger than the room for it.
+  while (length > value.size()) {
+    value.resize(length);
+    length = GetEnvironmentVariableW(Wide(variable), WideBuffer(value), static_cast<DWORD>(value.size()));
+  }
+  value.resize(length);
+  return value;
+}
+
+bool TWindowsProbe::Wow64DisableWow64FsRedirection() {
+  PVOID oldValue = nullptr;
+  if (m_disableRedirection == nullptr || m_revertRedirection == nullptr || !m_disableRedirection(&oldValue))
+    return false;
+  const std::lock_guard<std::mutex> hold(m_mutex);
+  m_switchedOff[GetCurrentThreadId()].push_back(oldValue);
+  return true;
+}
+
+void TWindowsProbe::Wow64RevertWow64FsRedirection() {
+  const std::lock_guard<std::mutex> hold(m_mutex);
+  const auto values = m_switchedOff.find(GetCurrentThreadId());
+  if (values == m_switchedOff.end())
+    return;
+  m_revertRedirection(values->second.back());
+  values->second.pop_back();
+  if (values->second.empty())
+    m_switchedOff.erase(values);
+}
+
+std::int64_t TWindowsProbe::FileSize(TextView path) {
+  WIN32_FIND_DATAW found = {};
+  if (HoldsNul(path))
+    return 0;
+  const TOwnedFind search(FindFirstFileW(Wide(Text(path)), &found));
+  return search ? SizeOf(found.nFileSizeHigh, found.nFileSizeLow) : 0;
+}
+
+FileSystemProbe::TListing TWindowsProbe::ListFolder(TextView folder, std::vector<TFolderEntry>& entries) {
+  if (folder.empty() || HoldsNul(folder))
+    return TListing::Unreadable;
+  WIN32_FIND_DATAW found = {};
+  const TOwnedFind search(FindFirstFileW(Wide(WithTrailingBackslash(folder) + u"*"), &found));
+  if (!search)
+    return WithoutListing(folder, GetLastError(), entries);
+  std::vector<TFolderEntry> listed;
+  do {
+    TFolderEntry entry = EntryOf(found);
+    if (!IsDotName(entry.Name))
+      listed.push_back(std::move(entry));
+  } while (FindNextFileW(search.Get(), &found));
+  if (GetLastError() != ERROR_NO_MORE_FILES)
+    return TListing::Unreadable;
+  entries = std::move(listed);
+  return TListing::Listed;
+}
+
+TSystemError TWindowsFiles::ReadFile(TextView path, std::vector<std::uint8_t>& bytes) {
+  constexpr DWORD kShare = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  if (HoldsNul(path))
+    return TSystemError{ERROR_INVALID_NAME};
+  const TOwnedFile file(CreateFileW(Wide(Text(path)), GENERIC_READ, kShare, nullptr, OPEN_EXISTING,
+                                    FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+  if (!file)
+    return LastError();
+  std::vector<std::uint8_t> read;
+  const TSystemError error = ReadAll(file.Get(), read);
+  if (!error.Failed())
+    bytes = std::move(read);
+  return error;
+}
+
+TSystemError TWindowsFiles::ReplaceFile(TextView path, std::span<const std::uint8_t> bytes) {
+  if (HoldsNul(path))
+    return TSystemError{ERROR_INVALID_NAME};
+  TTemporaryFile temporary{Text(path)};
+  TSystemError error = temporary.Create();
+  if (!error.Failed())
+    error = temporary.Write(bytes);
+  if (!error.Failed())
+    error = temporary.MoveOverTarget();
+  return error;
+}
+
+TSystemError TWindowsFiles::MoveFile(TextView from, TextView to) {
+  if (HoldsNul(from) || HoldsNul(to))
+    return TSystemError{ERROR_INVALID_NAME};
+  return MoveFileW(Wide(Text(from)), Wide(Text(to))) ? TSystemError{} : LastError();
+}
+
+TSystemError TWindowsFiles::DeleteFile(TextView path) {
+  if (HoldsNul(path))
+    return TSystemError{ERROR_INVALID_NAME};
+  return DeleteFileW(Wide(Text(path))) ? TSystemError{} : LastError();
+}
+
+TSystemError TWindowsFiles::MakeFolders(TextView path) {
+  const Text folder(path.substr(0, path.find_last_not_of(u"\\/") + 1));
+  if (path.empty())
+    return TSystemError{kErrorPathNotFound};
+  const DWORD attributes = AttributesOf(WithTrailingBackslash(folder));
+  if (attributes != kNoSuchFile && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
+    return {};
+  if (HoldsNul(folder))
+    return TSystemError{ERROR_INVALID_NAME};
+  const Text parent = FolderOf(folder);
+  if (!parent.empty() && parent.size() < folder.size()) {
+    const TSystemError error = MakeFolders(parent);
+    if (error.Failed())
+      return error;
+  }
+  if (CreateDirectoryW(Wide(folder), nullptr))
+    return {};
+  const TSystemError error = LastError();
+  const DWORD attributesNow = AttributesOf(folder);
+  const bool madeByAnother = attributesNow != kNoSuchFile && (attributesNow & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  return madeByAnother ? TSystemError{} : error;
+}
+
+TFileInfo TWindowsFiles::Info(TextView path) {
+  TFileInfo info;
+  WIN32_FILE_ATTRIBUTE_DATA data = {};
+  if (path.empty() || HoldsNul(path))
+    return info;
+  const Text name(path);
+  info.IsDevice = IsDeviceName(name);
+  if (info.IsDevice || !GetFileAttributesExW(Wide(name), GetFileExInfoStandard, &data))
+    return info;
+  info.Exists = true;
+  info.IsFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  info.IsLink = (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+  info.Size = SizeOf(data.nFileSizeHigh, data.nFileSizeLow);
+  return info;
+}

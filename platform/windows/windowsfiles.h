@@ -1,0 +1,49 @@
+// Files and folders of the real system: the questions about them, and the program's own reading and writing.
+#pragma once
+
+#include <map>
+#include <mutex>
+#include <vector>
+
+#include "core/filestore.h"
+#include "core/filesystemprobe.h"
+#include "platform/windows/windowsapi.h"
+
+class TWindowsProbe : public FileSystemProbe {
+ public:
+  TWindowsProbe();
+
+  bool FileExists(TextView path) override;
+  bool DirectoryExists(TextView path) override;
+  std::optional<Text> GetLongPathName(TextView path) override;
+  std::size_t GetLogicalDriveStrings(std::size_t bufferLength, Text& roots) override;
+  std::uint32_t GetDriveType(TextView root) override;
+  Text GetEnvironmentVariable(TextView name) override;
+  bool Wow64DisableWow64FsRedirection() override;
+  void Wow64RevertWow64FsRedirection() override;
+  std::int64_t FileSize(TextView path) override;
+  TListing ListFolder(TextView folder, std::vector<TFolderEntry>& entries) override;
+
+ private:
+  using TGetLongPathName = DWORD(WINAPI*)(LPCWSTR, LPWSTR, DWORD);
+  using TDisableRedirection = BOOL(WINAPI*)(PVOID*);
+  using TRevertRedirection = BOOL(WINAPI*)(PVOID);
+
+  TGetLongPathName m_getLongPathName;
+  TDisableRedirection m_disableRedirection;
+  TRevertRedirection m_revertRedirection;
+
+  // What each thread must hand back to switch the redirection on again, innermost last.
+  std::mutex m_mutex;
+  std::map<DWORD, std::vector<PVOID>> m_switchedOff;
+};
+
+class TWindowsFiles : public FileStore {
+ public:
+  TSystemError ReadFile(TextView path, std::vector<std::uint8_t>& bytes) override;
+  TSystemError ReplaceFile(TextView path, std::span<const std::uint8_t> bytes) override;
+  TSystemError MoveFile(TextView from, TextView to) override;
+  TSystemError DeleteFile(TextView path) override;
+  TSystemError MakeFolders(TextView path) override;
+  TFileInfo Info(TextView path) override;
+};

@@ -1,0 +1,10 @@
+// Named mutexes of the user's session.
+#pragma once
+
+#include "core/interprocess.h"
+
+class TWindowsInterprocess : public TInterprocess {
+ public:
+  // The lock is given back on the thread that took it.
+  std::unique_ptr<THeldLock> Lock(TextView name) override;
+};

@@ -1,0 +1,16 @@
+// The user's locale, the system's code page and the system's own messages.
+#pragma once
+
+#include "core/systemlocale.h"
+
+class TWindowsLocale : public TLocale {
+ public:
+  Text DecimalSeparator() override;
+  Text ThousandsSeparator() override;
+  Text FormatShortDate(TDateTime time) override;
+  Text FormatLongTime(TDateTime time) override;
+  Text DecodeAnsi(std::string_view bytes) override;
+  std::string EncodeAnsi(TextView text) override;
+  std::optional<std::string> EncodeAnsiExact(TextView text) override;
+  Text SystemMessage(std::uint32_t code) override;
+};

@@ -1,0 +1,12 @@
+// The Windows version and the places of the system and the program.
+#pragma once
+
+#include "core/machine.h"
+
+class TWindowsMachine : public TMachine {
+ public:
+  // As the system tells it to a program with this manifest.
+  TSystemVersion GetVersion() override;
+  Text GetSystemDirectory(std::size_t bufferLength) override;
+  Text ProgramFile() override;
+};

@@ -1,0 +1,30 @@
+// The whole real system in one object.
+#pragma once
+
+#include "core/system.h"
+#include "platform/windows/windowsclock.h"
+#include "platform/windows/windowsfiles.h"
+#include "platform/windows/windowsinterprocess.h"
+#include "platform/windows/windowslocale.h"
+#include "platform/windows/windowsmachine.h"
+#include "platform/windows/windowsrawregistry.h"
+#include "platform/windows/windowsregistry.h"
+#include "platform/windows/windowsshell.h"
+
+class TWindowsSystem {
+ public:
+  // Good as long as this object.
+  TSystem Bundle() {
+    return {Registry, Raw, Probe, Files, Machine, Locale, Clock, TheShell, Interprocess};
+  }
+
+  TWindowsRegistry Registry;
+  TWindowsRawRegistry Raw;
+  TWindowsProbe Probe;
+  TWindowsFiles Files;
+  TWindowsMachine Machine;
+  TWindowsLocale Locale;
+  TWindowsClock Clock;
+  TWindowsShell TheShell;
+  TWindowsInterprocess Interprocess;
+};

@@ -1,0 +1,111 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <limits>
+#include <thread>
+
+#include "tests/contract/subject.h"
+
+namespace {
+
+class EnvironmentContract : public ::testing::Test {
+ protected:
+  const std::unique_ptr<TSubject> m_subject = MakeSubject();
+  TSystem m_system = m_subject->System();
+};
+
+TEST_F(EnvironmentContract, EveryByteOfTheCodePageComesBack) {
+  std::string bytes;
+  for (int byte = 0; byte < 256; ++byte)
+    bytes.push_back(static_cast<char>(static_cast<unsigned char>(byte)));
+  const Text text = m_system.Locale.DecodeAnsi(bytes);
+  EXPECT_EQ(text.size(), bytes.size());
+  EXPECT_EQ(m_system.Locale.EncodeAnsi(text), bytes);
+  EXPECT_EQ(m_system.Locale.EncodeAnsiExact(text), bytes);
+  EXPECT_EQ(m_system.Locale.DecodeAnsi(""), u"");
+  EXPECT_EQ(m_system.Locale.EncodeAnsiExact(u""), "");
+}
+
+TEST_F(EnvironmentContract, WhatTheCodePageLacksHasNoExactBytes) {
+  for (const Text& text : {Text(u"a\u65E5"), Text(u"\u0416"), Text{u'x', 0xD800}, Text{0xDC00}}) {
+    EXPECT_EQ(m_system.Locale.EncodeAnsiExact(text), std::nullopt);
+    EXPECT_EQ(m_system.Locale.EncodeAnsi(text).size(), text.size());
+  }
+}
+
+TEST_F(EnvironmentContract, NumbersHaveSeparators) {
+  EXPECT_EQ(m_system.Locale.DecimalSeparator(), u".");
+  EXPECT_EQ(m_system.Locale.ThousandsSeparator(), u",");
+}
+
+TEST_F(EnvironmentContract, DatesAndTimesAreWritten) {
+  EXPECT_EQ(m_system.Locale.FormatShortDate(46341.5), u"11/15/2026");
+  EXPECT_EQ(m_system.Locale.FormatShortDate(1.0), u"12/31/1899");
+  EXPECT_EQ(m_system.Locale.FormatShortDate(36585.0), u"2/29/2000");
+  EXPECT_EQ(m_system.Locale.FormatLongTime(46341.0), u"12:00:00 AM");
+  EXPECT_EQ(m_system.Locale.FormatLongTime(46341.0 + (13 * 3600 + 5 * 60 + 9.25) / 86400), u"1:05:09 PM");
+}
+
+TEST_F(EnvironmentContract, TimesAreCutToTheSecondAndRolledOverAtMidnight) {
+  EXPECT_EQ(m_system.Locale.FormatLongTime(46341.0 + 9.75 / 86400), u"12:00:09 AM");
+  const TDateTime almostMidnight = 46341.0 + 86399.9999 / 86400;
+  EXPECT_EQ(m_system.Locale.FormatLongTime(almostMidnight), u"12:00:00 AM");
+  EXPECT_EQ(m_system.Locale.FormatShortDate(almostMidnight), u"11/16/2026");
+}
+
+TEST_F(EnvironmentContract, WhatTheCalendarCannotSayIsEmpty) {
+  for (const TDateTime time :
+       {-200000.0, 1e9, std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()}) {
+    EXPECT_EQ(m_system.Locale.FormatShortDate(time), u"");
+    EXPECT_EQ(m_system.Locale.FormatLongTime(time), u"");
+  }
+}
+
+TEST_F(EnvironmentContract, SystemMessagesAreOneLineAndDiffer) {
+  const Text memory = m_system.Locale.SystemMessage(kErrorOutOfMemory);
+  const Text denied = m_system.Locale.SystemMessage(kErrorAccessDenied);
+  EXPECT_FALSE(memory.empty());
+  EXPECT_NE(memory, denied);
+  EXPECT_EQ(memory.find_first_of(u"\r\n"), Text::npos);
+  EXPECT_FALSE(m_system.Locale.SystemMessage(0xEFFFFFFF).empty());
+}
+
+TEST_F(EnvironmentContract, SleepingMovesTheClock) {
+  constexpr double kDay = 86400.0;
+  const TDateTime before = m_system.Clock.Now();
+  m_system.Clock.Sleep(std::chrono::milliseconds(30));
+  EXPECT_GE((m_system.Clock.Now() - before) * kDay, 0.025);
+  EXPECT_GT(before, 40000.0);
+}
+
+TEST_F(EnvironmentContract, TheProgramAndTheSystemFolderAreFound) {
+  const Text program = m_system.Machine.ProgramFile();
+  EXPECT_EQ(program.substr(1, 2), u":\\");
+  EXPECT_TRUE(FolderOf(program).ends_with(u"\\"));
+  EXPECT_TRUE(m_system.Probe.DirectoryExists(m_system.Machine.GetSystemDirectory(261)));
+  EXPECT_EQ(m_system.Machine.GetSystemDirectory(5), u"");
+  EXPECT_GE(m_system.Machine.GetVersion().Major, 4u);
+}
+
+TEST_F(EnvironmentContract, ALockHasOneHolder) {
+  std::unique_ptr<THeldLock> held = m_system.Interprocess.Lock(u"Corvalt\\Contract");
+  ASSERT_NE(held, nullptr);
+  std::atomic<bool> released = false;
+  std::atomic<bool> releasedWhenTaken = false;
+  std::thread other([&] {
+    const std::unique_ptr<THeldLock> lock = m_system.Interprocess.Lock(u"Corvalt\\Contract");
+    releasedWhenTaken = released.load();
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  released = true;
+  held.reset();
+  other.join();
+  EXPECT_TRUE(releasedWhenTaken);
+}
+
+TEST_F(EnvironmentContract, ALockIsGivenUpByAThreadThatEnds) {
+  std::thread([&] { m_system.Interprocess.Lock(u"Corvalt Contract"); }).join();
+  EXPECT_NE(m_system.Interprocess.Lock(u"Corvalt Contract"), nullptr);
+}
+
+}  // namespace

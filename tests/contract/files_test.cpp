@@ -1,0 +1,248 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "tests/contract/subject.h"
+
+namespace {
+
+using TBytes = std::vector<std::uint8_t>;
+
+class FilesContract : public ::testing::Test {
+ protected:
+  Text At(TextView name) {
+    return m_subject->ScratchFolder() + u"\\" + Text(name);
+  }
+  void Write(TextView name, const TBytes& bytes = {1, 2, 3}) {
+    EXPECT_EQ(m_system.Files.ReplaceFile(At(name), bytes), TSystemError{});
+  }
+  TBytes Read(TextView name) {
+    TBytes bytes;
+    EXPECT_EQ(m_system.Files.ReadFile(At(name), bytes), TSystemError{});
+    return bytes;
+  }
+  void MakeFolder(TextView name) {
+    EXPECT_EQ(m_system.Files.MakeFolders(At(name)), TSystemError{});
+  }
+  // The names in the scratch folder, sorted.
+  std::vector<Text> Names() {
+    std::vector<TFolderEntry> entries;
+    EXPECT_EQ(m_system.Probe.ListFolder(m_subject->ScratchFolder(), entries),
+              FileSystemProbe::TListing::Listed);
+    std::vector<Text> names;
+    for (const TFolderEntry& entry : entries)
+      names.push_back(entry.Name);
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+  const std::unique_ptr<TSubject> m_subject = MakeSubject();
+  TSystem m_system = m_subject->System();
+};
+
+using FileStoreContract = FilesContract;
+using FileProbeContract = FilesContract;
+
+TEST_F(FileStoreContract, AFileIsCreatedAndReplacedWhole) {
+  Write(u"file.txt", {1, 2, 3, 4, 5});
+  EXPECT_EQ(Read(u"file.txt"), (TBytes{1, 2, 3, 4, 5}));
+  Write(u"FILE.TXT", {9});
+  EXPECT_EQ(Read(u"file.txt"), TBytes{9});
+  Write(u"file.txt", {});
+  EXPECT_EQ(Read(u"file.txt"), TBytes{});
+  EXPECT_EQ(Names().size(), 1u);
+}
+
+TEST_F(FileStoreContract, LargeFilesPassUnchanged) {
+  TBytes large(3 * 1024 * 1024 + 17);
+  for (std::size_t i = 0; i < large.size(); ++i)
+    large[i] = static_cast<std::uint8_t>(i * 31 + i / 999);
+  Write(u"large", large);
+  EXPECT_TRUE(Read(u"large") == large);
+  EXPECT_EQ(m_system.Files.Info(At(u"large")).Size, static_cast<std::int64_t>(large.size()));
+}
+
+TEST_F(FileStoreContract, NamesOutsideTheCodePagePass) {
+  Write(u"\u65E5\u672C \u00E4.txt");
+  EXPECT_EQ(Names(), std::vector<Text>{u"\u65E5\u672C \u00E4.txt"});
+}
+
+TEST_F(FileStoreContract, AFailedReplacementLeavesEverythingAsItWas) {
+  MakeFolder(u"Folder\\Below");
+  EXPECT_EQ(m_system.Files.ReplaceFile(At(u"Folder"), TBytes{1}).Code, kErrorAccessDenied);
+  EXPECT_TRUE(m_system.Probe.DirectoryExists(At(u"Folder\\Below")));
+  EXPECT_EQ(m_system.Files.ReplaceFile(At(u"Missing\\file"), TBytes{1}).Code, kErrorPathNotFound);
+  EXPECT_EQ(Names(), std::vector<Text>{u"Folder"});
+}
+
+TEST_F(FileStoreContract, AMissingFileIsSaidAndLeavesTheBytes) {
+  TBytes bytes = {7};
+  EXPECT_EQ(m_system.Files.ReadFile(At(u"missing"), bytes).Code, kErrorFileNotFound);
+  EXPECT_EQ(m_system.Files.ReadFile(At(u"missing\\file"), bytes).Code, kErrorPathNotFound);
+  MakeFolder(u"Folder");
+  EXPECT_EQ(m_system.Files.ReadFile(At(u"Folder"), bytes).Code, kErrorAccessDenied);
+  EXPECT_EQ(bytes, TBytes{7});
+}
+
+TEST_F(FileStoreContract, AMoveKeepsTheContent) {
+  Write(u"from", {1, 2});
+  MakeFolder(u"Folder");
+  EXPECT_EQ(m_system.Files.MoveFile(At(u"from"), At(u"Folder\\to")), TSystemError{});
+  EXPECT_EQ(Read(u"Folder\\to"), (TBytes{1, 2}));
+  EXPECT_EQ(Names(), std::vector<Text>{u"Folder"});
+}
+
+TEST_F(FileStoreContract, AMoveReplacesNothing) {
+  Write(u"from", {1});
+  Write(u"to", {2});
+  EXPECT_EQ(m_system.Files.MoveFile(At(u"from"), At(u"to")).Code, kErrorAlreadyExists);
+  EXPECT_EQ(m_system.Files.MoveFile(At(u"missing"), At(u"new")).Code, kErrorFileNotFound);
+  EXPECT_EQ(m_system.Files.MoveFile(At(u"from"), At(u"Missing\\new")).Code, kErrorPathNotFound);
+  EXPECT_EQ(Read(u"from"), TBytes{1});
+  EXPECT_EQ(Read(u"to"), TBytes{2});
+}
+
+TEST_F(FileStoreContract, DeletingTakesFilesAlone) {
+  Write(u"file");
+  MakeFolder(u"Folder");
+  EXPECT_EQ(m_system.Files.DeleteFile(At(u"file")), TSystemError{});
+  EXPECT_EQ(m_system.Files.DeleteFile(At(u"file")).Code, kErrorFileNotFound);
+  EXPECT_EQ(m_system.Files.DeleteFile(At(u"Folder")).Code, kErrorAccessDenied);
+  EXPECT_EQ(Names(), std::vector<Text>{u"Folder"});
+}
+
+TEST_F(FileStoreContract, FoldersAreMadeWithTheirParents) {
+  MakeFolder(u"A\\B\\C\\");
+  MakeFolder(u"A\\B");
+  EXPECT_TRUE(m_system.Probe.DirectoryExists(At(u"A\\B\\C")));
+  Write(u"file");
+  EXPECT_EQ(m_system.Files.MakeFolders(At(u"file")).Code, kErrorAlreadyExists);
+  EXPECT_TRUE(m_system.Files.MakeFolders(u"").Failed());
+  EXPECT_TRUE(m_system.Files.MakeFolders(u"?:\\folder").Failed());
+}
+
+TEST_F(FileStoreContract, InfoTellsFilesFromFolders) {
+  Write(u"file", {1, 2, 3, 4});
+  MakeFolder(u"Folder");
+  const TFileInfo file = m_system.Files.Info(At(u"file"));
+  EXPECT_TRUE(file.Exists);
+  EXPECT_FALSE(file.IsFolder);
+  EXPECT_FALSE(file.IsLink);
+  EXPECT_FALSE(file.IsDevice);
+  EXPECT_EQ(file.Size, 4);
+  EXPECT_TRUE(m_system.Files.Info(At(u"Folder")).IsFolder);
+  EXPECT_FALSE(m_system.Files.Info(At(u"missing")).Exists);
+  EXPECT_FALSE(m_system.Files.Info(At(u"fil?")).Exists);
+  EXPECT_FALSE(m_system.Files.Info(u"").Exists);
+}
+
+TEST_F(FileStoreContract, InfoKnowsDevices) {
+  for (const TextView name : {u"nul", u"NUL.txt", u"com1", u"Com9.log", u"lpt1", u"con", u"aux.h"})
+    EXPECT_TRUE(m_system.Files.Info(At(name)).IsDevice) << EncodeUtf8(name);
+  for (const TextView name : {u"null", u"com", u"com10", u"console", u"file.nul"})
+    EXPECT_FALSE(m_system.Files.Info(At(name)).IsDevice) << EncodeUtf8(name);
+}
+
+TEST_F(FileStoreContract, InfoIsAboutALinkItself) {
+  const TFileInfo info = m_system.Files.Info(m_subject->FolderLink());
+  EXPECT_TRUE(info.Exists);
+  EXPECT_TRUE(info.IsLink);
+}
+
+TEST_F(FileProbeContract, AFileIsNoFolderAndAFolderNoFile) {
+  Write(u"File.txt");
+  MakeFolder(u"Folder");
+  EXPECT_TRUE(m_system.Probe.FileExists(At(u"fILE.TXT")));
+  EXPECT_FALSE(m_system.Probe.DirectoryExists(At(u"File.txt")));
+  EXPECT_TRUE(m_system.Probe.DirectoryExists(At(u"folder")));
+  EXPECT_TRUE(m_system.Probe.DirectoryExists(At(u"folder\\")));
+  EXPECT_FALSE(m_system.Probe.FileExists(At(u"folder")));
+  EXPECT_FALSE(m_system.Probe.FileExists(At(u"missing")));
+  EXPECT_FALSE(m_system.Probe.FileExists(u""));
+  EXPECT_FALSE(m_system.Probe.DirectoryExists(u""));
+}
+
+TEST_F(FileProbeContract, WildcardsMatchNothing) {
+  Write(u"file.txt");
+  MakeFolder(u"Folder");
+  EXPECT_FALSE(m_system.Probe.FileExists(At(u"*.txt")));
+  EXPECT_FALSE(m_system.Probe.FileExists(At(u"fil?.txt")));
+  EXPECT_FALSE(m_system.Probe.DirectoryExists(At(u"F*")));
+  EXPECT_FALSE(m_system.Probe.DirectoryExists(At(u"F*\\")));
+}
+
+TEST_F(FileProbeContract, APathIsNotCutAtANul) {
+  Write(u"file");
+  EXPECT_FALSE(m_system.Probe.FileExists(At(Text(u"file\0x", 6))));
+  EXPECT_FALSE(m_system.Files.Info(At(Text(u"file\0x", 6))).Exists);
+  EXPECT_TRUE(m_system.Files.DeleteFile(At(Text(u"file\0x", 6))).Failed());
+  EXPECT_TRUE(m_system.Probe.FileExists(At(u"file")));
+}
+
+TEST_F(FileProbeContract, AListingHoldsEveryEntryWithoutTheDots) {
+  Write(u"Read Me.txt");
+  MakeFolder(u"Folder\\Below");
+  std::vector<TFolderEntry> entries = {{u"left over", u"", false, false}};
+  ASSERT_EQ(m_system.Probe.ListFolder(m_subject->ScratchFolder() + u"\\", entries),
+            FileSystemProbe::TListing::Listed);
+  ASSERT_EQ(entries.size(), 2u);
+  std::sort(entries.begin(), entries.end(),
+            [](const TFolderEntry& a, const TFolderEntry& b) { return a.Name < b.Name; });
+  EXPECT_EQ(entries[0].Name, u"Folder");
+  EXPECT_TRUE(entries[0].IsFolder);
+  EXPECT_EQ(entries[1].Name, u"Read Me.txt");
+  EXPECT_FALSE(entries[1].IsFolder);
+  EXPECT_FALSE(entries[1].IsLink);
+  EXPECT_EQ(m_system.Probe.ListFolder(At(u"Folder\\Below"), entries), FileSystemProbe::TListing::Listed);
+  EXPECT_TRUE(entries.empty());
+}
+
+TEST_F(FileProbeContract, OnlyAMissingFolderIsListedAsMissing) {
+  Write(u"file");
+  std::vector<TFolderEntry> entries = {{u"before", u"", false, false}};
+  EXPECT_EQ(m_system.Probe.ListFolder(At(u"missing"), entries), FileSystemProbe::TListing::Missing);
+  EXPECT_EQ(m_system.Probe.ListFolder(At(u"missing\\below"), entries), FileSystemProbe::TListing::Missing);
+  EXPECT_EQ(m_system.Probe.ListFolder(At(u"file"), entries), FileSystemProbe::TListing::Unreadable);
+  EXPECT_EQ(entries.size(), 1u);
+}
+
+TEST_F(FileProbeContract, FileSizeIsThatOfTheFirstMatch) {
+  Write(u"one.dat", TBytes(1234));
+  EXPECT_EQ(m_system.Probe.FileSize(At(u"one.dat")), 1234);
+  EXPECT_EQ(m_system.Probe.FileSize(At(u"*.dat")), 1234);
+  EXPECT_EQ(m_system.Probe.FileSize(At(u"ONE.d?t")), 1234);
+  EXPECT_EQ(m_system.Probe.FileSize(At(u"*.txt")), 0);
+  EXPECT_EQ(m_system.Probe.FileSize(At(u"missing\\one.dat")), 0);
+}
+
+TEST_F(FileProbeContract, ALongPathNameIsThatOfSomethingThatExists) {
+  MakeFolder(u"Some Folder");
+  EXPECT_EQ(m_system.Probe.GetLongPathName(At(u"Some Folder")), At(u"Some Folder"));
+  EXPECT_EQ(m_system.Probe.GetLongPathName(At(u"missing")), std::nullopt);
+}
+
+TEST_F(FileProbeContract, DriveRootsFitOrAreLeft) {
+  Text roots = u"before";
+  const std::size_t needed = m_system.Probe.GetLogicalDriveStrings(2, roots);
+  EXPECT_GT(needed, 2u);
+  EXPECT_EQ(roots, u"before");
+  EXPECT_LE(m_system.Probe.GetLogicalDriveStrings(129, roots), 129u);
+  EXPECT_TRUE(Contains(roots, Text(u"C:\\\0", 4)));
+  EXPECT_EQ(roots.size() % 4, 0u);
+  EXPECT_EQ(m_system.Probe.GetDriveType(u"C:\\"), kDriveFixed);
+  EXPECT_NE(m_system.Probe.GetDriveType(u"Q:\\"), kDriveFixed);
+}
+
+TEST_F(FileProbeContract, EnvironmentVariablesAreKnownInAnyLetterCase) {
+  const Text folder = m_system.Probe.GetEnvironmentVariable(u"WinDir");
+  EXPECT_TRUE(m_system.Probe.DirectoryExists(folder));
+  EXPECT_EQ(m_system.Probe.GetEnvironmentVariable(u"CORVALT_NOT_SET"), u"");
+}
+
+// Neither subject is a 32-bit process on a 64-bit system.
+TEST_F(FileProbeContract, WithoutRedirectionThereIsNothingToSwitch) {
+  EXPECT_FALSE(m_system.Probe.Wow64DisableWow64FsRedirection());
+  EXPECT_TRUE(m_system.Probe.DirectoryExists(m_subject->ScratchFolder()));
+}
+
+}  // namespace

@@ -1,0 +1,49 @@
+// What the tests of the registry share: a scratch key, short ways to build below it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "tests/contract/subject.h"
+
+class TRegistryContract : public ::testing::Test {
+ protected:
+  // A path below the scratch key.
+  Text At(TextView name) {
+    return m_subject->ScratchKey() + u"\\" + Text(name);
+  }
+
+  std::unique_ptr<RegistryStore> OpenStore(TRegistryAccess access = TRegistryAccess::Full) {
+    std::unique_ptr<RegistryStore> store = m_system.Registry.CreateStore(access);
+    store->SetRootKey(kScratchRoot);
+    return store;
+  }
+
+  // A store with this key open, created where it is missing.
+  std::unique_ptr<RegistryStore> OpenStoreAt(TextView name) {
+    std::unique_ptr<RegistryStore> store = OpenStore();
+    EXPECT_TRUE(store->OpenKey(At(name), true));
+    return store;
+  }
+
+  void Create(TextView name) {
+    EXPECT_EQ(m_system.Raw.CreateKey(kScratchRoot, At(name)), TRawResult::Done);
+    m_system.Raw.ReleaseKeys();
+  }
+  void Put(TextView name, const TRawValue& value) {
+    EXPECT_EQ(m_system.Raw.WriteValue(kScratchRoot, At(name), value), TRawResult::Done);
+    m_system.Raw.ReleaseKeys();
+  }
+
+  const std::unique_ptr<TSubject> m_subject = MakeSubject();
+  TSystem m_system = m_subject->System();
+};
+
+// The bytes of 16-bit units, without a terminator of their own.
+inline TBytes UnitBytes(TextView units) {
+  TBytes bytes;
+  for (const char16_t unit : units) {
+    bytes.push_back(static_cast<std::uint8_t>(unit & 0xFF));
+    bytes.push_back(static_cast<std::uint8_t>(unit >> 8));
+  }
+  return bytes;
+}

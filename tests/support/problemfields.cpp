@@ -1,0 +1,106 @@
+#include "tests/support/problemfields.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+ScanProblem Problem(std::int32_t kind, TRootKey rootKey, TextView keyPath, TextView valueName,
+                    TextView valueData, TextView description) {
+  ScanProblem problem;
+  problem.KeyPath = keyPath;
+  problem.ValueName = valueName;
+  problem.ValueData = valueData;
+  problem.RootKey = rootKey;
+  problem.Description = description;
+  problem.Kind = kind;
+  problem.ChildCount = 0;
+  problem.ImageIndex = -1;
+  problem.CheckMark = 1;
+  return problem;
+}
+
+std::string FieldsOf(const ScanProblem& problem) {
+  std::string fields = "root " + std::to_string(problem.RootKey);
+  const auto addText = [&fields](const std::string& name, const Text& text) {
+    fields += ", " + name + " '" + EncodeUtf8(text) + "'";
+  };
+  addText("key", problem.KeyPath);
+  addText("value", problem.ValueName);
+  addText("data", problem.ValueData);
+  addText("description", problem.Description);
+  addText("caption", problem.SectionCaption);
+  addText("extra", problem.Extra);
+  fields += ", kind " + std::to_string(problem.Kind) + ", children " + std::to_string(problem.ChildCount) +
+            ", image " + std::to_string(problem.ImageIndex) + ", mark " + std::to_string(problem.CheckMark);
+  if (problem.StateFlag1)
+    fields += ", selected";
+  if (problem.StateFlag2)
+    fields += ", removed";
+  return fields;
+}
+
+}  // namespace
+
+ScanProblem SectionHeader(TextView caption, std::int32_t imageIndex, TRootKey rootKey,
+                          std::uint32_t childCount) {
+  ScanProblem header = Problem(2, rootKey, {}, {}, {}, {});
+  header.SectionCaption = caption;
+  header.ImageIndex = imageIndex;
+  header.ChildCount = childCount;
+  return header;
+}
+
+ScanProblem KeyProblem(TRootKey rootKey, TextView keyPath, TextView valueName, TextView valueData,
+                       TextView description) {
+  return Problem(1, rootKey, keyPath, valueName, valueData, description);
+}
+
+ScanProblem ValueProblem(TRootKey rootKey, TextView keyPath, TextView valueName, TextView valueData,
+                         TextView description) {
+  return Problem(2, rootKey, keyPath, valueName, valueData, description);
+}
+
+std::vector<std::string> AllFields(const std::vector<ScanProblem>& problems) {
+  std::vector<std::string> all;
+  for (const ScanProblem& problem : problems)
+    all.push_back(FieldsOf(problem));
+  return all;
+}
+
+Text NumberedName(TextView prefix, int number) {
+  const Text digits = DecimalText(number);
+  return Text(prefix) + Text(3 - std::min<std::size_t>(digits.size(), 3), u'0') + digits;
+}
+
+std::vector<std::string> SectionStart(const std::string& progressName, int overallPosition) {
+  return {"item: ", "section: 11035 " + progressName + "...", "overall: " + std::to_string(overallPosition)};
+}
+
+std::vector<std::string> UpdatesOf(const std::string& progressName, const std::vector<std::string>& updates) {
+  std::vector<std::string> all = SectionStart(progressName, 100);
+  all.insert(all.end(), updates.begin(), updates.end());
+  return all;
+}
+
+void ExpectConsistentWhereverCancelled(TScanRig& rig, std::int32_t sectionCode) {
+  rig.Run({sectionCode});
+  const int reads = rig.Reads();
+  const std::vector<std::string> whole = rig.Lines();
+  ASSERT_GT(reads, 1);
+  ASSERT_GT(whole.size(), 1u);
+  for (int read = 1; read <= reads; ++read) {
+    rig.RunAndCancel({sectionCode}, read);
+    SCOPED_TRACE("cancelled at read " + std::to_string(read) + " of " + std::to_string(reads));
+    const std::vector<std::string> found = rig.Lines();
+    ASSERT_LE(found.size(), whole.size());
+    EXPECT_TRUE(std::equal(found.begin(), found.end(), whole.begin()));
+    const std::vector<ScanProblem> headers = rig.Headers();
+    ASSERT_EQ(headers.size(), found.empty() ? 0u : 1u);
+    if (!found.empty()) {
+      EXPECT_EQ(headers.front().ChildCount, found.size());
+    }
+    EXPECT_EQ(rig.Failure, nullptr);
+  }
+}

@@ -1,0 +1,35 @@
+// Expected problems with all their fields, for comparison with those of a scan.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "scan/scanproblem.h"
+#include "tests/support/scanrig.h"
+
+// A section header as a finished section leaves it.
+ScanProblem SectionHeader(TextView caption, std::int32_t imageIndex, TRootKey rootKey,
+                          std::uint32_t childCount);
+
+// A problem of a whole key, or of a value; no picture, no extra text, checked.
+ScanProblem KeyProblem(TRootKey rootKey, TextView keyPath, TextView valueName, TextView valueData,
+                       TextView description);
+ScanProblem ValueProblem(TRootKey rootKey, TextView keyPath, TextView valueName, TextView valueData,
+                         TextView description);
+
+// One text a problem that says every field.
+std::vector<std::string> AllFields(const std::vector<ScanProblem>& problems);
+
+// prefix and the number with three digits: names that sort as they count.
+Text NumberedName(TextView prefix, int number);
+
+// What the dialog shows when a section begins.
+std::vector<std::string> SectionStart(const std::string& progressName, int overallPosition);
+
+// The updates of a section that runs alone: its start, then these.
+std::vector<std::string> UpdatesOf(const std::string& progressName, const std::vector<std::string>& updates);
+
+// Runs a section once to its end and then again for every read of the registry, telling the thread to
+// terminate at that read. Each time the section must have ended (its header counts its problems, and is gone
+// without any) with the first problems of the whole run and no other.
+void ExpectConsistentWhereverCancelled(TScanRig& rig, std::int32_t sectionCode);

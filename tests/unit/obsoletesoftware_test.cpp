@@ -1,0 +1,156 @@
+#include <gtest/gtest.h>
+
+#include "tests/support/problemfields.h"
+
+namespace {
+
+constexpr std::int32_t kCode = 3;
+
+Text UserKey(TextView vendor) {
+  return u"HKEY_CURRENT_USER\\SOFTWARE\\" + Text(vendor);
+}
+
+Text MachineKey(TextView vendor) {
+  return u"HKEY_LOCAL_MACHINE\\SOFTWARE\\" + Text(vendor);
+}
+
+ScanProblem Empty(TRootKey root, TextView vendor) {
+  return KeyProblem(root, u"\\software\\" + Text(vendor), u"", u"", u"11044");
+}
+
+void AddManyVendors(TScanRig& rig) {
+  TMemoryRegistry& registry = rig.System.Registry;
+  registry.AddKey(UserKey(u"_Old"));
+  registry.AddKey(UserKey(u"Empty"));
+  registry.AddKey(UserKey(u"Deep\\A\\B"));
+  registry.AddKey(UserKey(u"Deep\\C"));
+  registry.Set(UserKey(u"Used\\A\\B"), u"", u"");
+  registry.AddKey(UserKey(u"POLICIES"));
+  registry.AddKey(UserKey(u"Partly denied\\Shut"));
+  registry.Deny(UserKey(u"Partly denied\\Shut"));
+  registry.AddKey(MachineKey(u"Machine Vendor"));
+  registry.SetInteger(MachineKey(u"Used"), u"n", 0);
+  registry.AddKey(MachineKey(u"Policies"));
+}
+
+}  // namespace
+
+TEST(ObsoleteSoftware, EveryProblemOfALargerRegistryWithAllFields) {
+  TScanRig rig;
+  AddManyVendors(rig);
+
+  rig.Run({kCode});
+
+  EXPECT_EQ(AllFields(rig.Headers()), AllFields({SectionHeader(u"Obsolete software", 5, kNoRootKey, 4)}));
+  EXPECT_EQ(AllFields(rig.Problems()),
+            AllFields({Empty(kHkeyCurrentUser, u"Deep"), Empty(kHkeyCurrentUser, u"Empty"),
+                       Empty(kHkeyCurrentUser, u"_Old"), Empty(kHkeyLocalMachine, u"Machine Vendor")}));
+}
+
+TEST(ObsoleteSoftware, ProblemsComeInTheOrderOfThePlatform) {
+  TScanRig rig(TNameOrder::Wine);
+  AddManyVendors(rig);
+
+  rig.Run({kCode});
+
+  EXPECT_EQ(AllFields(rig.Problems()),
+            AllFields({Empty(kHkeyCurrentUser, u"_Old"), Empty(kHkeyCurrentUser, u"Deep"),
+                       Empty(kHkeyCurrentUser, u"Empty"), Empty(kHkeyLocalMachine, u"Machine Vendor")}));
+}
+
+TEST(ObsoleteSoftware, OneValueAnywhereBelowKeepsTheVendor) {
+  TScanRig rig;
+  rig.System.Registry.AddKey(UserKey(u"Vendor\\A\\B"));
+  rig.System.Registry.AddKey(UserKey(u"Vendor\\C\\D"));
+  rig.Run({kCode});
+  EXPECT_EQ(AllFields(rig.Problems()), AllFields({Empty(kHkeyCurrentUser, u"Vendor")}));
+
+  rig.System.Registry.SetInteger(UserKey(u"Vendor\\C\\D"), u"n", 0);
+  rig.Run({kCode});
+  EXPECT_TRUE(rig.Headers().empty());
+}
+
+TEST(ObsoleteSoftware, AnEmptyUnnamedValueIsAValue) {
+  TScanRig rig;
+  rig.System.Registry.Set(UserKey(u"Vendor"), u"", u"");
+
+  rig.Run({kCode});
+
+  EXPECT_TRUE(rig.Headers().empty());
+}
+
+TEST(ObsoleteSoftware, AKeyThatDoesNotOpenIsNotEmpty) {
+  TScanRig rig;
+  rig.System.Registry.Deny(UserKey(u"Vendor"));
+  rig.System.Registry.AddKey(UserKey(u"Parent\\Shut"));
+  rig.System.Registry.Deny(UserKey(u"Parent\\Shut"));
+
+  rig.Run({kCode});
+
+  EXPECT_TRUE(rig.Headers().empty());
+}
+
+TEST(ObsoleteSoftware, PoliciesAreNeverTestedWhateverTheirCase) {
+  for (const TextView name : {u"Policies", u"POLICIES", u"policies"}) {
+    TScanRig rig;
+    rig.System.Registry.AddKey(UserKey(name));
+    rig.System.Registry.AddKey(MachineKey(name));
+    rig.Run({kCode});
+    EXPECT_TRUE(rig.Headers().empty()) << EncodeUtf8(name);
+  }
+}
+
+TEST(ObsoleteSoftware, AKeyThatOnlyBeginsLikePoliciesIsTested) {
+  TScanRig rig;
+  rig.System.Registry.AddKey(UserKey(u"Policies2"));
+
+  rig.Run({kCode});
+
+  EXPECT_EQ(AllFields(rig.Problems()), AllFields({Empty(kHkeyCurrentUser, u"Policies2")}));
+}
+
+TEST(ObsoleteSoftware, KeysBelowAVendorAreNotReportedByThemselves) {
+  TScanRig rig;
+  rig.System.Registry.Set(UserKey(u"Vendor"), u"v", u"x");
+  rig.System.Registry.AddKey(UserKey(u"Vendor\\Empty"));
+
+  rig.Run({kCode});
+
+  EXPECT_TRUE(rig.Headers().empty());
+}
+
+TEST(ObsoleteSoftware, EachRootFillsOneHalfOfTheBarAndASkippedKeyMakesNoProgress) {
+  TScanRig rig;
+  rig.System.Registry.AddKey(UserKey(u"Policies"));
+  for (int i = 0; i < 60; ++i) {
+    if (i > 0)
+      rig.System.Registry.Set(UserKey(NumberedName(u"v", i)), u"v", u"");
+    rig.System.Registry.Set(MachineKey(NumberedName(u"w", i)), u"v", u"");
+  }
+
+  rig.Run({kCode});
+
+  // The user's list has 60 keys of which the first is skipped: the 51st call is that of the 52nd key, 52 x 50
+  // / 60 = 43.3; the 101st that of the machine's 42nd, 50 + 42 x 50 / 60 = 85.
+  EXPECT_EQ(rig.Dialog.Updates, UpdatesOf("Obsolete Software", {"item: Software\\v051", "bar: 43",
+                                                                "item: Software\\w041", "bar: 85"}));
+}
+
+TEST(ObsoleteSoftware, ACancelledScanLooksAtNoOtherItemAndNotAtTheMachine) {
+  TScanRig rig;
+  rig.System.Registry.AddKey(UserKey(u"One"));
+  rig.System.Registry.AddKey(UserKey(u"Two"));
+  rig.System.Registry.AddKey(MachineKey(u"Three"));
+
+  rig.RunAndCancel({kCode}, 1);
+  EXPECT_TRUE(rig.Headers().empty());
+
+  rig.RunAndCancel({kCode}, 2);
+  EXPECT_EQ(AllFields(rig.Problems()), AllFields({Empty(kHkeyCurrentUser, u"One")}));
+}
+
+TEST(ObsoleteSoftware, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
+  TScanRig rig;
+  AddManyVendors(rig);
+  ExpectConsistentWhereverCancelled(rig, kCode);
+}

@@ -1,0 +1,119 @@
+#include <gtest/gtest.h>
+
+#include "tests/support/problemfields.h"
+
+namespace {
+
+constexpr std::int32_t kCode = 18;
+constexpr TextView kVxd = u"\\SYSTEM\\CurrentControlSet\\Services\\VxD";
+constexpr TextView kDrivers = u"\\SYSTEM\\CurrentControlSet\\Control\\VirtualDeviceDrivers";
+
+Text Full(TextView key) {
+  return u"HKEY_LOCAL_MACHINE" + Text(key);
+}
+
+ScanProblem Missing(TextView key, TextView name, TextView data) {
+  return ValueProblem(kHkeyLocalMachine, key, name, data, u"11042(" + Text(name) + u"|" + Text(data) + u")");
+}
+
+void RegisterManyDrivers(TScanRig& rig) {
+  rig.System.Disk.AddFile(u"C:\\Windows\\system32\\here.vxd");
+  rig.System.Registry.Set(Full(kDrivers), u"VDD", u"C:\\Old\\vdd.dll");
+  rig.System.Registry.Set(Full(kDrivers), u"Here", u"C:\\Windows\\system32\\here.vxd");
+  rig.System.Registry.SetRaw(Full(kDrivers), {u"List", kRegMultiSz, StringBytes(u"C:\\Old\\list.dll")});
+  rig.System.Registry.Set(Text(Full(kVxd)) + u"\\_NDIS", u"StaticVxD", u"C:\\Old\\ndis.vxd");
+  rig.System.Registry.Set(Text(Full(kVxd)) + u"\\JAVASUP", u"StaticVxD", u"javasup.vxd");
+  rig.System.Registry.SetExpand(Text(Full(kVxd)) + u"\\VTD", u"StaticVxD", u"%windir%\\gone.vxd");
+  rig.System.Registry.SetInteger(Text(Full(kVxd)) + u"\\VTD", u"Start", 0);
+}
+
+}  // namespace
+
+TEST(VirtualDevices, EveryProblemOfALargerRegistryWithAllFields) {
+  TScanRig rig;
+  RegisterManyDrivers(rig);
+
+  rig.Run({kCode});
+
+  EXPECT_EQ(AllFields(rig.Headers()),
+            AllFields({SectionHeader(u"Virtual Devices", 20, kHkeyLocalMachine, 3)}));
+  EXPECT_EQ(AllFields(rig.Problems()),
+            AllFields({Missing(Text(kVxd) + u"\\VTD", u"StaticVxD", u"%windir%\\gone.vxd"),
+                       Missing(Text(kVxd) + u"\\_NDIS", u"StaticVxD", u"C:\\Old\\ndis.vxd"),
+                       Missing(kDrivers, u"VDD", u"C:\\Old\\vdd.dll")}));
+}
+
+TEST(VirtualDevices, ProblemsComeInTheOrderOfThePlatform) {
+  TScanRig rig(TNameOrder::Wine);
+  RegisterManyDrivers(rig);
+
+  rig.Run({kCode});
+
+  EXPECT_EQ(AllFields(rig.Problems()),
+            AllFields({Missing(Text(kVxd) + u"\\_NDIS", u"StaticVxD", u"C:\\Old\\ndis.vxd"),
+                       Missing(Text(kVxd) + u"\\VTD", u"StaticVxD", u"%windir%\\gone.vxd"),
+                       Missing(kDrivers, u"VDD", u"C:\\Old\\vdd.dll")}));
+}
+
+TEST(VirtualDevices, NeitherKeyLeavesNoHeader) {
+  TScanRig rig;
+
+  rig.Run({kCode});
+
+  EXPECT_TRUE(rig.Headers().empty());
+}
+
+TEST(VirtualDevices, EachKeyMayBeMissing) {
+  TScanRig rig;
+  rig.System.Registry.Set(Full(kDrivers), u"VDD", u"C:\\Old\\vdd.dll");
+
+  rig.Run({kCode});
+
+  EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(kDrivers, u"VDD", u"C:\\Old\\vdd.dll")}));
+}
+
+TEST(VirtualDevices, BelowAKeyNamedSystemOnlyTheControlSetInUseIsWalked) {
+  TScanRig rig;
+  rig.System.Registry.Set(Full(kVxd) + u"\\SYSTEM\\Other", u"", u"C:\\Old\\other.vxd");
+  rig.System.Registry.Set(Full(kVxd) + u"\\SYSTEM\\CurrentControlSet", u"", u"C:\\Old\\set.vxd");
+
+  rig.Run({kCode});
+
+  EXPECT_EQ(AllFields(rig.Problems()),
+            AllFields({Missing(Text(kVxd) + u"\\SYSTEM\\CurrentControlSet", u"", u"C:\\Old\\set.vxd")}));
+}
+
+TEST(VirtualDevices, TheBarShowsZeroAndThenFifty) {
+  TScanRig rig;
+  for (int i = 0; i < 60; ++i) {
+    rig.System.Registry.Set(Full(kVxd), NumberedName(u"v", i), u"");
+    rig.System.Registry.Set(Full(kDrivers), NumberedName(u"v", i), u"");
+  }
+
+  rig.Run({kCode});
+
+  // The 101st call is that of the second key's 41st value.
+  EXPECT_EQ(rig.Dialog.Updates,
+            UpdatesOf("Virtual Devices",
+                      {"item: SYSTEM\\CurrentControlSet\\Services\\VxD\\v050", "bar: 0",
+                       "item: SYSTEM\\CurrentControlSet\\Control\\VirtualDeviceDrivers\\v040", "bar: 50"}));
+}
+
+TEST(VirtualDevices, CancellingTheFirstWalkSkipsTheSecondAndEndsTheSection) {
+  TScanRig rig;
+  rig.System.Registry.Set(Full(kVxd), u"One", u"C:\\Old\\one.vxd");
+  rig.System.Registry.Set(Full(kVxd), u"Two", u"C:\\Old\\two.vxd");
+  rig.System.Registry.Set(Full(kDrivers), u"VDD", u"C:\\Old\\vdd.dll");
+
+  rig.RunAndCancel({kCode}, 2);
+
+  EXPECT_EQ(AllFields(rig.Headers()),
+            AllFields({SectionHeader(u"Virtual Devices", 20, kHkeyLocalMachine, 1)}));
+  EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(kVxd, u"One", u"C:\\Old\\one.vxd")}));
+}
+
+TEST(VirtualDevices, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
+  TScanRig rig;
+  RegisterManyDrivers(rig);
+  ExpectConsistentWhereverCancelled(rig, kCode);
+}

@@ -1,0 +1,20 @@
+// What the progress dialog says besides the progress itself.
+#pragma once
+
+#include <cstddef>
+
+#include "core/languagetexts.h"
+
+enum class TProgressMode { Scan = 1, Repair = 2 };
+
+Text ProgressCaption(TProgressMode mode, const TLanguageTexts& texts);
+
+struct TProgressOutcome {
+  Text SectionLine;
+  Text Message;
+  bool OffersRepair = false;
+};
+
+// The end of a run: its message, and after a scan that found problems the invitation to repair them.
+TProgressOutcome ProgressOutcome(TProgressMode mode, TextView message, std::size_t problemCount,
+                                 const TLanguageTexts& texts);
