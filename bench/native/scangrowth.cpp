@@ -169,6 +169,8 @@ void PrintTimes(const TCase& growth) {
 }  // namespace
 
 int main() {
+  // Each line as soon as it is known: the last sizes take a while.
+  setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
   std::printf("Peak memory of a scan, beyond what stood in memory before it\n");
   for (const TCase& growth : kCases)
     PrintMemory(growth.Name, growth);

@@ -14,7 +14,7 @@ bool NaivelyOccurs(const std::vector<Text>& phrases, TextView text) {
   return false;
 }
 
-Text RandomText(std::mt19937& random, std::size_t longest, unsigned letters) {
+Text RandomText(std::mt19937& random, std::size_t longest, std::size_t letters) {
   Text text(std::uniform_int_distribution<std::size_t>(0, longest)(random), u'a');
   for (char16_t& unit : text)
     unit = static_cast<char16_t>(u'a' + random() % letters);
@@ -74,9 +74,9 @@ TEST(PhraseMatcher, EveryUnitIsALetterLikeAnother) {
 TEST(PhraseMatcher, AgreesWithAPlainSearchOverRandomTexts) {
   std::mt19937 random(20260816);
   for (int round = 0; round < 400; ++round) {
-    const unsigned letters = 2 + random() % 3;
+    const std::size_t letters = 2 + random() % 3;
     std::vector<Text> phrases;
-    for (unsigned i = random() % 12; i > 0; --i)
+    for (std::size_t i = random() % 12; i > 0; --i)
       phrases.push_back(RandomText(random, 7, letters));
     const TPhraseMatcher matcher(phrases);
     for (int i = 0; i < 60; ++i) {

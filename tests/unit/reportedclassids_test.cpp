@@ -98,7 +98,7 @@ TEST(ReportedClassIds, AgreesWithAPlainSearchOverRandomLists) {
   for (int round = 0; round < 200; ++round) {
     std::vector<Text> identifiers;
     TReportedClassIds list;
-    for (unsigned i = random() % 8; i > 0; --i) {
+    for (std::size_t i = random() % 8; i > 0; --i) {
       identifiers.push_back(randomText(9, u"ab{}"));
       list.Append(identifiers.back());
     }
