@@ -16,7 +16,8 @@ if(TARGET program_data)
 endif()
 
 # What the resource compiler reads without telling the build.
-file(GLOB resourceFiles CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/app/resources/*" "${CMAKE_SOURCE_DIR}/app/version.h")
+file(GLOB resourceFiles CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/app/resources/*" "${CMAKE_SOURCE_DIR}/app/version.h"
+     "${CMAKE_SOURCE_DIR}/art/*.rc")
 
 # add_windows_program(NAME [WIN32]): app/NAME.cpp with its resources, app/resources/NAME.rc.
 function(add_windows_program name)
@@ -39,3 +40,10 @@ endfunction()
 
 add_windows_program(corvalt WIN32)
 add_windows_program(corvaltc)
+
+# The window's pictures: its resources name each icon by its path below the build folder.
+if(TARGET corvalt)
+  target_include_directories(corvalt PRIVATE "${CMAKE_BINARY_DIR}")
+  set_property(SOURCE "${CMAKE_SOURCE_DIR}/app/resources/corvalt.rc" APPEND PROPERTY OBJECT_DEPENDS "${programIcons}")
+  add_dependencies(corvalt program_pictures)
+endif()

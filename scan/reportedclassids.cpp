@@ -1,12 +1,13 @@
 #include "scan/reportedclassids.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace {
 
-// Suffixes are told apart by this many units, more than an identifier in braces has: it bounds the cost of
-// sorting lists of long equal names.
-constexpr std::size_t kSortedUnits = 64;
+// Suffixes are told apart by this many units, more than the name of a key has: it bounds the cost of sorting
+// lists of long equal names.
+constexpr std::size_t kSortedUnits = 256;
 
 }  // namespace
 
@@ -15,34 +16,34 @@ void TReportedClassIds::Append(TextView identifier) {
     m_wholeText += u"\r\n";
   m_wholeText += identifier;
   m_entries.emplace(identifier);
+  m_longestEntry = std::max(m_longestEntry, identifier.size());
   m_suffixes.clear();
 }
 
 bool TReportedClassIds::Holds(TextView identifier) {
-  if (identifier.empty() || identifier.size() > m_wholeText.size())
+  if (identifier.empty())
     return false;
   if (m_entries.find(identifier) != m_entries.end())
     return true;
+  // A text that is no entry is part of a longer one, or stretches over a line break.
+  if (identifier.size() >= m_longestEntry && identifier.find_first_of(u"\r\n") == TextView::npos)
+    return false;
+  // No key has so long a name, so that nobody asks.
+  if (identifier.size() > kSortedUnits)
+    return Contains(m_wholeText, identifier);
   if (m_suffixes.empty())
     SortSuffixes();
   const TextView text = m_wholeText;
-  const TextView key = identifier.substr(0, kSortedUnits);
   const auto first = std::lower_bound(
-      m_suffixes.begin(), m_suffixes.end(), key,
+      m_suffixes.begin(), m_suffixes.end(), identifier,
       [text](std::uint32_t start, TextView wanted) { return text.substr(start, wanted.size()) < wanted; });
-  for (auto suffix = first; suffix != m_suffixes.end() && text.substr(*suffix, key.size()) == key; ++suffix) {
-    if (text.substr(*suffix, identifier.size()) == identifier)
-      return true;
-  }
-  return false;
+  return first != m_suffixes.end() && text.substr(*first).starts_with(identifier);
 }
 
 void TReportedClassIds::SortSuffixes() {
   const TextView text = m_wholeText;
   m_suffixes.resize(m_wholeText.size());
-  for (std::size_t start = 0; start < m_suffixes.size(); ++start) {
-    m_suffixes[start] = static_cast<std::uint32_t>(start);
-  }
+  std::iota(m_suffixes.begin(), m_suffixes.end(), 0);
   std::sort(m_suffixes.begin(), m_suffixes.end(), [text](std::uint32_t a, std::uint32_t b) {
     return text.substr(a, kSortedUnits) < text.substr(b, kSortedUnits);
   });

@@ -32,6 +32,7 @@ class TReportedClassIds {
 
   Text m_wholeText;
   std::unordered_set<Text, THash, std::equal_to<>> m_entries;
+  std::size_t m_longestEntry = 0;
   std::vector<std::uint32_t>
       m_suffixes;  // starts in m_wholeText, sorted; made when first needed after an Append
 };

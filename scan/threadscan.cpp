@@ -67,6 +67,14 @@ std::vector<Text> SubKeyNames(RegistryStore& registry, TextView keyPath) {
   return names;
 }
 
+std::optional<Text> DefaultValue(RegistryStore& registry, TextView keyPath) {
+  if (!registry.OpenKey(keyPath, false))
+    return std::nullopt;
+  Text value = registry.ReadString({});
+  registry.CloseKey();
+  return value;
+}
+
 TScan::TScan(TScanContext context, TProgressDialog& progressDialog)
     : TWorkerThread(context.UiThread),
       m_context(std::move(context)),

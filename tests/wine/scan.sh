@@ -7,38 +7,10 @@ source tools/wine.sh
 trap stop_wine EXIT
 
 here=tests/wine
-folder=build/windows-x64/Corvalt
 work=$PWD/build/wine-scan
 rm -rf "$work"
 mkdir -p "$work"
-passed=0
-failed=0
-
-# ok NAME COMMAND...: passed when the command succeeds.
-ok() {
-  local name=$1
-  shift
-  if "$@" >"$work/last" 2>&1; then
-    passed=$((passed + 1))
-    echo "ok    $name"
-  else
-    failed=$((failed + 1))
-    echo "FAIL  $name"
-    head -n 40 "$work/last" | sed 's/^/      /'
-  fi
-}
-
-# corvaltc ARGUMENT...: runs it; sets code, and leaves both outputs in files.
-corvaltc() {
-  code=0
-  run_windows "$folder/corvaltc.exe" "$@" >"$work/out" 2>"$work/err" </dev/null || code=$?
-}
-
-answered() {
-  echo "answered $code"
-  cat "$work/err"
-  [[ $code == "$1" ]]
-}
+source tests/support/winechecks.sh
 
 result() {
   python3 $here/scanresult.py "$@"
@@ -46,12 +18,6 @@ result() {
 
 said_nothing() {
   [[ ! -s $work/out && ! -s $work/err ]]
-}
-
-# error_says TEXT: standard error names it.
-error_says() {
-  cat "$work/err"
-  grep -qF -- "$1" "$work/err"
 }
 
 # setting KEY VALUE EXPECTED: a value of the suite's settings, as reg.exe prints it.
@@ -76,18 +42,6 @@ usage_error() {
 no_later_section() {
   result captions "$1" "Registry Integrity" "HKEY_LOCAL_MACHINE - Files and Folders" ||
     result captions "$1" "Registry Integrity"
-}
-
-fill_prefix() {
-  local drive=$WINEPREFIX/drive_c menu="drive_c/ProgramData/Start Menu/Programs"
-  mkdir -p "$drive/Corvalt/real folder" "$WINEPREFIX/$menu/Corvalt Real" "$WINEPREFIX/$menu/Corvalt Real Without Order"
-  touch "$drive"/Corvalt/real.{exe,dll,hlp} "$drive/windows/Fonts/corvaltreal.ttf"
-  # The registry editor reads UTF-16 with a mark.
-  {
-    printf '\xff\xfe'
-    sed 's/$/\r/' $here/brokenregistry.reg | iconv -f UTF-8 -t UTF-16LE
-  } >"$work/broken.reg"
-  run_windows regedit /S "Z:$work/broken.reg"
 }
 
 start_display
