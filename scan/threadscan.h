@@ -96,6 +96,7 @@ class TScan final : public TWorkerThread {
 
   // At most every fiftieth call moves the dialog.
   void ReportProgress(std::int32_t percent, TextView label);
+  bool IsProgressDue() const;
   void RefreshProgress();
 
   // What the scanners ask.
@@ -105,8 +106,8 @@ class TScan final : public TWorkerThread {
   // The recursive walk that reports string values naming missing files. exclusions are full key paths with
   // root name and trailing "\", upper-cased: a key whose path contains one of them is skipped with everything
   // below it.
-  void ScanKeyTree(RegistryStore& registry, TRootKey root, double fraction,
-                   const std::vector<Text>& exclusions, TextView keyPath);
+  void ScanKeyTree(RegistryStore& registry, TRootKey root, double fraction, const TPhraseMatcher& exclusions,
+                   TextView keyPath);
 
   // Pieces of single scanners.
   void CheckShellFolderKey(TextView keyPath, double scale, double offset);

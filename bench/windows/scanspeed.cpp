@@ -24,7 +24,7 @@ constexpr std::size_t kFolders = 1000;
 constexpr std::size_t kFilesPerFolder = 20;
 constexpr std::size_t kChecks = 100000;
 constexpr std::uint32_t kSeed = 20070904;
-constexpr int kRounds = 5;
+constexpr int kRounds = 7;
 constexpr std::int32_t kCurrentUserSection = 22;
 
 constexpr TextView kScratchKey = u"Software\\Corvalt Bench";
