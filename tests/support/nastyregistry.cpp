@@ -6,14 +6,15 @@
 #include <set>
 
 #include "core/lettercase.h"
+#include "platform/memory/memoryregistry.h"
 
 namespace {
 
 constexpr std::size_t kValuesAKey = 12;     // on average
 constexpr std::size_t kLongestPath = 1500;  // units
 constexpr std::size_t kLongestName = 255;   // units, of a key
-constexpr std::size_t kBigData = 3 * 1024 * 1024;
-constexpr std::size_t kValuesABigOne = 20000;  // values that one of several MiB stands for
+constexpr std::size_t kBigData = 2 * 1024 * 1024;
+constexpr std::size_t kValuesABigOne = 40000;  // values that one of 2 MiB stands for
 
 class TNastyMaker {
  public:
@@ -173,14 +174,4 @@ class TNastyMaker {
 
 std::vector<TNastyKey> MakeNastyTree(std::uint64_t seed, std::size_t values, TextView topPath) {
   return TNastyMaker(seed).Tree(values, topPath);
-}
-
-TBytes UnitBytes(TextView text) {
-  TBytes bytes;
-  bytes.reserve(2 * text.size());
-  for (const char16_t unit : text) {
-    bytes.push_back(static_cast<std::uint8_t>(unit & 0xFF));
-    bytes.push_back(static_cast<std::uint8_t>(unit >> 8));
-  }
-  return bytes;
 }

@@ -15,6 +15,3 @@ struct TNastyKey {
 // A tree below a key, which comes first, with this number of values. No name occurs twice in a key, whatever
 // the letter case.
 std::vector<TNastyKey> MakeNastyTree(std::uint64_t seed, std::size_t values, TextView topPath);
-
-// The units of a text as the registry keeps them, without a terminator.
-TBytes UnitBytes(TextView text);

@@ -350,9 +350,9 @@ TEST_F(IORegistry, NamesOf255UnitsAndDeepTreesComeBack) {
 }
 
 TEST_F(IORegistry, ValuesOfSeveralMebibytesComeBack) {
-  constexpr std::size_t kUnits = 3 * 1024 * 1024;
-  Set(u"string", kRegSz, StringBytes(Text(kUnits, u'x')));
-  Set(u"binary", kRegBinary, TBytes(kUnits, 0xA5));
+  constexpr std::size_t kUnits = 1024 * 1024;
+  Set(u"string", kRegSz, StringBytes(Text(2 * kUnits, u'x')));
+  Set(u"binary", kRegBinary, TBytes(3 * kUnits, 0xA5));
   Set(u"exact", kRegSz, UnitBytes(Text(kUnits, char16_t(0x401))));
   ExpectRoundTrip();
 }

@@ -353,57 +353,60 @@ TEST(RegFileReader, AFoldNeverSwallowsAValueOfOurOwn) {
   EXPECT_EQ(reading.Skipped, 1U);
 }
 
-// Slow readers would not end here: each of these is 64 MiB.
+// Readers that go over a line more than a few times would not end here.
 class RegFileReaderHugeFile : public testing::Test {
  protected:
-  static constexpr std::size_t kSize = 64 * 1024 * 1024;
-
-  static std::string Repeated(std::string_view part) {
+  static std::string Repeated(std::string_view part, std::size_t times) {
     std::string text;
-    text.reserve(kSize + part.size());
-    while (text.size() < kSize)
+    text.reserve(part.size() * times);
+    for (std::size_t i = 0; i < times; ++i)
       text += part;
     return text;
   }
+
+  static constexpr std::size_t kMany = 4 * 1024 * 1024;
 };
 
 TEST_F(RegFileReaderHugeFile, OfOneLine) {
-  EXPECT_EQ(ReadBelowKey(Repeated("x")).Skipped, 1U);
+  EXPECT_EQ(ReadBelowKey(std::string(64 * 1024 * 1024, 'x')).Skipped, 1U);
 }
 
-TEST_F(RegFileReaderHugeFile, OfOneString) {
-  TReading reading = ReadBelowKey("\"a\"=\"" + Repeated("xyz ") + "\"");
-  EXPECT_EQ(reading.Skipped, 0U);
-  ASSERT_EQ(reading.Entries.size(), 1U);
-  EXPECT_GT(reading.Entries.front().size(), 4 * kSize);
+TEST_F(RegFileReaderHugeFile, OfTenMillionEmptyLines) {
+  const std::string lines(10'000'000, '\n');
+  EXPECT_EQ(ReadBelowKey(lines).Skipped, 0U);
 }
 
-TEST_F(RegFileReaderHugeFile, OfEmptyLines) {
-  EXPECT_EQ(ReadBelowKey(Repeated("\n")).Skipped, 0U);
-  EXPECT_EQ(ReadBelowKey("\"a\"=hex:01,\\" + Repeated("\n")).Skipped, 1U);
+TEST_F(RegFileReaderHugeFile, OfEmptyLinesBehindAFold) {
+  EXPECT_EQ(ReadBelowKey("\"a\"=hex:01,\\" + std::string(kMany, '\n')).Skipped, 1U);
 }
 
 TEST_F(RegFileReaderHugeFile, OfBackslashes) {
-  EXPECT_EQ(ReadBelowKey(Repeated("\\")).Skipped, 1U);
-  EXPECT_EQ(ReadBelowKey("\"" + Repeated("\\")).Skipped, 1U);
-  EXPECT_EQ(ReadBelowKey("\"a\"=hex:" + Repeated("\\")).Skipped, 1U);
+  const std::string backslashes(kMany, '\\');
+  EXPECT_EQ(ReadBelowKey(backslashes).Skipped, 1U);
+  EXPECT_EQ(ReadBelowKey("\"" + backslashes).Skipped, 1U);
+  EXPECT_EQ(ReadBelowKey("\"a\"=hex:" + backslashes).Skipped, 1U);
 }
 
 TEST_F(RegFileReaderHugeFile, OfFolds) {
-  const std::string folds = Repeated("\\\n");
-  EXPECT_EQ(ReadBelowKey("\"a\"=hex:" + folds).Skipped, folds.size() / 2);
+  EXPECT_EQ(ReadBelowKey("\"a\"=hex:" + Repeated("\\\n", kMany)).Skipped, kMany);
+}
+
+TEST_F(RegFileReaderHugeFile, OfOneString) {
+  const TReading reading = ReadBelowKey("\"a\"=\"" + std::string(kMany, 'x') + "\"");
+  EXPECT_EQ(reading.Skipped, 0U);
+  ASSERT_EQ(reading.Entries.size(), 1U);
+  EXPECT_GT(reading.Entries.front().size(), 4 * kMany);
 }
 
 TEST_F(RegFileReaderHugeFile, OfStringsWithoutAnEnd) {
-  const std::string lines = Repeated("@=\"a\n");
-  EXPECT_EQ(ReadBelowKey(lines).Skipped, lines.size() / 5);
+  EXPECT_EQ(ReadBelowKey(Repeated("@=\"a\n", kMany / 4)).Skipped, kMany / 4);
 }
 
 TEST_F(RegFileReaderHugeFile, OfBrackets) {
-  EXPECT_EQ(ReadBelowKey(Repeated("]")).Skipped, 1U);
-  EXPECT_EQ(ReadBelowKey(Repeated("[")).Skipped, 1U);
+  EXPECT_EQ(ReadBelowKey(std::string(kMany, ']')).Skipped, 1U);
+  EXPECT_EQ(ReadBelowKey(std::string(kMany, '[')).Skipped, 1U);
 }
 
 TEST_F(RegFileReaderHugeFile, OfOneValueOfOurOwn) {
-  EXPECT_EQ(ReadBelowKey(";TIORegistry value=:3:" + Repeated("00")).Skipped, 0U);
+  EXPECT_EQ(ReadBelowKey(";TIORegistry value=:3:" + std::string(kMany, '0')).Skipped, 0U);
 }
