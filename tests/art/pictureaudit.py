@@ -49,7 +49,7 @@ def faults(program):
         if number not in present:
             found.append(f"{program}: no picture {number} ({path})")
             continue
-        sizes = tuple(size for size, _ in images(wrestool(program, "--extract", "--output=-", f"--name={number}")))
+        sizes = tuple(size for size, _ in images(wrestool(program, "--extract", f"--name={number}")))
         if sizes != expected_sizes(number):
             found.append(f"{program}: picture {number} ({path}) has the sizes {sizes}")
     return found
