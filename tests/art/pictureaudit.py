@@ -9,7 +9,7 @@ import struct
 import subprocess
 import sys
 
-ART = pathlib.Path(__file__).resolve().parent.parent.parent / "art"
+PICTURES = pathlib.Path(__file__).resolve().parent.parent.parent / "app" / "resources" / "pictures.rc"
 PROGRAM_ICON = 1
 SIZES = (16, 20, 24, 32)
 PROGRAM_SIZES = (*SIZES, 48, 256)
@@ -17,7 +17,7 @@ PROGRAM_SIZES = (*SIZES, 48, 256)
 
 def listed_pictures():
     """Resource number -> path of its picture below the project, without an extension."""
-    lines = re.findall(r'^(\d+) ICON "(.+)\.ico"$', (ART / "pictures.rc").read_text(), re.MULTILINE)
+    lines = re.findall(r'^(\d+) ICON "(.+)\.ico"$', PICTURES.read_text(), re.MULTILINE)
     return {int(number): path for number, path in lines}
 
 
