@@ -16,8 +16,7 @@ if(TARGET program_data)
 endif()
 
 # What the resource compiler reads without telling the build.
-file(GLOB resourceFiles CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/app/resources/*" "${CMAKE_SOURCE_DIR}/app/version.h"
-     "${CMAKE_SOURCE_DIR}/art/*.rc")
+file(GLOB resourceFiles CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/app/resources/*" "${CMAKE_SOURCE_DIR}/app/version.h")
 
 # add_windows_program(NAME [WIN32]): app/NAME.cpp with its resources, app/resources/NAME.rc.
 function(add_windows_program name)

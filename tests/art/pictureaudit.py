@@ -9,7 +9,7 @@ import struct
 import subprocess
 import sys
 
-ART = pathlib.Path(__file__).resolve().parent.parent.parent / "art"
+PICTURES = pathlib.Path(__file__).resolve().parent.parent.parent / "app" / "resources" / "pictures.rc"
 PROGRAM_ICON = 1
 SIZES = (16, 20, 24, 32)
 PROGRAM_SIZES = (*SIZES, 48, 256)
@@ -17,7 +17,7 @@ PROGRAM_SIZES = (*SIZES, 48, 256)
 
 def listed_pictures():
     """Resource number -> path of its picture below the project, without an extension."""
-    lines = re.findall(r'^(\d+) ICON "(.+)\.ico"$', (ART / "pictures.rc").read_text(), re.MULTILINE)
+    lines = re.findall(r'^(\d+) ICON "(.+)\.ico"$', PICTURES.read_text(), re.MULTILINE)
     return {int(number): path for number, path in lines}
 
 
@@ -49,7 +49,7 @@ def faults(program):
         if number not in present:
             found.append(f"{program}: no picture {number} ({path})")
             continue
-        sizes = tuple(size for size, _ in images(wrestool(program, "--extract", "--output=-", f"--name={number}")))
+        sizes = tuple(size for size, _ in images(wrestool(program, "--extract", f"--name={number}")))
         if sizes != expected_sizes(number):
             found.append(f"{program}: picture {number} ({path}) has the sizes {sizes}")
     return found
