@@ -1,8 +1,6 @@
 // Any bytes as the adware catalogue, packed already or as the document that is packed: the section scans a
 // small machine with it. It ends with a reason exactly when the document is none, and reports only what
 // exists.
-#include <zlib.h>
-
 #include <cstdlib>
 #include <memory>
 #include <string>
@@ -12,6 +10,7 @@
 #include "core/systemerror.h"
 #include "platform/memory/memorysystem.h"
 #include "scan/threadscan.h"
+#include "tests/support/datafile.h"
 #include "ui/resultstree.h"
 #include "ui/sectionstree.h"
 
@@ -33,15 +32,6 @@ class TSilentDialog : public TProgressDialog {
   void SetSectionPosition(std::int32_t) override {
   }
 };
-
-std::string Pack(std::span<const std::uint8_t> document) {
-  uLongf length = compressBound(static_cast<uLong>(document.size()));
-  std::string stream(length, '\0');
-  if (compress(reinterpret_cast<Bytef*>(stream.data()), &length, document.data(),
-               static_cast<uLong>(document.size())) != Z_OK)
-    std::abort();
-  return std::string(kDataFilePrefix, '\0') + stream.substr(0, length);
-}
 
 void FillRegistry(TMemoryRegistry& registry) {
   registry.AddKey(u"HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\Bad");
@@ -95,8 +85,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;
   TMemorySystem memory;
   FillRegistry(memory.Registry);
+  const std::string_view content(reinterpret_cast<const char*>(data), size);
+  const std::vector<std::uint8_t> packed = PackDataFile(content);
   memory.Disk.AddFile(u"C:\\data\\xdata.dat",
-                      inflated ? std::string(input.begin(), input.end()) : Pack(input));
+                      inflated ? std::string(content) : std::string(packed.begin(), packed.end()));
   TResultsTreeModel results;
   if (Scan(memory, results) != TNativeXml::Parse(document).has_value())
     std::abort();
