@@ -14,7 +14,7 @@ configure_file("${CMAKE_SOURCE_DIR}/cmake/sourcefolder.cpp.in" "${CMAKE_BINARY_D
 
 folder_sources(supportSources tests/support)
 add_library(test_support STATIC ${supportSources} "${CMAKE_BINARY_DIR}/generated/sourcefolder.cpp")
-target_link_libraries(test_support PUBLIC house_options core suitecontrols scan repair ui platform_memory GTest::gtest)
+target_link_libraries(test_support PUBLIC house_options core suitecontrols scan repair ui ui_console platform_memory GTest::gtest)
 if(WIN32)
   target_link_libraries(test_support PUBLIC platform_windows)
 endif()

@@ -1,0 +1,13 @@
+// The results tree as a person reads it on a console.
+#pragma once
+
+#include <string>
+
+#include "scan/scantrees.h"
+
+// One block a section: its caption with the number of its problems, then of each problem the full path, the
+// value where one is meant, and the description. UTF-8, lines ended by LF, an empty line between blocks.
+std::string ProblemListing(ResultsTree& results);
+
+// The number of problems, headers not counted.
+std::size_t ProblemCount(ResultsTree& results);
