@@ -31,8 +31,8 @@ std::optional<double> NumberWithSign(TextView name, TextView sign) {
 
 Text WithPoint(TDateTime time) {
   std::array<char, 32> digits{};
-  const std::to_chars_result result = std::to_chars(
-      digits.data(), digits.data() + digits.size(), time, std::chars_format::general, kSignificantDigits);
+  const std::to_chars_result result = std::to_chars(digits.data(), digits.data() + digits.size(), time,
+                                                    std::chars_format::general, kSignificantDigits);
   return FromAscii({digits.data(), static_cast<std::size_t>(result.ptr - digits.data())});
 }
 

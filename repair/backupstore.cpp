@@ -69,6 +69,10 @@ TExportResult BackupStore::AddValueToBackup(TextView rootName, TextView keyPath,
   return result;
 }
 
+bool BackupStore::HoldsKey(TextView rootName, TextView keyPath) const {
+  return m_collected.CoversKey(RootKeyFromName(rootName), keyPath);
+}
+
 TDeletionRight BackupStore::CommitBackup(TextView name) {
   const std::unique_ptr<THeldLock> lock = LockStore();
   WriteVerifiedFile(name);

@@ -38,6 +38,9 @@ class BackupStore {
   TExportResult AddKeyToBackup(TextView rootName, TextView keyPath);
   TExportResult AddValueToBackup(TextView rootName, TextView keyPath, TextView valueName);
 
+  // Whether the key itself was added to the backup since it began.
+  bool HoldsKey(TextView rootName, TextView keyPath) const;
+
   // Writes the backup's file, reads it back, compares it with what was exported, and then lists it in the
   // index. The right to delete what it holds.
   TDeletionRight CommitBackup(TextView name);

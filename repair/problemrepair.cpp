@@ -47,14 +47,14 @@ bool SaysMissing(TSystemError error) {
 
 }  // namespace
 
-TProblemDeleter::TPlace::TPlace(const ScanProblem& problem)
+TProblemPlace::TProblemPlace(const ScanProblem& problem)
     : RootKey(RootKeyFromName(RootKeyName(problem.RootKey))),
       KeyPath(FromRoot(problem.KeyPath)),
       ValueName(RegistryValueName(problem.ValueName)) {
 }
 
 void BackUpProblem(BackupStore& store, const ScanProblem& problem) {
-  const TProblemDeleter::TPlace place(problem);
+  const TProblemPlace place(problem);
   const Text rootName = RootKeyName(place.RootKey);
   if (problem.Kind == kKindValue) {
     store.AddValueToBackup(rootName, place.KeyPath, place.ValueName);
@@ -65,8 +65,10 @@ void BackUpProblem(BackupStore& store, const ScanProblem& problem) {
   if (problem.Kind == kKindKey && NamesAKey(place.KeyPath)) {
     store.AddKeyToBackup(rootName, place.KeyPath);
     if (problem.ImageIndex == kStartMenuImage) {
-      for (const Text& menuKey : MenuKeysUpward(place.KeyPath))
-        store.AddKeyToBackup(rootName, menuKey);
+      for (const Text& menuKey : MenuKeysUpward(place.KeyPath)) {
+        if (!store.HoldsKey(rootName, menuKey))
+          store.AddKeyToBackup(rootName, menuKey);
+      }
     }
   }
 }
@@ -92,7 +94,7 @@ TDeletionResult TProblemDeleter::Delete(const ScanProblem& problem) {
 }
 
 TDeletionResult TProblemDeleter::DeleteKey(const ScanProblem& problem) {
-  const TPlace place(problem);
+  const TProblemPlace place(problem);
   if (!m_right.CoversKey(place.RootKey, place.KeyPath))
     return {KeyExists(place) ? TDeletion::NotCovered : TDeletion::Deleted};
   m_registry->SetRootKey(place.RootKey);
@@ -102,7 +104,7 @@ TDeletionResult TProblemDeleter::DeleteKey(const ScanProblem& problem) {
   return {deleted || !KeyExists(place) ? TDeletion::Deleted : TDeletion::Failed};
 }
 
-void TProblemDeleter::DeleteEmptyMenuKeys(const TPlace& place) {
+void TProblemDeleter::DeleteEmptyMenuKeys(const TProblemPlace& place) {
   for (const Text& menuKey : MenuKeysUpward(place.KeyPath)) {
     if (HasSubKeys(menuKey))
       return;
@@ -120,7 +122,7 @@ bool TProblemDeleter::HasSubKeys(TextView keyPath) {
 }
 
 TDeletionResult TProblemDeleter::DeleteValue(const ScanProblem& problem) {
-  const TPlace place(problem);
+  const TProblemPlace place(problem);
   const bool covered = m_right.CoversValue(place.RootKey, place.KeyPath, place.ValueName);
   const TRawResult before = AskForValue(place);
   if (!covered && before != TRawResult::Missing)
@@ -136,7 +138,7 @@ TDeletionResult TProblemDeleter::DeleteValue(const ScanProblem& problem) {
   return {isThere ? TDeletion::Failed : TDeletion::Deleted, true};
 }
 
-void TProblemDeleter::DeleteOpenedValue(const ScanProblem& problem, const TPlace& place) {
+void TProblemDeleter::DeleteOpenedValue(const ScanProblem& problem, const TProblemPlace& place) {
   m_registry->DeleteValue(place.ValueName);
   const bool mayRewrite = m_right.CoversValue(place.RootKey, place.KeyPath, kMruList);
   if (problem.ImageIndex == kMruImage && mayRewrite && m_registry->ValueExists(kMruList))
@@ -157,17 +159,16 @@ TDeletionResult TProblemDeleter::DeleteFile(const ScanProblem& problem) {
   return {error.Failed() && !SaysMissing(error) ? TDeletion::Failed : TDeletion::Deleted};
 }
 
-bool TProblemDeleter::KeyExists(const TPlace& place) {
+bool TProblemDeleter::KeyExists(const TProblemPlace& place) {
   TRawKey key;
   const TRawResult result = m_system.Raw.ReadKey(place.RootKey, place.KeyPath, key);
   m_system.Raw.ReleaseKeys();
   return result != TRawResult::Missing;
 }
 
-TRawResult TProblemDeleter::AskForValue(const TPlace& place) {
+TRawResult TProblemDeleter::AskForValue(const TProblemPlace& place) {
   TRawValue value;
-  const TRawResult result =
-      m_system.Raw.ReadValue(place.RootKey, place.KeyPath, place.ValueName, value);
+  const TRawResult result = m_system.Raw.ReadValue(place.RootKey, place.KeyPath, place.ValueName, value);
   m_system.Raw.ReleaseKeys();
   return result;
 }

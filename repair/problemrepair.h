@@ -24,6 +24,15 @@ struct TDeletionResult {
   bool KeyOpened = false;  // of a value: whether its key opened
 };
 
+// A problem's place as the registry takes it.
+struct TProblemPlace {
+  explicit TProblemPlace(const ScanProblem& problem);
+
+  TRootKey RootKey;
+  Text KeyPath;    // begins with "\"
+  Text ValueName;  // empty for the unnamed value
+};
+
 // Deletes what the right covers and nothing else.
 class TProblemDeleter {
  public:
@@ -33,26 +42,15 @@ class TProblemDeleter {
   TDeletionResult Delete(const ScanProblem& problem);
 
  private:
-  // A problem's place as the registry takes it.
-  struct TPlace {
-    explicit TPlace(const ScanProblem& problem);
-
-    TRootKey RootKey;
-    Text KeyPath;    // begins with "\"
-    Text ValueName;  // empty for the unnamed value
-  };
-
   TDeletionResult DeleteKey(const ScanProblem& problem);
   TDeletionResult DeleteValue(const ScanProblem& problem);
   TDeletionResult DeleteFile(const ScanProblem& problem);
-  void DeleteOpenedValue(const ScanProblem& problem, const TPlace& place);
-  void DeleteEmptyMenuKeys(const TPlace& place);
+  void DeleteOpenedValue(const ScanProblem& problem, const TProblemPlace& place);
+  void DeleteEmptyMenuKeys(const TProblemPlace& place);
   bool HasSubKeys(TextView keyPath);
   void RewriteMruList();
-  bool KeyExists(const TPlace& place);
-  TRawResult AskForValue(const TPlace& place);
-
-  friend void BackUpProblem(BackupStore& store, const ScanProblem& problem);
+  bool KeyExists(const TProblemPlace& place);
+  TRawResult AskForValue(const TProblemPlace& place);
 
   TSystem m_system;
   std::unique_ptr<RegistryStore> m_registry;
