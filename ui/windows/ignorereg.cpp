@@ -9,6 +9,22 @@ constexpr TextView kListClass = u"SysListView32";
 constexpr int kListId = 101;
 constexpr int kRemoveId = 102;
 
+// A list's check boxes are its state images: the first is empty, the second checked.
+constexpr UINT kUncheckedImage = 1;
+constexpr UINT kCheckedImage = 2;
+
+void SetChecked(HWND list, std::size_t row, bool checked) {
+  LVITEMW item = {};
+  item.stateMask = LVIS_STATEIMAGEMASK;
+  item.state = INDEXTOSTATEIMAGEMASK(checked ? kCheckedImage : kUncheckedImage);
+  ::SendMessageW(list, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
+}
+
+bool IsChecked(HWND list, std::size_t row) {
+  const LRESULT state = ::SendMessageW(list, LVM_GETITEMSTATE, row, LVIS_STATEIMAGEMASK);
+  return static_cast<UINT>(state) == INDEXTOSTATEIMAGEMASK(kCheckedImage);
+}
+
 }  // namespace
 
 Tfrmignorereg::Tfrmignorereg(TSystem& system, const TGlobalVars& vars, TGlobalReg& reg, HWND owner)
@@ -44,7 +60,7 @@ void Tfrmignorereg::FillList() {
     item.iItem = static_cast<int>(i);
     item.pszText = WideBuffer(caption);
     ::SendMessageW(m_list, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
-    ListView_SetCheckState(m_list, static_cast<UINT>(i), m_model.Rows()[i].Checked);
+    SetChecked(m_list, i, m_model.Rows()[i].Checked);
   }
   // Long entries are read by scrolling, not cut.
   ::SendMessageW(m_list, LVM_SETCOLUMNWIDTH, 0, LVSCW_AUTOSIZE_USEHEADER);
@@ -86,7 +102,7 @@ void Tfrmignorereg::OnItemChanged(const NMLISTVIEW& change) {
   const bool isState = (change.uChanged & LVIF_STATE) != 0;
   const bool isCheck = isState && ((change.uNewState ^ change.uOldState) & LVIS_STATEIMAGEMASK) != 0;
   if (isCheck && row < m_model.Rows().size()) {
-    m_model.SetChecked(row, ListView_GetCheckState(m_list, static_cast<UINT>(row)) != 0);
+    m_model.SetChecked(row, IsChecked(m_list, row));
   }
   UpdateButtons();
 }

@@ -13,7 +13,7 @@
 class TfrmRegMain : public TWindow, private TRegMainView {
  public:
   // Everything must outlive the window.
-  TfrmRegMain(TSystem& system, const TGlobalVars& vars, TGlobalReg& reg, TUiThread& uiThread);
+  TfrmRegMain(TSystem& system, const TGlobalVars& vars, TGlobalReg& reg, TUiThread& uiThread, Text version);
   ~TfrmRegMain() override;
 
   void Show(int showCommand);
@@ -89,6 +89,7 @@ class TfrmRegMain : public TWindow, private TRegMainView {
   HWND m_tip = nullptr;
   HACCEL m_accelerators = nullptr;
   HWND m_lastFocus = nullptr;
+  Text m_version;
   Text m_summary;
   int m_navigationWidth;
   bool m_dragging = false;
