@@ -39,3 +39,10 @@ endfunction()
 
 add_windows_program(corvalt WIN32)
 add_windows_program(corvaltc)
+
+# The window's pictures: its resources name each icon by its path below the build folder.
+if(TARGET corvalt)
+  target_include_directories(corvalt PRIVATE "${CMAKE_BINARY_DIR}")
+  set_property(SOURCE "${CMAKE_SOURCE_DIR}/app/resources/corvalt.rc" APPEND PROPERTY OBJECT_DEPENDS "${programIcons}")
+  add_dependencies(corvalt program_pictures)
+endif()

@@ -36,10 +36,10 @@ Text WithPoint(TDateTime time) {
   return FromAscii({digits.data(), static_cast<std::size_t>(result.ptr - digits.data())});
 }
 
-// Whether a name with this sign in it is a file name and a section name, and says the same number.
+// Whether a name with this sign in it is a file name and a section name, and is read as the same number.
 bool IsUsableName(const Text& name, const Text& withPoint, TextView sign) {
-  return IsPlainFileName(name) && name.find(u']') == Text::npos && !sign.empty() &&
-         NumberWithSign(name, sign) == NumberWithSign(withPoint, u".");
+  return IsPlainFileName(name) && name.find(u']') == Text::npos &&
+         TimeOfBackupName(name, sign) == NumberWithSign(withPoint, u".");
 }
 
 }  // namespace

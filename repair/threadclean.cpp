@@ -109,13 +109,10 @@ void TCleaning::DeleteProblem(TResultsNode* node, TProblemDeleter& deleter) {
   const TDeletionResult result = deleter.Delete(problem);
   --m_outcome.NotReached;
   if (result.Deletion == TDeletion::NotCovered) {
-    m_outcome.NotSaved.push_back(problem);
+    m_outcome.NotSaved.push_back(node);
     return;
   }
-  if (result.Deletion == TDeletion::Deleted)
-    ++m_outcome.Deleted;
-  else
-    m_outcome.Failed.push_back(problem);
+  (result.Deletion == TDeletion::Deleted ? m_outcome.Deleted : m_outcome.Failed).push_back(node);
   CurrentNode = node;
   ItemText = ItemTextOf(problem, result);
   Percent = PercentOf(m_deletions + 1, m_total);

@@ -24,14 +24,14 @@ struct TCleaningContext {
   TWorkerThread::TEndHandler OnFinished;  // runs on the user-interface thread when the repair has ended
 };
 
-// What became of the checked problems, in tree order.
+// What became of the checked problems, in tree order. The nodes are good as long as the tree keeps them.
 struct TCleaningOutcome {
-  bool BackupMade = false;          // the backup is complete, or the setting wants none: deletions may begin
-  Text BackupName;                  // empty without a backup
-  std::size_t Deleted = 0;          // problems that are gone
-  std::vector<ScanProblem> Failed;  // backed up but not deleted by the system; marked as removed all the same
-  std::vector<ScanProblem> NotSaved;  // not backed up, so not touched and not marked
-  std::size_t NotReached = 0;         // the repair was cancelled before them
+  bool BackupMade = false;  // the backup is complete, or the setting wants none: deletions may begin
+  Text BackupName;          // empty without a backup
+  std::vector<TResultsNode*> Deleted;   // gone now; perhaps they were before
+  std::vector<TResultsNode*> Failed;    // not deleted by the system; marked as removed all the same
+  std::vector<TResultsNode*> NotSaved;  // not in the backup, so not touched and not marked
+  std::size_t NotReached = 0;           // the repair ended before them
 };
 
 // When the thread ends early its exception says in the user's words whether something was deleted before;

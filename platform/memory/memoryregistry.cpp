@@ -8,6 +8,7 @@
 namespace {
 
 constexpr std::size_t kLongestKeyName = 255;      // units, winreg.h
+constexpr std::size_t kDeepestKey = 512;          // levels, winreg.h
 constexpr std::size_t kLongestValueName = 16383;  // units, winreg.h
 
 bool HoldsNul(TextView name) {
@@ -15,8 +16,9 @@ bool HoldsNul(TextView name) {
 }
 
 bool NamesFit(const std::vector<Text>& names) {
-  return std::all_of(names.begin(), names.end(),
-                     [](const Text& name) { return name.size() <= kLongestKeyName && !HoldsNul(name); });
+  return names.size() <= kDeepestKey && std::all_of(names.begin(), names.end(), [](const Text& name) {
+           return name.size() <= kLongestKeyName && !HoldsNul(name);
+         });
 }
 
 // A name of one NUL means the default value. Any other name with a NUL can't be said to the registry.
@@ -262,12 +264,18 @@ class TMemoryRegistryStore : public RegistryStore {
 
 }  // namespace
 
-TBytes StringBytes(TextView text) {
+TBytes UnitBytes(TextView text) {
   TBytes bytes;
+  bytes.reserve(2 * text.size() + 2);
   for (const char16_t unit : text) {
     bytes.push_back(static_cast<std::uint8_t>(unit & 0xFF));
     bytes.push_back(static_cast<std::uint8_t>(unit >> 8));
   }
+  return bytes;
+}
+
+TBytes StringBytes(TextView text) {
+  TBytes bytes = UnitBytes(text);
   bytes.insert(bytes.end(), {0, 0});
   return bytes;
 }

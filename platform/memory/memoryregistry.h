@@ -115,6 +115,9 @@ class TMemoryRawRegistry : public RawRegistry {
 // The bytes of a string value as Windows stores it, with its terminating NUL.
 TBytes StringBytes(TextView text);
 
+// The same without it.
+TBytes UnitBytes(TextView text);
+
 // Whether a link stands at or below the key; whether access is denied at or below it.
 bool HoldsLink(const TMemoryKey& key);
 bool HoldsDenied(const TMemoryKey& key);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/memory/memoryregistry.h"
 #include "tests/contract/subject.h"
 
 class TRegistryContract : public ::testing::Test {
@@ -37,13 +38,3 @@ class TRegistryContract : public ::testing::Test {
   const std::unique_ptr<TSubject> m_subject = MakeSubject();
   TSystem m_system = m_subject->System();
 };
-
-// The bytes of 16-bit units, without a terminator of their own.
-inline TBytes UnitBytes(TextView units) {
-  TBytes bytes;
-  for (const char16_t unit : units) {
-    bytes.push_back(static_cast<std::uint8_t>(unit & 0xFF));
-    bytes.push_back(static_cast<std::uint8_t>(unit >> 8));
-  }
-  return bytes;
-}

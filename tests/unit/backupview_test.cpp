@@ -38,7 +38,7 @@ TEST(BackupView, ShowsAFileOfFiftyMegabytesWhole) {
   constexpr std::size_t kLines = 1000000;
   std::string file;
   for (std::size_t i = 0; i < kLines; ++i)
-    file.append("\"name\"=hex:00,11,22,33,44,55,66,77,88,99,aa,bb,cc,", 49).append("\0\n", 2);
+    file.append("\"name\"=hex:00,11,22,33,44,55,66,77,88,99,aa,bb,cc,", 50).append("\0\n", 2);
   ASSERT_GT(file.size(), 50U * 1000 * 1000);
   const Text shown = Shown(file);
   EXPECT_EQ(shown.size(), file.size() + kLines);

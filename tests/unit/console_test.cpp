@@ -126,7 +126,7 @@ TEST_F(ConsoleProgram, EveryCommandRunsTheStartSequenceFirst) {
 
 TEST_F(ConsoleProgram, AStartThatFailsEndsWithTheSystemsMessage) {
   // Each root takes four characters, the system's buffer 129.
-  for (char16_t letter = 0x100; letter < 0x100 + 33; ++letter)
+  for (char16_t letter = 0x4E00; letter < 0x4E00 + 33; ++letter)
     m_rig.Scan.System.Disk.AddDrive(Text(1, letter) + u":\\", kDriveFixed);
 
   EXPECT_EQ(m_rig.Run({u"sections"}), 3);

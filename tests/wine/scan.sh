@@ -7,38 +7,10 @@ source tools/wine.sh
 trap stop_wine EXIT
 
 here=tests/wine
-folder=build/windows-x64/Corvalt
 work=$PWD/build/wine-scan
 rm -rf "$work"
 mkdir -p "$work"
-passed=0
-failed=0
-
-# ok NAME COMMAND...: passed when the command succeeds.
-ok() {
-  local name=$1
-  shift
-  if "$@" >"$work/last" 2>&1; then
-    passed=$((passed + 1))
-    echo "ok    $name"
-  else
-    failed=$((failed + 1))
-    echo "FAIL  $name"
-    head -n 40 "$work/last" | sed 's/^/      /'
-  fi
-}
-
-# corvaltc ARGUMENT...: runs it; sets code, and leaves both outputs in files.
-corvaltc() {
-  code=0
-  run_windows "$folder/corvaltc.exe" "$@" >"$work/out" 2>"$work/err" </dev/null || code=$?
-}
-
-answered() {
-  echo "answered $code"
-  cat "$work/err"
-  [[ $code == "$1" ]]
-}
+source tests/support/winechecks.sh
 
 result() {
   python3 $here/scanresult.py "$@"
@@ -46,12 +18,6 @@ result() {
 
 said_nothing() {
   [[ ! -s $work/out && ! -s $work/err ]]
-}
-
-# error_says TEXT: standard error names it.
-error_says() {
-  cat "$work/err"
-  grep -qF -- "$1" "$work/err"
 }
 
 # setting KEY VALUE EXPECTED: a value of the suite's settings, as reg.exe prints it.
@@ -73,16 +39,9 @@ usage_error() {
   [[ $code == 2 && ! -s $work/out && -s $work/err ]]
 }
 
-fill_prefix() {
-  local drive=$WINEPREFIX/drive_c menu="drive_c/ProgramData/Start Menu/Programs"
-  mkdir -p "$drive/Corvalt/real folder" "$WINEPREFIX/$menu/Corvalt Real" "$WINEPREFIX/$menu/Corvalt Real Without Order"
-  touch "$drive"/Corvalt/real.{exe,dll,hlp} "$drive/windows/Fonts/corvaltreal.ttf"
-  # The registry editor reads UTF-16 with a mark.
-  {
-    printf '\xff\xfe'
-    sed 's/$/\r/' $here/brokenregistry.reg | iconv -f UTF-8 -t UTF-16LE
-  } >"$work/broken.reg"
-  run_windows regedit /S "Z:$work/broken.reg"
+no_later_section() {
+  result captions "$1" "Registry Integrity" "HKEY_LOCAL_MACHINE - Files and Folders" ||
+    result captions "$1" "Registry Integrity"
 }
 
 start_display
@@ -144,6 +103,15 @@ ok "the other file is still written" result captions "$work/beside.json" "Regist
 
 corvaltc scan --sections 1 --json "$json/Straße 中.json" --quiet
 ok "a file name may hold any character" result captions "$work/Straße 中.json" "Registry Integrity"
+
+# In the middle of the second section, with the progress line and the outcome on a console of its own.
+code=0
+run_windows build/windows-x64/tests/wine_interrupt.exe "Files and Folders - HKEY_LOCAL_MACHINE" "$folder/corvaltc.exe" \
+  scan --json "$json/cancelled.json" --report "$json/cancelled.txt" >"$work/screen" </dev/null || code=$?
+ok "Ctrl-C ends the scan by what was found" answered 1
+ok "a word says so" grep -q "^Scan cancelled" "$work/screen"
+ok "no later section ran" no_later_section "$work/cancelled.json"
+ok "the report is written all the same" result report "$work/cancelled.json" "$work/cancelled.txt"
 
 cp -r $folder "$work/Corvalt"
 rm "$work/Corvalt/data/xdata.dat"

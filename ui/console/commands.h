@@ -23,3 +23,7 @@ std::span<const TCommand> Commands();
 
 TCommandRun PrepareSections(const std::vector<Text>& arguments);
 TCommandRun PrepareScan(const std::vector<Text>& arguments);
+TCommandRun PrepareRepair(const std::vector<Text>& arguments);
+TCommandRun PrepareBackups(const std::vector<Text>& arguments);
+TCommandRun PrepareRestore(const std::vector<Text>& arguments);
+TCommandRun PrepareIgnore(const std::vector<Text>& arguments);

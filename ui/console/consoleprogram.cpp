@@ -20,16 +20,19 @@ constexpr TextView kHelpEnd =
     u"  --report    writes the problem report, a plain text\n"
     u"  --json      writes what was found as JSON; FILE \"-\" is standard output\n"
     u"  --quiet     lists nothing and shows no progress\n"
+    u"  --yes       lets repair delete; a complete backup is made before\n"
+    u"  --no-backup  needed beside --yes where the suite's settings switch this program's backups off\n"
     u"\n"
-    u"Ctrl-C cancels a scan; what was found until then is written and counts.\n"
+    u"Ctrl-C cancels a scan; what was found until then is written and counts. It cancels a repair too,\n"
+    u"which then lists what is left.\n"
     u"Standard output is UTF-8 with line feeds.\n"
     u"\n"
     u"Exit codes:\n"
-    u"  0  nothing found\n"
-    u"  1  problems found\n"
-    u"  2  wrong usage\n"
-    u"  3  the scan failed, or what it found could not be written;\n"
-    u"     the reason stands on standard error\n";
+    u"  0  nothing found; everything repaired, restored or changed as asked\n"
+    u"  1  problems found; some left by a repair, or skipped by a restore; no such entry to remove\n"
+    u"  2  wrong usage; nothing was done\n"
+    u"  3  the command failed, or what it found could not be written; a repair that fails so has deleted\n"
+    u"     nothing; the reason stands on standard error\n";
 
 Text HelpText() {
   Text help = u"Corvalt, the registry cleaner, for the command line.\n\n";

@@ -2,6 +2,7 @@
 
 #include "core/languagetexts.h"
 #include "ui/console/output.h"
+#include "ui/problemsjson.h"
 
 namespace {
 
@@ -43,4 +44,9 @@ std::size_t ProblemCount(ResultsTree& results) {
   for (TResultsNode* header = results.FirstRoot(); header != nullptr; header = results.NextSibling(header))
     count += results.ChildCount(header);
   return count;
+}
+
+bool WriteJson(TConsoleContext& context, const Text& target, ResultsTree& results) {
+  const std::string json = ProblemsJson(results);
+  return target == kStandardOutput ? WriteData(context, json) : WriteWholeFile(context, target, json);
 }

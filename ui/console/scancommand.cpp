@@ -7,14 +7,11 @@
 #include "ui/console/output.h"
 #include "ui/console/problemlisting.h"
 #include "ui/console/scanrun.h"
-#include "ui/problemsjson.h"
 #include "ui/report.h"
 #include "ui/resultstree.h"
 #include "ui/sectionstree.h"
 
 namespace {
-
-constexpr TextView kStandardOutput = u"-";
 
 struct TScanOptions {
   std::optional<std::vector<std::int32_t>> SectionCodes;  // nothing: all sections
@@ -35,11 +32,6 @@ TScanOptions ParseOptions(const std::vector<Text>& list) {
   if (options.Report == kStandardOutput)
     throw TUsageError(u"--report needs the name of a file; only --json writes to standard output.");
   return options;
-}
-
-bool WriteJson(TConsoleContext& context, const Text& target, ResultsTree& results) {
-  const std::string json = ProblemsJson(results);
-  return target == kStandardOutput ? WriteData(context, json) : WriteWholeFile(context, target, json);
 }
 
 // Everything that was asked for, also when a part of it fails. False when one did.

@@ -2,66 +2,7 @@
 
 #include "scan/threadscan.h"
 #include "ui/console/output.h"
-
-namespace {
-
-// The progress dialog as one line: "45%  Scanning File Extensions...  .abc".
-class TProgressLine : public TProgressDialog {
- public:
-  TProgressLine(TConsole& console, bool quiet) : m_console(console), m_quiet(quiet) {
-  }
-
-  void SetSectionLabel(TextView text) override {
-    m_section = PlainText(text);
-    Show();
-  }
-  void SetItemLabel(TextView text) override {
-    m_item = text;
-    Show();
-  }
-  void SetOverallPosition(std::int32_t position) override {
-    m_position = position;
-    Show();
-  }
-  // The line has no room for a second number.
-  void SetSectionPosition(std::int32_t) override {
-  }
-
-  void Clear() {
-    if (!m_quiet)
-      m_console.ShowProgress({});
-  }
-
- private:
-  void Show() {
-    if (!m_quiet)
-      m_console.ShowProgress(DecimalText(m_position) + u"%  " + m_section + u"  " + m_item);
-  }
-
-  TConsole& m_console;
-  bool m_quiet;
-  std::int32_t m_position = 0;
-  Text m_section;
-  Text m_item;
-};
-
-// Lets the interrupt key do something else than end the program, for its lifetime.
-class TInterruptHandler {
- public:
-  TInterruptHandler(TConsole& console, std::function<void()> handler) : m_console(console) {
-    m_console.SetInterruptHandler(std::move(handler));
-  }
-  ~TInterruptHandler() {
-    m_console.SetInterruptHandler({});
-  }
-  TInterruptHandler(const TInterruptHandler&) = delete;
-  TInterruptHandler& operator=(const TInterruptHandler&) = delete;
-
- private:
-  TConsole& m_console;
-};
-
-}  // namespace
+#include "ui/console/progressline.h"
 
 TScanOutcome RunScan(TConsoleContext& context, SectionsTree& sections, ResultsTree& results, bool quiet) {
   TProgressLine line(context.Console, quiet);

@@ -1,0 +1,17 @@
+// Registry contents made to be hard to write down: names and data that a text file can't say, or says in more
+// than one way. The same seed gives the same contents everywhere.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "core/rawregistry.h"
+
+struct TNastyKey {
+  Text Path;  // begins with "\"; its parent comes before it
+  std::vector<TRawValue> Values;
+};
+
+// A tree below a key, which comes first, with this number of values. No name occurs twice in a key, whatever
+// the letter case.
+std::vector<TNastyKey> MakeNastyTree(std::uint64_t seed, std::size_t values, TextView topPath);
