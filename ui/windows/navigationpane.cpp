@@ -57,10 +57,9 @@ int TNavigationPane::SectionsTop() const {
 
 RECT TNavigationPane::ContentPlace() const {
   const SIZE size = ClientSize();
-  const int margin = m_scale(kMargin);
   const int top = SectionsTop() + m_scale(kGroupHeader);
   const int bottom = std::max(static_cast<int>(size.cy) - m_scale(kBottomGap), top);
-  return {margin, top, std::max(static_cast<int>(size.cx) - margin, margin), bottom};
+  return {0, top, static_cast<int>(size.cx), bottom};
 }
 
 void TNavigationPane::OnSize() {
@@ -158,7 +157,8 @@ void TNavigationPane::DrawLink(const DRAWITEMSTRUCT& item) {
   text.left += picture + m_scale(8);
   const TSelected font(item.hDC, m_font.Get());
   SetBkMode(item.hDC, TRANSPARENT);
-  SetTextColor(item.hDC, GetSysColor(isEnabled ? COLOR_HOTLIGHT : COLOR_GRAYTEXT));
+  // The colour of the Sections tree's captions: the two groups belong together.
+  SetTextColor(item.hDC, GetSysColor(isEnabled ? COLOR_HIGHLIGHT : COLOR_GRAYTEXT));
   DrawTextW(item.hDC, Wide(link->Caption), -1, &text, DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS);
   if ((item.itemState & ODS_FOCUS) != 0)
     DrawFocusRect(item.hDC, &item.rcItem);

@@ -86,7 +86,7 @@ TTreeControl::~TTreeControl() = default;
 void TTreeControl::Create(HWND parent, int id, HIMAGELIST images) {
   m_images = images;
   constexpr DWORD kStyle = WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_CLIPCHILDREN | WS_VSCROLL | WS_HSCROLL;
-  CreateHandle(kClassName, {}, kStyle, m_options.HasHeader ? 0 : WS_EX_CLIENTEDGE, {0, 0, 0, 0}, parent,
+  CreateHandle(kClassName, {}, kStyle, 0, {0, 0, 0, 0}, parent,
                reinterpret_cast<HMENU>(static_cast<LONG_PTR>(id)), CS_DBLCLKS);
 }
 
