@@ -73,6 +73,9 @@ class TfrmRegMain::TSectionsOwner : public TTreeControlOwner {
   Text SearchText(const TTreeNode& node) const override {
     return static_cast<const TSectionsNode&>(node).Caption;
   }
+  Text EmptyHint() const override {
+    return {};
+  }
   // The scan reads the tree without asking.
   bool MayCheck() const override {
     return !m_window.m_main.WorkerRuns();
@@ -112,6 +115,9 @@ class TfrmRegMain::TResultsOwner : public TTreeControlOwner {
   Text SearchText(const TTreeNode& node) const override {
     const auto& row = static_cast<const TResultsNode&>(node);
     return row.Parent == nullptr ? row.Problem.SectionCaption : FullKeyText(row.Problem);
+  }
+  Text EmptyHint() const override {
+    return m_window.Plain(TextId::HintScan);
   }
   bool MayCheck() const override {
     return !m_window.m_main.WorkerRuns();

@@ -216,6 +216,8 @@ void TTreeControl::Draw(HDC dc, const RECT& area) {
   SetBkMode(dc, TRANSPARENT);
   const RECT rows = RowsArea();
   const std::int64_t from = std::max(area.top, rows.top) - rows.top + m_scrollTop;
+  if (m_layout.RowCount() == 0)
+    DrawHint(dc);
   std::optional<TTreeRow> row = m_layout.RowAt(from);
   while (row) {
     const RECT rect = RectOf(*row);
@@ -228,6 +230,15 @@ void TTreeControl::Draw(HDC dc, const RECT& area) {
     row = TTreeRow{next, row->Top + row->Height, m_owner.RowUnits(*next) * m_rowUnit,
                    TTreeLayout::LevelOf(*next)};
   }
+}
+
+void TTreeControl::DrawHint(HDC dc) {
+  const Text hint = m_owner.EmptyHint();
+  RECT place = RowsArea();
+  InflateRect(&place, -m_rowUnit, -m_rowUnit);
+  const TSelected font(dc, m_font.Get());
+  SetTextColor(dc, TextColour({hint, false, true}, false));
+  DrawTextW(dc, Wide(hint), -1, &place, DT_WORDBREAK | DT_NOPREFIX);
 }
 
 void TTreeControl::DrawRow(HDC dc, const TTreeRow& row, const RECT& rect) {

@@ -32,6 +32,9 @@ class TTreeControlOwner {
   // What typing on the keyboard finds the row by.
   virtual Text SearchText(const TTreeNode& node) const = 0;
 
+  // What stands in a tree without rows.
+  virtual Text EmptyHint() const = 0;
+
   // Whether check boxes may change now.
   virtual bool MayCheck() const = 0;
 
@@ -121,6 +124,7 @@ class TTreeControl : public TWindow {
   LRESULT OnNotify(const NMHDR* notice);
 
   void Draw(HDC dc, const RECT& area);
+  void DrawHint(HDC dc);
   void DrawRow(HDC dc, const TTreeRow& row, const RECT& rect);
   void DrawLines(HDC dc, const TTreeRow& row, const RECT& rect);
   void DrawButton(HDC dc, const TTreeNode& node, const RECT& place);
