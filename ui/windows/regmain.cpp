@@ -26,6 +26,7 @@ constexpr int kStatusPanelWidth = 200;
 constexpr int kChooserWidth = 225;
 constexpr int kChooserItemHeight = 16;
 constexpr SIZE kRegistryButton = {89, 22};
+constexpr int kButtonMargin = 20;
 constexpr int kRowControlGap = 10;
 constexpr int kSmallPicture = 16;
 constexpr int kToolbarPicture = 24;
@@ -574,6 +575,11 @@ void TfrmRegMain::FillRowControls() {
     }
     ::SendMessageW(m_chooser, CB_SETCURSEL, static_cast<WPARAM>(controls.Choice), 0);
     SetWindowTextW(m_registryButton, Wide(controls.ButtonCaption));
+    // As wide as it is, or as its caption wants it.
+    const int caption = m_resultsTree.MeasureText(controls.ButtonCaption) + m_scale(kButtonMargin);
+    const int width = std::max(m_scale(static_cast<int>(kRegistryButton.cx)), caption);
+    SetWindowPos(m_registryButton, nullptr, 0, 0, width, m_scale(static_cast<int>(kRegistryButton.cy)),
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     SetTip(controls.ButtonTip);
   }
   PlaceRowControls();

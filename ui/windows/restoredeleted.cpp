@@ -31,6 +31,13 @@ void SetItemText(HWND list, int row, int column, Text text) {
   ::SendMessageW(list, column == 0 ? LVM_INSERTITEMW : LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
 }
 
+void SelectRow(HWND list, int row) {
+  LVITEMW item = {};
+  item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+  item.state = item.stateMask;
+  ::SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+}
+
 }  // namespace
 
 TfrmRestore::TfrmRestore(TSystem& system, const TGlobalVars& vars, HWND owner)
@@ -57,6 +64,9 @@ void TfrmRestore::FillList() {
     SetItemText(m_list, static_cast<int>(i), 0, row.Caption);
     SetItemText(m_list, static_cast<int>(i), 1, row.SizeText);
   }
+  // The newest backup is the likeliest choice.
+  if (!m_model.Rows().empty())
+    SelectRow(m_list, 0);
   UpdateButtons();
 }
 

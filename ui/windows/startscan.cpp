@@ -45,7 +45,7 @@ void TfrmScan::ShowResult(TextView message, std::size_t problemCount) {
   if (!outcome.OffersRepair)
     return;
   ShowWindow(m_repairButton, SW_SHOW);
-  ::SendMessageW(Handle(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(m_repairButton), TRUE);
+  SetFocus(m_repairButton);
 }
 
 void TfrmScan::SetSectionLabel(TextView text) {
