@@ -138,26 +138,23 @@ enum class TextId : std::int32_t {
   LinesSkipped = 40015,       // Argument: their number.
   EntriesNotWritten = 40016,  // Argument: their number.
 
-  // Hints in empty lists
+  // Shown in the empty results tree
   HintScan = 40017,
-  HintNoBackups = 40018,
-  HintNothingIgnored = 40019,
 
   // About box
   AboutVersion = 40020,  // Argument: the version number.
   AboutPurpose = 40021,
 
   // Menu entries without a number in the suite
-  ActionFaq = 40022,
-  ActionDiskCleanup = 40023,
-  ActionStartupManager = 40024,
-  ActionUninstallManager = 40025,
-  ActionProcessManager = 40026,
   ActionModifyProperties = 40027,
   ActionBackupEntry = 40028,
   ActionRemoveEntry = 40029,
   ActionShowCommandLine = 40030,
   ActionRefresh = 40031,
+
+  // Results tree and report
+  ColumnProblems = 40032,
+  ConfirmOverwrite = 40033,  // Argument: the file.
 };
 
 struct TTextEntry {
@@ -166,7 +163,7 @@ struct TTextEntry {
 };
 
 // One entry for each TextId, in the same order.
-inline constexpr std::array<TTextEntry, 123> kTextIds{{
+inline constexpr std::array<TTextEntry, 118> kTextIds{{
     {TextId::MenuFile, 0},
     {TextId::ButtonView, 0},
     {TextId::MenuHelp, 0},
@@ -276,18 +273,13 @@ inline constexpr std::array<TTextEntry, 123> kTextIds{{
     {TextId::LinesSkipped, 1},
     {TextId::EntriesNotWritten, 1},
     {TextId::HintScan, 0},
-    {TextId::HintNoBackups, 0},
-    {TextId::HintNothingIgnored, 0},
     {TextId::AboutVersion, 1},
     {TextId::AboutPurpose, 0},
-    {TextId::ActionFaq, 0},
-    {TextId::ActionDiskCleanup, 0},
-    {TextId::ActionStartupManager, 0},
-    {TextId::ActionUninstallManager, 0},
-    {TextId::ActionProcessManager, 0},
     {TextId::ActionModifyProperties, 0},
     {TextId::ActionBackupEntry, 0},
     {TextId::ActionRemoveEntry, 0},
     {TextId::ActionShowCommandLine, 0},
     {TextId::ActionRefresh, 0},
+    {TextId::ColumnProblems, 0},
+    {TextId::ConfirmOverwrite, 1},
 }};

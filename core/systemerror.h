@@ -46,7 +46,7 @@ class TSystemException : public std::runtime_error {
   Text m_subject;
 };
 
-// An error that the program words itself, in the user's language.
+// An error that the program words itself, in the user's language and as a message box shows it.
 class TProgramException : public std::runtime_error {
  public:
   explicit TProgramException(Text message)

@@ -90,13 +90,13 @@ void BackupStore::WriteVerifiedFile(TextView name) {
   if (read.Failed())
     throw TSystemException(read, path);
   if (!m_exporter.SaysWhatWasExported(bytes))
-    throw TProgramException(LanguageText(m_vars.Texts, TextId::BackupNotVerified));
+    throw TProgramException(PlainText(LanguageText(m_vars.Texts, TextId::BackupNotVerified)));
 }
 
 void BackupStore::ListInIndex(TextView name) {
   ChangeLockedIndex([name](TIniFile& index) { index.Write(name, kTypeKey, kCleanerModuleId); });
   if (!IsOfModule(ReadIndex(m_vars.SuiteBackupsFolder), name, kCleanerModuleId))
-    throw TProgramException(LanguageText(m_vars.Texts, TextId::BackupNotVerified));
+    throw TProgramException(PlainText(LanguageText(m_vars.Texts, TextId::BackupNotVerified)));
 }
 
 std::vector<TBackup> BackupStore::ListBackups(TextView moduleId) {

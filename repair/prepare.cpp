@@ -16,7 +16,7 @@ void TPrepare::Execute() {
     MaintainBackups(m_context.System, m_context.Vars, [this] { return Terminated(); });
   } catch (...) {
     const Text reason = DescribeException(std::current_exception(), m_context.System.Locale);
-    throw TProgramException(LanguageText(m_context.Vars.Texts, TextId::MaintenanceFailed, reason));
+    throw TProgramException(PlainText(LanguageText(m_context.Vars.Texts, TextId::MaintenanceFailed, reason)));
   }
 }
 

@@ -54,7 +54,7 @@ TDeletionRight TCleaning::PrepareDeletions() {
 // Ends the thread for the reason that is being handled.
 void TCleaning::EndWith(TextId id) const {
   const Text reason = DescribeException(std::current_exception(), m_context.System.Locale);
-  throw TProgramException(LanguageText(m_context.Vars.Texts, id, reason));
+  throw TProgramException(PlainText(LanguageText(m_context.Vars.Texts, id, reason)));
 }
 
 TDeletionRight TCleaning::MakeBackup() {

@@ -48,7 +48,7 @@ void TScan::ScanAdwareAndSpyware(const TSection& section) {
   const std::optional<TNativeXml> catalogue = LoadCatalogue(m_system.Files, path);
   // The catalogue belongs to the installation: without it the scan can't say that nothing was found.
   if (!catalogue)
-    throw TProgramException(Say(TextId::CatalogueUnreadable, path));
+    throw TProgramException(PlainText(Say(TextId::CatalogueUnreadable, path)));
   const std::size_t count = ChildCountOf(catalogue->Root());
   std::size_t i = 0;
   for (TXmlElement program = catalogue->Root().FirstChild(); program; program = program.NextSibling()) {

@@ -53,5 +53,9 @@ int TResultsTreeModel::ColumnWidth() {
 }
 
 void TResultsTreeModel::SetColumnWidth(int width) {
+  if (width == m_columnWidth)
+    return;
   m_columnWidth = width;
+  if (OnColumnWidth)
+    OnColumnWidth();
 }

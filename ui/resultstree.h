@@ -27,6 +27,9 @@ class TResultsTreeModel : public ResultsTree {
   int ColumnWidth() override;
   void SetColumnWidth(int width) override;
 
+  // Told when the column's width changes.
+  std::function<void()> OnColumnWidth;
+
   TTreeModel& Model() {
     return m_model;
   }

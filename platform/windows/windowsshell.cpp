@@ -75,7 +75,9 @@ TWindowsShell::~TWindowsShell() {
 }
 
 TAnswer TWindowsShell::ShowMessage(TextView text, TextView title, TMessageKind kind) {
-  const int answer = MessageBoxW(WindowOf(m_owner), Wide(Text(text)), Wide(Text(title)), StyleOf(kind));
+  // The dialog that is open over the owner asks for itself.
+  const HWND owner = m_owner == 0 ? nullptr : GetLastActivePopup(WindowOf(m_owner));
+  const int answer = MessageBoxW(owner, Wide(Text(text)), Wide(Text(title)), StyleOf(kind));
   if (kind != TMessageKind::Question)
     return TAnswer::Ok;
   return answer == IDYES ? TAnswer::Yes : TAnswer::No;

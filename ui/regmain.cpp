@@ -1,0 +1,166 @@
+#include "ui/regmain.h"
+
+#include "core/systemerror.h"
+#include "repair/ignorereg.h"
+#include "ui/regjump.h"
+#include "ui/report.h"
+
+TRegMain::TRegMain(TSystem& system, const TGlobalVars& vars, TGlobalReg& reg, TUiThread& uiThread,
+                   TRegMainView& view)
+    : m_system(system),
+      m_vars(vars),
+      m_reg(reg),
+      m_uiThread(uiThread),
+      m_view(view),
+      m_results([this](TextView text) { return m_measure ? m_measure(text) : 0; }),
+      m_rows(m_results, vars.Texts,
+             {[this] { return ConfirmIgnore(); },
+              [this](const Text& entry) { AddIgnoreEntry(m_system, m_reg, entry); },
+              [this] { UpdateSummary(); }}) {
+}
+
+void TRegMain::StartMaintenance() {
+  const TPrepareContext context = {m_system, m_vars, m_uiThread,
+                                   [this](TWorkerThread& thread) { MaintenanceFinished(thread); }};
+  m_prepare = &TWorkerThread::Launch<TPrepare>(context);
+}
+
+void TRegMain::LoadSections() {
+  m_sections.LoadChecks(m_system);
+}
+
+void TRegMain::SaveSettings() {
+  m_sections.SaveChecks(m_system);
+  SaveCleanerSettings(m_system, m_reg);
+}
+
+void TRegMain::TerminateThreads() {
+  if (m_scan != nullptr)
+    m_scan->Terminate();
+  if (m_cleaning != nullptr)
+    m_cleaning->Terminate();
+  if (m_prepare != nullptr)
+    m_prepare->Terminate();
+}
+
+bool TRegMain::CanRepair() const {
+  return !AnyThreadRuns() && CanExport();
+}
+
+bool TRegMain::CanExport() const {
+  return !WorkerRuns() && const_cast<TResultsTreeModel&>(m_results).Model().TotalCount() != 0;
+}
+
+void TRegMain::Scan() {
+  if (!CanScan())
+    return;
+  m_rows.ForgetSelection();
+  m_results.Clear();
+  m_view.ResultsChanged();
+  RunWithProgress(TProgressMode::Scan);
+}
+
+void TRegMain::Repair() {
+  if (!CanRepair())
+    return;
+  m_rows.ForgetSelection();
+  m_view.ResultsChanged();
+  RunWithProgress(TProgressMode::Repair);
+}
+
+void TRegMain::RunWithProgress(TProgressMode mode) {
+  const std::unique_ptr<TProgressView> progress = m_view.CreateProgress(mode);
+  m_progress = progress.get();
+  if (mode == TProgressMode::Scan) {
+    const TScanContext context = {
+        m_system, m_vars, m_reg, m_sections, m_results, m_uiThread, [this](TWorkerThread& thread) {
+          ScanFinished(thread);
+        }};
+    m_scan = &TWorkerThread::Launch<TScan>(context, *progress);
+  } else {
+    const TCleaningContext context = {m_system, m_vars, m_results, m_uiThread,
+                                      [this](TWorkerThread& thread) { CleaningFinished(thread); }};
+    m_cleaning = &TWorkerThread::Launch<TCleaning>(context, *progress);
+  }
+  m_view.ActionsChanged();
+  progress->ShowModal();
+  // A dialog that the first one opened has been forgotten already.
+  m_progress = nullptr;
+  m_view.ActionsChanged();
+}
+
+void TRegMain::ProgressClosing() {
+  if (m_scan != nullptr)
+    m_scan->Terminate();
+  if (m_cleaning != nullptr)
+    m_cleaning->Terminate();
+}
+
+void TRegMain::ScanFinished(TWorkerThread& thread) {
+  m_scan = nullptr;
+  if (thread.FatalException()) {
+    ShowFailure(Say(TextId::ScanFailed, DescribeException(thread.FatalException(), m_system.Locale)));
+  }
+  UpdateSummary();
+  m_view.ResultsChanged();
+  m_view.ActionsChanged();
+}
+
+void TRegMain::CleaningFinished(TWorkerThread& thread) {
+  m_cleaning = nullptr;
+  const std::exception_ptr failure = thread.FatalException();
+  if (failure)
+    ShowFailure(DescribeException(failure, m_system.Locale));
+  m_rows.DropRemoved();
+  UpdateSummary();
+  m_view.ResultsChanged();
+  m_view.ActionsChanged();
+  if (m_progress != nullptr)
+    m_progress->ShowResult(LanguageText(m_vars.Texts, TextId::RepairFinalMessage), 0);
+}
+
+void TRegMain::MaintenanceFinished(TWorkerThread& thread) {
+  m_prepare = nullptr;
+  m_view.ActionsChanged();
+  if (thread.FatalException()) {
+    ShowFailure(DescribeException(thread.FatalException(), m_system.Locale));
+  }
+}
+
+void TRegMain::UpdateSummary() {
+  const TSummary summary = Summarize(m_results, m_vars.Texts);
+  m_view.ShowSummary(summary);
+  if (m_progress != nullptr)
+    m_progress->ShowResult(summary.FinalMessage, summary.Total);
+}
+
+void TRegMain::SaveReport(TextView fileName) {
+  const std::string report = ReportBytes(m_results, m_system.Clock, m_system.Locale);
+  const std::vector<std::uint8_t> bytes(report.begin(), report.end());
+  const TSystemError error = m_system.Files.ReplaceFile(fileName, bytes);
+  if (error.Failed()) {
+    ShowFailure(Say(TextId::ReportNotSaved, m_system.Locale.SystemMessage(error.Code)));
+    return;
+  }
+  m_system.TheShell.ShowMessage(Say(TextId::ReportSaved) + u" " + Text(fileName),
+                                Say(TextId::TitleInformation), TMessageKind::Information);
+}
+
+void TRegMain::OpenSelected() {
+  const TResultsNode* node = m_rows.SelectedProblem();
+  if (node != nullptr)
+    OpenProblem(node->Problem, m_vars.WindowsVersionName, m_system);
+}
+
+void TRegMain::ShowFailure(TextView message) {
+  m_system.TheShell.ShowMessage(message, Say(TextId::TitleError), TMessageKind::Failure);
+}
+
+bool TRegMain::ConfirmIgnore() {
+  return m_system.TheShell.ShowMessage(Say(TextId::ConfirmIgnore), Say(TextId::TitleConfirm),
+                                       TMessageKind::Question) == TAnswer::Yes;
+}
+
+Text TRegMain::Say(TextId id, TextView argument) const {
+  return PlainText(LanguageText(m_vars.Texts, id, argument));
+}

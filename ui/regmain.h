@@ -1,0 +1,132 @@
+// The main window's work without the window: its trees, what may be done when, the flows of scan and repair,
+// and what happens when a worker thread ends.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "core/globalregs.h"
+#include "core/globals.h"
+#include "core/system.h"
+#include "core/workerthread.h"
+#include "repair/prepare.h"
+#include "repair/threadclean.h"
+#include "scan/threadscan.h"
+#include "ui/progresstexts.h"
+#include "ui/resultsrows.h"
+#include "ui/resultstree.h"
+#include "ui/sectionstree.h"
+#include "ui/summary.h"
+
+// The modal progress dialog as the main window's work sees it.
+class TProgressView : public TProgressDialog {
+ public:
+  // Shows the dialog and answers when it has been closed. The dialog calls TRegMain::ProgressClosing then,
+  // and TRegMain::RepairFromDialog for its Repair button.
+  virtual void ShowModal() = 0;
+
+  // The run has ended with this message and this many problems left to repair.
+  virtual void ShowResult(TextView message, std::size_t problemCount) = 0;
+};
+
+// What the window does for its work, on the user-interface thread.
+class TRegMainView {
+ public:
+  virtual ~TRegMainView() = default;
+
+  virtual std::unique_ptr<TProgressView> CreateProgress(TProgressMode mode) = 0;
+  virtual void ShowSummary(const TSummary& summary) = 0;
+
+  // Rows came, went or changed: scroll bars, row controls and pictures are out of date.
+  virtual void ResultsChanged() = 0;
+
+  // What may be done has changed.
+  virtual void ActionsChanged() = 0;
+};
+
+class TRegMain {
+ public:
+  // Everything must outlive this object, and this object the threads: see WorkerRuns.
+  TRegMain(TSystem& system, const TGlobalVars& vars, TGlobalReg& reg, TUiThread& uiThread,
+           TRegMainView& view);
+
+  TSectionsTreeModel& Sections() {
+    return m_sections;
+  }
+  TResultsTreeModel& Results() {
+    return m_results;
+  }
+  TResultsRows& Rows() {
+    return m_rows;
+  }
+
+  // How the window measures a text in the results tree's font, in pixels.
+  void SetMeasure(std::function<int(TextView)> measure) {
+    m_measure = std::move(measure);
+  }
+
+  // The window's creation, showing and end.
+  void StartMaintenance();
+  void LoadSections();
+  void SaveSettings();
+
+  // A scan or repair thread lives; its end handler has not run. Until then the trees belong to it.
+  bool WorkerRuns() const {
+    return m_scan != nullptr || m_cleaning != nullptr;
+  }
+  // Any thread of this object lives: the window must not go.
+  bool AnyThreadRuns() const {
+    return WorkerRuns() || m_prepare != nullptr;
+  }
+  void TerminateThreads();
+
+  bool CanScan() const {
+    return !WorkerRuns();
+  }
+  bool CanRepair() const;
+  bool CanRestore() const {
+    return !WorkerRuns();
+  }
+  bool CanExport() const;
+
+  void Scan();
+  void Repair();
+
+  // The progress dialog is closing: the thread that it shows is told to stop. Nothing is left to tell after
+  // its end.
+  void ProgressClosing();
+
+  void UpdateSummary();
+
+  // Writes the report and says so, or says the system's reason why not.
+  void SaveReport(TextView fileName);
+
+  // The selected problem in the registry editor, or its file's properties.
+  void OpenSelected();
+
+ private:
+  void RunWithProgress(TProgressMode mode);
+  void ScanFinished(TWorkerThread& thread);
+  void CleaningFinished(TWorkerThread& thread);
+  void MaintenanceFinished(TWorkerThread& thread);
+  void ShowFailure(TextView message);
+  bool ConfirmIgnore();
+  // The text as a message box shows it.
+  Text Say(TextId id, TextView argument = {}) const;
+
+  TSystem& m_system;
+  const TGlobalVars& m_vars;
+  TGlobalReg& m_reg;
+  TUiThread& m_uiThread;
+  TRegMainView& m_view;
+  std::function<int(TextView)> m_measure;
+  TSectionsTreeModel m_sections;
+  TResultsTreeModel m_results;
+  TResultsRows m_rows;
+
+  // Null when they do not live.
+  TScan* m_scan = nullptr;
+  TCleaning* m_cleaning = nullptr;
+  TPrepare* m_prepare = nullptr;
+  TProgressView* m_progress = nullptr;
+};

@@ -1,0 +1,21 @@
+// What lies around the program: the help file, the suite's other programs and its pages. Every call is the
+// shell's, and nobody looks at its result.
+#pragma once
+
+#include "core/globals.h"
+#include "core/shell.h"
+#include "core/text.h"
+
+enum class TSuiteTool { DiskCleanup, StartupManager, UninstallManager, ProcessManager };
+
+void OpenHelp(Shell& shell, const TGlobalVars& vars);
+void OpenHomePage(Shell& shell);
+void OpenUpgradePage(Shell& shell);
+
+// An empty mail with a subject of one blank.
+void RecommendToFriends(Shell& shell);
+
+void StartSuiteTool(TSuiteTool tool, Shell& shell, const TGlobalVars& vars);
+
+// The link that an enciphered literal of hexadecimal digits stands for; empty for anything else.
+Text DecodeLink(std::string_view enciphered);

@@ -1,0 +1,20 @@
+// Tfrmbackupview: a backup's text, to be read.
+#pragma once
+
+#include "core/globals.h"
+#include "repair/backupview.h"
+#include "ui/windows/modalwindow.h"
+
+class Tfrmbackupview : public TModalWindow {
+ public:
+  Tfrmbackupview(const TBackupView& view, const TGlobalVars& vars, HWND owner);
+
+ protected:
+  LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+
+ private:
+  void OnSize();
+
+  HWND m_text = nullptr;
+  HWND m_closeButton = nullptr;
+};

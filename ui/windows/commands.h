@@ -1,0 +1,38 @@
+// The commands of the main window, in menus, toolbar, links and keys alike, and their pictures.
+#pragma once
+
+inline constexpr int kCmdScan = 1001;
+inline constexpr int kCmdRepair = 1002;
+inline constexpr int kCmdRestore = 1003;
+inline constexpr int kCmdIgnoreList = 1004;
+inline constexpr int kCmdExport = 1005;
+inline constexpr int kCmdOpenInRegedit = 1006;
+inline constexpr int kCmdExit = 1007;
+inline constexpr int kCmdHelp = 1008;
+inline constexpr int kCmdFaq = 1009;
+inline constexpr int kCmdHomePage = 1010;
+inline constexpr int kCmdRecommend = 1011;
+inline constexpr int kCmdUpgrade = 1012;
+inline constexpr int kCmdAbout = 1013;
+inline constexpr int kCmdDiskCleanup = 1014;
+inline constexpr int kCmdStartupManager = 1015;
+inline constexpr int kCmdUninstallManager = 1016;
+inline constexpr int kCmdProcessManager = 1017;
+
+// Entries of the context menu that do nothing.
+inline constexpr int kCmdModifyProperties = 1018;
+inline constexpr int kCmdBackupEntry = 1019;
+inline constexpr int kCmdRemoveEntry = 1020;
+inline constexpr int kCmdShowCommandLine = 1021;
+inline constexpr int kCmdRefresh = 1022;
+
+// Places in the list of action pictures.
+inline constexpr int kImageScan = 5;
+inline constexpr int kImageRestore = 6;
+inline constexpr int kImageIgnoreList = 9;
+inline constexpr int kImageRepair = 10;
+inline constexpr int kImageDiskCleanup = 16;
+inline constexpr int kImageStartupManager = 17;
+inline constexpr int kImageUninstallManager = 18;
+inline constexpr int kImageProcessManager = 19;
+inline constexpr int kImageUpgrade = 20;

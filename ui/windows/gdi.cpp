@@ -1,0 +1,47 @@
+#include "ui/windows/gdi.h"
+
+#include <algorithm>
+
+HDC TPaintBuffer::Begin(HDC window, SIZE size) {
+  if (!m_dc)
+    m_dc = TMemoryDc(CreateCompatibleDC(window));
+  if (size.cx > m_size.cx || size.cy > m_size.cy) {
+    const SIZE grown = {std::max(size.cx, m_size.cx), std::max(size.cy, m_size.cy)};
+    TGdiObject bitmap(CreateCompatibleBitmap(window, grown.cx, grown.cy));
+    if (!bitmap)
+      return nullptr;
+    SelectObject(m_dc.Get(), bitmap.Get());
+    m_bitmap = std::move(bitmap);
+    m_size = grown;
+  }
+  return m_dc.Get();
+}
+
+void TPaintBuffer::Show(HDC window, const RECT& area) const {
+  BitBlt(window, area.left, area.top, area.right - area.left, area.bottom - area.top, m_dc.Get(), area.left,
+         area.top, SRCCOPY);
+}
+
+TScale::TScale() : m_dotsPerInch(96) {
+  const TWindowDc screen(nullptr);
+  m_dotsPerInch = GetDeviceCaps(screen.Get(), LOGPIXELSX);
+}
+
+TGdiObject MakeWindowFont(const TScale& scale, bool bold) {
+  constexpr int kPoints = 8;
+  constexpr int kPointsPerInch = 72;
+  LOGFONTW font = {};
+  font.lfHeight = -MulDiv(kPoints, scale.DotsPerInch(), kPointsPerInch);
+  font.lfWeight = bold ? FW_BOLD : FW_NORMAL;
+  font.lfCharSet = DEFAULT_CHARSET;
+  font.lfQuality = DEFAULT_QUALITY;
+  const TextView face = u"Tahoma";
+  std::copy(face.begin(), face.end(), font.lfFaceName);
+  return TGdiObject(CreateFontIndirectW(&font));
+}
+
+SIZE MeasureTextIn(HDC dc, TextView text) {
+  SIZE size = {};
+  GetTextExtentPoint32W(dc, WideUnits(text), static_cast<int>(text.size()), &size);
+  return size;
+}

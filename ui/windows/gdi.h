@@ -1,0 +1,109 @@
+// Owners for what GDI and the themes lend, and the display's scale.
+#pragma once
+
+#include <vector>
+
+#include "ui/windows/controlsapi.h"
+
+struct TGdiObjectTraits {
+  using THandle = HGDIOBJ;
+  static HGDIOBJ None() {
+    return nullptr;
+  }
+  static void Close(HGDIOBJ object) {
+    DeleteObject(object);
+  }
+};
+using TGdiObject = TOwned<TGdiObjectTraits>;
+
+struct TMemoryDcTraits {
+  using THandle = HDC;
+  static HDC None() {
+    return nullptr;
+  }
+  static void Close(HDC dc) {
+    DeleteDC(dc);
+  }
+};
+using TMemoryDc = TOwned<TMemoryDcTraits>;
+
+struct TThemeTraits {
+  using THandle = HTHEME;
+  static HTHEME None() {
+    return nullptr;
+  }
+  static void Close(HTHEME theme) {
+    CloseThemeData(theme);
+  }
+};
+using TTheme = TOwned<TThemeTraits>;
+
+// Selects an object into a device context for its lifetime.
+class TSelected {
+ public:
+  TSelected(HDC dc, HGDIOBJ object) : m_dc(dc), m_previous(SelectObject(dc, object)) {
+  }
+  ~TSelected() {
+    SelectObject(m_dc, m_previous);
+  }
+  TSelected(const TSelected&) = delete;
+  TSelected& operator=(const TSelected&) = delete;
+
+ private:
+  HDC m_dc;
+  HGDIOBJ m_previous;
+};
+
+// A window's device context, outside of painting.
+class TWindowDc {
+ public:
+  explicit TWindowDc(HWND window) : m_window(window), m_dc(GetDC(window)) {
+  }
+  ~TWindowDc() {
+    ReleaseDC(m_window, m_dc);
+  }
+  TWindowDc(const TWindowDc&) = delete;
+  TWindowDc& operator=(const TWindowDc&) = delete;
+  HDC Get() const {
+    return m_dc;
+  }
+
+ private:
+  HWND m_window;
+  HDC m_dc;
+};
+
+// A picture of the window that is painted in memory and shown at once, so that nothing flickers. The memory
+// is kept and grows with the window.
+class TPaintBuffer {
+ public:
+  // A device context as large as the window, good until the next call. Null when there is no memory for it.
+  HDC Begin(HDC window, SIZE size);
+  void Show(HDC window, const RECT& area) const;
+
+ private:
+  TMemoryDc m_dc;
+  TGdiObject m_bitmap;
+  SIZE m_size = {0, 0};
+};
+
+// Sizes are said at 96 dots per inch.
+class TScale {
+ public:
+  TScale();
+  int operator()(int at96) const {
+    return MulDiv(at96, m_dotsPerInch, 96);
+  }
+  int DotsPerInch() const {
+    return m_dotsPerInch;
+  }
+
+ private:
+  int m_dotsPerInch;
+};
+
+// Tahoma, 8 point.
+TGdiObject MakeWindowFont(const TScale& scale, bool bold);
+
+// Pixels of one line of text.
+SIZE MeasureTextIn(HDC dc, TextView text);

@@ -1,0 +1,120 @@
+#include "ui/windows/ignorereg.h"
+
+#include "core/languagetexts.h"
+
+namespace {
+
+constexpr SIZE kInside = {460, 320};
+constexpr TextView kListClass = u"SysListView32";
+constexpr int kListId = 101;
+constexpr int kRemoveId = 102;
+
+// A list's check boxes are its state images: the first is empty, the second checked.
+constexpr UINT kUncheckedImage = 1;
+constexpr UINT kCheckedImage = 2;
+
+void SetChecked(HWND list, std::size_t row, bool checked) {
+  LVITEMW item = {};
+  item.stateMask = LVIS_STATEIMAGEMASK;
+  item.state = INDEXTOSTATEIMAGEMASK(checked ? kCheckedImage : kUncheckedImage);
+  ::SendMessageW(list, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
+}
+
+bool IsChecked(HWND list, std::size_t row) {
+  const LRESULT state = ::SendMessageW(list, LVM_GETITEMSTATE, row, LVIS_STATEIMAGEMASK);
+  return static_cast<UINT>(state) == INDEXTOSTATEIMAGEMASK(kCheckedImage);
+}
+
+}  // namespace
+
+Tfrmignorereg::Tfrmignorereg(TSystem& system, const TGlobalVars& vars, TGlobalReg& reg, HWND owner)
+    : m_system(system), m_reg(reg), m_model(reg) {
+  const auto say = [&vars](TextId id, TextView argument = {}) {
+    return LanguageText(vars.Texts, id, argument);
+  };
+  CreateModal(u"Tfrmignorereg", PlainText(say(TextId::IgnoreListManager)), owner, kInside, 0);
+  // The title is an argument here: its own "&" is single again before the text doubles it.
+  AddControl(u"STATIC", say(TextId::IgnoreListExplanation, PlainText(say(TextId::ProgramTitle))), 0, 0, 12,
+             10, 436, 42);
+  constexpr DWORD kListStyle =
+      WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOCOLUMNHEADER;
+  m_list = AddControl(kListClass, {}, kListStyle, kListId, 12, 56, 436, 220, WS_EX_CLIENTEDGE);
+  ::SendMessageW(m_list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_CHECKBOXES);
+  LVCOLUMNW column = {};
+  Text caption = PlainText(say(TextId::ColumnIgnoredEntry));
+  column.mask = LVCF_TEXT | LVCF_WIDTH;
+  column.cx = Scale()(412);
+  column.pszText = WideBuffer(caption);
+  ::SendMessageW(m_list, LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
+  AddButton(say(TextId::ButtonRemove), kRemoveId, 12, 285, 95, 25);
+  AddButton(say(TextId::ButtonOk), IDOK, 252, 285, 95, 25, true);
+  AddButton(say(TextId::ButtonCancel), IDCANCEL, 353, 285, 95, 25);
+  FillList();
+}
+
+void Tfrmignorereg::FillList() {
+  for (std::size_t i = 0; i < m_model.Rows().size(); ++i) {
+    Text caption = m_model.Rows()[i].Caption;
+    LVITEMW item = {};
+    item.mask = LVIF_TEXT;
+    item.iItem = static_cast<int>(i);
+    item.pszText = WideBuffer(caption);
+    ::SendMessageW(m_list, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    SetChecked(m_list, i, m_model.Rows()[i].Checked);
+  }
+  // Long entries are read by scrolling, not cut.
+  ::SendMessageW(m_list, LVM_SETCOLUMNWIDTH, 0, LVSCW_AUTOSIZE_USEHEADER);
+  m_filling = false;
+  UpdateButtons();
+}
+
+int Tfrmignorereg::SelectedRow() const {
+  return static_cast<int>(::SendMessageW(m_list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+}
+
+void Tfrmignorereg::UpdateButtons() {
+  EnableWindow(GetDlgItem(Handle(), kRemoveId), SelectedRow() >= 0);
+}
+
+LRESULT Tfrmignorereg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_NOTIFY) {
+    const auto* notice = reinterpret_cast<const NMHDR*>(lParam);
+    if (notice->hwndFrom == m_list && notice->code == LVN_ITEMCHANGED)
+      OnItemChanged(*reinterpret_cast<const NMLISTVIEW*>(lParam));
+    return 0;
+  }
+  if (message == WM_COMMAND && LOWORD(wParam) == kRemoveId) {
+    RemoveSelected();
+    return 0;
+  }
+  if (message == WM_COMMAND && LOWORD(wParam) == IDOK) {
+    m_model.SaveIgnoreList(m_system, m_reg);
+    Close();
+    return 0;
+  }
+  return TModalWindow::OnMessage(message, wParam, lParam);
+}
+
+void Tfrmignorereg::OnItemChanged(const NMLISTVIEW& change) {
+  if (m_filling)
+    return;
+  const auto row = static_cast<std::size_t>(change.iItem);
+  const bool isState = (change.uChanged & LVIF_STATE) != 0;
+  const bool isCheck = isState && ((change.uNewState ^ change.uOldState) & LVIS_STATEIMAGEMASK) != 0;
+  if (isCheck && row < m_model.Rows().size()) {
+    m_model.SetChecked(row, IsChecked(m_list, row));
+  }
+  UpdateButtons();
+}
+
+void Tfrmignorereg::RemoveSelected() {
+  const int row = SelectedRow();
+  if (row < 0)
+    return;
+  m_model.Remove(static_cast<std::size_t>(row));
+  m_filling = true;
+  ::SendMessageW(m_list, LVM_DELETEITEM, static_cast<WPARAM>(row), 0);
+  m_filling = false;
+  UpdateButtons();
+  SetFocus(m_list);
+}

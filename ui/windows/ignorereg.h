@@ -1,0 +1,28 @@
+// Tfrmignorereg: the ignore list manager.
+#pragma once
+
+#include "repair/ignorereg.h"
+#include "ui/windows/controlsapi.h"
+#include "ui/windows/modalwindow.h"
+
+class Tfrmignorereg : public TModalWindow {
+ public:
+  // Everything must outlive the dialog.
+  Tfrmignorereg(TSystem& system, const TGlobalVars& vars, TGlobalReg& reg, HWND owner);
+
+ protected:
+  LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+
+ private:
+  void FillList();
+  int SelectedRow() const;
+  void UpdateButtons();
+  void RemoveSelected();
+  void OnItemChanged(const NMLISTVIEW& change);
+
+  TSystem& m_system;
+  TGlobalReg& m_reg;
+  TIgnoreListModel m_model;
+  HWND m_list = nullptr;
+  bool m_filling = true;
+};

@@ -1,0 +1,98 @@
+#include "ui/windows/modalwindow.h"
+
+#include <algorithm>
+
+namespace {
+
+// Keeps the window within the work area of the screen that its owner is on.
+POINT CentredOver(HWND owner, SIZE size) {
+  RECT over = {};
+  GetWindowRect(owner, &over);
+  MONITORINFO monitor = {};
+  monitor.cbSize = sizeof monitor;
+  GetMonitorInfoW(MonitorFromWindow(owner, MONITOR_DEFAULTTONEAREST), &monitor);
+  const RECT& work = monitor.rcWork;
+  const LONG left = (over.left + over.right - size.cx) / 2;
+  const LONG top = (over.top + over.bottom - size.cy) / 2;
+  return {std::max(std::min(left, work.right - size.cx), work.left),
+          std::max(std::min(top, work.bottom - size.cy), work.top)};
+}
+
+}  // namespace
+
+void TModalWindow::CreateModal(TextView className, TextView caption, HWND owner, SIZE inside,
+                               DWORD extraStyle) {
+  m_owner = owner;
+  const DWORD style = WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_CLIPCHILDREN | extraStyle;
+  constexpr DWORD kExtendedStyle = WS_EX_DLGMODALFRAME | WS_EX_CONTROLPARENT;
+  RECT frame = {0, 0, m_scale(static_cast<int>(inside.cx)), m_scale(static_cast<int>(inside.cy))};
+  AdjustWindowRectEx(&frame, style, FALSE, kExtendedStyle);
+  const SIZE size = {frame.right - frame.left, frame.bottom - frame.top};
+  const POINT place = CentredOver(owner, size);
+  CreateHandle(className, caption, style, kExtendedStyle,
+               {static_cast<int>(place.x), static_cast<int>(place.y), static_cast<int>(size.cx),
+                static_cast<int>(size.cy)},
+               owner, nullptr, 0);
+}
+
+HWND TModalWindow::AddControl(TextView className, TextView text, DWORD style, int id, int left, int top,
+                              int width, int height, DWORD extendedStyle) {
+  const HWND control =
+      CreateWindowExW(extendedStyle, Wide(Text(className)), Wide(Text(text)), WS_CHILD | WS_VISIBLE | style,
+                      m_scale(left), m_scale(top), m_scale(width), m_scale(height), Handle(),
+                      reinterpret_cast<HMENU>(static_cast<LONG_PTR>(id)), ProgramInstance(), nullptr);
+  ::SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(m_font.Get()), FALSE);
+  return control;
+}
+
+HWND TModalWindow::AddButton(TextView text, int id, int left, int top, int width, int height,
+                             bool isDefault) {
+  const DWORD style = WS_TABSTOP | (isDefault ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON);
+  return AddControl(u"BUTTON", text, style, id, left, top, width, height);
+}
+
+void TModalWindow::RunModal() {
+  m_closed = false;
+  EnableWindow(m_owner, FALSE);
+  ShowWindow(Handle(), SW_SHOW);
+  if (const HWND first = GetNextDlgTabItem(Handle(), nullptr, FALSE))
+    SetFocus(first);
+  MSG message = {};
+  while (!m_closed && GetMessageW(&message, nullptr, 0, 0) > 0) {
+    if (IsDialogMessageW(Handle(), &message))
+      continue;
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+  // A quit that arrives here belongs to the program's own loop.
+  if (message.message == WM_QUIT)
+    PostQuitMessage(static_cast<int>(message.wParam));
+  // The owner first, so that the system gives the focus back to it and not to another program.
+  EnableWindow(m_owner, TRUE);
+  ShowWindow(Handle(), SW_HIDE);
+  SetActiveWindow(m_owner);
+}
+
+void TModalWindow::Close() {
+  m_closed = true;
+  // Wakes the loop when the close came from within a routine that a worker sent.
+  ::PostMessageW(Handle(), WM_NULL, 0, 0);
+}
+
+LRESULT TModalWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_COMMAND:
+      // Escape and the cancel button.
+      if (LOWORD(wParam) == IDCANCEL) {
+        ::SendMessageW(Handle(), WM_CLOSE, 0, 0);
+        return 0;
+      }
+      break;
+    case WM_CLOSE:
+      Close();
+      return 0;
+    default:
+      break;
+  }
+  return Default(message, wParam, lParam);
+}

@@ -1,0 +1,124 @@
+#include "ui/windows/restoredeleted.h"
+
+#include "core/languagetexts.h"
+#include "ui/windows/backupview.h"
+
+namespace {
+
+constexpr SIZE kInside = {430, 300};
+constexpr TextView kListClass = u"SysListView32";
+
+constexpr int kListId = 101;
+constexpr int kRestoreId = 102;
+constexpr int kRemoveId = 103;
+constexpr int kViewId = 104;
+
+void AddColumn(HWND list, int index, Text caption, int width, int format) {
+  LVCOLUMNW column = {};
+  column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
+  column.fmt = format;
+  column.cx = width;
+  column.pszText = WideBuffer(caption);
+  ::SendMessageW(list, LVM_INSERTCOLUMNW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&column));
+}
+
+void SetItemText(HWND list, int row, int column, Text text) {
+  LVITEMW item = {};
+  item.mask = LVIF_TEXT;
+  item.iItem = row;
+  item.iSubItem = column;
+  item.pszText = WideBuffer(text);
+  ::SendMessageW(list, column == 0 ? LVM_INSERTITEMW : LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+}
+
+void SelectRow(HWND list, int row) {
+  LVITEMW item = {};
+  item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+  item.state = item.stateMask;
+  ::SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+}
+
+}  // namespace
+
+TfrmRestore::TfrmRestore(TSystem& system, const TGlobalVars& vars, HWND owner)
+    : m_vars(vars), m_model(system, vars) {
+  const auto say = [&vars](TextId id) { return LanguageText(vars.Texts, id); };
+  CreateModal(u"TfrmRestore", PlainText(say(TextId::ButtonRestore)), owner, kInside, 0);
+  AddControl(u"STATIC", say(TextId::RestoreInstruction), 0, 0, 12, 10, 406, 28);
+  constexpr DWORD kListStyle = WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER;
+  m_list = AddControl(kListClass, {}, kListStyle, kListId, 12, 42, 406, 214, WS_EX_CLIENTEDGE);
+  ::SendMessageW(m_list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT);
+  AddColumn(m_list, 0, PlainText(say(TextId::ColumnCreationDate)), Scale()(290), LVCFMT_LEFT);
+  AddColumn(m_list, 1, PlainText(say(TextId::ColumnSize)), Scale()(90), LVCFMT_RIGHT);
+  AddButton(say(TextId::ButtonRestore), kRestoreId, 12, 265, 95, 25, true);
+  AddButton(say(TextId::ButtonRemove), kRemoveId, 113, 265, 95, 25);
+  AddButton(say(TextId::ButtonView), kViewId, 214, 265, 95, 25);
+  AddButton(say(TextId::ButtonCancel), IDCANCEL, 323, 265, 95, 25);
+  m_model.Fill();
+  FillList();
+}
+
+void TfrmRestore::FillList() {
+  for (std::size_t i = 0; i < m_model.Rows().size(); ++i) {
+    const TRestoreRow& row = m_model.Rows()[i];
+    SetItemText(m_list, static_cast<int>(i), 0, row.Caption);
+    SetItemText(m_list, static_cast<int>(i), 1, row.SizeText);
+  }
+  // The newest backup is the likeliest choice.
+  if (!m_model.Rows().empty())
+    SelectRow(m_list, 0);
+  UpdateButtons();
+}
+
+int TfrmRestore::SelectedRow() const {
+  return static_cast<int>(::SendMessageW(m_list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+}
+
+void TfrmRestore::UpdateButtons() {
+  for (const int id : {kRestoreId, kRemoveId, kViewId})
+    EnableWindow(GetDlgItem(Handle(), id), SelectedRow() >= 0);
+}
+
+LRESULT TfrmRestore::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_NOTIFY) {
+    const auto* notice = reinterpret_cast<const NMHDR*>(lParam);
+    if (notice->hwndFrom == m_list && notice->code == LVN_ITEMCHANGED)
+      UpdateButtons();
+    return 0;
+  }
+  if (message == WM_COMMAND && SelectedRow() >= 0) {
+    const auto row = static_cast<std::size_t>(SelectedRow());
+    switch (LOWORD(wParam)) {
+      case kRestoreId:
+        m_model.Restore(row);
+        return 0;
+      case kRemoveId:
+        RemoveSelected();
+        return 0;
+      case kViewId:
+        ViewSelected();
+        return 0;
+      default:
+        break;
+    }
+  }
+  return TModalWindow::OnMessage(message, wParam, lParam);
+}
+
+void TfrmRestore::RemoveSelected() {
+  const int row = SelectedRow();
+  if (!m_model.Remove(static_cast<std::size_t>(row)))
+    return;
+  ::SendMessageW(m_list, LVM_DELETEITEM, static_cast<WPARAM>(row), 0);
+  UpdateButtons();
+  // The button that was pressed can't be pressed again: the keyboard goes back to the list.
+  SetFocus(m_list);
+}
+
+void TfrmRestore::ViewSelected() {
+  const std::optional<TBackupView> view = m_model.View(static_cast<std::size_t>(SelectedRow()));
+  if (!view)
+    return;
+  Tfrmbackupview viewer(*view, m_vars, Handle());
+  viewer.RunModal();
+}

@@ -1,0 +1,27 @@
+// TfrmRestore: the dialog that lists the backups and brings them back.
+#pragma once
+
+#include "repair/restoredeleted.h"
+#include "ui/windows/controlsapi.h"
+#include "ui/windows/modalwindow.h"
+
+class TfrmRestore : public TModalWindow {
+ public:
+  // Everything must outlive the dialog.
+  TfrmRestore(TSystem& system, const TGlobalVars& vars, HWND owner);
+
+ protected:
+  LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+
+ private:
+  void FillList();
+  // The selected row, -1 when none is.
+  int SelectedRow() const;
+  void UpdateButtons();
+  void RemoveSelected();
+  void ViewSelected();
+
+  const TGlobalVars& m_vars;
+  TRestoreModel m_model;
+  HWND m_list = nullptr;
+};

@@ -1,0 +1,38 @@
+// TfrmScan: the progress dialog of scan and repair.
+#pragma once
+
+#include "core/languagetexts.h"
+#include "ui/regmain.h"
+#include "ui/windows/images.h"
+#include "ui/windows/modalwindow.h"
+
+class TfrmScan : public TModalWindow, public TProgressView {
+ public:
+  // Everything must outlive the dialog.
+  TfrmScan(TRegMain& main, const TLanguageTexts& texts, HWND owner, TProgressMode mode);
+
+  void ShowModal() override;
+  void ShowResult(TextView message, std::size_t problemCount) override;
+  void SetSectionLabel(TextView text) override;
+  void SetItemLabel(TextView text) override;
+  void SetOverallPosition(std::int32_t position) override;
+  void SetSectionPosition(std::int32_t position) override;
+
+ protected:
+  LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+
+ private:
+  void OnRepair();
+
+  TRegMain& m_main;
+  const TLanguageTexts& m_texts;
+  TProgressMode m_mode;
+  TIcon m_picture;
+  HWND m_sectionLabel = nullptr;
+  HWND m_itemLabel = nullptr;
+  HWND m_overallBar = nullptr;
+  HWND m_sectionBar = nullptr;
+  HWND m_image = nullptr;
+  HWND m_repairButton = nullptr;
+  HWND m_closeButton = nullptr;
+};

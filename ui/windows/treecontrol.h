@@ -1,0 +1,168 @@
+// A tree with check boxes, drawn from a TTreeModel: its cost depends on the rows in sight. Both trees of the
+// main window are this control.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "ui/resultsrows.h"
+#include "ui/treekeys.h"
+#include "ui/treelayout.h"
+#include "ui/treemodel.h"
+#include "ui/windows/controlsapi.h"
+#include "ui/windows/gdi.h"
+#include "ui/windows/window.h"
+
+class TTreeAccessible;
+
+struct TRowLook {
+  int Image = kNoImage;  // in the control's image list
+  std::vector<TRowLine> Lines;
+};
+
+// What the control asks of its owner, and tells it.
+class TTreeControlOwner {
+ public:
+  virtual ~TTreeControlOwner() = default;
+
+  virtual int RowUnits(const TTreeNode& node) const = 0;
+  virtual TRowLook LookOf(const TTreeNode& node) const = 0;
+
+  // What typing on the keyboard finds the row by.
+  virtual Text SearchText(const TTreeNode& node) const = 0;
+
+  // What stands in a tree without rows.
+  virtual Text EmptyHint() const = 0;
+
+  // Whether check boxes may change now.
+  virtual bool MayCheck() const = 0;
+
+  // The user has moved the selection here.
+  virtual void RowSelected(TTreeNode* node) = 0;
+  // The user has checked or unchecked a row; the rows above and below follow it already.
+  virtual void RowChecked(TTreeNode* node) = 0;
+  // Rows lie elsewhere in the window: scrolled, opened, closed, resized.
+  virtual void RowsMoved() = 0;
+
+  // The width of the one column, in pixels; of a control with a header alone. The control is told of a change
+  // by ColumnChanged.
+  virtual int ColumnWidth() const = 0;
+  virtual void SetColumnWidth(int width) = 0;
+};
+
+struct TTreeOptions {
+  bool NodesClose = true;      // whether the user can close a node
+  bool HasHeader = false;      // one column with a header, as wide as its widest row wants it
+  bool HighlightText = false;  // captions in the system's highlight colour
+};
+
+class TTreeControl : public TWindow {
+ public:
+  // The model and the owner must outlive the control.
+  TTreeControl(TTreeModel& model, TTreeControlOwner& owner, TTreeOptions options);
+  ~TTreeControl() override;
+
+  void Create(HWND parent, int id, HIMAGELIST images);
+  void SetHeaderCaption(TextView caption);
+
+  // After rows came, went, or changed their height.
+  void Refresh();
+  // After a row changed its look alone.
+  void RepaintRow(TTreeNode* node);
+
+  // Makes a row the selected one and brings it into sight.
+  void SelectRow(TTreeNode* node);
+
+  // Where a row lies in the window, from the column's left to its right edge.
+  RECT RowRect(TTreeNode* node);
+  // From a row's left to its text, for a row of this level.
+  int TextLeft(int level) const;
+
+  void ColumnChanged();
+
+  // In the tree's font, of one line.
+  int MeasureText(TextView text) const;
+  int RowUnit() const {
+    return m_rowUnit;
+  }
+  HFONT Font() const {
+    return static_cast<HFONT>(m_font.Get());
+  }
+
+  // For assistive technology.
+  TTreeLayout& Layout() {
+    return m_layout;
+  }
+  TTreeModel& Model() {
+    return m_model;
+  }
+  Text RowName(const TTreeNode& node) const;
+  void ToggleCheck(TTreeNode* node);
+  TTreeNode* RowAtPoint(POINT client);
+  // Whether any of the row is in sight.
+  bool IsInSight(TTreeNode* node);
+
+ protected:
+  LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+
+ private:
+  struct THit {
+    TTreeNode* Node = nullptr;
+    bool OnButton = false;
+    bool OnCheckBox = false;
+  };
+
+  void OnCreate();
+  void OnPaint();
+  void OnSize();
+  void OnScroll(int bar, WPARAM wParam);
+  void OnWheel(WPARAM wParam);
+  void OnButtonDown(POINT point, bool isDouble);
+  bool OnKeyDown(WPARAM key);
+  void OnCharacter(char16_t unit);
+  LRESULT OnNotify(const NMHDR* notice);
+
+  void Draw(HDC dc, const RECT& area);
+  void DrawHint(HDC dc);
+  void DrawRow(HDC dc, const TTreeRow& row, const RECT& rect);
+  void DrawLines(HDC dc, const TTreeRow& row, const RECT& rect);
+  void DrawButton(HDC dc, const TTreeNode& node, const RECT& place);
+  void DrawCheckBox(HDC dc, TCheckState state, const RECT& place);
+  void DrawRowText(HDC dc, const TTreeRow& row, const RECT& rect, const TRowLook& look);
+  COLORREF TextColour(const TRowLine& line, bool isFocused) const;
+
+  // Geometry of a row, in client coordinates of its rectangle.
+  RECT ButtonPlace(const TTreeRow& row, const RECT& rect) const;
+  RECT CheckBoxPlace(const TTreeRow& row, const RECT& rect) const;
+  RECT RectOf(const TTreeRow& row) const;
+  RECT RowsArea() const;
+  THit HitTest(POINT point);
+
+  void UpdateScrollBars();
+  void ScrollTo(int left, std::int64_t top);
+  void BringIntoSight(TTreeNode* node);
+  void MoveSelection(TTreeNode* node);
+  void SetOpen(TTreeNode* node, bool open);
+  void OpenThemes();
+  void Announce(DWORD event, const TTreeNode* node);
+
+  TTreeModel& m_model;
+  TTreeControlOwner& m_owner;
+  TTreeOptions m_options;
+  TScale m_scale;
+  TTreeLayout m_layout;
+  TTreeKeys m_keys;
+  TGdiObject m_font;
+  TGdiObject m_boldFont;
+  TGdiObject m_dots;
+  TTheme m_treeTheme;
+  TTheme m_buttonTheme;
+  TPaintBuffer m_buffer;
+  HIMAGELIST m_images = nullptr;
+  HWND m_header = nullptr;
+  int m_rowUnit = 0;
+  int m_scrollLeft = 0;
+  std::int64_t m_scrollTop = 0;
+  int m_wheelRest = 0;
+};

@@ -1,0 +1,69 @@
+#include "ui/windows/window.h"
+
+namespace {
+
+void RegisterOnce(TextView className, UINT classStyle, WNDPROC procedure) {
+  const Text name(className);
+  WNDCLASSEXW windowClass = {};
+  windowClass.cbSize = sizeof windowClass;
+  if (GetClassInfoExW(ProgramInstance(), Wide(name), &windowClass))
+    return;
+  windowClass = {};
+  windowClass.cbSize = sizeof windowClass;
+  windowClass.style = classStyle;
+  windowClass.lpfnWndProc = procedure;
+  windowClass.hInstance = ProgramInstance();
+  windowClass.hCursor = LoadCursorW(nullptr, reinterpret_cast<const wchar_t*>(IDC_ARROW));
+  windowClass.hIcon = LoadIconW(ProgramInstance(), MAKEINTRESOURCEW(1));
+  windowClass.hbrBackground = reinterpret_cast<HBRUSH>(static_cast<LONG_PTR>(COLOR_BTNFACE + 1));
+  windowClass.lpszClassName = Wide(name);
+  if (!RegisterClassExW(&windowClass))
+    throw TSystemException(LastError());
+}
+
+}  // namespace
+
+HINSTANCE ProgramInstance() {
+  return GetModuleHandleW(nullptr);
+}
+
+TWindow::~TWindow() {
+  if (m_handle == nullptr)
+    return;
+  // What is left of this object can't answer messages any more.
+  SetWindowLongPtrW(m_handle, GWLP_USERDATA, 0);
+  DestroyWindow(m_handle);
+}
+
+SIZE TWindow::ClientSize() const {
+  RECT client = {};
+  GetClientRect(m_handle, &client);
+  return {client.right, client.bottom};
+}
+
+void TWindow::CreateHandle(TextView className, TextView title, DWORD style, DWORD extendedStyle,
+                           const TPlace& place, HWND parent, HMENU menuOrId, UINT classStyle) {
+  RegisterOnce(className, classStyle, &TWindow::Procedure);
+  CreateWindowExW(extendedStyle, Wide(Text(className)), Wide(Text(title)), style, place.Left, place.Top,
+                  place.Width, place.Height, parent, menuOrId, ProgramInstance(), this);
+  if (m_handle == nullptr)
+    throw TSystemException(LastError());
+}
+
+LRESULT CALLBACK TWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_NCCREATE) {
+    const auto* created = reinterpret_cast<const CREATESTRUCTW*>(lParam);
+    auto* self = static_cast<TWindow*>(created->lpCreateParams);
+    self->m_handle = window;
+    SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(self));
+  }
+  auto* self = reinterpret_cast<TWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+  if (self == nullptr)
+    return DefWindowProcW(window, message, wParam, lParam);
+  const LRESULT result = self->OnMessage(message, wParam, lParam);
+  if (message == WM_NCDESTROY) {
+    SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+    self->m_handle = nullptr;
+  }
+  return result;
+}

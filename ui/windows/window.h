@@ -1,0 +1,47 @@
+// Base of the program's own windows: one object for one window handle.
+#pragma once
+
+#include "ui/windows/controlsapi.h"
+
+class TWindow {
+ public:
+  TWindow() = default;
+  virtual ~TWindow();
+  TWindow(const TWindow&) = delete;
+  TWindow& operator=(const TWindow&) = delete;
+
+  HWND Handle() const {
+    return m_handle;
+  }
+
+  // Size of the inside, in pixels.
+  SIZE ClientSize() const;
+
+ protected:
+  struct TPlace {
+    int Left = CW_USEDEFAULT;
+    int Top = CW_USEDEFAULT;
+    int Width = CW_USEDEFAULT;
+    int Height = CW_USEDEFAULT;
+  };
+
+  // Creates the handle; the class is registered when it is first used. Throws TSystemException.
+  void CreateHandle(TextView className, TextView title, DWORD style, DWORD extendedStyle, const TPlace& place,
+                    HWND parent, HMENU menuOrId, UINT classStyle);
+
+  // Called for every message from WM_NCCREATE on. An answer without the default handling is the message's
+  // own.
+  virtual LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) = 0;
+
+  LRESULT Default(UINT message, WPARAM wParam, LPARAM lParam) {
+    return DefWindowProcW(m_handle, message, wParam, lParam);
+  }
+
+ private:
+  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+  HWND m_handle = nullptr;
+};
+
+// The module that holds the program's resources.
+HINSTANCE ProgramInstance();
