@@ -1,7 +1,6 @@
 #include "scan/threadscan.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include "core/lettercase.h"
@@ -41,11 +40,6 @@ Text CutBelowModule(TextView text, TextView extensionWithSeparator) {
 }
 
 }  // namespace
-
-std::int32_t RoundHalfToEven(double number) {
-  // The default rounding mode of the floating-point unit rounds a half to the even neighbour.
-  return static_cast<std::int32_t>(std::nearbyint(number));
-}
 
 std::int32_t ShareOfBar(std::size_t i, std::size_t count, double scale, double start) {
   return RoundHalfToEven(static_cast<double>(i + 1) * scale / static_cast<double>(count) + start);

@@ -13,6 +13,7 @@
 #include "core/globalregs.h"
 #include "core/globals.h"
 #include "core/languagetexts.h"
+#include "core/rounding.h"
 #include "core/system.h"
 #include "core/workerthread.h"
 #include "scan/catalogue.h"
@@ -159,10 +160,6 @@ class TScan final : public TWorkerThread {
   TReportedClassIds
       ReportedClassIds;  // of every class and type library that Custom Controls reported as broken
 };
-
-// Rounds to the nearest whole number, a half to the even one: the way every percentage of the program is
-// made.
-std::int32_t RoundHalfToEven(double number);
 
 // The percentage that item i (from 0) of count fills: round((i + 1) x scale / count + start).
 std::int32_t ShareOfBar(std::size_t i, std::size_t count, double scale, double start = 0);

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "core/globals.h"
-#include "repair/backupview.h"
+#include "ui/dialogmodels.h"
 #include "ui/windows/modalwindow.h"
 
 class Tfrmbackupview : public TModalWindow {

@@ -1,7 +1,7 @@
 // Tfrmignorereg: the ignore list manager.
 #pragma once
 
-#include "repair/ignorereg.h"
+#include "ui/dialogmodels.h"
 #include "ui/windows/controlsapi.h"
 #include "ui/windows/modalwindow.h"
 

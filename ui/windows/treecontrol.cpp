@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "scan/threadscan.h"
+#include "core/rounding.h"
 #include "ui/windows/treeaccessible.h"
 
 namespace {
