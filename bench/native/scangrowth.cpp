@@ -83,13 +83,13 @@ void AddLinksToParts(TMemoryScan& scan, std::size_t count) {
   }
 }
 
-// The same with names that differ in their ends alone: nothing tells the parts apart for 200 letters.
+// The same with names that differ in their ends alone: nothing tells the parts apart for 70 letters.
 void AddLinksToPartsOfLikeNames(TMemoryScan& scan, std::size_t count) {
-  const Text stem(200, u'a');
+  const Text stem(100, u'a');
   for (std::size_t i = 0; i < count; ++i) {
     AddBrokenClass(scan, stem + Scrambled(i, 10) + u"}");
-    scan.System.Registry.AddKey(Classes(u"CLSID\\" + stem.substr(50) + Scrambled(i, 10)));
-    AddLink(scan, i, stem.substr(50) + Scrambled(i, 10));
+    scan.System.Registry.AddKey(Classes(u"CLSID\\" + stem.substr(30) + Scrambled(i, 10)));
+    AddLink(scan, i, stem.substr(30) + Scrambled(i, 10));
   }
 }
 
