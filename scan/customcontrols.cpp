@@ -50,23 +50,20 @@ void TScan::ScanCustomControls(const TSection& section) {
   AddHeader(section);
   const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyClassesRoot);
 
-  const std::vector<Text> classes = SubKeyNames(*registry, u"\\CLSID");
-  for (std::size_t i = 0; i < classes.size() && !Terminated(); ++i) {
-    ReportProgress(ShareOfBar(i, classes.size(), 33), u"CLSID\\" + classes[i]);
-    CheckClass(*registry, classes[i]);
-  }
-  const std::vector<Text> libraries = SubKeyNames(*registry, u"\\Typelib");
-  for (std::size_t i = 0; i < libraries.size() && !Terminated(); ++i) {
-    ReportProgress(ShareOfBar(i, libraries.size(), 33, 33), u"Typelib\\" + libraries[i]);
-    for (const Text& version : SubKeyNames(*registry, u"\\Typelib\\" + libraries[i])) {
-      CheckTypeLibraryVersion(*registry, libraries[i], version);
+  // The names of one pass are gone before the next: there may be many.
+  const auto examine = [&](TextView topKey, double start, const auto& check) {
+    const std::vector<Text> names = SubKeyNames(*registry, u"\\" + Text(topKey));
+    for (std::size_t i = 0; i < names.size() && !Terminated(); ++i) {
+      ReportProgress(ShareOfBar(i, names.size(), 33, start), Text(topKey) + u"\\" + names[i]);
+      check(names[i]);
     }
-  }
-  const std::vector<Text> interfaces = SubKeyNames(*registry, u"\\Interface");
-  for (std::size_t i = 0; i < interfaces.size() && !Terminated(); ++i) {
-    ReportProgress(ShareOfBar(i, interfaces.size(), 33, 66), u"Interface\\" + interfaces[i]);
-    CheckInterface(*registry, interfaces[i]);
-  }
+  };
+  examine(u"CLSID", 0, [&](TextView classId) { CheckClass(*registry, classId); });
+  examine(u"Typelib", 33, [&](TextView libraryId) {
+    for (const Text& version : SubKeyNames(*registry, u"\\Typelib\\" + Text(libraryId)))
+      CheckTypeLibraryVersion(*registry, libraryId, version);
+  });
+  examine(u"Interface", 66, [&](TextView interfaceId) { CheckInterface(*registry, interfaceId); });
   FinishSection();
 }
 
