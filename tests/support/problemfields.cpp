@@ -79,7 +79,7 @@ void ExpectConsistentWhereverCancelled(TScanRig& rig, std::int32_t sectionCode) 
   }
 }
 
-std::string AllFields(const ScanProblem& problem) {
+std::string FieldsOf(const ScanProblem& problem) {
   std::ostringstream line;
   line << std::hex << problem.RootKey << std::dec;
   for (const Text& field : {problem.KeyPath, problem.ValueName, problem.ValueData, problem.Description}) {
@@ -95,7 +95,7 @@ std::string AllFields(const ScanProblem& problem) {
 std::vector<std::string> AllFields(const std::vector<ScanProblem>& problems) {
   std::vector<std::string> lines;
   for (const ScanProblem& problem : problems)
-    lines.push_back(AllFields(problem));
+    lines.push_back(FieldsOf(problem));
   return lines;
 }
 

@@ -34,7 +34,7 @@ void ExpectConsistentWhereverCancelled(TScanRig& rig, std::int32_t sectionCode);
 // Problems written as one line each, for comparing whole lists with lists made by hand.
 
 // Every field: "80000001 | \Key | name | data | description | kind 2, image -1" and what kUsual says.
-std::string AllFields(const ScanProblem& problem);
+std::string FieldsOf(const ScanProblem& problem);
 std::vector<std::string> AllFields(const std::vector<ScanProblem>& problems);
 
 // The rest of a line, for a problem as the scan leaves it.

@@ -590,5 +590,5 @@ TEST(FileAssociations, EveryProblemOfALargerRegistry) {
           root + "\\zipfile\\shellex\\PropertySheetHandlers\\Page |  | {NONE} | 11045({NONE})" + bare,
       }));
   ASSERT_EQ(rig.Headers().size(), 2u);
-  EXPECT_EQ(AllFields(rig.Headers()[1]), HeaderFields("80000000", "File Associations", 8, 18));
+  EXPECT_EQ(FieldsOf(rig.Headers()[1]), HeaderFields("80000000", "File Associations", 8, 18));
 }

@@ -187,7 +187,7 @@ TEST(ScanDriver, EverySectionsHeaderHasItsOwnCaptionImageAndRoot) {
   TStrings lines;
   for (ScanProblem header : rig.Headers()) {
     header.ChildCount = 0;
-    lines.push_back(AllFields(header));
+    lines.push_back(FieldsOf(header));
   }
   EXPECT_EQ(lines, (TStrings{
                        HeaderFields("80000001", "Registry Integrity", 0, 0),
