@@ -1,6 +1,7 @@
 // Any text as a command line over a small disk, plainly and from folder listings: both answer alike. The
 // bytes are UTF-16 LE, so that ill-formed texts come up.
 #include <cstdlib>
+#include <memory>
 
 #include "core/cachedfileprobe.h"
 #include "core/functions.h"
@@ -10,15 +11,18 @@
 namespace {
 
 // Longer texts say nothing new and cost the square of their length.
-constexpr std::size_t kLongestInput = 400;
+constexpr std::size_t kLongestInput = 160;
 
-void Build(TMemoryDisk& disk) {
+std::unique_ptr<TMemoryDisk> BuiltDisk() {
+  auto built = std::make_unique<TMemoryDisk>();
+  TMemoryDisk& disk = *built;
   disk.AddFile(u"C:\\Program Files\\App\\app.exe");
   disk.AddFile(u"C:\\Windows\\notepad.exe");
   disk.AddFile(u"C:\\Windows\\system32\\a b.exe");
   disk.AddFile(u"C:\\Windows\\SysWOW64\\c");
   disk.SetShortName(u"C:\\Program Files", u"PROGRA~1");
   disk.RedirectFolder(u"C:\\Windows\\system32", u"C:\\Windows\\SysWOW64");
+  return built;
 }
 
 void Fill(TGlobalVars& vars) {
@@ -36,8 +40,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (size > kLongestInput)
     return 0;
   const Text text = DecodeUtf16LittleEndian(AsCharacters({data, size}));
-  TMemoryDisk disk;
-  Build(disk);
+  // Nothing here changes it.
+  static const std::unique_ptr<TMemoryDisk> built = BuiltDisk();
+  TMemoryDisk& disk = *built;
   TGlobalVars vars;
   Fill(vars);
   TCachedFileProbe cached(disk);

@@ -72,11 +72,11 @@ void TScan::ScanCustomControls(const TSection& section) {
 
 void TScan::CheckClass(RegistryStore& registry, TextView classId) {
   const Text iconKey = u"\\CLSID\\" + Text(classId) + u"\\DefaultIcon";
-  if (const std::optional<TKeyContent> icon = ReadContent(registry, iconKey)) {
-    if (icon->Default.empty()) {
+  if (const std::optional<Text> icon = DefaultValue(registry, iconKey)) {
+    if (icon->empty()) {
       ReportKey(kHkeyClassesRoot, iconKey, {}, Say(TextId::EmptyKey));
-    } else if (!IsComponentFileValid(icon->Default)) {
-      ReportKey(kHkeyClassesRoot, iconKey, icon->Default, Say(TextId::MissingIcon, icon->Default));
+    } else if (!IsComponentFileValid(*icon)) {
+      ReportKey(kHkeyClassesRoot, iconKey, *icon, Say(TextId::MissingIcon, *icon));
     }
   }
   for (const TextView suffix : kServerKeys)
@@ -133,21 +133,20 @@ void TScan::CheckTypeLibraryLocale(RegistryStore& registry, TextView libraryId, 
 
 void TScan::CheckInterface(RegistryStore& registry, TextView interfaceId) {
   const Text interfaceKey = u"\\Interface\\" + Text(interfaceId);
-  const auto isIntact = [&](TextView key, TextView identifier) {
-    return registry.KeyExists(Text(key) + Text(identifier)) && !ReportedClassIds.Holds(identifier);
+  // A link that says nothing is as good as one to an intact key.
+  const auto isIntact = [&](TextView key, const std::optional<Text>& identifier) {
+    return !identifier || identifier->empty() ||
+           (registry.KeyExists(Text(key) + *identifier) && !ReportedClassIds.Holds(*identifier));
   };
-  if (const std::optional<TKeyContent> link = ReadContent(registry, interfaceKey + u"\\TypeLib")) {
-    const Text& libraryId = link->Default;
-    if (!libraryId.empty() && !isIntact(u"\\typelib\\", libraryId)) {
-      ReportKey(kHkeyClassesRoot, interfaceKey, libraryId, Say(TextId::BrokenTypeLibraryLink, libraryId));
-    }
+  const std::optional<Text> libraryId = DefaultValue(registry, interfaceKey + u"\\TypeLib");
+  if (!isIntact(u"\\typelib\\", libraryId)) {
+    ReportKey(kHkeyClassesRoot, interfaceKey, *libraryId, Say(TextId::BrokenTypeLibraryLink, *libraryId));
   }
   for (const TextView suffix : kStubKeys) {
     const Text stubKey = interfaceKey + Text(suffix);
-    const std::optional<TKeyContent> link = ReadContent(registry, stubKey);
-    if (!link || link->Default.empty() || isIntact(u"\\CLSID\\", link->Default))
-      continue;
-    ReportKey(kHkeyClassesRoot, stubKey, link->Default, Say(TextId::BrokenClassLink, link->Default));
+    const std::optional<Text> classId = DefaultValue(registry, stubKey);
+    if (!isIntact(u"\\CLSID\\", classId))
+      ReportKey(kHkeyClassesRoot, stubKey, *classId, Say(TextId::BrokenClassLink, *classId));
   }
 }
 

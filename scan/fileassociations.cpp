@@ -24,12 +24,9 @@ Text ValuePart(TextView pair) {
   return Text(pair.substr(pair.find(u'=') + 1));
 }
 
-Text DefaultValue(RegistryStore& registry, TextView keyPath) {
-  if (!registry.OpenKey(keyPath, false))
-    return {};
-  Text value = registry.ReadString({});
-  registry.CloseKey();
-  return value;
+// A key that does not open says as much as one with an empty default value.
+Text DefaultText(RegistryStore& registry, TextView keyPath) {
+  return DefaultValue(registry, keyPath).value_or(Text());
 }
 
 }  // namespace
@@ -62,7 +59,7 @@ void TScan::ScanFileAssociations(const TSection& section) {
 void TScan::CheckExtension(RegistryStore& reader, RegistryStore& prober, TextView extension,
                            std::vector<Text>& typePairs) {
   const Text key = u"\\" + Text(extension);
-  const Text programId = DefaultValue(reader, key);
+  const Text programId = DefaultText(reader, key);
   if (!programId.empty()) {
     if (!prober.KeyExists(programId)) {
       const Text fullKey = RootKeyName(kHkeyClassesRoot) + u"\\" + programId;
@@ -87,7 +84,7 @@ void TScan::CheckClassKey(RegistryStore& reader, RegistryStore& prober, TextView
 
 void TScan::CheckClassLink(RegistryStore& reader, RegistryStore& prober, TextView base) {
   const Text key = Text(base) + u"\\CLSID";
-  const Text classId = DefaultValue(reader, key);
+  const Text classId = DefaultText(reader, key);
   if (classId.empty() || IsClassIntact(prober, classId))
     return;
   ReportKey(kHkeyClassesRoot, key, classId, Say(TextId::BrokenClassLink, classId), kProblemImage);
@@ -97,7 +94,7 @@ void TScan::CheckFileType(RegistryStore& reader, RegistryStore& prober, TextView
   CheckClassLink(reader, prober, base);
 
   const Text iconKey = Text(base) + u"\\DefaultIcon";
-  const Text icon = DefaultValue(reader, iconKey);
+  const Text icon = DefaultText(reader, iconKey);
   if (!icon.empty() && !IsShellTargetValid(icon)) {
     ReportKey(kHkeyClassesRoot, iconKey, icon, Say(TextId::MissingIcon, icon), kProblemImage);
   }
@@ -117,7 +114,7 @@ void TScan::CheckFileType(RegistryStore& reader, RegistryStore& prober, TextView
 
 void TScan::CheckVerb(RegistryStore& reader, RegistryStore& prober, TextView base, TextView verb) {
   const Text verbKey = Text(base) + u"\\Shell\\" + Text(verb);
-  const Text command = DefaultValue(reader, verbKey + u"\\Command");
+  const Text command = DefaultText(reader, verbKey + u"\\Command");
   if (!command.empty() && !IsShellTargetValid(command)) {
     ReportKey(kHkeyClassesRoot, verbKey, command, Say(TextId::BrokenVerb, verb, command), kProblemImage);
   }
@@ -144,14 +141,13 @@ void TScan::CheckHandler(RegistryStore& reader, RegistryStore& prober, TextView 
     return;
   }
   const Text key = Text(handlersKey) + u"\\" + Text(handler);
-  if (!reader.OpenKey(key, false))
+  const std::optional<Text> classId = DefaultValue(reader, key);
+  if (!classId)
     return;
-  const Text classId = reader.ReadString({});
-  reader.CloseKey();
-  if (classId.empty()) {
+  if (classId->empty()) {
     ReportKey(kHkeyClassesRoot, key, {}, Say(TextId::HandlerWithoutClass));
-  } else if (!IsClassIntact(prober, classId)) {
-    ReportKey(kHkeyClassesRoot, key, classId, Say(TextId::BrokenClassLink, classId));
+  } else if (!IsClassIntact(prober, *classId)) {
+    ReportKey(kHkeyClassesRoot, key, *classId, Say(TextId::BrokenClassLink, *classId));
   }
 }
 

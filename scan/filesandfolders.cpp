@@ -1,7 +1,5 @@
 // Registry Integrity and Files and Folders: values that name a file or folder that is gone.
 
-#include <algorithm>
-
 #include "core/lettercase.h"
 #include "scan/threadscan.h"
 
@@ -41,10 +39,15 @@ constexpr TextView kControlSetInUse = u"CurrentControlSet";
 // The 32-bit mirror, at which the walk of a key's subkeys ends.
 constexpr TextView kMirror = u"wow6432node";
 
-bool IsExcluded(TRootKey root, TextView keyPath, const std::vector<Text>& exclusions) {
-  const Text probe = UpperCase(RootKeyName(root) + Text(keyPath) + u"\\");
-  return std::any_of(exclusions.begin(), exclusions.end(),
-                     [&probe](const Text& exclusion) { return Contains(probe, exclusion); });
+bool IsExcluded(TRootKey root, TextView keyPath, const TPhraseMatcher& exclusions) {
+  return exclusions.OccursIn(UpperCase(RootKeyName(root).append(keyPath) + u"\\"));
+}
+
+TPhraseMatcher ExaminedElsewhere() {
+  std::vector<Text> keyPaths;
+  for (const TextView keyPath : kExaminedElsewhere)
+    keyPaths.push_back(UpperCase(keyPath));
+  return TPhraseMatcher(keyPaths);
 }
 
 bool EndsInSystem(TextView keyPath) {
@@ -81,9 +84,7 @@ void TScan::CheckShellFolderKey(TextView keyPath, double scale, double offset) {
 void TScan::ScanFilesAndFolders(const TSection& section) {
   const TRootKey root = section.HeaderRoot;
   AddHeader(section);
-  std::vector<Text> exclusions;
-  for (const TextView keyPath : kExaminedElsewhere)
-    exclusions.push_back(UpperCase(keyPath));
+  const TPhraseMatcher exclusions = ExaminedElsewhere();
   const std::unique_ptr<RegistryStore> registry = OpenRoot(root);
   if (root == kHkeyUsers) {
     const std::vector<Text> hives = SubKeyNames(*registry, u"\\");
@@ -99,7 +100,7 @@ void TScan::ScanFilesAndFolders(const TSection& section) {
 }
 
 void TScan::ScanKeyTree(RegistryStore& registry, TRootKey root, double fraction,
-                        const std::vector<Text>& exclusions, TextView keyPath) {
+                        const TPhraseMatcher& exclusions, TextView keyPath) {
   if (IsExcluded(root, keyPath, exclusions) || !registry.OpenKey(keyPath, false))
     return;
   std::vector<Text> names = registry.GetValueNames();
@@ -110,7 +111,8 @@ void TScan::ScanKeyTree(RegistryStore& registry, TRootKey root, double fraction,
     if (type != TDataType::String && type != TDataType::ExpandString)
       continue;
     const Text data = registry.ReadString(name);
-    ReportProgress(RoundHalfToEven(100 * fraction), LabelOf(keyPath, name));
+    // A label costs more than the rest of a call that shows nothing.
+    ReportProgress(RoundHalfToEven(100 * fraction), IsProgressDue() ? LabelOf(keyPath, name) : Text());
     if (!CommandPathExists(data)) {
       ReportValue(root, keyPath, name, data, Say(TextId::MissingFileOfValue, name, data));
     }

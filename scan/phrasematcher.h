@@ -18,25 +18,24 @@ class TPhraseMatcher {
   bool OccursIn(TextView text) const;
 
  private:
+  // A number in m_states. Every state but the root stands for a beginning of a phrase.
   using TState = std::uint32_t;
   static constexpr TState kRoot = 0;
   static constexpr TState kNone = 0xFFFFFFFF;
 
-  struct TEdge {
-    TState From = kNone;
-    TState To = kNone;
-    char16_t Unit = 0;
+  struct TStateData {
+    TState Parent = kNone;
+    TState Failure = kRoot;  // the longest proper end of it that is a state too
+    char16_t Unit = 0;       // by which the parent leads here
+    bool IsMatch = false;    // a phrase ends here
   };
 
-  void Add(TextView phrase);
-  void LinkFailures(std::size_t longestPhrase);
+  TState Grow(TState parent, char16_t unit);
   TState Next(TState state, char16_t unit) const;
-  std::size_t SlotOf(TState state, char16_t unit) const;
-  void GrowEdges();
+  TState Step(TState state, char16_t unit) const;
+  std::size_t SlotOf(TState parent, char16_t unit) const;
+  void DoubleSlots();
 
-  std::vector<TEdge> m_edges;  // open addressing; its size is a power of two
-  std::size_t m_edgeCount = 0;
-  std::vector<TState> m_failures;
-  std::vector<std::uint32_t> m_depths;
-  std::vector<bool> m_isMatch;
+  std::vector<TStateData> m_states;
+  std::vector<TState> m_slots;  // the states by parent and unit, open addressing; the size is a power of two
 };

@@ -1,48 +1,76 @@
 #include "scan/reportedclassids.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace {
 
-// Suffixes are told apart by this many units, more than an identifier in braces has: it bounds the cost of
-// sorting lists of long equal names.
-constexpr std::size_t kSortedUnits = 64;
+// Suffixes are told apart by this many units, more than the name of a key has: it bounds the cost of sorting
+// lists of long equal names.
+constexpr std::size_t kSortedUnits = 256;
 
 }  // namespace
 
 void TReportedClassIds::Append(TextView identifier) {
   if (!m_wholeText.empty())
     m_wholeText += u"\r\n";
+  m_entries.push_back(
+      {static_cast<std::uint32_t>(m_wholeText.size()), static_cast<std::uint32_t>(identifier.size())});
   m_wholeText += identifier;
-  m_entries.emplace(identifier);
+  m_longestEntry = std::max(m_longestEntry, identifier.size());
+  m_isSorted = false;
   m_suffixes.clear();
 }
 
 bool TReportedClassIds::Holds(TextView identifier) {
-  if (identifier.empty() || identifier.size() > m_wholeText.size())
+  if (identifier.empty())
     return false;
-  if (m_entries.find(identifier) != m_entries.end())
+  SortEntries();
+  if (IsEntry(identifier))
     return true;
-  if (m_suffixes.empty())
-    SortSuffixes();
+  // A text that is no entry is part of a longer one, or stretches over a line break.
+  if (identifier.size() >= m_longestEntry && identifier.find_first_of(u"\r\n") == TextView::npos)
+    return false;
+  // No key has so long a name, so that nobody asks.
+  if (identifier.size() > kSortedUnits)
+    return Contains(m_wholeText, identifier);
+  return OccursInside(identifier);
+}
+
+TextView TReportedClassIds::TextOf(const TEntry& entry) const {
+  return TextView(m_wholeText).substr(entry.Start, entry.Size);
+}
+
+bool TReportedClassIds::IsEntry(TextView identifier) const {
+  const auto first =
+      std::lower_bound(m_entries.begin(), m_entries.end(), identifier,
+                       [this](const TEntry& entry, TextView wanted) { return TextOf(entry) < wanted; });
+  return first != m_entries.end() && TextOf(*first) == identifier;
+}
+
+bool TReportedClassIds::OccursInside(TextView identifier) {
+  SortSuffixes();
   const TextView text = m_wholeText;
-  const TextView key = identifier.substr(0, kSortedUnits);
   const auto first = std::lower_bound(
-      m_suffixes.begin(), m_suffixes.end(), key,
+      m_suffixes.begin(), m_suffixes.end(), identifier,
       [text](std::uint32_t start, TextView wanted) { return text.substr(start, wanted.size()) < wanted; });
-  for (auto suffix = first; suffix != m_suffixes.end() && text.substr(*suffix, key.size()) == key; ++suffix) {
-    if (text.substr(*suffix, identifier.size()) == identifier)
-      return true;
-  }
-  return false;
+  return first != m_suffixes.end() && text.substr(*first).starts_with(identifier);
+}
+
+void TReportedClassIds::SortEntries() {
+  if (m_isSorted)
+    return;
+  std::sort(m_entries.begin(), m_entries.end(),
+            [this](const TEntry& a, const TEntry& b) { return TextOf(a) < TextOf(b); });
+  m_isSorted = true;
 }
 
 void TReportedClassIds::SortSuffixes() {
+  if (!m_suffixes.empty())
+    return;
   const TextView text = m_wholeText;
   m_suffixes.resize(m_wholeText.size());
-  for (std::size_t start = 0; start < m_suffixes.size(); ++start) {
-    m_suffixes[start] = static_cast<std::uint32_t>(start);
-  }
+  std::iota(m_suffixes.begin(), m_suffixes.end(), 0);
   std::sort(m_suffixes.begin(), m_suffixes.end(), [text](std::uint32_t a, std::uint32_t b) {
     return text.substr(a, kSortedUnits) < text.substr(b, kSortedUnits);
   });

@@ -3,8 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
-#include <unordered_set>
 #include <vector>
 
 #include "core/text.h"
@@ -21,17 +19,20 @@ class TReportedClassIds {
   bool Holds(TextView identifier);
 
  private:
-  struct THash {
-    using is_transparent = void;
-    std::size_t operator()(TextView text) const {
-      return std::hash<TextView>()(text);
-    }
+  struct TEntry {
+    std::uint32_t Start;  // in m_wholeText
+    std::uint32_t Size;
   };
 
+  TextView TextOf(const TEntry& entry) const;
+  bool IsEntry(TextView identifier) const;
+  bool OccursInside(TextView identifier);
+  void SortEntries();
   void SortSuffixes();
 
   Text m_wholeText;
-  std::unordered_set<Text, THash, std::equal_to<>> m_entries;
-  std::vector<std::uint32_t>
-      m_suffixes;  // starts in m_wholeText, sorted; made when first needed after an Append
+  std::vector<TEntry> m_entries;
+  std::size_t m_longestEntry = 0;
+  bool m_isSorted = true;                 // m_entries, by their texts
+  std::vector<std::uint32_t> m_suffixes;  // starts in m_wholeText, sorted; made when first needed
 };

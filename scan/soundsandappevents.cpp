@@ -6,6 +6,6 @@ void TScan::ScanSoundsAndAppevents(const TSection& section) {
   AddHeader(section);
   const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyCurrentUser);
   // The bar stays at 0; only the label moves.
-  ScanKeyTree(*registry, kHkeyCurrentUser, 0, {}, u"\\AppEvents\\Schemes\\Apps");
+  ScanKeyTree(*registry, kHkeyCurrentUser, 0, TPhraseMatcher({}), u"\\AppEvents\\Schemes\\Apps");
   FinishSection();
 }

@@ -67,6 +67,14 @@ std::vector<Text> SubKeyNames(RegistryStore& registry, TextView keyPath) {
   return names;
 }
 
+std::optional<Text> DefaultValue(RegistryStore& registry, TextView keyPath) {
+  if (!registry.OpenKey(keyPath, false))
+    return std::nullopt;
+  Text value = registry.ReadString({});
+  registry.CloseKey();
+  return value;
+}
+
 TScan::TScan(TScanContext context, TProgressDialog& progressDialog)
     : TWorkerThread(context.UiThread),
       m_context(std::move(context)),
@@ -200,9 +208,13 @@ Text TScan::Say(TextId id, TextView arg1, TextView arg2) const {
   return LanguageText(m_context.Vars.Texts, id, arg1, arg2);
 }
 
-void TScan::ReportProgress(std::int32_t percent, TextView label) {
+bool TScan::IsProgressDue() const {
   const std::int32_t threshold = CurrentSectionName == kUnthrottledSection ? 0 : kProgressThreshold;
-  if (threshold <= ProgressCounter) {
+  return threshold <= ProgressCounter;
+}
+
+void TScan::ReportProgress(std::int32_t percent, TextView label) {
+  if (IsProgressDue()) {
     ItemPercent = percent;
     ProgressLabel = label;
     Synchronize([this] { RefreshProgress(); });

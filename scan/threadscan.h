@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "core/cachedfileprobe.h"
@@ -62,6 +63,10 @@ class TScan final : public TWorkerThread {
   void ScanVirtualDevices(const TSection& section);
   void ScanArpCache(const TSection& section);
 
+  // Whether a key holds no value, and no subkey or, with recursive, no subkey that is not empty in the same
+  // way. A key that does not open is not empty. For this thread, and for others once the scan has ended.
+  bool IsKeyEmpty(TRootKey rootKey, TextView keyPath, bool recursive);
+
  protected:
   void Execute() override;
 
@@ -91,18 +96,18 @@ class TScan final : public TWorkerThread {
 
   // At most every fiftieth call moves the dialog.
   void ReportProgress(std::int32_t percent, TextView label);
+  bool IsProgressDue() const;
   void RefreshProgress();
 
   // What the scanners ask.
   std::unique_ptr<RegistryStore> OpenRoot(TRootKey rootKey) const;
-  bool IsKeyEmpty(TRootKey rootKey, TextView keyPath, bool recursive);
   bool CommandPathExists(TextView text);
 
   // The recursive walk that reports string values naming missing files. exclusions are full key paths with
   // root name and trailing "\", upper-cased: a key whose path contains one of them is skipped with everything
   // below it.
-  void ScanKeyTree(RegistryStore& registry, TRootKey root, double fraction,
-                   const std::vector<Text>& exclusions, TextView keyPath);
+  void ScanKeyTree(RegistryStore& registry, TRootKey root, double fraction, const TPhraseMatcher& exclusions,
+                   TextView keyPath);
 
   // Pieces of single scanners.
   void CheckShellFolderKey(TextView keyPath, double scale, double offset);
@@ -171,3 +176,6 @@ bool BeginsWithArgument(TextView text);
 
 // The names of a key's direct subkeys; none when it does not open. The store is left with no key open.
 std::vector<Text> SubKeyNames(RegistryStore& registry, TextView keyPath);
+
+// A key's default value as text; nothing when the key does not open. The store is left with no key open.
+std::optional<Text> DefaultValue(RegistryStore& registry, TextView keyPath);

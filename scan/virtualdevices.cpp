@@ -5,9 +5,10 @@
 void TScan::ScanVirtualDevices(const TSection& section) {
   AddHeader(section);
   const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyLocalMachine);
-  ScanKeyTree(*registry, kHkeyLocalMachine, 0, {}, u"\\SYSTEM\\CurrentControlSet\\Services\\VxD");
+  ScanKeyTree(*registry, kHkeyLocalMachine, 0, TPhraseMatcher({}),
+              u"\\SYSTEM\\CurrentControlSet\\Services\\VxD");
   if (!Terminated()) {
-    ScanKeyTree(*registry, kHkeyLocalMachine, 0.5, {},
+    ScanKeyTree(*registry, kHkeyLocalMachine, 0.5, TPhraseMatcher({}),
                 u"\\SYSTEM\\CurrentControlSet\\Control\\VirtualDeviceDrivers");
   }
   FinishSection();

@@ -16,9 +16,22 @@ void* FirstElementFrom(pugi::xml_node node) {
   return node.internal_object();
 }
 
-// The parser hands over UTF-8 whatever the document is in, and lets ill-formed sequences pass.
+// The parser hands over UTF-8 whatever the document is in, but lets ill-formed sequences and references to
+// surrogates pass. A text that can't be read must not become another one, so that such a document is refused.
+class TUnicodeCheck final : public pugi::xml_tree_walker {
+  bool for_each(pugi::xml_node& node) override {
+    return DecodeUtf8(node.name()).has_value() && DecodeUtf8(node.value()).has_value();
+  }
+};
+
+// For the texts of a document that passed the check.
 Text Decoded(const char* utf8) {
-  return DecodeUtf8(utf8).value_or(Text());
+  return DecodeUtf8(utf8).value();
+}
+
+// The parser accepts one root after another.
+bool HasOneRoot(const pugi::xml_document& document) {
+  return FirstElementFrom(document.document_element().next_sibling()) == nullptr;
 }
 
 }  // namespace
@@ -51,9 +64,12 @@ TXmlElement TXmlElement::NextSibling() const {
 
 std::optional<TNativeXml> TNativeXml::Parse(std::span<const std::uint8_t> bytes) {
   auto document = std::make_unique<TDocument>();
-  // White space that is all of an element's text belongs to it.
-  constexpr unsigned int kOptions = pugi::parse_default | pugi::parse_ws_pcdata_single;
-  if (!document->Xml.load_buffer(bytes.data(), bytes.size(), kOptions))
+  // Blanks belong to an element's text, also where they are all of it or stand between two comments.
+  constexpr unsigned int kOptions = pugi::parse_default | pugi::parse_ws_pcdata;
+  if (!document->Xml.load_buffer(bytes.data(), bytes.size(), kOptions) || !HasOneRoot(document->Xml))
+    return std::nullopt;
+  TUnicodeCheck unicodeCheck;
+  if (!document->Xml.traverse(unicodeCheck))
     return std::nullopt;
   return TNativeXml(std::move(document));
 }

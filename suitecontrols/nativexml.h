@@ -36,7 +36,8 @@ class TXmlElement {
 
 class TNativeXml {
  public:
-  // Nothing when the bytes are no well-formed document.
+  // Nothing when the bytes are no document with one root element, or when a name or a text of it is no
+  // Unicode text.
   static std::optional<TNativeXml> Parse(std::span<const std::uint8_t> bytes);
 
   TNativeXml(TNativeXml&&) noexcept;

@@ -4,13 +4,6 @@
 
 namespace {
 
-std::size_t CountBelow(const TTreeNode& node) {
-  std::size_t count = node.Children.size();
-  for (const auto& child : node.Children)
-    count += CountBelow(*child);
-  return count;
-}
-
 void SetAll(TTreeNode& node, TCheckState state) {
   node.State = state;
   for (const auto& child : node.Children)

@@ -265,9 +265,9 @@ std::int64_t TMemoryDisk::FileSize(TextView path) {
 FileSystemProbe::TListing TMemoryDisk::ListFolder(TextView folder, std::vector<TFolderEntry>& entries) {
   ++m_questions;
   const TMemoryFile* file = Find(folder);
-  if (file == nullptr || !file->IsFolder)
+  if (file == nullptr)
     return TListing::Missing;
-  if (file->IsUnreadable)
+  if (!file->IsFolder || file->IsUnreadable)
     return TListing::Unreadable;
   entries.clear();
   for (const auto& [upperName, entry] : file->Entries) {

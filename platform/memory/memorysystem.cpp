@@ -40,10 +40,27 @@ struct TDate {
   std::int64_t Day;
 };
 
-// The proleptic Gregorian date of a day count from 30 December 1899.
-TDate DateOf(TDateTime time) {
+constexpr std::int64_t kMillisecondsADay = 86400000;
+
+// Whole days and the milliseconds of the last one. Nothing outside the calendar of Windows, 1601 to 30827.
+struct TMoment {
+  std::int64_t Days;
+  std::int64_t Milliseconds;
+};
+std::optional<TMoment> MomentOf(TDateTime time) {
+  constexpr double kFirst = -109205;
+  constexpr double kBehindLast = 10565737;
+  if (!(time >= kFirst && time < kBehindLast))
+    return std::nullopt;
+  const std::int64_t milliseconds = std::llround((time - kFirst) * kMillisecondsADay);
+  return TMoment{milliseconds / kMillisecondsADay + static_cast<std::int64_t>(kFirst),
+                 milliseconds % kMillisecondsADay};
+}
+
+// The Gregorian date of a day count from 30 December 1899.
+TDate DateOf(std::int64_t dayCount) {
   constexpr std::int64_t kDaysFromMarchOfYearZero = 693899;  // from 1 March of year 0 to 30 December 1899
-  const std::int64_t days = static_cast<std::int64_t>(std::floor(time)) + kDaysFromMarchOfYearZero;
+  const std::int64_t days = dayCount + kDaysFromMarchOfYearZero;
   const std::int64_t era = days / 146097;
   const std::int64_t dayOfEra = days % 146097;
   const std::int64_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
@@ -85,12 +102,18 @@ Text TMemoryMachine::GetSystemDirectory(std::size_t bufferLength) {
 }
 
 Text TMemoryLocale::FormatShortDate(TDateTime time) {
-  const TDate date = DateOf(time);
+  const std::optional<TMoment> moment = MomentOf(time);
+  if (!moment)
+    return {};
+  const TDate date = DateOf(moment->Days);
   return DecimalText(date.Month) + u"/" + DecimalText(date.Day) + u"/" + DecimalText(date.Year);
 }
 
 Text TMemoryLocale::FormatLongTime(TDateTime time) {
-  const auto seconds = static_cast<std::int64_t>(std::llround((time - std::floor(time)) * 86400.0)) % 86400;
+  const std::optional<TMoment> moment = MomentOf(time);
+  if (!moment)
+    return {};
+  const std::int64_t seconds = moment->Milliseconds / 1000;
   const std::int64_t hour = seconds / 3600;
   const std::int64_t shown = hour % 12 == 0 ? 12 : hour % 12;
   return DecimalText(shown) + u":" + TwoDigits(seconds / 60 % 60) + u":" + TwoDigits(seconds % 60) +
@@ -127,9 +150,8 @@ Text TMemoryLocale::SystemMessage(std::uint32_t code) {
 }
 
 void TMemoryClock::Sleep(std::chrono::milliseconds duration) {
-  constexpr double kMillisecondsADay = 86400000.0;
   Slept += duration;
-  Time += static_cast<double>(duration.count()) / kMillisecondsADay;
+  Time += static_cast<double>(duration.count()) / static_cast<double>(kMillisecondsADay);
 }
 
 TAnswer TMemoryShell::ShowMessage(TextView text, TextView title, TMessageKind kind) {

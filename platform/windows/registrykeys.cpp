@@ -10,8 +10,7 @@ namespace {
 // A text passed to the system may have 32,767 units; keys nested deeper than that are reached step by step.
 constexpr std::size_t kLongestPath = 16000;
 
-constexpr std::size_t kLongestKeyName = 255;  // units, winreg.h
-constexpr DWORD kKeyNameUnits = 512;          // more than any system lets a key have
+constexpr DWORD kKeyNameUnits = 512;  // more than any system lets a key have
 constexpr DWORD kLargestValueNameUnits = 32768;
 constexpr DWORD kSmallestNameBuffer = 256;   // units
 constexpr DWORD kSmallestDataBuffer = 4096;  // bytes
@@ -377,12 +376,12 @@ std::optional<Text> JoinNames(const std::vector<Text>& names) {
   return path;
 }
 
-std::optional<Text> SystemValueName(TextView name) {
+std::optional<TextView> SystemValueName(TextView name) {
   if (name == TextView(u"\0", 1))
-    return Text();
+    return TextView();
   if (HoldsNul(name))
     return std::nullopt;
-  return Text(name);
+  return name;
 }
 
 TRawResult DeleteWholeKey(TRegistryCalls& calls, HKEY parent, TextView path) {

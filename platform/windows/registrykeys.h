@@ -14,6 +14,8 @@
 // The value that makes a key a link (winnt.h says the type, the documentation the name).
 inline constexpr TextView kLinkValueName = u"SymbolicLinkValue";
 
+inline constexpr std::size_t kLongestKeyName = 255;  // units, winreg.h
+
 // An open key, closed at the end of its life; a predefined key is only borrowed. The counter outlives it.
 class TRegistryKey {
  public:
@@ -151,7 +153,7 @@ std::optional<Text> JoinNames(const std::vector<Text>& names);
 
 // A value name as the routines take it: a name of one NUL is the default value. Nothing for a name that holds
 // a NUL otherwise: the system would cut it and take another value.
-std::optional<Text> SystemValueName(TextView name);
+std::optional<TextView> SystemValueName(TextView name);
 
 // Deletes a key with all its subkeys, deepest first. It is looked through before: nothing is deleted when a
 // link stands anywhere in it (Link) or when a part of it can't be read or deleted.

@@ -156,16 +156,16 @@ TRawResult TWindowsRawRegistry::ReadValue(TRootKey rootKey, TextView keyPath, Te
                                           TRawValue& value) {
   const std::lock_guard<std::mutex> hold(m_mutex);
   const std::optional<Text> path = PathOf(keyPath);
-  const std::optional<Text> systemName = SystemValueName(name);
+  const std::optional<TextView> systemName = SystemValueName(name);
   if (!path)
     return TRawResult::Failed;
   if (!systemName)
     return TRawResult::Missing;
   const TRawResult result = WithKey(rootKey, *path, kReadAccess, [&](HKEY handle) {
-    return m_calls.QueryValue(handle, *systemName, m_buffer);
+    return m_calls.QueryValue(handle, Text(*systemName), m_buffer);
   });
   if (result == TRawResult::Done)
-    value = {*systemName, m_buffer.Type, TBytes(m_buffer.Data().begin(), m_buffer.Data().end())};
+    value = {Text(*systemName), m_buffer.Type, TBytes(m_buffer.Data().begin(), m_buffer.Data().end())};
   return result;
 }
 
@@ -197,7 +197,7 @@ TRawResult TWindowsRawRegistry::WriteTo(HKEY handle, const Text& name, const TRa
 TRawResult TWindowsRawRegistry::WriteValue(TRootKey rootKey, TextView keyPath, const TRawValue& value) {
   const std::lock_guard<std::mutex> hold(m_mutex);
   const std::optional<Text> path = PathOf(keyPath);
-  const std::optional<Text> name = SystemValueName(value.Name);
+  const std::optional<TextView> name = SystemValueName(value.Name);
   if (!path || !name)
     return TRawResult::Failed;
   TRawResult result = TRawResult::Missing;
@@ -206,7 +206,7 @@ TRawResult TWindowsRawRegistry::WriteValue(TRootKey rootKey, TextView keyPath, c
     result = OpenOrCreate(rootKey, *path, key);
     if (result != TRawResult::Done)
       return result;
-    result = WriteTo(key->Key.Get(), *name, value);
+    result = WriteTo(key->Key.Get(), Text(*name), value);
     if (result == TRawResult::Missing)
       m_chain.Clear();
   }
@@ -225,13 +225,13 @@ TRawResult TWindowsRawRegistry::DeleteKey(TRootKey rootKey, TextView keyPath) {
 TRawResult TWindowsRawRegistry::DeleteValue(TRootKey rootKey, TextView keyPath, TextView name) {
   const std::lock_guard<std::mutex> hold(m_mutex);
   const std::optional<Text> path = PathOf(keyPath);
-  const std::optional<Text> systemName = SystemValueName(name);
+  const std::optional<TextView> systemName = SystemValueName(name);
   if (!path)
     return TRawResult::Failed;
   if (!systemName)
     return TRawResult::Missing;
   return WithKey(rootKey, *path, kChangeAccess,
-                 [&](HKEY handle) { return m_calls.DeleteValue(handle, *systemName); });
+                 [&](HKEY handle) { return m_calls.DeleteValue(handle, Text(*systemName)); });
 }
 
 void TWindowsRawRegistry::ReleaseKeys() {

@@ -36,6 +36,21 @@ Text TextOf(std::span<const std::uint8_t> data) {
   return text;
 }
 
+// Whether a path is from the root and written as the system takes it, which makes taking it apart
+// superfluous: no doubled or trailing separator, no NUL, no name that is too long.
+bool IsPlain(TextView path) {
+  if (path.size() < 2 || path.front() != u'\\')
+    return false;
+  std::size_t nameLength = 0;
+  for (const char16_t unit : path.substr(1)) {
+    const bool isSeparator = unit == u'\\';
+    if (unit == u'\0' || (isSeparator && nameLength == 0) || nameLength > kLongestKeyName)
+      return false;
+    nameLength = isSeparator ? 0 : nameLength + 1;
+  }
+  return nameLength != 0 && nameLength <= kLongestKeyName;
+}
+
 std::span<const std::uint8_t> BytesOf(const void* data, std::size_t size) {
   return {static_cast<const std::uint8_t*>(data), size};
 }
@@ -102,6 +117,8 @@ void TWindowsRegistryStore::SetRootKey(TRootKey rootKey) {
 }
 
 std::optional<TWindowsRegistryStore::TPlace> TWindowsRegistryStore::PlaceOf(TextView path) const {
+  if (IsPlain(path))
+    return TPlace{m_rootKey, Text(path.substr(1))};
   const std::optional<TParsedKeyPath> parsed = ParseKeyPath(path);
   if (!parsed)
     return std::nullopt;
@@ -152,34 +169,34 @@ bool TWindowsRegistryStore::KeyExists(TextView path) {
 }
 
 std::optional<TWindowsRegistryStore::TValue> TWindowsRegistryStore::FindValue(TextView name) {
-  const std::optional<Text> systemName = SystemValueName(name);
+  const std::optional<TextView> systemName = SystemValueName(name);
   if (!m_open || !systemName)
     return std::nullopt;
   const TValueSnapshot::TEntry* entry = m_snapshot.Find(*systemName);
   if (entry != nullptr && entry->HasData)
     return TValue{entry->Type, m_snapshot.DataOf(*entry)};
-  if (m_calls.QueryValue(m_open->Key.Get(), *systemName, m_buffer) != ERROR_SUCCESS)
+  if (m_calls.QueryValue(m_open->Key.Get(), Text(*systemName), m_buffer) != ERROR_SUCCESS)
     return std::nullopt;
   return TValue{m_buffer.Type, m_buffer.Data()};
 }
 
 bool TWindowsRegistryStore::ValueExists(TextView name) {
-  const std::optional<Text> systemName = SystemValueName(name);
+  const std::optional<TextView> systemName = SystemValueName(name);
   if (!m_open || !systemName)
     return false;
   DWORD type = kRegNone;
   return m_snapshot.Find(*systemName) != nullptr ||
-         m_calls.QueryType(m_open->Key.Get(), *systemName, type) == ERROR_SUCCESS;
+         m_calls.QueryType(m_open->Key.Get(), Text(*systemName), type) == ERROR_SUCCESS;
 }
 
 TDataType TWindowsRegistryStore::GetDataType(TextView name) {
-  const std::optional<Text> systemName = SystemValueName(name);
+  const std::optional<TextView> systemName = SystemValueName(name);
   if (!m_open || !systemName)
     return TDataType::Unknown;
   if (const TValueSnapshot::TEntry* entry = m_snapshot.Find(*systemName))
     return DataTypeOf(entry->Type);
   DWORD type = kRegNone;
-  const LSTATUS status = m_calls.QueryType(m_open->Key.Get(), *systemName, type);
+  const LSTATUS status = m_calls.QueryType(m_open->Key.Get(), Text(*systemName), type);
   return status == ERROR_SUCCESS ? DataTypeOf(type) : TDataType::Unknown;
 }
 
@@ -202,11 +219,11 @@ bool TWindowsRegistryStore::ReadBool(TextView name) {
 }
 
 bool TWindowsRegistryStore::Write(TextView name, DWORD type, std::span<const std::uint8_t> data) {
-  const std::optional<Text> systemName = SystemValueName(name);
+  const std::optional<TextView> systemName = SystemValueName(name);
   if (!MayChange() || !systemName)
     return false;
   Forget();
-  return m_calls.SetValue(m_open->Key.Get(), *systemName, type, data) == ERROR_SUCCESS;
+  return m_calls.SetValue(m_open->Key.Get(), Text(*systemName), type, data) == ERROR_SUCCESS;
 }
 
 bool TWindowsRegistryStore::WriteString(TextView name, TextView value) {
@@ -276,9 +293,9 @@ bool TWindowsRegistryStore::DeleteKey(TextView path) {
 }
 
 bool TWindowsRegistryStore::DeleteValue(TextView name) {
-  const std::optional<Text> systemName = SystemValueName(name);
+  const std::optional<TextView> systemName = SystemValueName(name);
   if (!MayChange() || !systemName)
     return false;
   Forget();
-  return m_calls.DeleteValue(m_open->Key.Get(), *systemName) == ERROR_SUCCESS;
+  return m_calls.DeleteValue(m_open->Key.Get(), Text(*systemName)) == ERROR_SUCCESS;
 }

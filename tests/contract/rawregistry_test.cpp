@@ -76,7 +76,7 @@ TEST_F(RawRegistryContract, NamesAreKeptUnchanged) {
 
 TEST_F(RawRegistryContract, RandomValuesComeBackByteForByte) {
   std::mt19937 random(20240607);
-  const auto upTo = [&random](std::uint32_t limit) { return random() % limit; };
+  const auto upTo = [&random](std::uint32_t limit) { return static_cast<std::uint32_t>(random() % limit); };
   std::vector<TRawValue> written;
   for (int i = 0; i < 500; ++i) {
     TRawValue value;

@@ -35,6 +35,7 @@ MAY_INCLUDE = {
     "app": LOGIC + ["platform/windows", "ui/windows"],
     "tests": LOGIC + ["platform/memory"],
     "tests/contract/windows": LOGIC + ["platform/memory", "tests"] + WINDOWS,
+    "tests/wine": ["core", "platform/windows"],
     "bench": LOGIC + ["platform/memory", "tests"],
     "bench/windows": LOGIC + ["platform/memory", "tests", "bench"] + WINDOWS,
     "bench/native": LOGIC + ["platform/memory", "tests", "bench"],

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <sstream>
 
 namespace {
 
@@ -19,26 +20,6 @@ ScanProblem Problem(std::int32_t kind, TRootKey rootKey, TextView keyPath, TextV
   problem.ImageIndex = -1;
   problem.CheckMark = 1;
   return problem;
-}
-
-std::string FieldsOf(const ScanProblem& problem) {
-  std::string fields = "root " + std::to_string(problem.RootKey);
-  const auto addText = [&fields](const std::string& name, const Text& text) {
-    fields += ", " + name + " '" + EncodeUtf8(text) + "'";
-  };
-  addText("key", problem.KeyPath);
-  addText("value", problem.ValueName);
-  addText("data", problem.ValueData);
-  addText("description", problem.Description);
-  addText("caption", problem.SectionCaption);
-  addText("extra", problem.Extra);
-  fields += ", kind " + std::to_string(problem.Kind) + ", children " + std::to_string(problem.ChildCount) +
-            ", image " + std::to_string(problem.ImageIndex) + ", mark " + std::to_string(problem.CheckMark);
-  if (problem.StateFlag1)
-    fields += ", selected";
-  if (problem.StateFlag2)
-    fields += ", removed";
-  return fields;
 }
 
 }  // namespace
@@ -60,13 +41,6 @@ ScanProblem KeyProblem(TRootKey rootKey, TextView keyPath, TextView valueName, T
 ScanProblem ValueProblem(TRootKey rootKey, TextView keyPath, TextView valueName, TextView valueData,
                          TextView description) {
   return Problem(2, rootKey, keyPath, valueName, valueData, description);
-}
-
-std::vector<std::string> AllFields(const std::vector<ScanProblem>& problems) {
-  std::vector<std::string> all;
-  for (const ScanProblem& problem : problems)
-    all.push_back(FieldsOf(problem));
-  return all;
 }
 
 Text NumberedName(TextView prefix, int number) {
@@ -103,4 +77,35 @@ void ExpectConsistentWhereverCancelled(TScanRig& rig, std::int32_t sectionCode) 
     }
     EXPECT_EQ(rig.Failure, nullptr);
   }
+}
+
+std::string AllFields(const ScanProblem& problem) {
+  std::ostringstream line;
+  line << std::hex << problem.RootKey << std::dec;
+  for (const Text& field : {problem.KeyPath, problem.ValueName, problem.ValueData, problem.Description}) {
+    line << " | " << EncodeUtf8(field);
+  }
+  line << " | kind " << problem.Kind << ", image " << problem.ImageIndex << ", check " << problem.CheckMark
+       << ", extra [" << EncodeUtf8(problem.Extra) << "], caption [" << EncodeUtf8(problem.SectionCaption)
+       << "], children " << problem.ChildCount << ", flags " << problem.StateFlag1 << " "
+       << problem.StateFlag2;
+  return line.str();
+}
+
+std::vector<std::string> AllFields(const std::vector<ScanProblem>& problems) {
+  std::vector<std::string> lines;
+  for (const ScanProblem& problem : problems)
+    lines.push_back(AllFields(problem));
+  return lines;
+}
+
+std::vector<std::string> Usual(std::vector<std::string> lines) {
+  for (std::string& line : lines)
+    line += kUsual;
+  return lines;
+}
+
+std::string HeaderFields(const std::string& root, const std::string& caption, int image, int children) {
+  return root + " |  |  |  |  | kind 2, image " + std::to_string(image) + ", check 1, extra [], caption [" +
+         caption + "], children " + std::to_string(children) + ", flags 0 0";
 }

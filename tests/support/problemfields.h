@@ -17,9 +17,6 @@ ScanProblem KeyProblem(TRootKey rootKey, TextView keyPath, TextView valueName, T
 ScanProblem ValueProblem(TRootKey rootKey, TextView keyPath, TextView valueName, TextView valueData,
                          TextView description);
 
-// One text a problem that says every field.
-std::vector<std::string> AllFields(const std::vector<ScanProblem>& problems);
-
 // prefix and the number with three digits: names that sort as they count.
 Text NumberedName(TextView prefix, int number);
 
@@ -33,3 +30,18 @@ std::vector<std::string> UpdatesOf(const std::string& progressName, const std::v
 // terminate at that read. Each time the section must have ended (its header counts its problems, and is gone
 // without any) with the first problems of the whole run and no other.
 void ExpectConsistentWhereverCancelled(TScanRig& rig, std::int32_t sectionCode);
+
+// Problems written as one line each, for comparing whole lists with lists made by hand.
+
+// Every field: "80000001 | \Key | name | data | description | kind 2, image -1" and what kUsual says.
+std::string AllFields(const ScanProblem& problem);
+std::vector<std::string> AllFields(const std::vector<ScanProblem>& problems);
+
+// The rest of a line, for a problem as the scan leaves it.
+inline constexpr const char* kUsual = ", check 1, extra [], caption [], children 0, flags 0 0";
+
+// The lines with kUsual after each.
+std::vector<std::string> Usual(std::vector<std::string> lines);
+
+// A section header's line.
+std::string HeaderFields(const std::string& root, const std::string& caption, int image, int children);

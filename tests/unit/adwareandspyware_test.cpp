@@ -385,6 +385,18 @@ TEST(AdwareAndSpyware, WhatDoesNotReadAsACatalogueEndsTheScanWithItsName) {
   }
 }
 
+// Taken for empty, the trace would name the toolbar key's default value.
+TEST(AdwareAndSpyware, ATraceThatIsNoUnicodeTextEndsTheScanAndReportsNothing) {
+  TScanRig rig;
+  rig.System.Registry.Set(Machine(kToolbar), u"", u"");
+  WriteTraces(rig, "<toolbar>\xFF</toolbar>");
+
+  rig.Run({kCode});
+
+  EXPECT_EQ(FailureOf(rig), kUnreadable);
+  EXPECT_TRUE(rig.Problems().empty());
+}
+
 TEST(AdwareAndSpyware, AMissingOrUnreadableCatalogueEndsTheScanWithItsName) {
   TScanRig rig;
   rig.Run({kCode});

@@ -103,6 +103,13 @@ TEST(SoftwareLocations, ATargetWithoutAColonIsNeverReported) {
   EXPECT_TRUE(MissingTargets(rig).empty());
 }
 
+TEST(SoftwareLocations, ATargetNamedAsItsKeyStaysAsItIsWithoutAFolder) {
+  TScanRig rig;
+  Register(rig, u"gone:stream", u"gone:stream");
+
+  EXPECT_EQ(MissingTargets(rig), (std::vector<Text>{u"gone:stream"}));
+}
+
 TEST(SoftwareLocations, AColonAnywhereInTheTargetMakesItJudged) {
   TScanRig rig;
   Register(rig, u"app.exe", u"gone:stream");

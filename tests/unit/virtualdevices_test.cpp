@@ -21,10 +21,10 @@ void RegisterManyDrivers(TScanRig& rig) {
   rig.System.Registry.Set(Full(kDrivers), u"VDD", u"C:\\Old\\vdd.dll");
   rig.System.Registry.Set(Full(kDrivers), u"Here", u"C:\\Windows\\system32\\here.vxd");
   rig.System.Registry.SetRaw(Full(kDrivers), {u"List", kRegMultiSz, StringBytes(u"C:\\Old\\list.dll")});
-  rig.System.Registry.Set(Text(Full(kVxd)) + u"\\_NDIS", u"StaticVxD", u"C:\\Old\\ndis.vxd");
-  rig.System.Registry.Set(Text(Full(kVxd)) + u"\\JAVASUP", u"StaticVxD", u"javasup.vxd");
-  rig.System.Registry.SetExpand(Text(Full(kVxd)) + u"\\VTD", u"StaticVxD", u"%windir%\\gone.vxd");
-  rig.System.Registry.SetInteger(Text(Full(kVxd)) + u"\\VTD", u"Start", 0);
+  rig.System.Registry.Set(Full(kVxd) + u"\\_NDIS", u"StaticVxD", u"C:\\Old\\ndis.vxd");
+  rig.System.Registry.Set(Full(kVxd) + u"\\JAVASUP", u"StaticVxD", u"javasup.vxd");
+  rig.System.Registry.SetExpand(Full(kVxd) + u"\\VTD", u"StaticVxD", u"%windir%\\gone.vxd");
+  rig.System.Registry.SetInteger(Full(kVxd) + u"\\VTD", u"Start", 0);
 }
 
 }  // namespace
@@ -110,6 +110,11 @@ TEST(VirtualDevices, CancellingTheFirstWalkSkipsTheSecondAndEndsTheSection) {
   EXPECT_EQ(AllFields(rig.Headers()),
             AllFields({SectionHeader(u"Virtual Devices", 20, kHkeyLocalMachine, 1)}));
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(kVxd, u"One", u"C:\\Old\\one.vxd")}));
+
+  const int reads = rig.Reads();
+  rig.System.Registry.RemoveKey(Full(kDrivers));
+  rig.RunAndCancel({kCode}, 2);
+  EXPECT_EQ(rig.Reads(), reads);
 }
 
 TEST(VirtualDevices, TheTreeStaysConsistentWhereverTheScanIsCancelled) {

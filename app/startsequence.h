@@ -1,0 +1,10 @@
+// What both programs do before anything else.
+#pragma once
+
+#include "core/globalregs.h"
+#include "core/globals.h"
+#include "core/system.h"
+
+// Fills the two program-wide records in the order that the suite's other programs rely on; missing settings
+// are written. Throws TSystemException when the machine's drive list does not fit.
+void RunStartSequence(TSystem& system, TGlobalVars& vars, TGlobalReg& reg);

@@ -1,0 +1,29 @@
+// The console program's standard handles, which may be a console, a file or a pipe each.
+#pragma once
+
+#include <mutex>
+
+#include "platform/windows/windowsapi.h"
+#include "ui/console/console.h"
+
+class TWindowsConsole : public TConsole {
+ public:
+  // The interrupt key reaches one console a process.
+  TWindowsConsole();
+  ~TWindowsConsole() override;
+  TWindowsConsole(const TWindowsConsole&) = delete;
+  TWindowsConsole& operator=(const TWindowsConsole&) = delete;
+
+  TSystemError Write(std::string_view utf8) override;
+  void Tell(TextView line) override;
+  void ShowProgress(TextView line) override;
+  void SetInterruptHandler(std::function<void()> handler) override;
+
+ private:
+  static BOOL WINAPI OnControl(DWORD event);
+
+  HANDLE m_output;
+  HANDLE m_error;
+  bool m_errorIsTerminal;
+  std::size_t m_progressLength = 0;  // units of the line that is shown now
+};

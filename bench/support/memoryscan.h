@@ -1,0 +1,33 @@
+// A scan over a registry and a disk in memory, with real trees and nobody to look at it.
+#pragma once
+
+#include <vector>
+
+#include "core/globalregs.h"
+#include "core/globals.h"
+#include "core/queueuithread.h"
+#include "platform/memory/memorysystem.h"
+#include "scan/threadscan.h"
+#include "ui/resultstree.h"
+#include "ui/sectionstree.h"
+
+class TMemoryScan {
+ public:
+  // A machine with the usual folders on its fixed drive C: and nothing in its registry.
+  TMemoryScan();
+
+  // Runs the sections with these codes and answers the seconds it took. Throws what ended the scan early.
+  double Run(const std::vector<std::int32_t>& sectionCodes);
+
+  std::size_t ProblemCount();
+
+  // The bytes of all texts of the problems found.
+  std::size_t TextBytes();
+
+  TMemorySystem System;
+  TGlobalVars Vars;
+  TGlobalReg Reg;
+  TSectionsTreeModel Sections;
+  TResultsTreeModel Results;
+  TQueueUiThread UiThread;
+};

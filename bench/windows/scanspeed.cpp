@@ -1,0 +1,366 @@
+// What a scan of the real registry and of real folders costs, as ratios against floors measured in the same
+// run.
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <random>
+
+#include "core/cachedfileprobe.h"
+#include "core/queueuithread.h"
+#include "platform/memory/memorysystem.h"
+#include "platform/windows/windowssystem.h"
+#include "scan/threadscan.h"
+#include "ui/resultstree.h"
+#include "ui/sectionstree.h"
+
+namespace {
+
+constexpr std::size_t kKeys = 58000;
+constexpr std::size_t kValues = 100000;
+constexpr std::size_t kDeepest = 8;
+constexpr std::size_t kFolders = 1000;
+constexpr std::size_t kFilesPerFolder = 20;
+constexpr std::size_t kChecks = 100000;
+constexpr std::uint32_t kSeed = 20070904;
+constexpr int kRounds = 7;
+constexpr std::int32_t kCurrentUserSection = 22;
+
+constexpr TextView kScratchKey = u"Software\\Corvalt Bench";
+constexpr TextView kProgramsFolder = u"C:\\Program Files\\";
+
+// The same numbers everywhere: the standard's distributions differ between libraries.
+class TDice {
+ public:
+  std::size_t Below(std::size_t limit) {
+    return m_engine() % limit;
+  }
+
+ private:
+  std::mt19937 m_engine{kSeed};
+};
+
+double Seconds(const std::function<void()>& work) {
+  const auto begin = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+void PrintRow(const char* name, double value, double limit, const char* unit) {
+  std::printf("| %-58s | %9.3f %-5s | %6.2f | %s |\n", name, value, unit, limit,
+              value <= limit ? "met   " : "MISSED");
+}
+
+// A registry of kKeys keys and kValues values, and the files that its values name.
+
+Text NumberedName(TextView stem, std::size_t number) {
+  return Text(stem) + u" " + DecimalText(static_cast<std::int64_t>(number));
+}
+
+Text ProgramFile(std::size_t number) {
+  return Text(kProgramsFolder) + NumberedName(u"Vendor", number % 50) + u"\\" +
+         NumberedName(u"Module", number) + u".dll";
+}
+
+constexpr std::size_t kProgramFiles = 2000;
+
+// One value in a hundred names a file that is gone, every third one that exists.
+Text StringData(TDice& dice) {
+  const std::size_t kind = dice.Below(100);
+  if (kind == 0)
+    return Text(kProgramsFolder) + u"Gone\\" + NumberedName(u"Module", dice.Below(kProgramFiles)) + u".dll";
+  if (kind < 34)
+    return ProgramFile(dice.Below(kProgramFiles));
+  return NumberedName(u"A setting of the usual length", dice.Below(10000));
+}
+
+void WriteValue(HKEY key, std::size_t number, TDice& dice) {
+  const Text name = NumberedName(u"Value", number);
+  if (dice.Below(100) < 20) {
+    const auto data = static_cast<DWORD>(dice.Below(1000));
+    RegSetValueExW(key, Wide(name), 0, REG_DWORD, reinterpret_cast<const BYTE*>(&data), sizeof(data));
+    return;
+  }
+  const Text data = StringData(dice);
+  const DWORD type = dice.Below(10) == 0 ? REG_EXPAND_SZ : REG_SZ;
+  RegSetValueExW(key, Wide(name), 0, type, reinterpret_cast<const BYTE*>(data.c_str()),
+                 static_cast<DWORD>((data.size() + 1) * sizeof(char16_t)));
+}
+
+struct TPlan {
+  std::vector<std::vector<std::size_t>> SubKeys;  // of each key, by number; key 0 is the top
+  std::vector<std::size_t> Values;                // of each key
+};
+
+TPlan MakePlan(TDice& dice) {
+  TPlan plan;
+  plan.SubKeys.resize(kKeys);
+  plan.Values.resize(kKeys);
+  std::vector<std::size_t> depth(kKeys);
+  for (std::size_t key = 1; key < kKeys; ++key) {
+    std::size_t parent = dice.Below(key);
+    while (depth[parent] >= kDeepest)
+      parent = dice.Below(key);
+    depth[key] = depth[parent] + 1;
+    plan.SubKeys[parent].push_back(key);
+  }
+  for (std::size_t value = 0; value < kValues; ++value)
+    ++plan.Values[dice.Below(kKeys)];
+  return plan;
+}
+
+void WriteKey(HKEY parent, const Text& name, std::size_t number, const TPlan& plan, TDice& dice) {
+  HKEY key = nullptr;
+  if (RegCreateKeyExW(parent, Wide(name), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr) !=
+      ERROR_SUCCESS)
+    return;
+  for (std::size_t i = 0; i < plan.Values[number]; ++i)
+    WriteValue(key, i, dice);
+  for (const std::size_t subKey : plan.SubKeys[number])
+    WriteKey(key, NumberedName(u"Key", subKey), subKey, plan, dice);
+  RegCloseKey(key);
+}
+
+void WriteHive() {
+  TDice dice;
+  const TPlan plan = MakePlan(dice);
+  WriteKey(HKEY_CURRENT_USER, Text(kScratchKey), 0, plan, dice);
+}
+
+void DeleteHive(TWindowsSystem& windows) {
+  const std::unique_ptr<RegistryStore> store = windows.Registry.CreateStore(TRegistryAccess::Full);
+  store->SetRootKey(kHkeyCurrentUser);
+  store->DeleteKey(u"\\" + Text(kScratchKey));
+}
+
+// The floor: a walk that opens each key relative to its parent, asks for the counts first, enumerates the
+// values with their data into one buffer, and looks at nothing.
+class TBareWalk {
+ public:
+  void Walk(HKEY key) {
+    ++Keys;
+    DWORD subKeys = 0;
+    DWORD values = 0;
+    DWORD longestName = 0;
+    DWORD largestData = 0;
+    RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &subKeys, nullptr, nullptr, &values, &longestName,
+                     &largestData, nullptr, nullptr);
+    ReadValues(key, values, longestName, largestData);
+    for (const Text& name : SubKeyNames(key, subKeys)) {
+      HKEY subKey = nullptr;
+      if (RegOpenKeyExW(key, Wide(name), 0, KEY_READ, &subKey) != ERROR_SUCCESS)
+        continue;
+      Walk(subKey);
+      RegCloseKey(subKey);
+    }
+  }
+
+  std::size_t Keys = 0;
+  std::size_t Values = 0;
+
+ private:
+  void ReadValues(HKEY key, DWORD count, DWORD longestName, DWORD largestData) {
+    m_name.resize(std::max<std::size_t>(m_name.size(), longestName + 1));
+    m_data.resize(std::max<std::size_t>(m_data.size(), largestData));
+    for (DWORD i = 0; i < count; ++i) {
+      auto nameLength = static_cast<DWORD>(m_name.size());
+      auto size = static_cast<DWORD>(m_data.size());
+      DWORD type = 0;
+      RegEnumValueW(key, i, WideBuffer(m_name), &nameLength, nullptr, &type, m_data.data(), &size);
+      ++Values;
+    }
+  }
+
+  static std::vector<Text> SubKeyNames(HKEY key, DWORD count) {
+    constexpr DWORD kLongestKeyName = 256;
+    std::vector<Text> names;
+    names.reserve(count);
+    wchar_t name[kLongestKeyName] = {};
+    for (DWORD i = 0; i < count; ++i) {
+      DWORD length = kLongestKeyName;
+      if (RegEnumKeyExW(key, i, name, &length, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS)
+        names.emplace_back(FromWide(name, length));
+    }
+    return names;
+  }
+
+  Text m_name;
+  std::vector<BYTE> m_data;
+};
+
+// The real registry, with the calls of all its stores counted.
+class TCountedRegistry : public TRegistryFactory {
+ public:
+  std::unique_ptr<RegistryStore> CreateStore(TRegistryAccess access) override {
+    return std::make_unique<TCountedStore>(access, Calls);
+  }
+
+  std::uint64_t Calls = 0;
+
+ private:
+  class TCountedStore : public TWindowsRegistryStore {
+   public:
+    TCountedStore(TRegistryAccess access, std::uint64_t& calls)
+        : TWindowsRegistryStore(access), m_calls(calls) {
+    }
+    ~TCountedStore() override {
+      m_calls += SystemCalls();
+    }
+
+   private:
+    std::uint64_t& m_calls;
+  };
+};
+
+class TSilentDialog : public TProgressDialog {
+ public:
+  void SetSectionLabel(TextView) override {
+  }
+  void SetItemLabel(TextView) override {
+  }
+  void SetOverallPosition(std::int32_t) override {
+  }
+  void SetSectionPosition(std::int32_t) override {
+  }
+};
+
+// The Files and Folders section for the current user, with the real registry and every file answer in memory.
+class TWalk {
+ public:
+  TWalk() {
+    m_memory.AddUsualFolders();
+    for (std::size_t i = 0; i < kProgramFiles; ++i)
+      m_memory.Disk.AddFile(ProgramFile(i));
+    FillGlobalVars(m_system, m_vars);
+    m_sections.CheckOnly({kCurrentUserSection});
+  }
+
+  void Run() {
+    m_registry.Calls = 0;
+    m_results.Clear();
+    bool finished = false;
+    const auto onFinished = [&finished](TWorkerThread&) { finished = true; };
+    const TScanContext context = {m_system, m_vars, m_reg, m_sections, m_results, m_uiThread, onFinished};
+    TWorkerThread::Launch<TScan>(context, m_dialog);
+    m_uiThread.RunUntil([&finished] { return finished; });
+  }
+
+  std::uint64_t Calls() const {
+    return m_registry.Calls;
+  }
+  std::size_t Problems() {
+    return m_results.Model().TotalCount();
+  }
+
+ private:
+  TMemorySystem m_memory;
+  TWindowsRawRegistry m_raw;
+  TCountedRegistry m_registry;
+  TSystem m_system = {m_registry,      m_raw,          m_memory.Disk,  m_memory.Disk,        m_memory.Machine,
+                      m_memory.Locale, m_memory.Clock, m_memory.Shell, m_memory.Interprocess};
+  TGlobalVars m_vars;
+  TGlobalReg m_reg;
+  TSectionsTreeModel m_sections;
+  TResultsTreeModel m_results;
+  TQueueUiThread m_uiThread;
+  TSilentDialog m_dialog;
+};
+
+void MeasureWalk() {
+  TWalk walk;
+  TBareWalk counts;
+  counts.Walk(HKEY_CURRENT_USER);
+  double floor = 1e9;
+  double scan = 1e9;
+  // Taken in turn, so that a change of the machine's mood meets both.
+  for (int i = 0; i < kRounds; ++i) {
+    floor = std::min(floor, Seconds([] { TBareWalk().Walk(HKEY_CURRENT_USER); }));
+    scan = std::min(scan, Seconds([&walk] { walk.Run(); }));
+  }
+  std::printf("%zu keys, %zu values, %zu problems; floor %.3f s, scan %.3f s, %llu registry calls\n\n",
+              counts.Keys, counts.Values, walk.Problems() - 1, floor, scan,
+              static_cast<unsigned long long>(walk.Calls()));
+  const double keyCalls = static_cast<double>(walk.Calls()) - static_cast<double>(counts.Values);
+  PrintRow("Files and Folders walk / bare walk", scan / floor, 1.3, "");
+  PrintRow("registry calls beyond one a value / keys", keyCalls / static_cast<double>(counts.Keys), 5,
+           "calls");
+}
+
+// Real folders, and questions about files in them of which every second one is not there.
+class TFolders {
+ public:
+  explicit TFolders(TWindowsSystem& windows)
+      : m_windows(windows),
+        m_top(WithTrailingBackslash(windows.Probe.GetEnvironmentVariable(u"TEMP")) + u"Corvalt Bench\\") {
+    for (std::size_t folder = 0; folder < kFolders; ++folder) {
+      m_windows.Files.MakeFolders(FolderPath(folder));
+      for (std::size_t file = 0; file < kFilesPerFolder; ++file)
+        TOwnedFile(
+            CreateFileW(Wide(FilePath(folder, file)), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+    }
+    TDice dice;
+    for (std::size_t i = 0; i < kChecks; ++i)
+      Paths.push_back(FilePath(dice.Below(kFolders), dice.Below(2 * kFilesPerFolder)));
+  }
+  ~TFolders() {
+    for (std::size_t folder = 0; folder < kFolders; ++folder) {
+      for (std::size_t file = 0; file < kFilesPerFolder; ++file)
+        m_windows.Files.DeleteFile(FilePath(folder, file));
+      RemoveDirectoryW(Wide(FolderPath(folder)));
+    }
+    RemoveDirectoryW(Wide(m_top));
+  }
+  TFolders(const TFolders&) = delete;
+  TFolders& operator=(const TFolders&) = delete;
+
+  std::size_t CountExisting(FileSystemProbe& probe) const {
+    return static_cast<std::size_t>(std::count_if(
+        Paths.begin(), Paths.end(), [&probe](const Text& path) { return probe.FileExists(path); }));
+  }
+
+  std::vector<Text> Paths;
+
+ private:
+  Text FolderPath(std::size_t folder) const {
+    return m_top + NumberedName(u"Folder", folder) + u"\\";
+  }
+  Text FilePath(std::size_t folder, std::size_t file) const {
+    return FolderPath(folder) + NumberedName(u"File", file) + u".dll";
+  }
+
+  TWindowsSystem& m_windows;
+  Text m_top;
+};
+
+void MeasureChecks(TWindowsSystem& windows) {
+  const TFolders folders(windows);
+  double plain = 1e9;
+  double cached = 1e9;
+  std::size_t plainFound = 0;
+  std::size_t cachedFound = 0;
+  for (int i = 0; i < kRounds; ++i) {
+    plain = std::min(plain, Seconds([&] { plainFound = folders.CountExisting(windows.Probe); }));
+    cached = std::min(cached, Seconds([&] {
+                        TCachedFileProbe probe(windows.Probe);
+                        cachedFound = folders.CountExisting(probe);
+                      }));
+  }
+  PrintRow("existence checks from listings / plain checks", cached / plain, 0.3, "");
+  std::printf(
+      "\n%zu checks in %zu folders, %zu found plainly, %zu from listings; plain %.3f s, from listings %.3f "
+      "s\n",
+      kChecks, kFolders, plainFound, cachedFound, plain, cached);
+}
+
+}  // namespace
+
+int main() {
+  TWindowsSystem windows;
+  DeleteHive(windows);
+  WriteHive();
+  MeasureWalk();
+  DeleteHive(windows);
+  MeasureChecks(windows);
+  return 0;
+}

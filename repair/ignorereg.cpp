@@ -1,0 +1,79 @@
+#include "repair/ignorereg.h"
+
+#include <algorithm>
+
+#include "core/lettercase.h"
+
+namespace {
+
+constexpr char16_t kOffMark = u';';
+constexpr std::size_t kLongestOffCaption = 1000;  // units
+
+bool IsOff(TextView entry) {
+  return entry.starts_with(kOffMark);
+}
+
+TextView WithoutOffMark(TextView entry) {
+  return entry.substr(IsOff(entry) ? 1 : 0);
+}
+
+std::unique_ptr<RegistryStore> UserStore(TSystem& system) {
+  std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
+  store->SetRootKey(kHkeyCurrentUser);
+  return store;
+}
+
+}  // namespace
+
+Text IgnoreEntryOf(const ScanProblem& problem) {
+  return RootKeyName(problem.RootKey) + problem.KeyPath + u"\\" + problem.ValueName;
+}
+
+void AddIgnoreEntry(TSystem& system, TGlobalReg& reg, TextView entry) {
+  const auto same = std::find_if(reg.IgnoreList.begin(), reg.IgnoreList.end(), [entry](const Text& known) {
+    return EqualIgnoringCase(WithoutOffMark(known), entry);
+  });
+  if (same != reg.IgnoreList.end())
+    *same = entry;
+  else
+    reg.IgnoreList.emplace_back(entry);
+  StoreIgnoreEntry(system, entry);
+}
+
+void StoreIgnoreEntry(TSystem& system, TextView entry) {
+  const std::unique_ptr<RegistryStore> store = UserStore(system);
+  if (!store->OpenKey(kIgnoreListKey, true))
+    return;
+  store->WriteBool(entry, true);
+  store->CloseKey();
+}
+
+TIgnoreListModel::TIgnoreListModel(const TGlobalReg& reg) {
+  for (const Text& entry : reg.IgnoreList) {
+    if (IsOff(entry))
+      m_rows.push_back({entry.substr(1, kLongestOffCaption), false});
+    else
+      m_rows.push_back({entry, true});
+  }
+}
+
+void TIgnoreListModel::SetChecked(std::size_t row, bool checked) {
+  m_rows.at(row).Checked = checked;
+}
+
+void TIgnoreListModel::Remove(std::size_t row) {
+  m_rows.erase(m_rows.begin() + static_cast<std::ptrdiff_t>(row));
+}
+
+void TIgnoreListModel::SaveIgnoreList(TSystem& system, TGlobalReg& reg) const {
+  reg.IgnoreList.clear();
+  for (const TIgnoreRow& row : m_rows)
+    reg.IgnoreList.push_back((row.Checked ? Text() : Text(1, kOffMark)) + row.Caption);
+  const std::unique_ptr<RegistryStore> store = UserStore(system);
+  store->DeleteKey(kIgnoreListKey);
+  if (!store->OpenKey(kIgnoreListKey, true))
+    return;
+  for (const Text& entry : reg.IgnoreList)
+    store->WriteBool(entry, true);
+  store->CloseKey();
+}

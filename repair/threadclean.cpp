@@ -1,0 +1,167 @@
+#include "repair/threadclean.h"
+
+#include <utility>
+
+#include "core/languagetexts.h"
+#include "core/systemerror.h"
+
+namespace {
+
+constexpr TextView kBackupStatus = u"Backup ...";
+
+std::int32_t PercentOf(std::size_t part, std::size_t whole) {
+  return static_cast<std::int32_t>(part * 100 / whole);
+}
+
+}  // namespace
+
+TCleaning::TCleaning(TCleaningContext context, TProgressDialog& ownerDialog)
+    : TWorkerThread(context.UiThread),
+      m_context(std::move(context)),
+      m_store(m_context.System, m_context.Vars),
+      OwnerDialog(ownerDialog) {
+  Start();
+}
+
+void TCleaning::Execute() {
+  SetOnTerminate(m_context.OnFinished);
+  ForEachProblem([this](TResultsNode* node) {
+    ++m_total;
+    if (IsChecked(node))
+      ++m_checked;
+  });
+  m_outcome.NotReached = m_checked;
+  TDeletionRight right = PrepareDeletions();
+  m_outcome.BackupMade = true;
+  try {
+    TProblemDeleter deleter(m_context.System, std::move(right));
+    DeleteProblems(deleter);
+  } catch (...) {
+    EndWith(TextId::RepairFailed);
+  }
+}
+
+TDeletionRight TCleaning::PrepareDeletions() {
+  try {
+    if (std::optional<TDeletionRight> right = TDeletionRight::WithoutBackup(m_context.System))
+      return *std::move(right);
+    return MakeBackup();
+  } catch (...) {
+    EndWith(TextId::RepairFailedBeforeDeletion);
+  }
+}
+
+// Ends the thread for the reason that is being handled.
+void TCleaning::EndWith(TextId id) const {
+  const Text reason = DescribeException(std::current_exception(), m_context.System.Locale);
+  throw TProgramException(LanguageText(m_context.Vars.Texts, id, reason));
+}
+
+TDeletionRight TCleaning::MakeBackup() {
+  StatusText = kBackupStatus;
+  Percent = 0;
+  UpdateStatus();
+  const Text name = m_store.BeginBackup();
+  std::size_t done = 0;
+  ForEachProblem([this, &done](TResultsNode* node) {
+    if (IsChecked(node))
+      BackUp(m_context.Results.Data(node), done++);
+  });
+  TDeletionRight right = m_store.CommitBackup(name);
+  m_outcome.BackupName = name;
+  return right;
+}
+
+void TCleaning::BackUp(const ScanProblem& problem, std::size_t done) {
+  // The percentages of the deletions count every problem that was backed up once more.
+  ++m_total;
+  ItemText.clear();
+  Percent = PercentOf(done, m_checked);
+  UpdateItem();
+  BackUpProblem(m_store, problem);
+}
+
+void TCleaning::DeleteProblems(TProblemDeleter& deleter) {
+  ResultsTree& results = m_context.Results;
+  for (TResultsNode* header = results.FirstRoot(); header != nullptr && !Terminated();
+       header = results.NextSibling(header)) {
+    if (IsChecked(header)) {
+      StatusText = Say(TextId::RepairingSection) + u" " + results.Data(header).SectionCaption + u"...";
+      UpdateStatus();
+    }
+    DeleteChecked(header, deleter);
+  }
+}
+
+void TCleaning::DeleteChecked(TResultsNode* header, TProblemDeleter& deleter) {
+  ResultsTree& results = m_context.Results;
+  for (TResultsNode* node = results.FirstChild(header); node != nullptr && !Terminated();
+       node = results.NextSibling(node)) {
+    if (!IsChecked(node))
+      continue;
+    DeleteProblem(node, deleter);
+    ++m_deletions;
+  }
+}
+
+void TCleaning::DeleteProblem(TResultsNode* node, TProblemDeleter& deleter) {
+  const ScanProblem& problem = m_context.Results.Data(node);
+  const TDeletionResult result = deleter.Delete(problem);
+  --m_outcome.NotReached;
+  if (result.Deletion == TDeletion::NotCovered) {
+    m_outcome.NotSaved.push_back(node);
+    return;
+  }
+  (result.Deletion == TDeletion::Deleted ? m_outcome.Deleted : m_outcome.Failed).push_back(node);
+  CurrentNode = node;
+  ItemText = ItemTextOf(problem, result);
+  Percent = PercentOf(m_deletions + 1, m_total);
+  UpdateItem();
+}
+
+Text TCleaning::ItemTextOf(const ScanProblem& problem, const TDeletionResult& result) const {
+  if (problem.Kind == kKindKey)
+    return Say(TextId::DeletingKey) + u" ";
+  if (problem.Kind == kKindFile)
+    return Say(TextId::DeletingFile) + u" " + problem.KeyPath;
+  if (!result.KeyOpened)
+    return {};
+  return Say(TextId::DeletingValue) + u" " + problem.KeyPath + u" - " + problem.ValueName;
+}
+
+void TCleaning::UpdateStatus() {
+  Synchronize([this] {
+    if (Terminated())
+      return;
+    OwnerDialog.SetSectionLabel(StatusText);
+    OwnerDialog.SetItemLabel({});
+    OwnerDialog.SetOverallPosition(Percent);
+  });
+}
+
+void TCleaning::UpdateItem() {
+  Synchronize([this] {
+    if (Terminated())
+      return;
+    OwnerDialog.SetItemLabel(ItemText);
+    OwnerDialog.SetSectionPosition(Percent);
+    if (CurrentNode != nullptr)
+      m_context.Results.Data(CurrentNode).StateFlag2 = true;
+  });
+}
+
+void TCleaning::ForEachProblem(const std::function<void(TResultsNode*)>& visit) {
+  ResultsTree& results = m_context.Results;
+  for (TResultsNode* header = results.FirstRoot(); header != nullptr; header = results.NextSibling(header)) {
+    for (TResultsNode* node = results.FirstChild(header); node != nullptr; node = results.NextSibling(node))
+      visit(node);
+  }
+}
+
+bool TCleaning::IsChecked(TResultsNode* node) {
+  return m_context.Results.CheckState(node) == TCheckState::Checked;
+}
+
+Text TCleaning::Say(TextId id) const {
+  return LanguageText(m_context.Vars.Texts, id);
+}

@@ -1,0 +1,78 @@
+// TCleaning: the worker thread that carries out a repair. It writes one backup of everything checked in the
+// results tree, then deletes each checked problem and marks its node.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "core/globals.h"
+#include "core/system.h"
+#include "core/workerthread.h"
+#include "repair/backupstore.h"
+#include "repair/problemrepair.h"
+#include "scan/scantrees.h"
+
+// What a repair works on. Everything must outlive the thread; the tree's nodes and check states do not change
+// while it runs.
+struct TCleaningContext {
+  TSystem& System;
+  const TGlobalVars& Vars;
+  ResultsTree& Results;
+  TUiThread& UiThread;
+  TWorkerThread::TEndHandler OnFinished;  // runs on the user-interface thread when the repair has ended
+};
+
+// What became of the checked problems, in tree order. The nodes are good as long as the tree keeps them.
+struct TCleaningOutcome {
+  bool BackupMade = false;  // the backup is complete, or the setting wants none: deletions may begin
+  Text BackupName;          // empty without a backup
+  std::vector<TResultsNode*> Deleted;   // gone now; perhaps they were before
+  std::vector<TResultsNode*> Failed;    // not deleted by the system; marked as removed all the same
+  std::vector<TResultsNode*> NotSaved;  // not in the backup, so not touched and not marked
+  std::size_t NotReached = 0;           // the repair ended before them
+};
+
+// When the thread ends early its exception says in the user's words whether something was deleted before;
+// DescribeException gives them.
+class TCleaning final : public TWorkerThread {
+ public:
+  // Starts at once. The dialog must live until the end handler has run or the thread was told to terminate.
+  TCleaning(TCleaningContext context, TProgressDialog& ownerDialog);
+
+  // For the end handler.
+  const TCleaningOutcome& Outcome() const {
+    return m_outcome;
+  }
+
+ protected:
+  void Execute() override;
+
+ private:
+  TDeletionRight PrepareDeletions();
+  TDeletionRight MakeBackup();
+  void BackUp(const ScanProblem& problem, std::size_t done);
+  void DeleteProblems(TProblemDeleter& deleter);
+  void DeleteChecked(TResultsNode* header, TProblemDeleter& deleter);
+  void DeleteProblem(TResultsNode* node, TProblemDeleter& deleter);
+  Text ItemTextOf(const ScanProblem& problem, const TDeletionResult& result) const;
+  void UpdateStatus();
+  void UpdateItem();
+  void ForEachProblem(const std::function<void(TResultsNode*)>& visit);
+  bool IsChecked(TResultsNode* node);
+  Text Say(TextId id) const;
+  [[noreturn]] void EndWith(TextId id) const;
+
+  TCleaningContext m_context;
+  TResultsNode* CurrentNode = nullptr;  // empty before the first deletion
+  Text StatusText;
+  Text ItemText;
+  std::int32_t Percent = 0;
+  BackupStore m_store;
+  TProgressDialog& OwnerDialog;
+  std::size_t m_total = 0;
+  std::size_t m_checked = 0;
+  std::size_t m_deletions = 0;
+  TCleaningOutcome m_outcome;
+};

@@ -1,0 +1,51 @@
+# Sourced by the scripts in tests/wine/: counts checks, runs the console program, fills a prefix with broken entries.
+# Expects tools/wine.sh and the variable work, a folder of the script's own.
+
+passed=0
+failed=0
+folder=build/windows-x64/Corvalt
+
+# ok NAME COMMAND...: passed when the command succeeds.
+ok() {
+  local name=$1
+  shift
+  if "$@" >"$work/last" 2>&1; then
+    passed=$((passed + 1))
+    echo "ok    $name"
+  else
+    failed=$((failed + 1))
+    echo "FAIL  $name"
+    head -n 40 "$work/last" | sed 's/^/      /'
+  fi
+}
+
+# corvaltc ARGUMENT...: runs it; sets code, and leaves both outputs in files.
+corvaltc() {
+  code=0
+  run_windows "$folder/corvaltc.exe" "$@" >"$work/out" 2>"$work/err" </dev/null || code=$?
+}
+
+answered() {
+  echo "answered $code"
+  cat "$work/err"
+  [[ $code == "$1" ]]
+}
+
+# error_says TEXT: standard error names it.
+error_says() {
+  cat "$work/err"
+  grep -qF -- "$1" "$work/err"
+}
+
+# Problems of every section, real files beside them.
+fill_prefix() {
+  local drive=$WINEPREFIX/drive_c menu="drive_c/ProgramData/Start Menu/Programs"
+  mkdir -p "$drive/Corvalt/real folder" "$WINEPREFIX/$menu/Corvalt Real" "$WINEPREFIX/$menu/Corvalt Real Without Order"
+  touch "$drive"/Corvalt/real.{exe,dll,hlp} "$drive/windows/Fonts/corvaltreal.ttf"
+  # The registry editor reads UTF-16 with a mark.
+  {
+    printf '\xff\xfe'
+    sed 's/$/\r/' tests/wine/brokenregistry.reg | iconv -f UTF-8 -t UTF-16LE
+  } >"$work/broken.reg"
+  run_windows regedit /S "Z:$work/broken.reg"
+}

@@ -1,0 +1,335 @@
+// The console program from its arguments to its exit code, over a system in memory.
+
+#include <gtest/gtest.h>
+
+#include "scan/catalogue.h"
+#include "tests/support/testconsole.h"
+#include "ui/console/arguments.h"
+#include "ui/console/problemlisting.h"
+
+namespace {
+
+constexpr TextView kShellFolders =
+    u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
+constexpr TextView kRunKey = u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+
+constexpr char kHelpHint[] = "\"corvaltc --help\" explains the commands.\n";
+
+const std::string kShellFolderListing =
+    "Registry Integrity (1)\n"
+    "  HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders\n"
+    "    Value: Fonts\n"
+    "    11068(Fonts|C:\\gone)\n";
+
+class ConsoleProgram : public testing::Test {
+ protected:
+  void AddShellFolderProblem() {
+    m_rig.Scan.System.Registry.Set(kShellFolders, u"Fonts", u"C:\\gone");
+  }
+
+  void ExpectWrongUsage(const std::vector<Text>& arguments, const std::string& line) {
+    EXPECT_EQ(m_rig.Run(arguments), 2);
+    EXPECT_EQ(m_rig.Told(), line + "\n" + kHelpHint);
+    EXPECT_EQ(m_rig.Console.Output, "");
+    EXPECT_EQ(m_rig.Starts, 0);
+    m_rig.Console.Told.clear();
+  }
+
+  std::optional<std::string> File(TextView path) {
+    return m_rig.Scan.System.Disk.Content(path);
+  }
+
+  TConsoleRig m_rig;
+};
+
+std::size_t Lines(const std::string& text) {
+  return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+}  // namespace
+
+TEST_F(ConsoleProgram, WithoutACommandIsWrongUsage) {
+  ExpectWrongUsage({}, "No command is given.");
+}
+
+TEST_F(ConsoleProgram, WrongArgumentsAreToldAndNothingRuns) {
+  ExpectWrongUsage({u"scam"}, "Unknown command: scam");
+  ExpectWrongUsage({u"--quiet"}, "Unknown command: --quiet");
+  ExpectWrongUsage({u"sections", u"all"}, "Unexpected argument: all");
+  ExpectWrongUsage({u"sections", u"--quiet"}, "Unknown option: --quiet");
+  ExpectWrongUsage({u"scan", u"now"}, "Unexpected argument: now");
+  ExpectWrongUsage({u"scan", u"--Quiet"}, "Unknown option: --Quiet");
+  ExpectWrongUsage({u"scan", u"--quiet", u"--quiet"}, "--quiet is given twice.");
+  ExpectWrongUsage({u"scan", u"--json", u"a", u"--json", u"b"}, "--json is given twice.");
+  ExpectWrongUsage({u"scan", u"--json"}, "--json needs a value after it.");
+  ExpectWrongUsage({u"scan", u"--json", u"--quiet"}, "--json needs a value after it.");
+  ExpectWrongUsage({u"scan", u"--report", u""}, "--report needs a value after it.");
+  ExpectWrongUsage({u"--version", u"1"}, "Unexpected argument: 1");
+}
+
+TEST_F(ConsoleProgram, TheReportNeedsAFile) {
+  ExpectWrongUsage({u"scan", u"--report", u"-"},
+                   "--report needs the name of a file; only --json writes to standard output.");
+}
+
+TEST_F(ConsoleProgram, ASectionThatDoesNotExistIsWrongUsage) {
+  for (const Text code : {u"2", u"0", u"99", u"x", u"", u"1x", u"+", u"99999999999"}) {
+    const Text list = u"1," + code;
+    ExpectWrongUsage({u"scan", u"--sections", list},
+                     "There is no section \"" + EncodeUtf8(code) + "\"; \"corvaltc sections\" lists them.");
+  }
+}
+
+TEST_F(ConsoleProgram, HelpNamesEveryCommandAndEveryExitCode) {
+  EXPECT_EQ(m_rig.Run({u"--help"}), 0);
+
+  for (const std::string text :
+       {"  corvaltc sections\n", "  corvaltc scan [--sections", "  0  nothing found\n",
+        "  1  problems found\n", "  2  wrong usage\n", "  3  the scan failed"})
+    EXPECT_NE(m_rig.Console.Output.find(text), std::string::npos) << text;
+  EXPECT_EQ(m_rig.Starts, 0);
+}
+
+TEST_F(ConsoleProgram, HelpIsGivenBehindACommandToo) {
+  EXPECT_EQ(m_rig.Run({u"scan", u"--quiet", u"--help"}), 0);
+
+  EXPECT_NE(m_rig.Console.Output.find("Exit codes:"), std::string::npos);
+  EXPECT_EQ(m_rig.Starts, 0);
+}
+
+TEST_F(ConsoleProgram, VersionIsOneLine) {
+  EXPECT_EQ(m_rig.Run({u"--version"}), 0);
+
+  EXPECT_EQ(m_rig.Console.Output, "corvaltc 9.8.7\n");
+}
+
+TEST_F(ConsoleProgram, SectionsListsCodesAndCaptionsInTheOrderOfTheRun) {
+  EXPECT_EQ(m_rig.Run({u"sections"}), 0);
+
+  EXPECT_EQ(Lines(m_rig.Console.Output), 22U);
+  EXPECT_TRUE(
+      m_rig.Console.Output.starts_with("1\tRegistry Integrity\n"
+                                       "21\tHKEY_LOCAL_MACHINE - Files and Folders\n"
+                                       "22\tHKEY_CURRENT_USER - Files and Folders\n"
+                                       "23\tHKEY_USERS - Files and Folders\n"
+                                       "100\tAdware and Spyware\n"));
+  EXPECT_TRUE(m_rig.Console.Output.ends_with("19\tARP Cache\n"));
+}
+
+TEST_F(ConsoleProgram, EveryCommandRunsTheStartSequenceFirst) {
+  EXPECT_EQ(m_rig.Run({u"sections"}), 0);
+
+  EXPECT_EQ(m_rig.Starts, 1);
+  EXPECT_TRUE(m_rig.Scan.System.Registry.HasValue(
+      u"HKEY_CURRENT_USER\\Software\\TessalySoft\\Tessaly Utilities\\Settings", u"BackupsMax"));
+}
+
+TEST_F(ConsoleProgram, AStartThatFailsEndsWithTheSystemsMessage) {
+  // Each root takes four characters, the system's buffer 129.
+  for (char16_t letter = 0x4E00; letter < 0x4E00 + 33; ++letter)
+    m_rig.Scan.System.Disk.AddDrive(Text(1, letter) + u":\\", kDriveFixed);
+
+  EXPECT_EQ(m_rig.Run({u"sections"}), 3);
+  EXPECT_EQ(m_rig.Told(), EncodeUtf8(m_rig.Scan.System.Locale.SystemMessage(14)) + "\n");
+}
+
+TEST_F(ConsoleProgram, AScanThatFindsNothingAnswersZeroAndWritesNothing) {
+  EXPECT_EQ(m_rig.Run({u"scan", u"--sections", u"1"}), 0);
+
+  EXPECT_EQ(m_rig.Console.Output, "");
+  EXPECT_EQ(m_rig.Told(), "");
+}
+
+TEST_F(ConsoleProgram, AScanListsWhatItFindsAndAnswersOne) {
+  AddShellFolderProblem();
+
+  EXPECT_EQ(m_rig.Run({u"scan", u"--sections", u"1"}), 1);
+  EXPECT_EQ(m_rig.Console.Output, kShellFolderListing);
+}
+
+TEST_F(ConsoleProgram, OnlyTheNamedSectionsRun) {
+  AddShellFolderProblem();
+  m_rig.Scan.System.Registry.Set(kRunKey, u"Old", u"C:\\old.exe");
+
+  EXPECT_EQ(m_rig.Run({u"scan", u"--sections", u"8,19"}), 1);
+  EXPECT_TRUE(m_rig.Console.Output.starts_with("Startup programs (1)\n"));
+}
+
+TEST_F(ConsoleProgram, WithoutSectionsAllRunWhateverIsTickedInTheWindow) {
+  AddShellFolderProblem();
+  m_rig.Scan.WriteCatalogue("<programs/>");
+  m_rig.Scan.System.Registry.SetInteger(
+      u"HKEY_CURRENT_USER\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\Sections", u"8", 1);
+
+  EXPECT_EQ(m_rig.Run({u"scan"}), 1);
+  EXPECT_TRUE(m_rig.Console.Output.starts_with(kShellFolderListing));
+  for (const TSection& section : SectionCatalogue()) {
+    const std::string label = "11035 " + EncodeUtf8(section.ProgressName) + "...";
+    const bool isShown =
+        std::any_of(m_rig.Console.Progress.begin(), m_rig.Console.Progress.end(),
+                    [&label](const std::string& line) { return line.find(label) != std::string::npos; });
+    EXPECT_TRUE(isShown) << label;
+  }
+}
+
+TEST_F(ConsoleProgram, ProgressIsClearedAtTheEnd) {
+  EXPECT_EQ(m_rig.Run({u"scan", u"--sections", u"1"}), 0);
+
+  EXPECT_EQ(m_rig.Console.Progress.back(), "");
+  EXPECT_EQ(m_rig.Console.Progress.end()[-2], "100%  11035 Registry Integrity...  ");
+}
+
+TEST_F(ConsoleProgram, QuietListsNothingAndShowsNoProgress) {
+  AddShellFolderProblem();
+
+  EXPECT_EQ(m_rig.Run({u"scan", u"--sections", u"1", u"--quiet"}), 1);
+  EXPECT_EQ(m_rig.Console.Output, "");
+  EXPECT_TRUE(m_rig.Console.Progress.empty());
+}
+
+TEST_F(ConsoleProgram, JsonToStandardOutputStandsThereAlone) {
+  AddShellFolderProblem();
+
+  EXPECT_EQ(m_rig.Run({u"scan", u"--sections", u"1", u"--json", u"-"}), 1);
+  EXPECT_TRUE(m_rig.Console.Output.starts_with(
+      "{\"sections\":[\n{\"caption\":\"Registry Integrity\",\"rootKey\":\"HKEY_CURRENT_USER\""));
+  EXPECT_TRUE(m_rig.Console.Output.ends_with("]}]}\n"));
+}
+
+TEST_F(ConsoleProgram, ReportAndJsonAreWrittenBesideTheListing) {
+  AddShellFolderProblem();
+
+  EXPECT_EQ(
+      m_rig.Run({u"scan", u"--json", u"C:\\found.json", u"--sections", u"1", u"--report", u"C:\\r.log"}), 1);
+  EXPECT_EQ(m_rig.Console.Output, kShellFolderListing);
+  EXPECT_TRUE(File(u"C:\\found.json").value_or("").starts_with("{\"sections\":["));
+  EXPECT_TRUE(File(u"C:\\r.log").value_or("").starts_with("Report created on "));
+  EXPECT_TRUE(
+      File(u"C:\\r.log").value_or("").ends_with("Problems found on your computer (Total 1 Problems):\r\n"));
+}
+
+TEST_F(ConsoleProgram, AFileThatCannotBeWrittenIsToldAndTheRestIsStillWritten) {
+  AddShellFolderProblem();
+  m_rig.Scan.System.Disk.FailReplacing(kErrorAccessDenied);
+
+  EXPECT_EQ(m_rig.Run({u"scan", u"--sections", u"1", u"--report", u"C:\\r.txt", u"--json", u"C:\\j.json"}),
+            3);
+  const std::string reason = EncodeUtf8(m_rig.Scan.System.Locale.SystemMessage(kErrorAccessDenied));
+  EXPECT_EQ(m_rig.Told(), "40008(C:\\r.txt: " + reason + ")\n40008(C:\\j.json: " + reason + ")\n");
+  EXPECT_EQ(m_rig.Console.Output, kShellFolderListing);
+}
+
+TEST_F(ConsoleProgram, StandardOutputThatFailsIsAFailure) {
+  AddShellFolderProblem();
+  m_rig.Console.WriteFailure = kErrorDiskFull;
+
+  EXPECT_EQ(m_rig.Run({u"scan", u"--sections", u"1"}), 3);
+  EXPECT_EQ(m_rig.Run({u"sections"}), 3);
+  EXPECT_EQ(m_rig.Run({u"--help"}), 3);
+  const std::string reason = EncodeUtf8(m_rig.Scan.System.Locale.SystemMessage(kErrorDiskFull));
+  EXPECT_EQ(m_rig.Told(), "40008(" + reason + ")\n40008(" + reason + ")\n");
+}
+
+TEST_F(ConsoleProgram, AScanThatFailsTellsTheReasonAndWritesWhatItFound) {
+  AddShellFolderProblem();
+
+  EXPECT_EQ(m_rig.Run({u"scan", u"--json", u"C:\\found.json", u"--report", u"C:\\r.txt"}), 3);
+  EXPECT_TRUE(m_rig.Told().starts_with("40002(")) << m_rig.Told();
+  EXPECT_NE(File(u"C:\\found.json").value_or("").find("\"valueName\":\"Fonts\""), std::string::npos);
+  EXPECT_NE(File(u"C:\\r.txt").value_or("").find("Total 1 Problems"), std::string::npos);
+  EXPECT_TRUE(m_rig.Console.Output.starts_with(kShellFolderListing));
+}
+
+TEST_F(ConsoleProgram, TheInterruptKeyCancelsTheScanAndKeepsWhatWasFound) {
+  AddShellFolderProblem();
+  m_rig.Scan.System.Registry.Set(kRunKey, u"Good", u"C:\\Windows");
+  m_rig.Scan.System.Registry.Set(
+      u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\a.exe", u"",
+      u"C:\\gone\\a.exe");
+  bool wasTaken = false;
+  m_rig.Scan.System.Registry.OnRead = [&] {
+    const bool isInStartup = m_rig.Console.Progress.size() > 0 &&
+                             m_rig.Console.Progress.back().find("Startup") != std::string::npos;
+    if (isInStartup && !wasTaken)
+      wasTaken = m_rig.Console.Interrupt();
+  };
+
+  EXPECT_EQ(m_rig.Run({u"scan", u"--sections", u"1,8,10", u"--json", u"C:\\found.json"}), 1);
+  EXPECT_TRUE(wasTaken);
+  EXPECT_EQ(m_rig.Console.Output, kShellFolderListing);
+  EXPECT_EQ(m_rig.Told(), "Scan cancelled: only what was found until then is reported.\n");
+  EXPECT_NE(File(u"C:\\found.json").value_or("").find("\"valueName\":\"Fonts\""), std::string::npos);
+}
+
+TEST_F(ConsoleProgram, ACancelledScanThatFoundNothingAnswersZero) {
+  m_rig.Scan.System.Registry.Set(kShellFolders, u"Fonts", u"C:\\Windows");
+  m_rig.Scan.System.Registry.Set(kRunKey, u"Old", u"C:\\old.exe");
+  m_rig.Scan.System.Registry.OnRead = [&] {
+    if (!m_rig.Console.Progress.empty())
+      m_rig.Console.Interrupt();
+  };
+
+  EXPECT_EQ(m_rig.Run({u"scan", u"--sections", u"1,8"}), 0);
+  EXPECT_EQ(m_rig.Told(), "Scan cancelled: only what was found until then is reported.\n");
+}
+
+TEST_F(ConsoleProgram, TheInterruptKeyEndsTheProgramAgainAfterTheScan) {
+  EXPECT_EQ(m_rig.Run({u"scan", u"--sections", u"1"}), 0);
+
+  EXPECT_FALSE(m_rig.Console.Interrupt());
+}
+
+TEST(ProblemListing, SaysPathValueAndDescriptionOfEachKind) {
+  TResultsTreeModel results;
+  TResultsNode* header = results.AddNode(nullptr);
+  header->Problem.SectionCaption = u"Lists";
+  const auto add = [&](std::int32_t kind, TextView keyPath, TextView valueName) {
+    ScanProblem& problem = results.AddNode(header)->Problem;
+    problem.RootKey = kHkeyLocalMachine;
+    problem.Kind = kind;
+    problem.KeyPath = keyPath;
+    problem.ValueName = valueName;
+    problem.Description = u"Salt && Pepper";
+  };
+  add(kKindKey, u"\\Key", u"ImagePath");
+  add(kKindValue, u"\\Key", u"Name");
+  add(kKindValue, u"\\Key", {});
+  add(kKindValue, u"\\Key", TextView(u"\0", 1));
+  add(kKindFile, u"C:\\a.txt", {});
+
+  EXPECT_EQ(ProblemListing(results),
+            "Lists (5)\n"
+            "  HKEY_LOCAL_MACHINE\\Key\n"
+            "    Salt & Pepper\n"
+            "  HKEY_LOCAL_MACHINE\\Key\n"
+            "    Value: Name\n"
+            "    Salt & Pepper\n"
+            "  HKEY_LOCAL_MACHINE\\Key\n"
+            "    Value: (default)\n"
+            "    Salt & Pepper\n"
+            "  HKEY_LOCAL_MACHINE\\Key\n"
+            "    Value: (default)\n"
+            "    Salt & Pepper\n"
+            "  C:\\a.txt\n"
+            "    Salt & Pepper\n");
+}
+
+TEST(ProblemListing, AnEmptyLineStandsBetweenSections) {
+  TResultsTreeModel results;
+  results.AddNode(nullptr)->Problem.SectionCaption = u"A";
+  results.AddNode(nullptr)->Problem.SectionCaption = u"B";
+
+  EXPECT_EQ(ProblemListing(results), "A (0)\n\nB (0)\n");
+}
+
+TEST(ProblemListing, WhatALineCannotShowIsReplaced) {
+  TResultsTreeModel results;
+  results.AddNode(nullptr)->Problem.SectionCaption = {u'a', u'\n', 0x1B, 0x9B, 0xD800, 0xE9};
+
+  EXPECT_EQ(ProblemListing(results), "a\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xC3\xA9 (0)\n");
+}
+
+TEST(SectionCodes, AreSeparatedByCommas) {
+  EXPECT_EQ(ParseSectionCodes(u"1"), (std::vector<std::int32_t>{1}));
+  EXPECT_EQ(ParseSectionCodes(u"100,21,1"), (std::vector<std::int32_t>{100, 21, 1}));
+}

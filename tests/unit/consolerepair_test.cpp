@@ -1,0 +1,235 @@
+// The console program's commands that change something, over a system in memory.
+
+#include <gtest/gtest.h>
+
+#include "tests/support/testconsole.h"
+
+namespace {
+
+constexpr TextView kShellFolders =
+    u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
+constexpr TextView kModules =
+    u"HKEY_CURRENT_USER\\Software\\TessalySoft\\Tessaly Utilities\\Settings\\AvailableModules";
+constexpr TextView kIgnored =
+    u"HKEY_CURRENT_USER\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\IgnoreList";
+
+const std::string kListing =
+    "Registry Integrity (1)\n"
+    "  HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders\n"
+    "    Value: Fonts\n"
+    "    11068(Fonts|C:\\gone)\n";
+
+class ConsoleRepair : public testing::Test {
+ protected:
+  ConsoleRepair() {
+    m_rig.Scan.System.Registry.Set(kShellFolders, u"Fonts", u"C:\\gone");
+  }
+
+  // Forgets what was written and told before.
+  int Run(const std::vector<Text>& arguments) {
+    m_rig.Console.Output.clear();
+    m_rig.Console.Told.clear();
+    return m_rig.Run(arguments);
+  }
+
+  int Repair(std::vector<Text> more = {u"--yes"}) {
+    more.insert(more.begin(), {u"repair", u"--sections", u"1"});
+    return Run(more);
+  }
+
+  bool HasProblem() {
+    return m_rig.Scan.System.Registry.HasValue(kShellFolders, u"Fonts");
+  }
+
+  Text BackupsFolder() {
+    return u"C:\\Users\\Ann\\AppData\\TessalySoft\\Tessaly Utilities\\Backups\\";
+  }
+
+  TConsoleRig m_rig;
+};
+
+}  // namespace
+
+TEST_F(ConsoleRepair, WithoutYesListsWhatItWouldDeleteAndDeletesNothing) {
+  m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"index.ini", "[1]\r\nType=11001\r\n");
+  EXPECT_EQ(Repair({}), 1);
+  EXPECT_EQ(m_rig.Console.Output, kListing);
+  EXPECT_EQ(m_rig.Told(), "Nothing was deleted; with --yes repair deletes what it lists.\n");
+  EXPECT_TRUE(HasProblem());
+  // Not even an old backup.
+  EXPECT_EQ(m_rig.Scan.System.Disk.Content(BackupsFolder() + u"index.ini"), "[1]\r\nType=11001\r\n");
+}
+
+TEST_F(ConsoleRepair, WithYesBacksUpAndDeletes) {
+  EXPECT_EQ(Repair(), 0);
+  EXPECT_FALSE(HasProblem());
+  EXPECT_EQ(m_rig.Console.Output, "");
+  EXPECT_EQ(m_rig.Told(), "Backup: 46341.5\nRepaired: 1\n");
+}
+
+TEST_F(ConsoleRepair, WithNothingToDoAnswersZeroAndMakesNoBackup) {
+  Repair();
+  m_rig.Scan.System.Clock.Time += 1;
+  EXPECT_EQ(Repair(), 0);
+  EXPECT_EQ(m_rig.Told(), "");
+  EXPECT_FALSE(m_rig.Scan.System.Disk.Content(BackupsFolder() + u"46342.5"));
+}
+
+TEST_F(ConsoleRepair, TidiesTheBackupsUpFirst) {
+  m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"index.ini", "[1]\r\nType=11001\r\n");
+  EXPECT_EQ(Repair(), 0);
+  EXPECT_EQ(m_rig.Scan.System.Disk.Content(BackupsFolder() + u"index.ini"), "[46341.5]\r\nType=11001\r\n");
+}
+
+TEST_F(ConsoleRepair, ListsWhatIsLeftAndAnswersOne) {
+  m_rig.Scan.System.Registry.Set(u"HKEY_CURRENT_USER\\Software\\App", u"File", u"C:\\gone");
+  m_rig.Scan.System.Registry.MakeLink(u"HKEY_CURRENT_USER\\Software\\Link",
+                                      u"HKEY_CURRENT_USER\\Software\\App");
+  EXPECT_EQ(Run({u"repair", u"--sections", u"22", u"--yes"}), 1);
+  EXPECT_FALSE(m_rig.Scan.System.Registry.HasValue(u"HKEY_CURRENT_USER\\Software\\App", u"File"));
+  EXPECT_NE(m_rig.Console.Output.find("\\Software\\Link\n"), std::string::npos) << m_rig.Console.Output;
+  EXPECT_EQ(m_rig.Console.Output.find("\\Software\\App\n"), std::string::npos);
+  EXPECT_NE(m_rig.Told().find("Could not be backed up, so not touched: 1\n"), std::string::npos)
+      << m_rig.Told();
+}
+
+TEST_F(ConsoleRepair, AnswersThreeWithTheReasonWhenTheDiskIsFull) {
+  m_rig.Scan.System.Disk.FailReplacing(kErrorDiskFull);
+  EXPECT_EQ(Repair(), 3);
+  EXPECT_TRUE(HasProblem());
+  EXPECT_NE(m_rig.Told().find("40004("), std::string::npos) << m_rig.Told();
+  EXPECT_NE(m_rig.Told().find("System message 112."), std::string::npos) << m_rig.Told();
+}
+
+TEST_F(ConsoleRepair, RepairsAlsoWhenTheBackupsCannotBeTidiedUp) {
+  m_rig.Scan.System.Disk.AddFile(u"C:\\Users\\Ann\\AppData\\TessalySoft\\Corvalt\\Backups\\index.ini",
+                                 "[1]\r\n");
+  m_rig.Scan.System.Disk.MakeUnreadable(u"C:\\Users\\Ann\\AppData\\TessalySoft\\Corvalt\\Backups\\index.ini");
+  EXPECT_EQ(Repair(), 0);
+  EXPECT_NE(m_rig.Told().find("40007("), std::string::npos) << m_rig.Told();
+  EXPECT_FALSE(HasProblem());
+}
+
+TEST_F(ConsoleRepair, AnswersThreeWhenTheScanFails) {
+  EXPECT_EQ(Run({u"repair", u"--sections", u"1,100", u"--yes"}), 3);
+  EXPECT_TRUE(HasProblem());
+}
+
+TEST_F(ConsoleRepair, WithBackupsSwitchedOffNeedsASecondWord) {
+  m_rig.Scan.System.Registry.SetInteger(kModules, u"RegistryCleaner", 0);
+  EXPECT_EQ(Repair(), 2);
+  EXPECT_TRUE(HasProblem());
+  EXPECT_EQ(Repair({u"--yes", u"--no-backup"}), 0);
+  EXPECT_FALSE(HasProblem());
+  EXPECT_EQ(m_rig.Told(), "Repaired: 1\n");
+  EXPECT_FALSE(m_rig.Scan.System.Disk.Content(BackupsFolder() + u"index.ini"));
+}
+
+TEST_F(ConsoleRepair, MakesABackupInSpiteOfTheWordWhereTheSettingsWantOne) {
+  EXPECT_EQ(Repair({u"--yes", u"--no-backup"}), 0);
+  EXPECT_TRUE(m_rig.Scan.System.Disk.Content(BackupsFolder() + u"46341.5"));
+}
+
+TEST_F(ConsoleRepair, WritesWhatItFoundAsJsonBeforeItDeletes) {
+  EXPECT_EQ(Repair({u"--yes", u"--json", u"-"}), 0);
+  EXPECT_NE(m_rig.Console.Output.find("\"valueName\":\"Fonts\""), std::string::npos) << m_rig.Console.Output;
+  m_rig.Scan.System.Registry.Set(kShellFolders, u"Fonts", u"C:\\gone");
+  EXPECT_EQ(Repair({u"--yes", u"--json", u"C:\\no folder\\a.json"}), 3);
+  EXPECT_TRUE(HasProblem());
+}
+
+TEST_F(ConsoleRepair, RefusesWrongArguments) {
+  EXPECT_EQ(Run({u"repair", u"all"}), 2);
+  EXPECT_EQ(Run({u"repair", u"--quiet"}), 2);
+  EXPECT_EQ(Run({u"repair", u"--sections", u"2", u"--yes"}), 2);
+  EXPECT_EQ(Run({u"backups", u"all"}), 2);
+  EXPECT_EQ(Run({u"restore"}), 2);
+  EXPECT_EQ(Run({u"restore", u"1", u"2"}), 2);
+  EXPECT_EQ(Run({u"ignore"}), 2);
+  EXPECT_EQ(Run({u"ignore", u"list", u"x"}), 2);
+  EXPECT_EQ(Run({u"ignore", u"add"}), 2);
+  EXPECT_EQ(Run({u"ignore", u"add", u""}), 2);
+  EXPECT_EQ(m_rig.Starts, 0);
+}
+
+TEST_F(ConsoleRepair, BackupsListsNameTimeAndSizeNewestFirst) {
+  m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"index.ini",
+                                 "[46340]\r\nType=11001\r\n[46341.5]\r\nType=11001\r\n[3]\r\nType=1\r\n");
+  m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"46341.5", "12345");
+  EXPECT_EQ(Run({u"backups"}), 0);
+  EXPECT_EQ(m_rig.Console.Output, "46341.5\t11/15/2026 12:00:00 PM\t5\n46340\t11/14/2026 12:00:00 AM\t0\n");
+  EXPECT_EQ(m_rig.Told(), "");
+}
+
+TEST_F(ConsoleRepair, BackupsSaysWhyTheyCannotBeListed) {
+  m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"index.ini", "");
+  m_rig.Scan.System.Disk.MakeUnreadable(BackupsFolder() + u"index.ini");
+  EXPECT_EQ(Run({u"backups"}), 3);
+  EXPECT_EQ(m_rig.Told().substr(0, 6), "40009(");
+}
+
+TEST_F(ConsoleRepair, RestoreBringsItBack) {
+  Repair();
+  EXPECT_EQ(Run({u"restore", u"46341.5"}), 0);
+  EXPECT_TRUE(HasProblem());
+  EXPECT_EQ(m_rig.Told(), "11041(46341.5)\n");
+}
+
+TEST_F(ConsoleRepair, RestoreAnswersOneWhenLinesAreSkipped) {
+  Repair();
+  const std::string text = *m_rig.Scan.System.Disk.Content(BackupsFolder() + u"46341.5");
+  m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"46341.5", text + "nonsense\r\n");
+  EXPECT_EQ(Run({u"restore", u"46341.5"}), 1);
+  EXPECT_TRUE(HasProblem());
+  EXPECT_EQ(m_rig.Told(), "40014(46341.5)\n40015(1)\n");
+}
+
+TEST_F(ConsoleRepair, RestoreRefusesWhatIsNotListed) {
+  m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"7", "REGEDIT4\r\n[HKEY_CURRENT_USER\\Made]\r\n");
+  EXPECT_EQ(Run({u"restore", u"7"}), 3);
+  EXPECT_FALSE(m_rig.Scan.System.Registry.HasKey(u"HKEY_CURRENT_USER\\Made"));
+  EXPECT_EQ(m_rig.Told(), "40010(7)\n");
+}
+
+TEST_F(ConsoleRepair, RestoreRefusesAFileWithoutTheHeader) {
+  Repair();
+  m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"46341.5", "[HKEY_CURRENT_USER\\Made]\r\n");
+  EXPECT_EQ(Run({u"restore", u"46341.5"}), 3);
+  EXPECT_EQ(m_rig.Told(), "40011(46341.5)\n");
+}
+
+TEST_F(ConsoleRepair, OnlyARepairTidiesTheBackupsUp) {
+  const std::string index = "[1]\r\nType=11001\r\n";
+  m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"index.ini", index);
+  Run({u"backups"});
+  Run({u"restore", u"1"});
+  Run({u"scan", u"--sections", u"1"});
+  Run({u"ignore", u"list"});
+  EXPECT_EQ(m_rig.Scan.System.Disk.Content(BackupsFolder() + u"index.ini"), index);
+}
+
+TEST_F(ConsoleRepair, IgnoreAddsListsAndRemovesEntries) {
+  EXPECT_EQ(Run({u"ignore", u"add", u"HKEY_CURRENT_USER\\A\\"}), 0);
+  EXPECT_EQ(Run({u"ignore", u"add", u"HKEY_CURRENT_USER\\B\\"}), 0);
+  EXPECT_EQ(Run({u"ignore", u"list"}), 0);
+  EXPECT_EQ(m_rig.Console.Output, "HKEY_CURRENT_USER\\A\\\nHKEY_CURRENT_USER\\B\\\n");
+  EXPECT_EQ(Run({u"ignore", u"remove", u"hkey_current_user\\a\\"}), 0);
+  EXPECT_EQ(Run({u"ignore", u"list"}), 0);
+  EXPECT_EQ(m_rig.Console.Output, "HKEY_CURRENT_USER\\B\\\n");
+  EXPECT_EQ(Run({u"ignore", u"remove", u"HKEY_CURRENT_USER\\A\\"}), 1);
+}
+
+TEST_F(ConsoleRepair, IgnoreShowsAndRemovesSwitchedOffEntries) {
+  m_rig.Scan.System.Registry.SetInteger(kIgnored, u";off", 1);
+  m_rig.Scan.System.Registry.SetInteger(kIgnored, u"off", 1);
+  EXPECT_EQ(Run({u"ignore", u"list"}), 0);
+  EXPECT_EQ(m_rig.Console.Output, ";off\noff\n");
+  EXPECT_EQ(Run({u"ignore", u"remove", u"off"}), 0);
+  EXPECT_FALSE(m_rig.Scan.System.Registry.HasValue(kIgnored, u";off"));
+  EXPECT_FALSE(m_rig.Scan.System.Registry.HasValue(kIgnored, u"off"));
+}
+
+TEST_F(ConsoleRepair, IgnoreSaysWhenTheListCannotBeStored) {
+  m_rig.Scan.System.Registry.Deny(kIgnored);
+  EXPECT_EQ(Run({u"ignore", u"add", u"x"}), 3);
+}

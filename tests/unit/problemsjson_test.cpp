@@ -1,0 +1,93 @@
+// The results tree as JSON, byte for byte.
+
+#include "ui/problemsjson.h"
+
+#include <gtest/gtest.h>
+
+#include "ui/resultstree.h"
+
+namespace {
+
+ScanProblem Header(TextView caption, TRootKey rootKey, std::int32_t imageIndex, std::uint32_t childCount) {
+  ScanProblem header;
+  header.SectionCaption = caption;
+  header.RootKey = rootKey;
+  header.ImageIndex = imageIndex;
+  header.ChildCount = childCount;
+  return header;
+}
+
+ScanProblem Problem(TRootKey rootKey, TextView keyPath) {
+  ScanProblem problem;
+  problem.RootKey = rootKey;
+  problem.KeyPath = keyPath;
+  return problem;
+}
+
+TResultsNode* Add(TResultsTreeModel& results, TResultsNode* parent, const ScanProblem& problem) {
+  TResultsNode* node = results.AddNode(parent);
+  node->Problem = problem;
+  return node;
+}
+
+}  // namespace
+
+TEST(ProblemsJson, AnEmptyTreeIsAnEmptyList) {
+  TResultsTreeModel results;
+
+  EXPECT_EQ(ProblemsJson(results), "{\"sections\":[]}\n");
+}
+
+TEST(ProblemsJson, SaysEveryFieldOfHeadersAndProblemsInTreeOrder) {
+  TResultsTreeModel results;
+  TResultsNode* fonts = Add(results, nullptr, Header(u"Windows Fonts", kNoRootKey, 14, 2));
+  ScanProblem first = Problem(kHkeyLocalMachine, u"\\Software\\Fonts");
+  first.ValueName = u"Arial";
+  first.ValueData = u"C:\\a \"b\".ttf";
+  first.Description = u"It is && was";
+  first.Extra = u"more";
+  first.CheckMark = kCheckMarkSkip;
+  Add(results, fonts, first);
+  ScanProblem second = Problem(kHkeyUsers, u"\\.DEFAULT");
+  second.Kind = kKindKey;
+  second.ImageIndex = 0;
+  Add(results, fonts, second);
+  Add(results, nullptr, Header(u"Start Menu", kHkeyCurrentUser, 9, 0));
+
+  EXPECT_EQ(ProblemsJson(results),
+            R"({"sections":[
+{"caption":"Windows Fonts","rootKey":null,"imageIndex":14,"childCount":2,"problems":[
+{"rootKey":"HKEY_LOCAL_MACHINE","keyPath":"\\Software\\Fonts","valueName":"Arial","valueData":"C:\\a \"b\".ttf",)"
+            R"("description":"It is && was","kind":2,"imageIndex":-1,"extra":"more","checkMark":2},
+{"rootKey":"HKEY_USERS","keyPath":"\\.DEFAULT","valueName":"","valueData":"","description":"","kind":1,)"
+            R"("imageIndex":0,"extra":"","checkMark":1}]},
+{"caption":"Start Menu","rootKey":"HKEY_CURRENT_USER","imageIndex":9,"childCount":0,"problems":[]}]}
+)");
+}
+
+TEST(JsonString, QuotesAndBackslashesAreEscaped) {
+  EXPECT_EQ(JsonString(u"a\"b\\c/d"), R"("a\"b\\c/d")");
+}
+
+TEST(JsonString, ControlCharactersBecomeEscapes) {
+  const Text text = {u'a', u'\0', u'\n', u'\t', 0x1B, 0x7F, 0x9B, u'z'};
+
+  EXPECT_EQ(JsonString(text), R"("a\u0000\u000a\u0009\u001b\u007f\u009bz")");
+}
+
+TEST(JsonString, OtherCharactersAreUtf8) {
+  EXPECT_EQ(JsonString(u"\u00E9\u4E2D\U0001F600\uFFFF"),
+            "\"\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80\xEF\xBF\xBF\"");
+}
+
+TEST(JsonString, LoneSurrogatesBecomeEscapes) {
+  const Text highAtTheEnd = {u'a', 0xD800};
+  const Text highBeforeALetter = {0xDBFF, u'a'};
+  const Text lowAlone = {0xDC00, u'a'};
+  const Text lowBeforeHigh = {0xDFFF, 0xD83D, 0xDE00};
+
+  EXPECT_EQ(JsonString(highAtTheEnd), R"("a\ud800")");
+  EXPECT_EQ(JsonString(highBeforeALetter), R"("\udbffa")");
+  EXPECT_EQ(JsonString(lowAlone), R"("\udc00a")");
+  EXPECT_EQ(JsonString(lowBeforeHigh), "\"\\udfff\xF0\x9F\x98\x80\"");
+}

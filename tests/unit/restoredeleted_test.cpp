@@ -1,0 +1,235 @@
+#include "repair/restoredeleted.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/memory/memorysystem.h"
+#include "tests/support/scanrig.h"
+
+namespace {
+
+constexpr TextView kFolder = u"C:\\Backups\\";
+constexpr TextView kKey = u"HKEY_CURRENT_USER\\Software\\Old";
+constexpr std::string_view kBackup =
+    "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\Old]\r\n\"Path\"=\"x\"\r\n";
+
+using TLines = std::vector<std::string>;
+
+class TRestoreRig {
+ public:
+  TRestoreRig() {
+    Vars.SuiteBackupsFolder = kFolder;
+    Vars.Texts = NumberedTexts();
+  }
+
+  // Lists a backup; its file holds the content.
+  void AddBackup(std::string_view name, std::string_view content = kBackup) {
+    m_index += "[" + std::string(name) + "]\r\nType=11001\r\n";
+    System.Disk.AddFile(Text(kFolder) + u"index.ini", m_index);
+    System.Disk.AddFile(Text(kFolder) + FromAscii(name), content);
+  }
+
+  TRestoreModel Filled() {
+    TSystem system = System.Bundle();
+    TRestoreModel model(system, Vars);
+    model.Fill();
+    return model;
+  }
+
+  TMemorySystem System;
+  TGlobalVars Vars;
+
+ private:
+  std::string m_index;
+};
+
+TLines NamesOf(const TRestoreModel& model) {
+  TLines names;
+  for (const TRestoreRow& row : model.Rows())
+    names.push_back(EncodeUtf8(row.BackupName));
+  return names;
+}
+
+}  // namespace
+
+TEST(RestoreDialog, ShowsDateTimeAndSizeOfEachBackup) {
+  TRestoreRig rig;
+  rig.AddBackup("46341.5", std::string(2048, 'x'));
+  rig.AddBackup("46340", "x");
+  const TRestoreModel model = rig.Filled();
+  ASSERT_EQ(model.Rows().size(), 2U);
+  EXPECT_EQ(model.Rows()[0].Caption, u"11039 - 11/15/2026 12:00:00 PM");
+  EXPECT_EQ(model.Rows()[0].SizeText, u"2.00 KB");
+  EXPECT_EQ(model.Rows()[0].BackupName, u"46341.5");
+  EXPECT_EQ(model.Rows()[1].Caption, u"11039 - 11/14/2026 12:00:00 AM");
+  EXPECT_EQ(model.Rows()[1].SizeText, u"1 Byte");
+}
+
+TEST(RestoreDialog, SortsByNameNewestFirst) {
+  TRestoreRig rig;
+  for (const char* name : {"46339.5", "46341.25", "46340", "9"})
+    rig.AddBackup(name);
+  EXPECT_EQ(NamesOf(rig.Filled()), TLines({"9", "46341.25", "46340", "46339.5"}));
+}
+
+TEST(RestoreDialog, SkipsOtherModulesAndNamesThatAreNoNumber) {
+  TRestoreRig rig;
+  rig.System.Disk.AddFile(Text(kFolder) + u"index.ini",
+                          "[1]\r\nType=29001\r\n[notes]\r\nType=11001\r\n[3]\r\n");
+  EXPECT_TRUE(rig.Filled().Rows().empty());
+  EXPECT_TRUE(rig.System.Shell.Calls.empty());
+}
+
+TEST(RestoreDialog, WithoutBackupsIsEmpty) {
+  TRestoreRig rig;
+  EXPECT_TRUE(rig.Filled().Rows().empty());
+}
+
+TEST(RestoreDialog, SaysWhyTheListCannotBeRead) {
+  TRestoreRig rig;
+  rig.AddBackup("1");
+  rig.System.Disk.FailReading(kErrorAccessDenied);
+  EXPECT_TRUE(rig.Filled().Rows().empty());
+  EXPECT_EQ(rig.System.Shell.Calls,
+            TLines({"failure 40001 | 40009(C:\\Backups\\index.ini: System message 5.)"}));
+}
+
+TEST(RestoringABackup, AsksImportsAndReports) {
+  TRestoreRig rig;
+  rig.AddBackup("46341.5");
+  TRestoreModel model = rig.Filled();
+  rig.System.Shell.Answers = {TAnswer::Yes};
+  model.Restore(0);
+  EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Path"));
+  EXPECT_EQ(rig.System.Shell.Calls, TLines({"question 10044 | 11040(11039 - 11/15/2026 12:00:00 PM)",
+                                            "information 10045 | 11041(11039 - 11/15/2026 12:00:00 PM)"}));
+  EXPECT_EQ(NamesOf(model), TLines({"46341.5"}));
+  EXPECT_TRUE(rig.System.Disk.Content(u"C:\\Backups\\46341.5"));
+}
+
+TEST(RestoringABackup, WritesOverWhatIsThere) {
+  TRestoreRig rig;
+  rig.AddBackup("46341.5");
+  rig.System.Registry.SetInteger(kKey, u"Path", 7);
+  TSystem system = rig.System.Bundle();
+  EXPECT_EQ(RestoreBackup(system, rig.Vars, u"46341.5").End, TRestoreEnd::Restored);
+  EXPECT_EQ(rig.System.Registry.FindValue(kKey, u"Path")->Type, kRegSz);
+}
+
+TEST(RestoringABackup, DoesNothingWhenTheAnswerIsNo) {
+  TRestoreRig rig;
+  rig.AddBackup("46341.5");
+  TRestoreModel model = rig.Filled();
+  rig.System.Shell.Answers = {TAnswer::No};
+  model.Restore(0);
+  EXPECT_FALSE(rig.System.Registry.HasKey(kKey));
+  EXPECT_EQ(rig.System.Shell.Calls.size(), 1U);
+}
+
+TEST(RestoringABackup, SaysThatItsFileIsMissing) {
+  TRestoreRig rig;
+  rig.AddBackup("46341.5");
+  TRestoreModel model = rig.Filled();
+  rig.System.Disk.Remove(u"C:\\Backups\\46341.5");
+  rig.System.Shell.Answers = {TAnswer::Yes};
+  model.Restore(0);
+  EXPECT_EQ(rig.System.Shell.Calls.back(), "failure 40001 | 40010(11039 - 11/15/2026 12:00:00 PM)");
+}
+
+TEST(RestoringABackup, SaysThatItsFileIsNoRegistryText) {
+  TRestoreRig rig;
+  rig.AddBackup("46341.5", "[HKEY_CURRENT_USER\\Software\\Old]\r\n\"Path\"=\"x\"\r\n");
+  TRestoreModel model = rig.Filled();
+  rig.System.Shell.Answers = {TAnswer::Yes};
+  model.Restore(0);
+  EXPECT_FALSE(rig.System.Registry.HasKey(kKey));
+  EXPECT_EQ(rig.System.Shell.Calls.back(), "failure 40001 | 40011(11039 - 11/15/2026 12:00:00 PM)");
+}
+
+TEST(RestoringABackup, SaysWhyItsFileCannotBeRead) {
+  TRestoreRig rig;
+  rig.AddBackup("46341.5");
+  TRestoreModel model = rig.Filled();
+  rig.System.Disk.FailReading(kErrorAccessDenied);
+  rig.System.Shell.Answers = {TAnswer::Yes};
+  model.Restore(0);
+  EXPECT_EQ(rig.System.Shell.Calls.back(),
+            "failure 40001 | 40012(11039 - 11/15/2026 12:00:00 PM|System message 5.)");
+}
+
+TEST(RestoringABackup, ImportsAroundMalformedLinesAndCountsThem) {
+  TRestoreRig rig;
+  rig.AddBackup("46341.5", std::string(kBackup) + "\"broken\r\n\"b\"=\"y\"\r\nnonsense\r\n");
+  TRestoreModel model = rig.Filled();
+  rig.System.Shell.Answers = {TAnswer::Yes};
+  model.Restore(0);
+  EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Path"));
+  EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"b"));
+  EXPECT_EQ(rig.System.Shell.Calls.back(),
+            "failure 40001 | 40014(11039 - 11/15/2026 12:00:00 PM)\r\n40015(2)");
+}
+
+TEST(RestoringABackup, CountsWhatTheRegistryRefused) {
+  TRestoreRig rig;
+  rig.AddBackup("46341.5", std::string(kBackup) + "\"broken\r\n");
+  rig.System.Registry.Deny(kKey);
+  TSystem system = rig.System.Bundle();
+  const TRestoreOutcome outcome = RestoreBackup(system, rig.Vars, u"46341.5");
+  EXPECT_EQ(outcome.End, TRestoreEnd::Incomplete);
+  EXPECT_GT(outcome.Import.WritesFailed, 0U);
+  const std::string told = EncodeUtf8(DescribeRestore(outcome, u"row", rig.Vars, rig.System.Locale));
+  EXPECT_EQ(told, "40014(row)\r\n40015(1)\r\n40016(" + std::to_string(outcome.Import.WritesFailed) + ")");
+}
+
+TEST(RestoringABackup, ReadsNothingThroughALinkOrOutsideTheFolder) {
+  TRestoreRig rig;
+  rig.AddBackup("1");
+  rig.System.Disk.MakeLink(u"C:\\Backups\\1");
+  rig.System.Disk.AddFile(u"C:\\other.reg", kBackup);
+  TSystem system = rig.System.Bundle();
+  for (const TextView name : {u"1", u"..\\other.reg", u"C:\\other.reg"})
+    EXPECT_EQ(RestoreBackup(system, rig.Vars, name).End, TRestoreEnd::NoFile) << EncodeUtf8(name);
+  EXPECT_FALSE(rig.System.Registry.HasKey(kKey));
+}
+
+TEST(RemovingARow, DeletesTheBackupAtOnceWithoutAsking) {
+  TRestoreRig rig;
+  rig.AddBackup("1");
+  rig.AddBackup("2");
+  TRestoreModel model = rig.Filled();
+  EXPECT_TRUE(model.Remove(0));
+  EXPECT_EQ(NamesOf(model), TLines({"1"}));
+  EXPECT_EQ(NamesOf(rig.Filled()), TLines({"1"}));
+  EXPECT_FALSE(rig.System.Disk.Content(u"C:\\Backups\\2"));
+  EXPECT_TRUE(rig.System.Shell.Calls.empty());
+}
+
+TEST(RemovingARow, KeepsItAndSaysWhyWhenTheFileCannotBeDeleted) {
+  TRestoreRig rig;
+  rig.AddBackup("46341.5");
+  TRestoreModel model = rig.Filled();
+  rig.System.Disk.FailDeleting(kErrorAccessDenied);
+  EXPECT_FALSE(model.Remove(0));
+  EXPECT_EQ(NamesOf(model), TLines({"46341.5"}));
+  EXPECT_EQ(
+      rig.System.Shell.Calls,
+      TLines(
+          {"failure 40001 | 40013(11039 - 11/15/2026 12:00:00 PM|C:\\Backups\\46341.5: System message 5.)"}));
+}
+
+TEST(ViewingABackup, ShowsTheFileUnderTheRowsText) {
+  TRestoreRig rig;
+  rig.AddBackup("46341.5", "REGEDIT4\n\n[x]\n");
+  const std::optional<TBackupView> view = rig.Filled().View(0);
+  ASSERT_TRUE(view);
+  EXPECT_EQ(view->Caption, u"11039 - 11/15/2026 12:00:00 PM");
+  EXPECT_EQ(view->Content, u"REGEDIT4\r\n\r\n[x]\r\n");
+}
+
+TEST(ViewingABackup, SaysThatItsFileIsMissing) {
+  TRestoreRig rig;
+  rig.AddBackup("46341.5");
+  TRestoreModel model = rig.Filled();
+  rig.System.Disk.Remove(u"C:\\Backups\\46341.5");
+  EXPECT_FALSE(model.View(0));
+  EXPECT_EQ(rig.System.Shell.Calls, TLines({"failure 40001 | 40010(11039 - 11/15/2026 12:00:00 PM)"}));
+}

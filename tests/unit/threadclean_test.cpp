@@ -1,0 +1,545 @@
+#include "repair/threadclean.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "tests/support/repairrig.h"
+
+namespace {
+
+using TLines = std::vector<std::string>;
+
+constexpr TextView kOld = u"HKEY_CURRENT_USER\\Software\\Old";
+constexpr TextView kSettings =
+    u"HKEY_CURRENT_USER\\Software\\TessalySoft\\Tessaly Utilities\\Settings\\AvailableModules";
+constexpr TextView kPrograms = u"HKEY_CURRENT_USER\\Menu\\Start Menu2\\Programs";
+constexpr TextView kRecent = u"HKEY_CURRENT_USER\\Software\\Recent";
+constexpr std::int32_t kStartMenuImage = 9;
+constexpr std::int32_t kMruImage = 17;
+
+bool Holds(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+// One section with a key and a value below it, both broken.
+class TSmallRepair : public TRepairRig {
+ public:
+  TSmallRepair() {
+    System.Registry.Set(u"HKEY_CURRENT_USER\\Software\\Old\\Below", u"Deep", u"x");
+    System.Registry.Set(u"HKEY_LOCAL_MACHINE\\Software\\Run", u"Updater", u"C:\\gone.exe");
+    System.Registry.Set(u"HKEY_LOCAL_MACHINE\\Software\\Run", u"Good", u"C:\\good.exe");
+    Section = AddSection(u"Broken");
+    Key = AddProblem(Section, KeyProblem(kHkeyCurrentUser, u"\\Software\\Old"));
+    Value = AddProblem(Section, ValueProblem(kHkeyLocalMachine, u"\\Software\\Run", u"Updater"));
+  }
+
+  std::vector<std::string> Dump() {
+    std::vector<std::string> lines = System.Registry.Dump(u"HKEY_CURRENT_USER");
+    for (std::string& line : System.Registry.Dump(u"HKEY_LOCAL_MACHINE"))
+      lines.push_back(std::move(line));
+    // A value that comes back is the last of its key, in the order of creation.
+    std::sort(lines.begin(), lines.end());
+    return lines;
+  }
+
+  TResultsNode* Section = nullptr;
+  TResultsNode* Key = nullptr;
+  TResultsNode* Value = nullptr;
+};
+
+}  // namespace
+
+TEST(Repair, DeletesWhatIsCheckedAndMarksIt) {
+  TSmallRepair rig;
+  rig.Repair();
+  EXPECT_FALSE(rig.System.Registry.HasKey(kOld));
+  EXPECT_FALSE(rig.System.Registry.HasValue(u"HKEY_LOCAL_MACHINE\\Software\\Run", u"Updater"));
+  EXPECT_TRUE(rig.System.Registry.HasValue(u"HKEY_LOCAL_MACHINE\\Software\\Run", u"Good"));
+  EXPECT_TRUE(rig.Key->Problem.StateFlag2);
+  EXPECT_TRUE(rig.Value->Problem.StateFlag2);
+  EXPECT_FALSE(rig.Section->Problem.StateFlag2);
+  EXPECT_EQ(rig.Outcome.Deleted.size(), 2U);
+  EXPECT_EQ(rig.FailureText, "");
+}
+
+TEST(Repair, LeavesWhatIsNotChecked) {
+  TSmallRepair rig;
+  rig.Uncheck(rig.Key);
+  rig.Repair();
+  EXPECT_TRUE(rig.System.Registry.HasKey(kOld));
+  EXPECT_FALSE(Holds(rig.BackupText(), "Software\\Old"));
+  EXPECT_EQ(rig.Unmarked(), TLines({"\\Software\\Old|"}));
+}
+
+TEST(Repair, BacksUpEverythingThenListsItThenBeginsToDelete) {
+  TSmallRepair rig;
+  TJournal journal;
+  rig.System.KeepJournal(journal);
+  rig.Repair();
+  const std::string folder = EncodeUtf8(rig.Vars.SuiteBackupsFolder);
+  EXPECT_EQ(journal.Entries(),
+            TLines({"replace file " + folder + "46341.5", "replace file " + folder + "index.ini",
+                    "delete key \\Software\\Old", "delete value Updater"}));
+}
+
+TEST(Repair, IsUndoneByARestoreByteForByte) {
+  TSmallRepair rig;
+  const std::vector<std::string> before = rig.Dump();
+  rig.Repair();
+  EXPECT_NE(rig.Dump(), before);
+  rig.RestoreTheBackup();
+  EXPECT_EQ(rig.Dump(), before);
+}
+
+TEST(Repair, WritesTheBackupInTheOrderOfTheTree) {
+  TSmallRepair rig;
+  rig.Repair();
+  const std::string text = rig.BackupText();
+  const std::size_t key = text.find("[HKEY_CURRENT_USER\\Software\\Old]");
+  const std::size_t value = text.find("[HKEY_LOCAL_MACHINE\\Software\\Run]");
+  ASSERT_NE(key, std::string::npos) << text;
+  ASSERT_NE(value, std::string::npos) << text;
+  EXPECT_LT(key, value);
+  EXPECT_FALSE(Holds(text, "Good"));
+}
+
+TEST(Repair, ExportsAProblemAlsoWhenAnothersExportHoldsItsKey) {
+  TSmallRepair rig;
+  rig.AddProblem(rig.Section, ValueProblem(kHkeyCurrentUser, u"\\Software\\Old\\Below", u"Deep"));
+  const std::vector<std::string> before = rig.Dump();
+  rig.Repair();
+  const std::string text = rig.BackupText();
+  const std::size_t first = text.find("\"Deep\"");
+  ASSERT_NE(first, std::string::npos);
+  EXPECT_NE(text.find("\"Deep\"", first + 1), std::string::npos);
+  EXPECT_EQ(rig.Outcome.Deleted.size(), 3U);
+  EXPECT_TRUE(rig.Outcome.Failed.empty());
+  rig.RestoreTheBackup();
+  EXPECT_EQ(rig.Dump(), before);
+}
+
+TEST(Repair, ShowsItsProgressInThisOrder) {
+  TSmallRepair rig;
+  rig.Repair();
+  // Two problems, both backed up: the deletions count to four.
+  EXPECT_EQ(rig.Updates, TLines({"section: Backup ...", "item: ", "overall: 0",          // the backup
+                                 "item: ", "bar: 0", "item: ", "bar: 50",                // its two problems
+                                 "section: 11036 Broken...", "item: ", "overall: 50",    // the section
+                                 "item: 11069 ", "bar: 25",                              // the key
+                                 "item: 11070 \\Software\\Run - Updater", "bar: 50"}));  // the value
+}
+
+TEST(Repair, NeverFillsTheBarWhenNotAllIsChecked) {
+  TSmallRepair rig;
+  rig.Uncheck(rig.Key);
+  rig.Repair();
+  // Two problems and one backed up: a third.
+  EXPECT_EQ(rig.Updates.back(), "bar: 33");
+}
+
+TEST(Repair, WithoutABackupFillsTheBar) {
+  TSmallRepair rig;
+  rig.System.Registry.SetInteger(kSettings, u"RegistryCleaner", 0);
+  rig.Repair();
+  EXPECT_EQ(rig.Updates, TLines({"section: 11036 Broken...", "item: ", "overall: 0", "item: 11069 ",
+                                 "bar: 50", "item: 11070 \\Software\\Run - Updater", "bar: 100"}));
+}
+
+TEST(Repair, DoesNotAnnounceASectionThatIsNotFullyChecked) {
+  TSmallRepair rig;
+  TResultsNode* mixed = rig.AddSection(u"Mixed");
+  rig.System.Registry.AddKey(u"HKEY_CURRENT_USER\\M");
+  TResultsNode* kept = rig.AddProblem(mixed, KeyProblem(kHkeyCurrentUser, u"\\Kept"));
+  rig.AddProblem(mixed, KeyProblem(kHkeyCurrentUser, u"\\M"));
+  rig.Uncheck(kept);
+  rig.Repair();
+  EXPECT_EQ(std::count(rig.Updates.begin(), rig.Updates.end(), "section: 11036 Mixed..."), 0);
+  EXPECT_FALSE(rig.System.Registry.HasKey(u"HKEY_CURRENT_USER\\M"));
+}
+
+TEST(Repair, RepairsTheCheckedChildrenOfAnUncheckedSection) {
+  TSmallRepair rig;
+  rig.Section->State = TCheckState::Unchecked;
+  rig.Repair();
+  EXPECT_EQ(rig.Outcome.Deleted.size(), 2U);
+  EXPECT_EQ(std::count(rig.Updates.begin(), rig.Updates.end(), "section: 11036 Broken..."), 0);
+}
+
+TEST(Repair, OfNothingCheckedStillWritesAListedBackup) {
+  TSmallRepair rig;
+  rig.Uncheck(rig.Section);
+  const std::vector<std::string> before = rig.Dump();
+  rig.Repair();
+  EXPECT_EQ(rig.Backups().size(), 1U);
+  EXPECT_FALSE(Holds(rig.BackupText(), "["));
+  EXPECT_EQ(rig.Dump(), before);
+}
+
+TEST(Repair, OfAnEmptyTreeStillWritesAListedBackup) {
+  TRepairRig rig;
+  rig.Repair();
+  EXPECT_EQ(rig.Backups().size(), 1U);
+  EXPECT_EQ(rig.Updates, TLines({"section: Backup ...", "item: ", "overall: 0"}));
+}
+
+TEST(Repair, WithBackupsSwitchedOffWritesNoneAndDeletesAllTheSame) {
+  TSmallRepair rig;
+  rig.System.Registry.SetInteger(kSettings, u"RegistryCleaner", 0);
+  rig.Repair();
+  EXPECT_FALSE(rig.System.Disk.DirectoryExists(rig.Vars.SuiteBackupsFolder));
+  EXPECT_FALSE(rig.System.Registry.HasKey(kOld));
+  EXPECT_EQ(rig.Outcome.BackupName, u"");
+  EXPECT_TRUE(rig.Outcome.BackupMade);
+}
+
+TEST(Repair, DeletesAFileWithoutBackingItUp) {
+  TRepairRig rig;
+  rig.System.Disk.AddFile(u"C:\\Menu\\gone.lnk");
+  rig.AddProblem(rig.AddSection(u"Files"), FileProblem(u"C:\\Menu\\gone.lnk"));
+  rig.Repair();
+  EXPECT_FALSE(rig.System.Disk.FileExists(u"C:\\Menu\\gone.lnk"));
+  EXPECT_FALSE(Holds(rig.BackupText(), "gone.lnk"));
+  EXPECT_EQ(rig.Updates[rig.Updates.size() - 2], "item: 11071 C:\\Menu\\gone.lnk");
+  EXPECT_TRUE(rig.Unmarked().empty());
+}
+
+TEST(Repair, MarksAFileThatCannotBeDeletedAndCountsIt) {
+  TRepairRig rig;
+  rig.System.Disk.AddFile(u"C:\\Menu\\gone.lnk");
+  rig.AddProblem(rig.AddSection(u"Files"), FileProblem(u"C:\\Menu\\gone.lnk"));
+  rig.System.Disk.FailDeleting(kErrorAccessDenied);
+  rig.Repair();
+  EXPECT_TRUE(rig.Unmarked().empty());
+  EXPECT_EQ(rig.Outcome.Failed.size(), 1U);
+  EXPECT_EQ(rig.Outcome.Deleted.size(), 0U);
+}
+
+TEST(Repair, TakesAKeyPathWithoutItsBackslashFromTheRoot) {
+  TRepairRig rig;
+  rig.System.Registry.Set(kOld, u"Trace", u"x");
+  TResultsNode* section = rig.AddSection(u"Adware");
+  rig.AddProblem(section, ValueProblem(kHkeyCurrentUser, u"Software\\Old", u"Trace"));
+  rig.AddProblem(section, KeyProblem(kHkeyCurrentUser, u"Software\\Old"));
+  rig.Repair();
+  EXPECT_FALSE(rig.System.Registry.HasKey(kOld));
+  EXPECT_TRUE(Holds(rig.BackupText(), "[HKEY_CURRENT_USER\\Software\\Old]"));
+}
+
+TEST(Repair, TakesAValueNameOfOneNulForTheUnnamedValue) {
+  TRepairRig rig;
+  rig.System.Registry.Set(kRecent, u"", u"C:\\gone.txt");
+  rig.AddProblem(rig.AddSection(u"MRU"),
+                 ValueProblem(kHkeyCurrentUser, u"\\Software\\Recent", TextView(u"\0", 1)));
+  rig.Repair();
+  EXPECT_FALSE(rig.System.Registry.HasValue(kRecent, u""));
+  EXPECT_TRUE(Holds(rig.BackupText(), "@="));
+  rig.RestoreTheBackup();
+  EXPECT_TRUE(rig.System.Registry.HasValue(kRecent, u""));
+}
+
+TEST(Repair, NeverBacksUpOrDeletesAWholeRoot) {
+  TRepairRig rig;
+  rig.System.Registry.Set(kOld, u"Path", u"x");
+  rig.AddProblem(rig.AddSection(u"Odd"), KeyProblem(kHkeyCurrentUser, u"\\"));
+  rig.Repair();
+  EXPECT_TRUE(rig.System.Registry.HasKey(kOld));
+  EXPECT_FALSE(Holds(rig.BackupText(), "["));
+  EXPECT_EQ(rig.Outcome.NotSaved.size(), 1U);
+}
+
+TEST(Repair, LeavesAProblemOfUnknownKind) {
+  TRepairRig rig;
+  rig.System.Registry.AddKey(kOld);
+  ScanProblem problem = KeyProblem(kHkeyCurrentUser, u"\\Software\\Old");
+  problem.Kind = 4;
+  rig.AddProblem(rig.AddSection(u"Odd"), problem);
+  rig.Repair();
+  EXPECT_TRUE(rig.System.Registry.HasKey(kOld));
+  EXPECT_EQ(rig.Unmarked().size(), 1U);
+}
+
+TEST(RepairOfMissingThings, MarksThemAsRemoved) {
+  TSmallRepair rig;
+  rig.System.Registry.RemoveKey(kOld);
+  rig.System.Registry.RemoveKey(u"HKEY_LOCAL_MACHINE\\Software\\Run");
+  rig.Repair();
+  EXPECT_TRUE(rig.Unmarked().empty());
+  EXPECT_EQ(rig.Outcome.Deleted.size(), 2U);
+  EXPECT_TRUE(rig.Outcome.Failed.empty());
+  // The key of the value doesn't open: no text.
+  EXPECT_EQ(rig.Updates[rig.Updates.size() - 2], "item: ");
+}
+
+TEST(RepairOfMissingThings, MarksAMissingValueOfAnExistingKey) {
+  TRepairRig rig;
+  rig.System.Registry.AddKey(kOld);
+  rig.AddProblem(rig.AddSection(u"Broken"), ValueProblem(kHkeyCurrentUser, u"\\Software\\Old", u"Gone"));
+  rig.Repair();
+  EXPECT_TRUE(rig.Unmarked().empty());
+  EXPECT_EQ(rig.Updates[rig.Updates.size() - 2], "item: 11070 \\Software\\Old - Gone");
+}
+
+TEST(RepairOfMissingThings, DoesNotDeleteWhatAppearsAfterTheBackup) {
+  TRepairRig rig;
+  TResultsNode* section = rig.AddSection(u"Broken");
+  rig.AddProblem(section, KeyProblem(kHkeyCurrentUser, u"\\Software\\Old"));
+  rig.AddProblem(section, ValueProblem(kHkeyCurrentUser, u"\\Software\\Recent", u"a"));
+  rig.Repair([&rig](const std::string& update, TWorkerThread&) {
+    if (update == "section: 11036 Broken...") {
+      rig.System.Registry.Set(kOld, u"New", u"x");
+      rig.System.Registry.Set(kRecent, u"a", u"x");
+    }
+  });
+  EXPECT_TRUE(rig.System.Registry.HasValue(kOld, u"New"));
+  EXPECT_TRUE(rig.System.Registry.HasValue(kRecent, u"a"));
+  EXPECT_EQ(rig.Unmarked().size(), 2U);
+}
+
+TEST(RepairOfUnreadableThings, LeavesADeniedKeyAndItsValuesAndGoesOn) {
+  TSmallRepair rig;
+  rig.System.Registry.Set(u"HKEY_CURRENT_USER\\Locked", u"v", u"x");
+  rig.AddProblem(rig.Section, ValueProblem(kHkeyCurrentUser, u"\\Locked", u"v"));
+  rig.AddProblem(rig.Section, KeyProblem(kHkeyCurrentUser, u"\\Locked"));
+  rig.System.Registry.AddKey(u"HKEY_CURRENT_USER\\Last");
+  rig.AddProblem(rig.Section, KeyProblem(kHkeyCurrentUser, u"\\Last"));
+  rig.System.Registry.Deny(u"HKEY_CURRENT_USER\\Locked");
+  rig.Repair();
+  EXPECT_TRUE(rig.System.Registry.HasValue(u"HKEY_CURRENT_USER\\Locked", u"v"));
+  EXPECT_FALSE(rig.System.Registry.HasKey(u"HKEY_CURRENT_USER\\Last"));
+  EXPECT_EQ(rig.Unmarked(), TLines({"\\Locked|v", "\\Locked|"}));
+  EXPECT_EQ(rig.Outcome.NotSaved.size(), 2U);
+  EXPECT_EQ(rig.Outcome.Deleted.size(), 3U);
+  // They count in the percentages all the same: the fifth of five, each counted twice.
+  EXPECT_EQ(rig.Updates.back(), "bar: 50");
+}
+
+TEST(RepairOfUnreadableThings, LeavesAKeyWithADeniedKeyBelowIt) {
+  TRepairRig rig;
+  rig.System.Registry.Set(kOld, u"v", u"x");
+  rig.System.Registry.Deny(u"HKEY_CURRENT_USER\\Software\\Old\\Locked");
+  rig.AddProblem(rig.AddSection(u"Broken"), KeyProblem(kHkeyCurrentUser, u"\\Software\\Old"));
+  rig.Repair();
+  EXPECT_TRUE(rig.System.Registry.HasValue(kOld, u"v"));
+  EXPECT_FALSE(Holds(rig.BackupText(), "["));
+  EXPECT_EQ(rig.Unmarked().size(), 1U);
+}
+
+TEST(RepairOfUnreadableThings, NeverFollowsARegistryLink) {
+  for (const bool backupsOn : {true, false}) {
+    TRepairRig rig;
+    rig.System.Registry.SetInteger(kSettings, u"RegistryCleaner", backupsOn ? 1 : 0);
+    rig.System.Registry.Set(u"HKEY_LOCAL_MACHINE\\Precious", u"v", u"x");
+    rig.System.Registry.MakeLink(u"HKEY_CURRENT_USER\\Link", u"HKEY_LOCAL_MACHINE\\Precious");
+    rig.System.Registry.MakeLink(u"HKEY_CURRENT_USER\\Parent\\Link", u"HKEY_LOCAL_MACHINE\\Precious");
+    TResultsNode* section = rig.AddSection(u"Broken");
+    rig.AddProblem(section, ValueProblem(kHkeyCurrentUser, u"\\Link", u"v"));
+    rig.AddProblem(section, KeyProblem(kHkeyCurrentUser, u"\\Link"));
+    rig.AddProblem(section, KeyProblem(kHkeyCurrentUser, u"\\Parent"));
+    rig.Repair();
+    EXPECT_TRUE(rig.System.Registry.HasValue(u"HKEY_LOCAL_MACHINE\\Precious", u"v")) << backupsOn;
+    EXPECT_TRUE(rig.System.Registry.HasKey(u"HKEY_CURRENT_USER\\Parent\\Link")) << backupsOn;
+    EXPECT_EQ(rig.Unmarked().size(), backupsOn ? 3U : 0U);
+    EXPECT_EQ(rig.Outcome.Failed.size(), backupsOn ? 0U : 3U);
+  }
+}
+
+TEST(AFailedDeletion, IsMarkedAsRemovedAndCounted) {
+  TSmallRepair rig;
+  rig.Repair([&rig](const std::string& update, TWorkerThread&) {
+    if (update == "section: 11036 Broken...") {
+      rig.System.Registry.Deny(kOld);
+      rig.System.Registry.Deny(u"HKEY_LOCAL_MACHINE\\Software\\Run");
+    }
+  });
+  EXPECT_TRUE(rig.System.Registry.HasKey(kOld));
+  EXPECT_TRUE(rig.Unmarked().empty());
+  EXPECT_EQ(rig.Outcome.Failed.size(), 2U);
+  EXPECT_EQ(rig.Outcome.Deleted.size(), 0U);
+}
+
+TEST(AFailedBackupOfARepair, EndsItBeforeAnythingIsDeletedWhicheverStepFails) {
+  struct TCase {
+    const char* Name;
+    std::function<void(TSmallRepair&)> Break;
+    const char* Reason;
+  };
+  const TCase cases[] = {
+      {"folder", [](TSmallRepair& rig) { rig.System.Disk.FailMakingFolders(kErrorAccessDenied); },
+       "System message 5."},
+      {"write", [](TSmallRepair& rig) { rig.System.Disk.FailReplacing(kErrorDiskFull); },
+       "System message 112."},
+      {"read back", [](TSmallRepair& rig) { rig.System.Disk.FailReading(kErrorAccessDenied); },
+       "System message 5."},
+      {"verify", [](TSmallRepair& rig) { rig.System.Disk.CorruptWrites(true); }, "40005"},
+      {"index",
+       [](TSmallRepair& rig) {
+         const Text index = rig.Vars.SuiteBackupsFolder + u"index.ini";
+         rig.System.Disk.AddFile(index);
+         rig.System.Disk.MakeUnreadable(index);
+       },
+       "index.ini: System message 5."},
+  };
+  for (const TCase& each : cases) {
+    TSmallRepair rig;
+    const std::vector<std::string> before = rig.Dump();
+    each.Break(rig);
+    rig.Repair();
+    EXPECT_EQ(rig.Dump(), before) << each.Name;
+    EXPECT_EQ(rig.Unmarked().size(), 2U) << each.Name;
+    EXPECT_EQ(rig.FailureText.substr(0, 6), "40004(") << each.Name;
+    EXPECT_TRUE(Holds(rig.FailureText, each.Reason)) << rig.FailureText;
+    EXPECT_FALSE(rig.Outcome.BackupMade) << each.Name;
+    EXPECT_EQ(rig.Outcome.NotReached, 2U) << each.Name;
+  }
+}
+
+TEST(CancellingARepair, DoesNotStopTheBackupButEveryDeletion) {
+  TSmallRepair rig;
+  const std::vector<std::string> before = rig.Dump();
+  rig.Repair([](const std::string& update, TWorkerThread& thread) {
+    if (update == "section: Backup ...")
+      thread.Terminate();
+  });
+  EXPECT_EQ(rig.Dump(), before);
+  EXPECT_TRUE(Holds(rig.BackupText(), "\"Updater\""));
+  EXPECT_EQ(rig.Outcome.NotReached, 2U);
+  EXPECT_EQ(rig.Unmarked().size(), 2U);
+}
+
+TEST(CancellingARepair, StopsBeforeTheNextProblem) {
+  TSmallRepair rig;
+  rig.Repair([](const std::string& update, TWorkerThread& thread) {
+    if (update == "item: 11069 ")
+      thread.Terminate();
+  });
+  EXPECT_FALSE(rig.System.Registry.HasKey(kOld));
+  EXPECT_TRUE(rig.System.Registry.HasValue(u"HKEY_LOCAL_MACHINE\\Software\\Run", u"Updater"));
+  EXPECT_EQ(rig.Unmarked(), TLines({"\\Software\\Run|Updater"}));
+  EXPECT_EQ(rig.Outcome.NotReached, 1U);
+}
+
+TEST(CancellingARepair, StopsBeforeTheNextSection) {
+  TSmallRepair rig;
+  rig.System.Registry.AddKey(u"HKEY_CURRENT_USER\\Next");
+  rig.AddProblem(rig.AddSection(u"Next"), KeyProblem(kHkeyCurrentUser, u"\\Next"));
+  rig.Repair([](const std::string& update, TWorkerThread& thread) {
+    if (Holds(update, "Updater"))
+      thread.Terminate();
+  });
+  EXPECT_TRUE(rig.System.Registry.HasKey(u"HKEY_CURRENT_USER\\Next"));
+  EXPECT_FALSE(Holds(rig.Updates.back(), "Next"));
+}
+
+TEST(StartMenuRepair, DeletesTheEmptiedKeysUpToTheProgramsKey) {
+  TRepairRig rig;
+  rig.System.Registry.Set(Text(kPrograms), u"Order", u"p");
+  rig.System.Registry.Set(Text(kPrograms) + u"\\A", u"Order", u"a");
+  rig.System.Registry.Set(Text(kPrograms) + u"\\A\\B", u"Order", u"b");
+  const std::vector<std::string> before = rig.System.Registry.Dump(kPrograms);
+  rig.AddProblem(rig.AddSection(u"Start Menu", kStartMenuImage),
+                 KeyProblem(kHkeyCurrentUser, u"\\Menu\\Start Menu2\\Programs\\A\\B", kStartMenuImage));
+  rig.Repair();
+  EXPECT_FALSE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A"));
+  EXPECT_TRUE(rig.System.Registry.HasValue(kPrograms, u"Order"));
+  // The emptied keys' own values are in the backup too.
+  rig.RestoreTheBackup();
+  EXPECT_EQ(rig.System.Registry.Dump(kPrograms), before);
+}
+
+TEST(StartMenuRepair, StopsAtTheFirstKeyThatHoldsOtherKeys) {
+  TRepairRig rig;
+  rig.System.Registry.AddKey(Text(kPrograms) + u"\\A\\B");
+  rig.System.Registry.AddKey(Text(kPrograms) + u"\\A\\Other");
+  rig.AddProblem(rig.AddSection(u"Start Menu"),
+                 KeyProblem(kHkeyCurrentUser, u"\\Menu\\Start Menu2\\Programs\\A\\B", kStartMenuImage));
+  rig.Repair();
+  EXPECT_FALSE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A\\B"));
+  EXPECT_TRUE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A\\Other"));
+}
+
+TEST(StartMenuRepair, DeletesAKeyAboveOnlyWhenItsBackupHoldsIt) {
+  TRepairRig rig;
+  rig.System.Registry.Set(Text(kPrograms) + u"\\A\\B", u"Order", u"b");
+  rig.System.Registry.Deny(Text(kPrograms) + u"\\A\\Locked");
+  rig.AddProblem(rig.AddSection(u"Start Menu"),
+                 KeyProblem(kHkeyCurrentUser, u"\\Menu\\Start Menu2\\Programs\\A\\B", kStartMenuImage));
+  rig.Repair([&rig](const std::string& update, TWorkerThread&) {
+    if (update == "section: 11036 Start Menu...")
+      rig.System.Registry.RemoveKey(Text(kPrograms) + u"\\A\\Locked");
+  });
+  EXPECT_FALSE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A\\B"));
+  EXPECT_TRUE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A"));
+}
+
+TEST(StartMenuRepair, LooksAtTheProblemsOwnPictureNotAtItsSections) {
+  for (const std::int32_t image : {-1, 0}) {
+    TRepairRig rig;
+    rig.System.Registry.AddKey(Text(kPrograms) + u"\\A\\B");
+    rig.AddProblem(rig.AddSection(u"Start Menu", kStartMenuImage),
+                   KeyProblem(kHkeyCurrentUser, u"\\Menu\\Start Menu2\\Programs\\A\\B", image));
+    rig.Repair();
+    EXPECT_FALSE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A\\B"));
+    EXPECT_TRUE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A"));
+  }
+}
+
+TEST(StartMenuRepair, TrimsThePathAndDropsItsLastBackslash) {
+  TRepairRig rig;
+  rig.System.Registry.AddKey(Text(kPrograms) + u"\\A\\B");
+  rig.AddProblem(rig.AddSection(u"Start Menu"),
+                 KeyProblem(kHkeyCurrentUser, u"\\Menu\\Start Menu2\\Programs\\A\\B\\", kStartMenuImage));
+  rig.Repair();
+  EXPECT_FALSE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A"));
+  EXPECT_TRUE(rig.System.Registry.HasKey(kPrograms));
+}
+
+TEST(MruRepair, WritesTheOrderOfTheValuesThatStay) {
+  TRepairRig rig;
+  for (const TextView name : {u"a", u"b", u"c"})
+    rig.System.Registry.Set(kRecent, name, u"C:\\gone.txt");
+  rig.System.Registry.Set(kRecent, u"MRUList", u"cba");
+  const std::vector<std::string> before = rig.System.Registry.Dump(kRecent);
+  rig.AddProblem(rig.AddSection(u"MRU", kMruImage),
+                 ValueProblem(kHkeyCurrentUser, u"\\Software\\Recent", u"b", kMruImage));
+  rig.Repair();
+  EXPECT_EQ(rig.System.Registry.FindValue(kRecent, u"MRUList")->Data, StringBytes(u"ac"));
+  // The old order is in the backup too.
+  rig.RestoreTheBackup();
+  std::vector<std::string> after = rig.System.Registry.Dump(kRecent);
+  std::sort(after.begin(), after.end());
+  std::vector<std::string> sortedBefore = before;
+  std::sort(sortedBefore.begin(), sortedBefore.end());
+  EXPECT_EQ(after, sortedBefore);
+}
+
+TEST(MruRepair, OfTheLastValueLeavesAnEmptyOrder) {
+  TRepairRig rig;
+  rig.System.Registry.Set(kRecent, u"a", u"C:\\gone.txt");
+  rig.System.Registry.Set(kRecent, u"mruLIST", u"a");
+  rig.AddProblem(rig.AddSection(u"MRU"),
+                 ValueProblem(kHkeyCurrentUser, u"\\Software\\Recent", u"a", kMruImage));
+  rig.Repair();
+  EXPECT_EQ(rig.System.Registry.FindValue(kRecent, u"MRUList")->Data, StringBytes(u""));
+}
+
+TEST(MruRepair, WritesNoOrderWhereThereWasNone) {
+  TRepairRig rig;
+  rig.System.Registry.Set(kRecent, u"a", u"C:\\gone.txt");
+  rig.AddProblem(rig.AddSection(u"MRU"),
+                 ValueProblem(kHkeyCurrentUser, u"\\Software\\Recent", u"a", kMruImage));
+  rig.Repair();
+  EXPECT_FALSE(rig.System.Registry.HasValue(kRecent, u"MRUList"));
+}
+
+TEST(MruRepair, LooksAtTheProblemsOwnPictureNotAtItsSections) {
+  TRepairRig rig;
+  rig.System.Registry.Set(kRecent, u"a", u"C:\\gone.txt");
+  rig.System.Registry.Set(kRecent, u"MRUList", u"a");
+  rig.AddProblem(rig.AddSection(u"MRU", kMruImage),
+                 ValueProblem(kHkeyCurrentUser, u"\\Software\\Recent", u"a"));
+  rig.Repair();
+  EXPECT_FALSE(rig.System.Registry.HasValue(kRecent, u"a"));
+  EXPECT_EQ(rig.System.Registry.FindValue(kRecent, u"MRUList")->Data, StringBytes(u"a"));
+  EXPECT_FALSE(Holds(rig.BackupText(), "MRUList"));
+}

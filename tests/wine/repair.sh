@@ -1,0 +1,205 @@
+#!/usr/bin/env bash
+# Repair and restore over the real registry: the round trip over problems of every section, a repair that is killed at
+# any moment, and a full disk. CORVALT_KILLS says how many kills (12). Ends with "N passed, N failed".
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+source tools/wine.sh
+trap stop_wine EXIT
+
+work=$PWD/build/wine-repair
+kills=${CORVALT_KILLS:-12}
+problems=3000
+mkdir -p "$work"
+source tests/support/winechecks.sh
+
+# dump FILE: the user's and the machine's registry, but for the suite's own settings. The reader shares no code with the
+# program.
+dump() {
+  run_windows build/windows-x64/tests/wine_rawregistry.exe dump HKCU 'HKLM\Software' 'HKLM\System' 'HKU\.Default' |
+    grep -avE '\\Software\\TessalySoft' | sort >"$1"
+}
+
+# same_registry FILE FILE: shows what differs.
+same_registry() {
+  diff "$1" "$2" | head -n 30
+  cmp -s "$1" "$2"
+}
+
+backup_names() {
+  corvaltc backups
+  cut -f 1 "$work/out"
+}
+
+newest_backup() {
+  backup_names | head -n 1
+}
+
+one_backup_is_listed() {
+  cat "$work/out"
+  [[ $(wc -l <"$work/out") == 1 ]] && grep -qE $'^[0-9]+[.,]?[0-9]*\t[^\t]+\t[0-9]+$' "$work/out"
+}
+
+seconds_since() {
+  awk -v begin="$1" -v end="$EPOCHREALTIME" 'BEGIN { print end - begin }'
+}
+
+part_of() {
+  awk -v whole="$1" -v part="$2" -v count="$3" 'BEGIN { print whole * part / count }'
+}
+
+start_repair() {
+  taskset -c "$wine_core" "$wine_program" "$folder/corvaltc.exe" repair --yes --sections 7,22 \
+    >"$work/out" 2>"$work/err" </dev/null &
+  repair_process=$!
+}
+
+# The index is the last thing that is written before the first deletion.
+wait_for_index() {
+  until [[ -e $backups/index.ini ]] || ! kill -0 "$repair_process" 2>/dev/null; do
+    sleep 0.002
+  done
+}
+
+# kill_repair NUMBER: a third of the kills falls before the first deletion, the others from there on.
+kill_repair() {
+  local number=$1 early=$((kills / 3))
+  start_repair
+  if ((number <= early)); then
+    sleep "$(part_of "$until_index" "$number" $((early + 1)))"
+  else
+    wait_for_index
+    sleep "$(part_of "$until_end" $((number - early - 1)) $((kills - early)))"
+  fi
+  kill -9 "$repair_process" 2>/dev/null || true
+  wait "$repair_process" 2>/dev/null || true
+}
+
+# What is gone is in a listed backup, and comes back byte for byte.
+undone_by_restore() {
+  local name
+  for name in $(backup_names); do
+    corvaltc restore "$name"
+    answered 0 || return 1
+  done
+  dump "$work/restored"
+  same_registry "$work/before" "$work/restored"
+}
+
+round_trip() {
+  fill_prefix
+  # The first run writes the settings and shows what the prefix itself holds.
+  corvaltc scan --json "Z:$work/found.json" --quiet
+  dump "$work/before"
+  corvaltc repair
+  ok "without --yes it answers 1" answered 1
+  dump "$work/after"
+  ok "and deletes nothing" same_registry "$work/before" "$work/after"
+  corvaltc repair --yes --json "Z:$work/repaired.json"
+  cp "$work/out" "$work/left"
+  cp "$work/err" "$work/told"
+  ok "everything is repaired, or what is left is listed" \
+    test "$code" == "$([[ -s $work/left ]] && echo 1 || echo 0)"
+  ok "the JSON says what was found" cmp "$work/found.json" "$work/repaired.json"
+  dump "$work/after"
+  ok "something is gone" test "$(comm -23 "$work/before" "$work/after" | wc -l)" -gt 80
+  corvaltc scan --json "Z:$work/again.json"
+  cp "$work/out" "$work/again"
+  ok "a second scan finds only keys that the deletions left empty, and one path that names no key" \
+    python3 tests/wine/repairresult.py "$work/found.json" "$work/again.json"
+  corvaltc backups
+  ok "one backup is listed" one_backup_is_listed
+  corvaltc restore "$(newest_backup)"
+  ok "it is restored" answered 0
+  dump "$work/restored"
+  ok "every key and value is back, byte for byte" same_registry "$work/before" "$work/restored"
+  corvaltc restore 1
+  ok "a backup that is not listed answers 3" answered 3
+}
+
+killed_at_any_moment() {
+  run_windows build/windows-x64/tests/wine_rawregistry.exe fill $problems
+  dump "$work/before"
+  local begin number gone middle=0
+  rm -rf "${backups:?}"/*
+  begin=$EPOCHREALTIME
+  start_repair
+  wait_for_index
+  until_index=$(seconds_since "$begin")
+  begin=$EPOCHREALTIME
+  wait "$repair_process" || true
+  until_end=$(seconds_since "$begin")
+  echo "$until_index s until the first deletion, $until_end s from there to the end"
+  dump "$work/after"
+  ok "an undisturbed repair deletes all" test "$(comm -23 "$work/before" "$work/after" | wc -l)" -ge $problems
+  ok "and is undone by a restore" undone_by_restore
+  all=$(comm -23 "$work/before" "$work/after" | wc -l)
+  for ((number = 1; number <= kills; ++number)); do
+    rm -rf "${backups:?}"/*
+    kill_repair "$number"
+    dump "$work/after"
+    gone=$(comm -23 "$work/before" "$work/after" | wc -l)
+    ((gone == 0 || gone == all)) || middle=$((middle + 1))
+    ok "kill $number: $gone of $all lines were gone, and are back" undone_by_restore
+  done
+  ok "$middle of $kills kills fell between the first deletion and the last" test "$middle" -gt 0
+}
+
+nothing_was_deleted() {
+  dump "$work/after"
+  same_registry "$work/before" "$work/after"
+}
+
+no_file_is_left() {
+  ls -lA "$backups"
+  [[ -z $(ls -A "$backups") ]]
+}
+
+# Runs with the backup folder on a disk of 64 KB; without the right to mount one, no process may write a longer file.
+full_disk() {
+  start_wine "$WINEPREFIX"
+  dump "$work/before"
+  if ! mount -t tmpfs -o size=64k corvalt-test "$backups"; then
+    echo "no right to mount: a limit of file sizes stands for the full disk"
+    rm -rf "${backups:?}"/*
+    trap '' XFSZ
+    ulimit -f 64
+  fi
+  corvaltc repair --yes --sections 7,22
+  ulimit -f unlimited 2>/dev/null || true
+  ok "a full disk answers 3" answered 3
+  ok "with a clear message" error_says "before anything was deleted"
+  ok "nothing was deleted" nothing_was_deleted
+  ok "no file is left in the folder" no_file_is_left
+  stop_wine
+  echo "$passed passed, $failed failed" >"$work/counts"
+}
+
+if [[ ${1:-} == --full-disk ]]; then
+  backups=$2
+  full_disk
+  exit
+fi
+
+rm -rf "$work"
+mkdir -p "$work"
+start_display
+start_fresh_wine "$PWD/build/wine"
+round_trip
+backups=$(find "$WINEPREFIX/drive_c/users" -type d -path '*/TessalySoft/Tessaly Utilities/Backups')
+killed_at_any_moment
+
+# A namespace of its own: the server opens the files for its programs, so that it must be started there.
+rm -rf "${backups:?}"/*
+"$wine_server" -k
+"$wine_server" -w || true
+isolate=
+if unshare -m true 2>/dev/null; then
+  isolate="unshare -m"
+fi
+$isolate bash "$0" --full-disk "$backups" || true
+read -r more_passed _ more_failed _ < <(cat "$work/counts" 2>/dev/null || echo "0 passed, 1 failed")
+passed=$((passed + more_passed))
+failed=$((failed + more_failed))
+
+echo "$passed passed, $failed failed"
+((failed == 0))

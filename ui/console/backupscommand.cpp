@@ -1,0 +1,32 @@
+// corvaltc backups: name, time and size of each backup, one a line with tabs between.
+
+#include "core/languagetexts.h"
+#include "core/systemerror.h"
+#include "repair/restoredeleted.h"
+#include "ui/console/arguments.h"
+#include "ui/console/commands.h"
+#include "ui/console/output.h"
+
+namespace {
+
+TExitCode ListBackups(TConsoleContext& context) {
+  std::string lines;
+  try {
+    for (const TBackup& backup : BackupsNewestFirst(context.System, context.Vars)) {
+      lines += LineText(backup.Name) + "\t" + LineText(BackupTimeText(backup, context.System.Locale)) + "\t" +
+               std::to_string(backup.Size) + "\n";
+    }
+  } catch (...) {
+    TellReason(context, TextId::BackupsNotListed,
+               DescribeException(std::current_exception(), context.System.Locale));
+    return TExitCode::Failed;
+  }
+  return WriteData(context, lines) ? TExitCode::Nothing : TExitCode::Failed;
+}
+
+}  // namespace
+
+TCommandRun PrepareBackups(const std::vector<Text>& arguments) {
+  TArguments(arguments, {}).RefusePlain();
+  return ListBackups;
+}

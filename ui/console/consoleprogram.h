@@ -1,0 +1,19 @@
+// The console program from its arguments to its exit code.
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "ui/console/console.h"
+
+struct TConsoleProgram {
+  TSystem& System;
+  TConsole& Console;
+  TextView Version;
+
+  // The start sequence; it runs before every command, and not for the help or wrong usage.
+  std::function<void(TSystem&, TGlobalVars&, TGlobalReg&)> Start;
+};
+
+// Runs what the arguments, the program's own name not among them, ask for on the calling thread.
+TExitCode RunConsoleProgram(const std::vector<Text>& arguments, const TConsoleProgram& program);

@@ -1,0 +1,52 @@
+#include "ui/console/problemlisting.h"
+
+#include "core/languagetexts.h"
+#include "ui/console/output.h"
+#include "ui/problemsjson.h"
+
+namespace {
+
+Text PathOf(const ScanProblem& problem) {
+  return problem.Kind == kKindFile ? problem.KeyPath : RootKeyName(problem.RootKey) + problem.KeyPath;
+}
+
+// A name of one NUL means the default value too.
+Text ValueOf(const ScanProblem& problem) {
+  const bool isDefault = problem.ValueName.empty() || problem.ValueName == TextView(u"\0", 1);
+  return isDefault ? u"(default)" : problem.ValueName;
+}
+
+std::string Block(ResultsTree& results, TResultsNode* header) {
+  std::string block = LineText(results.Data(header).SectionCaption) + " (" +
+                      std::to_string(results.ChildCount(header)) + ")\n";
+  for (TResultsNode* node = results.FirstChild(header); node != nullptr; node = results.NextSibling(node)) {
+    const ScanProblem& problem = results.Data(node);
+    block += "  " + LineText(PathOf(problem)) + "\n";
+    if (problem.Kind == kKindValue)
+      block += "    Value: " + LineText(ValueOf(problem)) + "\n";
+    block += "    " + LineText(PlainText(problem.Description)) + "\n";
+  }
+  return block;
+}
+
+}  // namespace
+
+std::string ProblemListing(ResultsTree& results) {
+  std::string listing;
+  for (TResultsNode* header = results.FirstRoot(); header != nullptr; header = results.NextSibling(header)) {
+    listing += (listing.empty() ? "" : "\n") + Block(results, header);
+  }
+  return listing;
+}
+
+std::size_t ProblemCount(ResultsTree& results) {
+  std::size_t count = 0;
+  for (TResultsNode* header = results.FirstRoot(); header != nullptr; header = results.NextSibling(header))
+    count += results.ChildCount(header);
+  return count;
+}
+
+bool WriteJson(TConsoleContext& context, const Text& target, ResultsTree& results) {
+  const std::string json = ProblemsJson(results);
+  return target == kStandardOutput ? WriteData(context, json) : WriteWholeFile(context, target, json);
+}

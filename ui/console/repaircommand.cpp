@@ -1,0 +1,127 @@
+// corvaltc repair: scans, makes a backup and deletes what was found.
+
+#include <optional>
+#include <unordered_set>
+
+#include "core/languagetexts.h"
+#include "repair/prepare.h"
+#include "ui/console/arguments.h"
+#include "ui/console/commands.h"
+#include "ui/console/output.h"
+#include "ui/console/problemlisting.h"
+#include "ui/console/repairrun.h"
+#include "ui/console/scanrun.h"
+#include "ui/problemsjson.h"
+#include "ui/resultstree.h"
+#include "ui/sectionstree.h"
+
+namespace {
+
+struct TRepairOptions {
+  std::optional<std::vector<std::int32_t>> SectionCodes;  // nothing: all sections
+  std::optional<Text> Json;
+  bool Yes = false;
+  bool NoBackup = false;
+};
+
+TRepairOptions ParseOptions(const std::vector<Text>& list) {
+  const TArguments arguments(list, {{u"--yes", u"--no-backup"}, {u"--sections", u"--json"}});
+  arguments.RefusePlain();
+  TRepairOptions options;
+  if (const std::optional<Text> codes = arguments.Value(u"--sections"))
+    options.SectionCodes = ParseSectionCodes(*codes);
+  options.Json = arguments.Value(u"--json");
+  options.Yes = arguments.Has(u"--yes");
+  options.NoBackup = arguments.Has(u"--no-backup");
+  return options;
+}
+
+// Deleting without a backup must be asked for twice, by the setting and here.
+void CheckBackupChoice(TConsoleContext& context, const TRepairOptions& options) {
+  if (!options.Yes)
+    return;
+  const bool backupsAreOn = BackupsAreOn(context.System);
+  if (!backupsAreOn && !options.NoBackup)
+    throw TUsageError(u"The suite's settings switch backups off: repair needs --no-backup beside --yes.");
+  if (backupsAreOn && options.NoBackup)
+    context.Console.Tell(u"The suite's settings want backups: one is made all the same.");
+}
+
+void TidyUpBackups(TConsoleContext& context) {
+  try {
+    MaintainBackups(context.System, context.Vars, [] { return false; });
+  } catch (...) {
+    // The repair needs none of it; it has its own checks of the store.
+    TellReason(context, TextId::MaintenanceFailed,
+               DescribeException(std::current_exception(), context.System.Locale));
+  }
+}
+
+// Takes what is gone out of the tree, and the headers that nothing is left of.
+void DropDeleted(TResultsTreeModel& results, const TCleaningOutcome& cleaning) {
+  const std::unordered_set<const TTreeNode*> gone(cleaning.Deleted.begin(), cleaning.Deleted.end());
+  TResultsNode* header = results.FirstRoot();
+  while (header != nullptr) {
+    TResultsNode* next = results.NextSibling(header);
+    results.Model().DeleteChildren(header, [&gone](const TTreeNode& node) { return gone.contains(&node); });
+    if (results.ChildCount(header) == 0)
+      results.DeleteNode(header);
+    header = next;
+  }
+}
+
+void TellRepair(TConsoleContext& context, const TRepairOutcome& outcome) {
+  const TCleaningOutcome& cleaning = outcome.Cleaning;
+  if (outcome.Failure)
+    context.Console.Tell(PlainText(DescribeException(outcome.Failure, context.System.Locale)));
+  if (!cleaning.BackupName.empty())
+    context.Console.Tell(u"Backup: " + cleaning.BackupName);
+  const auto tell = [&context](TextView what, std::size_t count) {
+    if (count != 0)
+      context.Console.Tell(Text(what) + DecimalText(static_cast<std::int64_t>(count)));
+  };
+  tell(u"Repaired: ", cleaning.Deleted.size());
+  tell(u"Could not be deleted: ", cleaning.Failed.size());
+  tell(u"Could not be backed up, so not touched: ", cleaning.NotSaved.size());
+  tell(u"Not repaired, because the repair ended early: ", cleaning.NotReached);
+}
+
+TExitCode Delete(TConsoleContext& context, TResultsTreeModel& results, bool listLeft) {
+  const TRepairOutcome outcome = RunRepair(context, results);
+  TellRepair(context, outcome);
+  if (!outcome.Cleaning.BackupMade)
+    return TExitCode::Failed;
+  DropDeleted(results, outcome.Cleaning);
+  if (listLeft && !WriteData(context, ProblemListing(results)))
+    return TExitCode::Failed;
+  return ProblemCount(results) == 0 ? TExitCode::Nothing : TExitCode::Found;
+}
+
+TExitCode Repair(TConsoleContext& context, const TRepairOptions& options) {
+  CheckBackupChoice(context, options);
+  if (options.Yes)
+    TidyUpBackups(context);
+  TSectionsTreeModel sections;
+  if (options.SectionCodes)
+    sections.CheckOnly(*options.SectionCodes);
+  TResultsTreeModel results;
+  const TScanOutcome scan = RunScan(context, sections, results, false);
+  TellOutcome(context, scan);
+  // What was found is written before anything is deleted.
+  if ((options.Json && !WriteJson(context, *options.Json, results)) || scan.Failure)
+    return TExitCode::Failed;
+  const bool listFindings = options.Json != kStandardOutput;
+  if (ProblemCount(results) == 0)
+    return TExitCode::Nothing;
+  if (options.Yes && !scan.Cancelled)
+    return Delete(context, results, listFindings);
+  context.Console.Tell(options.Yes ? u"Nothing was deleted."
+                                   : u"Nothing was deleted; with --yes repair deletes what it lists.");
+  return !listFindings || WriteData(context, ProblemListing(results)) ? TExitCode::Found : TExitCode::Failed;
+}
+
+}  // namespace
+
+TCommandRun PrepareRepair(const std::vector<Text>& arguments) {
+  return [options = ParseOptions(arguments)](TConsoleContext& context) { return Repair(context, options); };
+}

@@ -1,0 +1,68 @@
+// corvaltc scan: runs the scan and writes what it found.
+
+#include <optional>
+
+#include "ui/console/arguments.h"
+#include "ui/console/commands.h"
+#include "ui/console/output.h"
+#include "ui/console/problemlisting.h"
+#include "ui/console/scanrun.h"
+#include "ui/report.h"
+#include "ui/resultstree.h"
+#include "ui/sectionstree.h"
+
+namespace {
+
+struct TScanOptions {
+  std::optional<std::vector<std::int32_t>> SectionCodes;  // nothing: all sections
+  std::optional<Text> Report;
+  std::optional<Text> Json;
+  bool Quiet = false;
+};
+
+TScanOptions ParseOptions(const std::vector<Text>& list) {
+  const TArguments arguments(list, {{u"--quiet"}, {u"--sections", u"--report", u"--json"}});
+  arguments.RefusePlain();
+  TScanOptions options;
+  if (const std::optional<Text> codes = arguments.Value(u"--sections"))
+    options.SectionCodes = ParseSectionCodes(*codes);
+  options.Report = arguments.Value(u"--report");
+  options.Json = arguments.Value(u"--json");
+  options.Quiet = arguments.Has(u"--quiet");
+  if (options.Report == kStandardOutput)
+    throw TUsageError(u"--report needs the name of a file; only --json writes to standard output.");
+  return options;
+}
+
+// Everything that was asked for, also when a part of it fails. False when one did.
+bool WriteFindings(TConsoleContext& context, const TScanOptions& options, ResultsTree& results) {
+  bool complete = true;
+  if (options.Report) {
+    const std::string report = ReportBytes(results, context.System.Clock, context.System.Locale);
+    complete = WriteWholeFile(context, *options.Report, report);
+  }
+  if (options.Json)
+    complete = WriteJson(context, *options.Json, results) && complete;
+  // Standard output holds one kind of data, never two.
+  if (!options.Quiet && options.Json != kStandardOutput)
+    complete = WriteData(context, ProblemListing(results)) && complete;
+  return complete;
+}
+
+TExitCode Scan(TConsoleContext& context, const TScanOptions& options) {
+  TSectionsTreeModel sections;
+  if (options.SectionCodes)
+    sections.CheckOnly(*options.SectionCodes);
+  TResultsTreeModel results;
+  const TScanOutcome outcome = RunScan(context, sections, results, options.Quiet);
+  TellOutcome(context, outcome);
+  if (!WriteFindings(context, options, results) || outcome.Failure)
+    return TExitCode::Failed;
+  return ProblemCount(results) == 0 ? TExitCode::Nothing : TExitCode::Found;
+}
+
+}  // namespace
+
+TCommandRun PrepareScan(const std::vector<Text>& arguments) {
+  return [options = ParseOptions(arguments)](TConsoleContext& context) { return Scan(context, options); };
+}

@@ -1,0 +1,80 @@
+#include "ui/problemsjson.h"
+
+namespace {
+
+bool IsHighSurrogate(char16_t unit) {
+  return unit >= 0xD800 && unit <= 0xDBFF;
+}
+
+bool IsLowSurrogate(char16_t unit) {
+  return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
+// Those of ASCII and those above it, which a terminal may obey too.
+bool IsControl(char16_t unit) {
+  return unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);
+}
+
+std::string Escape(char16_t unit) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  std::string escape = "\\u";
+  for (const unsigned shift : {12U, 8U, 4U, 0U})
+    escape += kDigits[(unsigned{unit} >> shift) & 0xFU];
+  return escape;
+}
+
+// How many units from the text's front make one character that UTF-8 can say; 0 when the first is half a one.
+std::size_t CharacterLength(TextView text) {
+  if (IsHighSurrogate(text[0]))
+    return text.size() > 1 && IsLowSurrogate(text[1]) ? 2 : 0;
+  return IsLowSurrogate(text[0]) ? 0 : 1;
+}
+
+std::string RootKeyJson(TRootKey rootKey) {
+  return rootKey == kNoRootKey ? "null" : JsonString(RootKeyName(rootKey));
+}
+
+std::string ProblemJson(const ScanProblem& problem) {
+  return "{\"rootKey\":" + RootKeyJson(problem.RootKey) + ",\"keyPath\":" + JsonString(problem.KeyPath) +
+         ",\"valueName\":" + JsonString(problem.ValueName) +
+         ",\"valueData\":" + JsonString(problem.ValueData) +
+         ",\"description\":" + JsonString(problem.Description) + ",\"kind\":" + std::to_string(problem.Kind) +
+         ",\"imageIndex\":" + std::to_string(problem.ImageIndex) + ",\"extra\":" + JsonString(problem.Extra) +
+         ",\"checkMark\":" + std::to_string(problem.CheckMark) + "}";
+}
+
+std::string HeaderJson(const ScanProblem& header) {
+  return "{\"caption\":" + JsonString(header.SectionCaption) + ",\"rootKey\":" + RootKeyJson(header.RootKey) +
+         ",\"imageIndex\":" + std::to_string(header.ImageIndex) +
+         ",\"childCount\":" + std::to_string(header.ChildCount) + ",\"problems\":[";
+}
+
+}  // namespace
+
+std::string JsonString(TextView text) {
+  std::string json = "\"";
+  while (!text.empty()) {
+    const std::size_t length = CharacterLength(text);
+    if (length == 0 || IsControl(text[0])) {
+      json += Escape(text[0]);
+    } else {
+      if (text[0] == u'"' || text[0] == u'\\')
+        json += '\\';
+      json += EncodeUtf8(text.substr(0, length));
+    }
+    text.remove_prefix(length == 0 ? 1 : length);
+  }
+  return json + "\"";
+}
+
+std::string ProblemsJson(ResultsTree& results) {
+  std::string json = "{\"sections\":[";
+  for (TResultsNode* header = results.FirstRoot(); header != nullptr; header = results.NextSibling(header)) {
+    json += (header == results.FirstRoot() ? "\n" : ",\n") + HeaderJson(results.Data(header));
+    TResultsNode* const first = results.FirstChild(header);
+    for (TResultsNode* node = first; node != nullptr; node = results.NextSibling(node))
+      json += (node == first ? "\n" : ",\n") + ProblemJson(results.Data(node));
+    json += "]}";
+  }
+  return json + "]}\n";
+}
