@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <string>
 #include <vector>
@@ -13,7 +14,7 @@
 
 namespace {
 
-constexpr int kRounds = 5;
+constexpr int kRounds = 5;  // unless the command line says another number
 constexpr TextView kTopPath = u"\\Software\\CorvaltRegFileSpeed";
 
 // 58,000 keys with 100,000 values, as names and data go in a user's classes.
@@ -91,9 +92,9 @@ void Print(const char* what, TMedian& ours, TMedian& theirs) {
 
 class TComparison {
  public:
-  bool Run() {
+  bool Run(int rounds) {
     BuildKeys(m_system.Raw);
-    for (int round = 0; round < kRounds; ++round) {
+    for (int round = 0; round < rounds; ++round) {
       if (!Export() || !Delete() || !Import())
         return false;
     }
@@ -154,9 +155,9 @@ class TComparison {
 
 }  // namespace
 
-int main() {
+int main(int argc, char** argv) {
   TComparison comparison;
-  if (comparison.Run())
+  if (comparison.Run(argc > 1 ? std::atoi(argv[1]) : kRounds))
     return 0;
   std::puts("A step failed.");
   return 1;

@@ -148,7 +148,8 @@ LSTATUS TRegistryCalls::Near(HKEY parent, TextView path, bool create, TNearKey& 
       return ERROR_INVALID_PARAMETER;
     TRegistryKey step;
     const TextView head = path.substr(0, end);
-    const LSTATUS status = create ? Create(place.Parent, head, KEY_READ | KEY_WRITE, step)
+    bool isNew = false;
+    const LSTATUS status = create ? Create(place.Parent, head, KEY_READ | KEY_WRITE, step, isNew)
                                   : Open(place.Parent, head, KEY_READ, false, step);
     if (status != ERROR_SUCCESS)
       return status;
@@ -174,17 +175,19 @@ LSTATUS TRegistryCalls::Open(HKEY parent, TextView path, REGSAM access, bool asL
   return status;
 }
 
-LSTATUS TRegistryCalls::Create(HKEY parent, TextView path, REGSAM access, TRegistryKey& key) {
+LSTATUS TRegistryCalls::Create(HKEY parent, TextView path, REGSAM access, TRegistryKey& key, bool& isNew) {
   TNearKey place;
   const LSTATUS reached = Near(parent, path, true, place);
   if (reached != ERROR_SUCCESS)
     return reached;
   ++m_count;
   HKEY handle = nullptr;
+  DWORD disposition = 0;
   const LSTATUS status = RegCreateKeyExW(place.Parent, Wide(place.Rest), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                                         access, nullptr, &handle, nullptr);
+                                         access, nullptr, &handle, &disposition);
   if (status == ERROR_SUCCESS)
     key = TRegistryKey(handle, m_count);
+  isNew = disposition == REG_CREATED_NEW_KEY;
   return status;
 }
 
@@ -330,18 +333,26 @@ LSTATUS TKeyChain::Open(TRootKey rootKey, TextView path, REGSAM access, bool asL
 LSTATUS TKeyChain::Create(TRootKey rootKey, TextView path, REGSAM access, std::shared_ptr<TKeptKey>& key) {
   DropWhatIsNoParent(rootKey, path);
   TRegistryKey created;
+  bool isNew = false;
   LSTATUS status = ERROR_KEY_DELETED;
   if (!m_kept.empty()) {
     const TKeptKey& parent = *m_kept.back();
-    status = m_calls.Create(parent.Key.Get(), path.substr(parent.Path.size() + 1), access, created);
+    status = m_calls.Create(parent.Key.Get(), path.substr(parent.Path.size() + 1), access, created, isNew);
   }
   if (IsTooOld(status)) {
     Clear();
-    status = m_calls.Create(RootHandle(rootKey), path, access, created);
+    status = m_calls.Create(RootHandle(rootKey), path, access, created, isNew);
   }
-  if (status == ERROR_SUCCESS)
+  if (status == ERROR_SUCCESS) {
     key = Keep(rootKey, path, access, std::move(created));
+    key->IsNew = isNew;
+  }
   return status;
+}
+
+bool TKeyChain::LiesInNewKey(TRootKey rootKey, TextView path) const {
+  const TKeptKey* parent = ParentOf(rootKey, path);
+  return parent != nullptr && parent->IsNew && path.find(u'\\', parent->Path.size() + 1) == TextView::npos;
 }
 
 bool TKeyChain::Exists(TRootKey rootKey, TextView path) {

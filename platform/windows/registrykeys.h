@@ -75,7 +75,8 @@ struct TValueBuffer {
 class TRegistryCalls {
  public:
   LSTATUS Open(HKEY parent, TextView path, REGSAM access, bool asLink, TRegistryKey& key);
-  LSTATUS Create(HKEY parent, TextView path, REGSAM access, TRegistryKey& key);
+  // Opens the key where it exists; isNew says whether it didn't.
+  LSTATUS Create(HKEY parent, TextView path, REGSAM access, TRegistryKey& key, bool& isNew);
   LSTATUS Counts(HKEY key, TKeyCounts& counts);
   LSTATUS EnumKey(HKEY key, DWORD index, Text& name);
 
@@ -115,6 +116,7 @@ struct TKeptKey {
   TRegistryKey Key;
   REGSAM Access = 0;
   bool LinkChecked = false;
+  bool IsNew = false;  // it didn't exist before it was opened here
 };
 
 // The key that was opened last and its parents, kept so that a walk opens each key relative to its parent.
@@ -127,6 +129,9 @@ class TKeyChain {
   // again: it might have been deleted.
   LSTATUS Open(TRootKey rootKey, TextView path, REGSAM access, bool asLink, std::shared_ptr<TKeptKey>& key);
   LSTATUS Create(TRootKey rootKey, TextView path, REGSAM access, std::shared_ptr<TKeptKey>& key);
+
+  // Whether the key lies directly in a kept key that is new, so that it can hardly exist.
+  bool LiesInNewKey(TRootKey rootKey, TextView path) const;
 
   // Whether the key opens, or would but for its access rules; keeps nothing of it.
   bool Exists(TRootKey rootKey, TextView path);

@@ -63,6 +63,15 @@ TRawResult TWindowsRawRegistry::OpenKept(TRootKey rootKey, const Text& path, REG
 }
 
 TRawResult TWindowsRawRegistry::OpenOrCreate(TRootKey rootKey, const Text& path, TKeptPointer& key) {
+  // Looking for a key before it is created costs a third of an import's calls.
+  if (!m_chain.Last(rootKey, path) && m_chain.LiesInNewKey(rootKey, path)) {
+    if (m_chain.Create(rootKey, path, kChangeAccess, key) == ERROR_SUCCESS && key->IsNew) {
+      key->LinkChecked = true;
+      return TRawResult::Done;
+    }
+    // Somebody else made it meanwhile, and it may be a link.
+    m_chain.Clear();
+  }
   const TRawResult opened = OpenKept(rootKey, path, kChangeAccess, key);
   if (opened != TRawResult::Missing)
     return opened;

@@ -90,6 +90,31 @@ TEST_F(RegistryCalls, AnImportCostsOneCallAValueAndAtMostThreeAKey) {
   EXPECT_LE(raw.SystemCalls(), 50 * kValues + 3 * 50);
 }
 
+TEST_F(RegistryCalls, AnImportIntoANewKeyCostsOneCallAValueAndTwoAKey) {
+  TWindowsRawRegistry raw;
+  ASSERT_EQ(raw.CreateKey(kScratchRoot, At(u"Import")), TRawResult::Done);
+  const std::uint64_t before = raw.SystemCalls();
+  for (std::uint64_t i = 0; i < 50; ++i) {
+    const Text path = At(u"Import\\Key " + Number(i));
+    ASSERT_EQ(raw.CreateKey(kScratchRoot, path), TRawResult::Done);
+    for (std::uint64_t j = 0; j < kValues; ++j)
+      ASSERT_EQ(raw.WriteValue(kScratchRoot, path, {Number(j), kRegDword, {1, 0, 0, 0}}), TRawResult::Done);
+  }
+  EXPECT_LE(raw.SystemCalls() - before, 50 * kValues + 2 * 50);
+}
+
+// A link made by somebody else in a key that was just created is still a link.
+TEST_F(RegistryCalls, ALinkInANewKeyIsNotFollowed) {
+  TWindowsRawRegistry raw;
+  ASSERT_EQ(raw.CreateKey(kScratchRoot, At(u"Target")), TRawResult::Done);
+  ASSERT_EQ(raw.CreateKey(kScratchRoot, At(u"New")), TRawResult::Done);
+  m_subject->MakeLink(At(u"New\\Link"), At(u"Target"));
+  EXPECT_EQ(raw.WriteValue(kScratchRoot, At(u"New\\Link"), {u"a", kRegDword, {1, 0, 0, 0}}),
+            TRawResult::Link);
+  TRawValue value;
+  EXPECT_EQ(raw.ReadValue(kScratchRoot, At(u"Target"), u"a", value), TRawResult::Missing);
+}
+
 TEST_F(RegistryCalls, LongNamesAndLargeDataCostNoSecondCall) {
   const auto writer = OpenStoreAt(u"Key");
   for (int i = 0; i < 20; ++i)
