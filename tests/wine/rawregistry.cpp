@@ -38,6 +38,18 @@ std::string Hex(const std::vector<BYTE>& data, DWORD size) {
   return text;
 }
 
+// Whether an enumeration ended at its end; says where it did not. The texts of the performance counters look
+// like a key and are none.
+bool Complete(LSTATUS status, const std::string& path) {
+  const bool isPseudoKey = status == ERROR_INVALID_HANDLE && path.find("\\Perflib\\") != std::string::npos;
+  if (status == ERROR_NO_MORE_ITEMS || isPseudoKey)
+    return true;
+  const std::string line = path + " can't be read whole: " + std::to_string(status) + "\n";
+  DWORD written = 0;
+  WriteFile(GetStdHandle(STD_ERROR_HANDLE), line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
+  return false;
+}
+
 bool DumpValues(HKEY key, const std::string& path, std::string& out) {
   std::vector<wchar_t> name(kLongestName);
   std::vector<BYTE> data(1024);
@@ -52,7 +64,7 @@ bool DumpValues(HKEY key, const std::string& path, std::string& out) {
       continue;
     }
     if (status != ERROR_SUCCESS)
-      return status == ERROR_NO_MORE_ITEMS;
+      return Complete(status, path);
     out += path + "\t" + NameText(name.data(), nameLength) + "\t" + std::to_string(type) + "\t" +
            Hex(data, size) + "\n";
     ++i;
@@ -77,7 +89,7 @@ bool Dump(HKEY parent, const wchar_t* name, const std::string& path, std::string
       complete = Dump(key, child.data(), path + "\\" + NameText(child.data(), length), out);
   }
   RegCloseKey(key);
-  return complete && status == ERROR_NO_MORE_ITEMS;
+  return complete && Complete(status, path);
 }
 
 HKEY RootOf(const std::wstring& name) {
