@@ -5,6 +5,26 @@
 #include "ui/regjump.h"
 #include "ui/report.h"
 
+// The dialog is remembered as long as it is open. However it goes, the thread that it shows is told to stop
+// before it has gone, and so never reaches it again.
+class TRegMain::TOpenDialog {
+ public:
+  TOpenDialog(TRegMain& main, TProgressView& dialog) : m_main(main) {
+    m_main.m_progress = &dialog;
+  }
+  ~TOpenDialog() {
+    // Also after a second dialog that this one opened, and that has been forgotten already.
+    m_main.m_progress = nullptr;
+    m_main.ProgressClosing();
+    m_main.m_view.ActionsChanged();
+  }
+  TOpenDialog(const TOpenDialog&) = delete;
+  TOpenDialog& operator=(const TOpenDialog&) = delete;
+
+ private:
+  TRegMain& m_main;
+};
+
 TRegMain::TRegMain(TSystem& system, const TGlobalVars& vars, TGlobalReg& reg, TUiThread& uiThread,
                    TRegMainView& view)
     : m_system(system),
@@ -48,7 +68,7 @@ bool TRegMain::CanRepair() const {
 }
 
 bool TRegMain::CanExport() const {
-  return !WorkerRuns() && const_cast<TResultsTreeModel&>(m_results).Model().TotalCount() != 0;
+  return !WorkerRuns() && m_results.Model().TotalCount() != 0;
 }
 
 void TRegMain::Scan() {
@@ -70,7 +90,7 @@ void TRegMain::Repair() {
 
 void TRegMain::RunWithProgress(TProgressMode mode) {
   const std::unique_ptr<TProgressView> progress = m_view.CreateProgress(mode);
-  m_progress = progress.get();
+  const TOpenDialog open(*this, *progress);
   if (mode == TProgressMode::Scan) {
     const TScanContext context = {
         m_system, m_vars, m_reg, m_sections, m_results, m_uiThread, [this](TWorkerThread& thread) {
@@ -84,9 +104,6 @@ void TRegMain::RunWithProgress(TProgressMode mode) {
   }
   m_view.ActionsChanged();
   progress->ShowModal();
-  // A dialog that the first one opened has been forgotten already.
-  m_progress = nullptr;
-  m_view.ActionsChanged();
 }
 
 void TRegMain::ProgressClosing() {
@@ -96,35 +113,33 @@ void TRegMain::ProgressClosing() {
     m_cleaning->Terminate();
 }
 
+// A failure is said last, when all is as the end leaves it: messages go on under a message box.
 void TRegMain::ScanFinished(TWorkerThread& thread) {
   m_scan = nullptr;
-  if (thread.FatalException()) {
-    ShowFailure(Say(TextId::ScanFailed, DescribeException(thread.FatalException(), m_system.Locale)));
-  }
   UpdateSummary();
   m_view.ResultsChanged();
   m_view.ActionsChanged();
+  if (thread.FatalException())
+    ShowFailure(Say(TextId::ScanFailed, DescribeException(thread.FatalException(), m_system.Locale)));
 }
 
 void TRegMain::CleaningFinished(TWorkerThread& thread) {
   m_cleaning = nullptr;
-  const std::exception_ptr failure = thread.FatalException();
-  if (failure)
-    ShowFailure(DescribeException(failure, m_system.Locale));
   m_rows.DropRemoved();
   UpdateSummary();
   m_view.ResultsChanged();
   m_view.ActionsChanged();
   if (m_progress != nullptr)
     m_progress->ShowResult(LanguageText(m_vars.Texts, TextId::RepairFinalMessage), 0);
+  if (thread.FatalException())
+    ShowFailure(DescribeException(thread.FatalException(), m_system.Locale));
 }
 
 void TRegMain::MaintenanceFinished(TWorkerThread& thread) {
   m_prepare = nullptr;
   m_view.ActionsChanged();
-  if (thread.FatalException()) {
+  if (thread.FatalException())
     ShowFailure(DescribeException(thread.FatalException(), m_system.Locale));
-  }
 }
 
 void TRegMain::UpdateSummary() {

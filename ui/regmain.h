@@ -22,7 +22,7 @@
 class TProgressView : public TProgressDialog {
  public:
   // Shows the dialog and answers when it has been closed. The dialog calls TRegMain::ProgressClosing then,
-  // and TRegMain::RepairFromDialog for its Repair button.
+  // and TRegMain::Repair for its Repair button.
   virtual void ShowModal() = 0;
 
   // The run has ended with this message and this many problems left to repair.
@@ -105,6 +105,8 @@ class TRegMain {
   void OpenSelected();
 
  private:
+  class TOpenDialog;
+
   void RunWithProgress(TProgressMode mode);
   void ScanFinished(TWorkerThread& thread);
   void CleaningFinished(TWorkerThread& thread);

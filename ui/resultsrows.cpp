@@ -1,6 +1,6 @@
 #include "ui/resultsrows.h"
 
-#include "core/lettercase.h"
+#include "repair/ignorereg.h"
 
 namespace {
 
@@ -73,8 +73,10 @@ void TResultsRows::Select(TResultsNode* node) {
 
 void TResultsRows::ForgetSelection() {
   TResultsNode* node = Selected();
-  if (node != nullptr)
-    node->Problem.StateFlag1 = false;
+  if (node == nullptr)
+    return;
+  node->Problem.StateFlag1 = false;
+  m_tree.Model().RowHeightChanged(node);
   m_tree.Model().Select(nullptr);
 }
 
@@ -121,8 +123,7 @@ void TResultsRows::Choose(std::int32_t choice) {
 
 void TResultsRows::IgnoreSelected() {
   TResultsNode* node = SelectedProblem();
-  const Text entry =
-      RootKeyName(node->Problem.RootKey) + node->Problem.KeyPath + u"\\" + node->Problem.ValueName;
+  const Text entry = IgnoreEntryOf(node->Problem);
   TTreeNode* header = node->Parent;
   const bool isOnlyRow = header->Children.size() == 1;
   m_tree.Model().Delete(isOnlyRow ? header : node);

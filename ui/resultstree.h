@@ -33,6 +33,9 @@ class TResultsTreeModel : public ResultsTree {
   TTreeModel& Model() {
     return m_model;
   }
+  const TTreeModel& Model() const {
+    return m_model;
+  }
 
  private:
   TTreeModel m_model;

@@ -1,0 +1,41 @@
+// What the progress dialog says at its beginning and at its end.
+
+#include "ui/progresstexts.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/scanrig.h"
+
+TEST(ProgressTexts, TheCaptionSaysWhatRuns) {
+  const TLanguageTexts texts = NumberedTexts();
+  EXPECT_EQ(ProgressCaption(TProgressMode::Scan, texts), u"11035 ...");
+  EXPECT_EQ(ProgressCaption(TProgressMode::Repair, texts), u"11036 ...");
+}
+
+TEST(ProgressTexts, AScanThatFindsNothingShowsTheMessageAlone) {
+  const TProgressOutcome outcome = ProgressOutcome(TProgressMode::Scan, u"11016,11017.", 0, NumberedTexts());
+  EXPECT_EQ(outcome.SectionLine, u"11031");
+  EXPECT_EQ(outcome.Message, u"11016,11017.");
+  EXPECT_FALSE(outcome.OffersRepair);
+}
+
+TEST(ProgressTexts, AScanThatFindsOneProblemInvitesToRepairAfterABlankLine) {
+  const TProgressOutcome outcome = ProgressOutcome(TProgressMode::Scan, u"11012,11014.", 1, NumberedTexts());
+  EXPECT_EQ(outcome.SectionLine, u"11031");
+  EXPECT_EQ(outcome.Message, u"11012,11014.\r\n\r\n11033");
+  EXPECT_TRUE(outcome.OffersRepair);
+}
+
+TEST(ProgressTexts, ARepairIsNeverFollowedByAnother) {
+  for (const std::size_t left : {0u, 3u}) {
+    const TProgressOutcome outcome = ProgressOutcome(TProgressMode::Repair, u"11008", left, NumberedTexts());
+    EXPECT_EQ(outcome.SectionLine, u"11034");
+    EXPECT_EQ(outcome.Message, u"11008");
+    EXPECT_FALSE(outcome.OffersRepair);
+  }
+}
+
+TEST(ProgressTexts, TheModesHaveTheNumbersOfTheDialog) {
+  EXPECT_EQ(static_cast<int>(TProgressMode::Scan), 1);
+  EXPECT_EQ(static_cast<int>(TProgressMode::Repair), 2);
+}

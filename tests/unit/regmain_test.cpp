@@ -1,0 +1,682 @@
+// The main window's work: its settings, what may be done when, the flows of scan and repair, and what comes
+// of dialogs that are closed in the middle and of threads that fail.
+
+#include "ui/regmain.h"
+
+#include <gtest/gtest.h>
+
+#include <future>
+#include <stdexcept>
+
+#include "tests/support/mainrig.h"
+
+namespace {
+
+using TLines = std::vector<std::string>;
+
+constexpr TextView kCatalogue = u"C:\\Program Files\\Tessaly\\data\\xdata.dat";
+constexpr std::int32_t kAdware = 100;
+constexpr TextView kSections =
+    u"HKEY_CURRENT_USER\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\Sections";
+constexpr TextView kSettings =
+    u"HKEY_CURRENT_USER\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\Settings";
+constexpr TextView kIgnored =
+    u"HKEY_CURRENT_USER\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\IgnoreList";
+
+// The sections that are stored, by code.
+const std::vector<Text> kLeafCodes = {u"1",  u"21", u"22", u"23", u"100", u"3",  u"4",  u"5",
+                                      u"6",  u"7",  u"8",  u"9",  u"10",  u"11", u"12", u"13",
+                                      u"14", u"15", u"16", u"17", u"18",  u"19"};
+
+TSectionsNode* SectionOf(TRegMain& main, std::int32_t code) {
+  TSectionsTreeModel& tree = main.Sections();
+  for (TSectionsNode* node = tree.FirstChild(tree.FirstRoot()); node != nullptr;
+       node = tree.NextSibling(node)) {
+    if (tree.Code(node) == code)
+      return node;
+    for (TSectionsNode* below = tree.FirstChild(node); below != nullptr; below = tree.NextSibling(below)) {
+      if (tree.Code(below) == code)
+        return below;
+    }
+  }
+  return nullptr;
+}
+
+// A rig whose scan has found the given number of problems in one section.
+class TScannedRig : public TMainRig {
+ public:
+  explicit TScannedRig(int problems) {
+    BreakMany(problems);
+    Main.Scan();
+    Dialogs.clear();
+    Summaries.clear();
+  }
+};
+
+}  // namespace
+
+// Settings
+
+TEST(MainWindowSettings, TheFirstRunChecksEverySectionAndTheExitStoresIt) {
+  TMainRig rig;
+  rig.Main.LoadSections();
+  EXPECT_EQ(rig.Main.Sections().CheckState(rig.Main.Sections().FirstRoot()), TCheckState::Checked);
+  rig.Main.SaveSettings();
+  for (const Text& code : kLeafCodes)
+    EXPECT_EQ(rig.StoredSection(code), "true") << EncodeUtf8(code);
+  EXPECT_EQ(rig.StoredSections().size(), kLeafCodes.size());
+}
+
+TEST(MainWindowSettings, GroupsAreNeverStored) {
+  TMainRig rig;
+  rig.Main.LoadSections();
+  rig.Main.SaveSettings();
+  EXPECT_EQ(rig.StoredSection(u"0"), "(none)");
+  EXPECT_EQ(rig.StoredSection(u"2"), "(none)");
+}
+
+TEST(MainWindowSettings, AnUncheckedSectionStaysUncheckedOverTheNextStart) {
+  TMainRig rig;
+  rig.Main.LoadSections();
+  rig.Main.Sections().Model().SetChecked(SectionOf(rig.Main, 21), false);
+  rig.Main.SaveSettings();
+  EXPECT_EQ(rig.StoredSection(u"21"), "false");
+  rig.Main.Sections().CheckOnly({1});
+  rig.Main.LoadSections();
+  EXPECT_EQ(SectionOf(rig.Main, 21)->State, TCheckState::Unchecked);
+  EXPECT_EQ(SectionOf(rig.Main, 22)->State, TCheckState::Checked);
+  EXPECT_EQ(SectionOf(rig.Main, 2)->State, TCheckState::Mixed);
+  EXPECT_EQ(rig.Main.Sections().FirstRoot()->State, TCheckState::Mixed);
+}
+
+TEST(MainWindowSettings, WithEverySectionUncheckedTheNextStartChecksThemAll) {
+  TMainRig rig;
+  rig.Main.Sections().CheckOnly({});
+  rig.Main.SaveSettings();
+  rig.Main.LoadSections();
+  EXPECT_EQ(rig.Main.Sections().FirstRoot()->State, TCheckState::Checked);
+}
+
+TEST(MainWindowSettings, TheExitStoresTheBackupSettings) {
+  TMainRig rig;
+  rig.Reg.BackupFolder = u"C:\\Backups\\";
+  rig.Reg.BackupCount = 7;
+  rig.Main.SaveSettings();
+  const std::unique_ptr<RegistryStore> store = rig.System.Registry.CreateStore(TRegistryAccess::Read);
+  ASSERT_TRUE(store->OpenKey(kCleanerSettingsKey, false));
+  EXPECT_EQ(store->ReadString(u"regbackupfolder"), u"C:\\Backups\\");
+  EXPECT_EQ(store->ReadInteger(u"regbackupcount"), 7);
+}
+
+TEST(MainWindowSettings, KeysThatCannotBeCreatedAreNoError) {
+  TMainRig rig;
+  rig.System.Registry.AddKey(u"HKEY_CURRENT_USER\\Software\\TessalySoft");
+  rig.System.Registry.Deny(u"HKEY_CURRENT_USER\\Software\\TessalySoft");
+  rig.Main.LoadSections();
+  rig.Main.SaveSettings();
+  EXPECT_FALSE(rig.System.Registry.HasKey(kSections));
+  EXPECT_FALSE(rig.System.Registry.HasKey(kSettings));
+  EXPECT_EQ(rig.Shell.Calls, TLines());
+}
+
+// What may be done when
+
+TEST(MainWindowActions, AnEmptyTreeCanBeScannedForAndBackupsRestored) {
+  TMainRig rig;
+  EXPECT_EQ(rig.Enabled(), "scan restore");
+}
+
+TEST(MainWindowActions, ATreeWithANodeCanBeRepairedAndExported) {
+  TScannedRig rig(1);
+  EXPECT_EQ(rig.Enabled(), "scan repair restore export");
+}
+
+TEST(MainWindowActions, AHeaderAloneIsANode) {
+  TMainRig rig;
+  rig.Main.Results().AddNode(nullptr);
+  EXPECT_EQ(rig.Enabled(), "scan repair restore export");
+}
+
+TEST(MainWindowActions, RepairWaitsForTheMaintenanceToEnd) {
+  TScannedRig rig(1);
+  rig.Main.StartMaintenance();
+  EXPECT_EQ(rig.Enabled(), "scan restore export");
+  EXPECT_TRUE(rig.Main.AnyThreadRuns());
+  EXPECT_FALSE(rig.Main.WorkerRuns());
+  const int changes = rig.ActionsChanges;
+  rig.PumpUntil([&] { return !rig.Main.AnyThreadRuns(); });
+  EXPECT_EQ(rig.Enabled(), "scan repair restore export");
+  EXPECT_GT(rig.ActionsChanges, changes);
+  EXPECT_EQ(rig.Shell.Calls, TLines());
+}
+
+TEST(MainWindowActions, ARepairAskedForDuringTheMaintenanceOpensNoDialog) {
+  TScannedRig rig(1);
+  rig.Main.StartMaintenance();
+  rig.Main.Repair();
+  EXPECT_TRUE(rig.Dialogs.empty());
+  EXPECT_TRUE(rig.IsBroken(0));
+  rig.PumpUntil([&] { return !rig.Main.AnyThreadRuns(); });
+}
+
+TEST(MainWindowActions, ARepairOfAnEmptyTreeOpensNoDialog) {
+  TMainRig rig;
+  rig.Main.Repair();
+  EXPECT_TRUE(rig.Dialogs.empty());
+}
+
+TEST(MainWindowActions, NothingMayBeDoneWhileAScanRuns) {
+  TMainRig rig;
+  rig.BreakMany(3);
+  std::string enabled = "(not asked)";
+  rig.Users.push_back([&](TDialogRecord&) {
+    rig.PumpUntil([&] { return rig.RowCount() == 1; });
+    enabled = rig.Enabled();
+    rig.WaitForTheEnd();
+  });
+  rig.Main.Scan();
+  EXPECT_EQ(enabled, "");
+}
+
+TEST(MainWindowActions, NothingMayBeDoneWhileARepairRuns) {
+  TScannedRig rig(3);
+  std::string enabled = "(not asked)";
+  rig.Users.push_back([&](TDialogRecord& dialog) {
+    rig.PumpUntil([&] { return !dialog.Updates.empty(); });
+    enabled = rig.Enabled();
+    rig.WaitForTheEnd();
+  });
+  rig.Main.Repair();
+  EXPECT_EQ(enabled, "");
+}
+
+// Scan
+
+TEST(MainWindowScan, WithoutProblemsEndsWithTheTextsOfNone) {
+  TMainRig rig;
+  rig.Main.Scan();
+  ASSERT_EQ(rig.Dialogs.size(), 1u);
+  EXPECT_EQ(rig.Dialogs[0].Mode, TProgressMode::Scan);
+  EXPECT_EQ(rig.Dialogs[0].Results, TLines({"11016,11017.|0"}));
+  ASSERT_FALSE(rig.Summaries.empty());
+  EXPECT_EQ(rig.Summaries.back().Label, u"11011 (11016,11017)");
+  EXPECT_EQ(rig.Enabled(), "scan restore");
+}
+
+TEST(MainWindowScan, ShowsItsCountsInTheWindowAndInTheDialog) {
+  TMainRig rig;
+  rig.BreakMany(3);
+  rig.Main.Scan();
+  EXPECT_EQ(rig.Dialogs.at(0).Results, TLines({"11013(3),11015(3).|3"}));
+  EXPECT_EQ(rig.Summaries.back().TotalText, u"11013(3)");
+  EXPECT_EQ(rig.Summaries.back().SelectedText, u"11015(3)");
+  EXPECT_EQ(rig.Header(0)->Problem.ChildCount, 3u);
+  EXPECT_EQ(rig.Header(0)->State, TCheckState::Checked);
+  EXPECT_GT(rig.ResultsChanges, 0);
+  EXPECT_EQ(rig.Enabled(), "scan repair restore export");
+}
+
+TEST(MainWindowScan, ShowsItsProgressInTheDialog) {
+  TMainRig rig;
+  rig.Main.Scan();
+  const TLines& updates = rig.Dialogs.at(0).Updates;
+  ASSERT_GE(updates.size(), 3u);
+  EXPECT_EQ(updates[0], "item: ");
+  EXPECT_TRUE(updates[1].starts_with("section: 11035 ") && updates[1].ends_with("...")) << updates[1];
+}
+
+TEST(MainWindowScan, BeginsWithAnEmptyTreeAndNoSelection) {
+  TScannedRig rig(2);
+  rig.Main.Rows().Select(rig.Row(0, 0));
+  const int changes = rig.ResultsChanges;
+  std::size_t nodes = 99;
+  bool isSelected = true;
+  int changesAtStart = 0;
+  rig.Users.push_back([&](TDialogRecord&) {
+    nodes = rig.Main.Results().Model().TotalCount();
+    isSelected = rig.Main.Rows().Selected() != nullptr;
+    changesAtStart = rig.ResultsChanges - changes;
+    rig.WaitForTheEnd();
+  });
+  rig.Main.Scan();
+  EXPECT_EQ(nodes, 0u);
+  EXPECT_FALSE(isSelected);
+  EXPECT_EQ(changesAtStart, 1);
+  EXPECT_EQ(rig.RowCount(), 2u);
+}
+
+TEST(MainWindowScan, MeasuresTheRowsAsTheWindowSays) {
+  TMainRig rig;
+  rig.Break(0);
+  rig.Main.SetMeasure([](TextView) { return 5000; });
+  rig.Main.Scan();
+  EXPECT_GT(rig.Main.Results().ColumnWidth(), 5000);
+}
+
+TEST(MainWindowScan, ClosedInTheMiddleKeepsWhatItFound) {
+  constexpr int kProblems = 200;
+  TMainRig rig;
+  rig.BreakMany(kProblems);
+  rig.Users.push_back([&](TDialogRecord&) { rig.PumpUntil([&] { return rig.RowCount() == 5; }); });
+  rig.Main.Scan();
+  // The thread waits for this one, which has stopped pumping: the dialog does not wait for it.
+  EXPECT_TRUE(rig.Main.WorkerRuns());
+  EXPECT_EQ(rig.Enabled(), "");
+  rig.WaitForTheEnd();
+  EXPECT_GE(rig.RowCount(), 5u);
+  EXPECT_LT(rig.RowCount(), static_cast<std::size_t>(kProblems));
+  EXPECT_EQ(rig.Header(0)->Problem.ChildCount, rig.RowCount());
+  EXPECT_EQ(rig.Summaries.back().Total, rig.RowCount());
+  EXPECT_EQ(rig.Enabled(), "scan repair restore export");
+  EXPECT_EQ(rig.Shell.Calls, TLines());
+}
+
+TEST(MainWindowScan, ADialogThatIsGoneHearsNothingMore) {
+  TMainRig rig;
+  rig.BreakMany(200);
+  rig.Users.push_back([&](TDialogRecord&) { rig.PumpUntil([&] { return rig.RowCount() == 5; }); });
+  rig.Main.Scan();
+  ASSERT_FALSE(rig.Dialogs[0].IsThere);
+  const std::size_t updates = rig.Dialogs[0].Updates.size();
+  rig.WaitForTheEnd();
+  rig.Main.UpdateSummary();
+  EXPECT_EQ(rig.Dialogs[0].Updates.size(), updates);
+  EXPECT_EQ(rig.Dialogs[0].Results, TLines());
+}
+
+TEST(MainWindowScan, ClosedAtItsVeryStartFindsNothing) {
+  TMainRig rig;
+  rig.BreakMany(20);
+  rig.Users.push_back([](TDialogRecord&) {});
+  rig.Main.Scan();
+  EXPECT_TRUE(rig.Main.WorkerRuns());
+  rig.WaitForTheEnd();
+  EXPECT_EQ(rig.RowCount(), 0u);
+  EXPECT_EQ(rig.Dialogs[0].Updates, TLines());
+  EXPECT_EQ(rig.Enabled(), "scan restore");
+}
+
+TEST(MainWindowScan, ClosedTwiceIsClosedOnce) {
+  TMainRig rig;
+  rig.BreakMany(20);
+  rig.Users.push_back([&](TDialogRecord&) { rig.Main.ProgressClosing(); });
+  rig.Main.Scan();
+  rig.WaitForTheEnd();
+  EXPECT_EQ(rig.Enabled(), "scan restore");
+}
+
+TEST(MainWindowScan, ASecondOneDoesNotStartBeforeTheFirstHasEnded) {
+  TMainRig rig;
+  rig.BreakMany(20);
+  rig.Users.push_back([](TDialogRecord&) {});
+  rig.Main.Scan();
+  rig.Main.Scan();
+  rig.Main.Repair();
+  EXPECT_EQ(rig.Dialogs.size(), 1u);
+  rig.WaitForTheEnd();
+  rig.Main.Scan();
+  EXPECT_EQ(rig.Dialogs.size(), 2u);
+  EXPECT_EQ(rig.RowCount(), 20u);
+}
+
+TEST(MainWindowScan, ADialogThatGoesWithoutAWordStopsTheScan) {
+  TMainRig rig;
+  rig.BreakMany(200);
+  rig.DialogGoesSilently = true;
+  rig.Users.push_back([&](TDialogRecord&) { rig.PumpUntil([&] { return rig.RowCount() == 5; }); });
+  rig.Main.Scan();
+  const std::size_t updates = rig.Dialogs[0].Updates.size();
+  rig.WaitForTheEnd();
+  EXPECT_LT(rig.RowCount(), 200u);
+  EXPECT_EQ(rig.Dialogs[0].Updates.size(), updates);
+}
+
+TEST(MainWindowScan, ADialogThatThrowsIsForgottenAndStopsTheScan) {
+  TMainRig rig;
+  rig.BreakMany(200);
+  rig.DialogThrows = true;
+  rig.Users.push_back([&](TDialogRecord&) { rig.PumpUntil([&] { return rig.RowCount() == 5; }); });
+  EXPECT_THROW(rig.Main.Scan(), std::runtime_error);
+  rig.WaitForTheEnd();
+  EXPECT_LT(rig.RowCount(), 200u);
+  EXPECT_EQ(rig.Dialogs[0].Results, TLines());
+  EXPECT_EQ(rig.Enabled(), "scan repair restore export");
+}
+
+TEST(MainWindowScan, ThatFailsSaysWhyAndLeavesEverythingUsable) {
+  TMainRig rig;
+  rig.Break(0);
+  rig.System.Disk.AddFile(kCatalogue, "not a catalogue");
+  rig.Main.Sections().CheckOnly({TMainRig::kSection, kAdware});
+  rig.Main.Scan();
+  EXPECT_EQ(rig.Shell.Calls,
+            TLines({"failure 40001 | 40002(40003(C:\\Program Files\\Tessaly\\\\data\\xdata.dat))"}));
+  // What was found before the failure is there.
+  EXPECT_EQ(rig.RowCount(), 1u);
+  EXPECT_EQ(rig.Dialogs[0].Results, TLines({"11012,11014.|1"}));
+  EXPECT_EQ(rig.Enabled(), "scan repair restore export");
+  rig.Main.Sections().CheckOnly({TMainRig::kSection});
+  rig.Main.Scan();
+  EXPECT_EQ(rig.Shell.Calls.size(), 1u);
+  EXPECT_EQ(rig.RowCount(), 1u);
+}
+
+TEST(MainWindowScan, ThatFailsAfterItsDialogHasGoneSaysWhyAllTheSame) {
+  TMainRig rig;
+  rig.Break(0);
+  // The read waits until the dialog has been closed.
+  std::promise<void> closed;
+  std::shared_future<void> isClosed = closed.get_future().share();
+  rig.System.Registry.OnRead = [isClosed] {
+    isClosed.wait();
+    throw std::runtime_error("no more");
+  };
+  rig.Users.push_back(
+      [&](TDialogRecord& dialog) { rig.PumpUntil([&] { return dialog.Updates.size() == 3; }); });
+  rig.Main.Scan();
+  closed.set_value();
+  rig.WaitForTheEnd();
+  EXPECT_EQ(rig.Shell.Calls, TLines({"failure 40001 | 40002(no more)"}));
+  EXPECT_EQ(rig.Dialogs[0].Results, TLines());
+  rig.System.Registry.OnRead = nullptr;
+  rig.Main.Scan();
+  EXPECT_EQ(rig.RowCount(), 1u);
+}
+
+// Repair
+
+TEST(MainWindowRepair, DropsTheRepairedRowsAndRecounts) {
+  TScannedRig rig(3);
+  TTreeModel& model = rig.Main.Results().Model();
+  model.SetChecked(rig.Row(0, 1), false);
+  rig.Main.Rows().Checked(rig.Row(0, 1));
+  rig.Main.Repair();
+  EXPECT_FALSE(rig.IsBroken(0));
+  EXPECT_TRUE(rig.IsBroken(1));
+  EXPECT_FALSE(rig.IsBroken(2));
+  ASSERT_EQ(rig.RowCount(), 1u);
+  EXPECT_EQ(rig.Row(0, 0)->Problem.KeyPath, u"\\Software\\App\\1");
+  EXPECT_EQ(rig.Header(0)->Problem.ChildCount, 1u);
+  EXPECT_EQ(rig.Header(0)->State, TCheckState::Unchecked);
+  EXPECT_EQ(rig.Summaries.back().Label, u"11011 (11012,11017)");
+}
+
+TEST(MainWindowRepair, OfEverythingLeavesAnEmptyTree) {
+  TScannedRig rig(3);
+  rig.Main.Repair();
+  EXPECT_EQ(rig.Main.Results().Model().TotalCount(), 0u);
+  EXPECT_EQ(rig.Enabled(), "scan restore");
+  EXPECT_EQ(rig.Summaries.back().Label, u"11011 (11016,11017)");
+}
+
+TEST(MainWindowRepair, EndsWithItsFinalMessageAndNoCount) {
+  TScannedRig rig(2);
+  rig.Main.Results().Model().SetChecked(rig.Row(0, 0), false);
+  rig.Main.Repair();
+  ASSERT_EQ(rig.Dialogs.size(), 1u);
+  EXPECT_EQ(rig.Dialogs[0].Mode, TProgressMode::Repair);
+  // The summary first.
+  EXPECT_EQ(rig.Dialogs[0].Results, TLines({"11012,11017.|1", "11008|0"}));
+}
+
+TEST(MainWindowRepair, AsksNothing) {
+  TScannedRig rig(2);
+  rig.Main.Repair();
+  EXPECT_EQ(rig.Shell.Calls, TLines());
+}
+
+TEST(MainWindowRepair, ForgetsTheSelectionAtItsStart) {
+  TScannedRig rig(2);
+  TResultsNode* kept = rig.Row(0, 0);
+  rig.Main.Results().Model().SetChecked(kept, false);
+  rig.Main.Rows().Select(kept);
+  rig.Main.Repair();
+  EXPECT_EQ(rig.Main.Rows().Selected(), nullptr);
+  EXPECT_FALSE(kept->Problem.StateFlag1);
+}
+
+TEST(MainWindowRepair, ClosedInTheMiddleKeepsTheRowsThatItDidNotReach) {
+  constexpr int kProblems = 100;
+  TScannedRig rig(kProblems);
+  rig.Users.push_back(
+      [&](TDialogRecord&) { rig.PumpUntil([&] { return rig.Row(0, 4)->Problem.StateFlag2; }); });
+  rig.Main.Repair();
+  EXPECT_TRUE(rig.Main.WorkerRuns());
+  EXPECT_EQ(rig.Enabled(), "");
+  const std::size_t updates = rig.Dialogs[0].Updates.size();
+  rig.WaitForTheEnd();
+  EXPECT_EQ(rig.Dialogs[0].Updates.size(), updates);
+  EXPECT_EQ(rig.Dialogs[0].Results, TLines());
+  EXPECT_EQ(rig.RowCount(), static_cast<std::size_t>(kProblems - 5));
+  EXPECT_EQ(rig.Header(0)->Problem.ChildCount, rig.RowCount());
+  EXPECT_TRUE(rig.IsBroken(kProblems - 1));
+  EXPECT_EQ(rig.Enabled(), "scan repair restore export");
+  // The rest goes in a second repair.
+  rig.Main.Repair();
+  EXPECT_EQ(rig.RowCount(), 0u);
+}
+
+TEST(MainWindowRepair, ThatCannotBackUpDeletesNothingAndSaysWhy) {
+  TScannedRig rig(2);
+  rig.System.Disk.FailReplacing(112);
+  rig.Main.Repair();
+  ASSERT_EQ(rig.Shell.Calls.size(), 1u);
+  EXPECT_TRUE(rig.Shell.Calls[0].starts_with("failure 40001 | 40004(")) << rig.Shell.Calls[0];
+  EXPECT_NE(rig.Shell.Calls[0].find("System message 112."), std::string::npos) << rig.Shell.Calls[0];
+  EXPECT_TRUE(rig.IsBroken(0));
+  EXPECT_EQ(rig.RowCount(), 2u);
+  EXPECT_EQ(rig.Enabled(), "scan repair restore export");
+  rig.System.Disk.FailReplacing(0);
+  rig.Main.Repair();
+  EXPECT_EQ(rig.RowCount(), 0u);
+  EXPECT_EQ(rig.Shell.Calls.size(), 1u);
+}
+
+TEST(MainWindowRepair, IsDoneWithTheWindowWhenItSaysAFailure) {
+  TScannedRig rig(2);
+  rig.System.Disk.FailReplacing(112);
+  std::string enabled;
+  TLines results;
+  rig.Shell.OnMessage = [&] {
+    enabled = rig.Enabled();
+    results = rig.Dialogs.back().Results;
+  };
+  rig.Main.Repair();
+  EXPECT_EQ(enabled, "scan repair restore export");
+  EXPECT_EQ(results, TLines({"11013(2),11015(2).|2", "11008|0"}));
+}
+
+// From the scan's dialog on
+
+TEST(MainWindowRepair, FromTheScansDialogRunsInADialogOfItsOwn) {
+  TMainRig rig;
+  rig.BreakMany(3);
+  bool scanDialogIsThere = false;
+  rig.Users.push_back([&](TDialogRecord& scan) {
+    rig.WaitForTheEnd();
+    rig.Main.Repair();
+    scanDialogIsThere = scan.IsThere;
+  });
+  rig.Main.Scan();
+  ASSERT_EQ(rig.Dialogs.size(), 2u);
+  EXPECT_TRUE(scanDialogIsThere);
+  EXPECT_EQ(rig.Dialogs[1].Mode, TProgressMode::Repair);
+  // The hidden dialog is told nothing of the repair.
+  EXPECT_EQ(rig.Dialogs[0].Results, TLines({"11013(3),11015(3).|3"}));
+  EXPECT_EQ(rig.Dialogs[1].Results, TLines({"11016,11017.|0", "11008|0"}));
+  EXPECT_EQ(rig.RowCount(), 0u);
+  EXPECT_FALSE(rig.Main.AnyThreadRuns());
+  EXPECT_EQ(rig.Enabled(), "scan restore");
+}
+
+TEST(MainWindowRepair, FromTheScansDialogClosedInTheMiddleReachesNeitherDialog) {
+  TMainRig rig;
+  rig.BreakMany(50);
+  rig.Users.push_back([&](TDialogRecord&) {
+    rig.WaitForTheEnd();
+    rig.Main.Repair();
+  });
+  rig.Users.push_back(
+      [&](TDialogRecord& repair) { rig.PumpUntil([&] { return repair.Updates.size() > 3; }); });
+  rig.Main.Scan();
+  EXPECT_TRUE(rig.Main.WorkerRuns());
+  rig.WaitForTheEnd();
+  EXPECT_EQ(rig.Dialogs[0].Results.size(), 1u);
+  EXPECT_EQ(rig.Dialogs[1].Results, TLines());
+  EXPECT_EQ(rig.RowCount(), 50u);
+  EXPECT_EQ(rig.Enabled(), "scan repair restore export");
+}
+
+TEST(MainWindowRepair, EndingWhileTheScansDialogIsStillThereReachesNeitherDialog) {
+  TMainRig rig;
+  rig.BreakMany(50);
+  rig.Users.push_back([&](TDialogRecord&) {
+    rig.WaitForTheEnd();
+    rig.Main.Repair();
+    rig.WaitForTheEnd();
+  });
+  rig.Users.push_back([](TDialogRecord&) {});
+  rig.Main.Scan();
+  EXPECT_EQ(rig.Dialogs[0].Results.size(), 1u);
+  EXPECT_EQ(rig.Dialogs[1].Results, TLines());
+  EXPECT_EQ(rig.Enabled(), "scan repair restore export");
+}
+
+// Maintenance, and the end of the window
+
+TEST(MainWindowMaintenance, ThatFailsSaysWhyAndLeavesEverythingUsable) {
+  TScannedRig rig(1);
+  rig.System.Disk.AddFile(rig.Vars.SuiteBackupsFolder + u"index.ini", "[1]\r\n");
+  rig.System.Disk.FailReading(5);
+  rig.Main.StartMaintenance();
+  std::string enabled;
+  rig.Shell.OnMessage = [&] { enabled = rig.Enabled(); };
+  rig.PumpUntil([&] { return !rig.Main.AnyThreadRuns() && !rig.Shell.Calls.empty(); });
+  ASSERT_EQ(rig.Shell.Calls.size(), 1u);
+  EXPECT_TRUE(rig.Shell.Calls[0].starts_with("failure 40001 | 40007(")) << rig.Shell.Calls[0];
+  EXPECT_EQ(enabled, "scan repair restore export");
+}
+
+TEST(MainWindowEnd, TerminatesAScanAndWaitsByPumping) {
+  TMainRig rig;
+  rig.BreakMany(200);
+  rig.Users.push_back([&](TDialogRecord&) {
+    rig.PumpUntil([&] { return rig.RowCount() == 5; });
+    rig.Main.TerminateThreads();
+    rig.PumpUntil([&] { return !rig.Main.AnyThreadRuns(); });
+  });
+  rig.Main.Scan();
+  EXPECT_LT(rig.RowCount(), 200u);
+}
+
+TEST(MainWindowEnd, TerminatesARepairAndTheMaintenance) {
+  TScannedRig rig(100);
+  rig.Users.push_back([](TDialogRecord&) {});
+  rig.Main.Repair();
+  rig.Main.StartMaintenance();
+  rig.Main.TerminateThreads();
+  rig.PumpUntil([&] { return !rig.Main.AnyThreadRuns(); });
+  EXPECT_EQ(rig.RowCount(), 100u);
+  EXPECT_EQ(rig.Shell.Calls, TLines());
+}
+
+// Ignoring a row
+
+TEST(MainWindowIgnore, AfterAYesTheNextScanReportsTheProblemNoMore) {
+  TScannedRig rig(2);
+  rig.Main.Rows().Select(rig.Row(0, 0));
+  rig.Shell.Answers = {TAnswer::Yes};
+  rig.Main.Rows().Choose(kChoiceIgnore);
+  EXPECT_EQ(rig.Shell.Calls, TLines({"question 10044 | 11009"}));
+  EXPECT_EQ(rig.Reg.IgnoreList, std::vector<Text>({u"HKEY_CURRENT_USER\\Software\\App\\0\\File"}));
+  EXPECT_TRUE(rig.System.Registry.HasValue(kIgnored, u"HKEY_CURRENT_USER\\Software\\App\\0\\File"));
+  EXPECT_EQ(rig.Summaries.back().Label, u"11011 (11012,11014)");
+  rig.Main.Scan();
+  ASSERT_EQ(rig.RowCount(), 1u);
+  EXPECT_EQ(rig.Row(0, 0)->Problem.KeyPath, u"\\Software\\App\\1");
+}
+
+TEST(MainWindowIgnore, TheLastRowTakesItsHeaderAndTheRepairWithIt) {
+  TScannedRig rig(1);
+  rig.Main.Rows().Select(rig.Row(0, 0));
+  rig.Shell.Answers = {TAnswer::Yes};
+  rig.Main.Rows().Choose(kChoiceIgnore);
+  EXPECT_EQ(rig.Main.Results().Model().TotalCount(), 0u);
+  EXPECT_EQ(rig.Enabled(), "scan restore");
+  EXPECT_EQ(rig.Summaries.back().Label, u"11011 (11016,11017)");
+}
+
+TEST(MainWindowIgnore, AnyAnswerButYesChangesNothing) {
+  for (const TAnswer answer : {TAnswer::No, TAnswer::Ok}) {
+    TScannedRig rig(1);
+    rig.Main.Rows().Select(rig.Row(0, 0));
+    rig.Shell.Answers = {answer};
+    rig.Main.Rows().Choose(kChoiceIgnore);
+    EXPECT_EQ(rig.RowCount(), 1u);
+    EXPECT_TRUE(rig.Reg.IgnoreList.empty());
+    EXPECT_FALSE(rig.System.Registry.HasKey(kIgnored));
+    EXPECT_EQ(rig.Main.Rows().Controls().Choice, 0);
+  }
+}
+
+TEST(MainWindowIgnore, AnEntryThatIsSwitchedOffComesBackOn) {
+  TScannedRig rig(1);
+  rig.Reg.IgnoreList = {u";HKEY_CURRENT_USER\\SOFTWARE\\APP\\0\\file"};
+  rig.Main.Rows().Select(rig.Row(0, 0));
+  rig.Shell.Answers = {TAnswer::Yes};
+  rig.Main.Rows().Choose(kChoiceIgnore);
+  EXPECT_EQ(rig.Reg.IgnoreList, std::vector<Text>({u"HKEY_CURRENT_USER\\Software\\App\\0\\File"}));
+}
+
+// Summary, report and registry editor
+
+TEST(MainWindowSummary, FollowsTheCheckBoxes) {
+  TScannedRig rig(2);
+  rig.Main.Results().Model().SetChecked(rig.Row(0, 0), false);
+  rig.Main.Rows().Checked(rig.Row(0, 0));
+  EXPECT_EQ(rig.Summaries.back().Label, u"11011 (11013(2),11014)");
+}
+
+TEST(MainWindowReport, IsSavedAndSaysWhere) {
+  TScannedRig rig(2);
+  rig.Main.SaveReport(u"C:\\a & b.txt");
+  EXPECT_EQ(rig.Shell.Calls, TLines({"information 10045 | 11010 C:\\a & b.txt"}));
+  const std::optional<std::string> report = rig.System.Disk.Content(u"C:\\a & b.txt");
+  ASSERT_TRUE(report);
+  EXPECT_TRUE(report->starts_with("Report created on "));
+  EXPECT_TRUE(report->ends_with("(Total 2 Problems):\r\n"));
+}
+
+TEST(MainWindowReport, ReplacesAFileThatIsThere) {
+  TScannedRig rig(1);
+  rig.System.Disk.AddFile(u"C:\\r.txt", "old");
+  rig.Main.SaveReport(u"C:\\r.txt");
+  EXPECT_TRUE(rig.System.Disk.Content(u"C:\\r.txt")->starts_with("Report created on "));
+}
+
+TEST(MainWindowReport, ThatCannotBeWrittenSaysTheSystemsReasonAndNothingElse) {
+  TScannedRig rig(1);
+  rig.System.Disk.FailReplacing(5);
+  rig.Main.SaveReport(u"C:\\r.txt");
+  EXPECT_EQ(rig.Shell.Calls, TLines({"failure 40001 | 40008(System message 5.)"}));
+  EXPECT_FALSE(rig.System.Disk.Content(u"C:\\r.txt"));
+}
+
+TEST(MainWindowRegistryEditor, IsNotOpenedWithoutASelectedProblem) {
+  TScannedRig rig(1);
+  rig.Shell.TopLevelWindows[u"RegEdit_RegEdit"] = 10;
+  rig.Shell.FullAccessKeys = {"2147483649:Software\\App\\0"};
+  rig.Main.OpenSelected();
+  rig.Main.Rows().Select(rig.Header(0));
+  rig.Main.OpenSelected();
+  EXPECT_EQ(rig.Shell.Calls, TLines());
+}
+
+TEST(MainWindowRegistryEditor, OpensTheSelectedProblemAsTheWindowsVersionWantsIt) {
+  TScannedRig rig(1);
+  rig.Vars.WindowsVersionName = u"vista";
+  rig.Shell.FullAccessKeys = {"2147483649:Software\\App\\0"};
+  rig.Main.Rows().Select(rig.Row(0, 0));
+  rig.Main.OpenSelected();
+  EXPECT_EQ(rig.Shell.Calls, TLines({"start RunAs regedit.exe"}));
+}
