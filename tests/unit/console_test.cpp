@@ -84,8 +84,10 @@ TEST_F(ConsoleProgram, HelpNamesEveryCommandAndEveryExitCode) {
   EXPECT_EQ(m_rig.Run({u"--help"}), 0);
 
   for (const std::string text :
-       {"  corvaltc sections\n", "  corvaltc scan [--sections", "  0  nothing found\n",
-        "  1  problems found\n", "  2  wrong usage\n", "  3  the scan failed"})
+       {"  corvaltc sections\n", "  corvaltc scan [--sections", "  corvaltc repair [--sections",
+        "  corvaltc backups\n", "  corvaltc restore NAME\n", "  corvaltc ignore list\n",
+        "  0  nothing found; everything repaired", "  1  problems found; some left by a repair",
+        "  2  wrong usage; nothing was done\n", "  3  the command failed"})
     EXPECT_NE(m_rig.Console.Output.find(text), std::string::npos) << text;
   EXPECT_EQ(m_rig.Starts, 0);
 }
