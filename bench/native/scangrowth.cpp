@@ -1,6 +1,7 @@
 // How the cost of a scan grows with what there is to look at: the time per entry for 1,000, 10,000 and
 // 100,000 entries, which an O(n log n) scan keeps nearly the same, and the memory that a problem takes beyond
-// its texts. On the doubles: their own cost is in every figure.
+// its texts. Processor time, so that other programs don't count. On the doubles: their own cost is in every
+// figure.
 
 #include <malloc.h>
 #include <sys/wait.h>

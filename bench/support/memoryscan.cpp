@@ -1,6 +1,6 @@
 #include "bench/support/memoryscan.h"
 
-#include <chrono>
+#include <ctime>
 #include <string_view>
 
 namespace {
@@ -56,14 +56,14 @@ double TMemoryScan::Run(const std::vector<std::int32_t>& sectionCodes) {
   };
   TSystem system = System.Bundle();
   TSilentDialog dialog;
-  const auto start = std::chrono::steady_clock::now();
+  const std::clock_t start = std::clock();
   const TScanContext context = {system, Vars, Reg, Sections, Results, UiThread, onFinished};
   TWorkerThread::Launch<TScan>(context, dialog);
   UiThread.RunUntil([&finished] { return finished; });
-  const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+  const double taken = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
   if (failure)
     std::rethrow_exception(failure);
-  return taken.count();
+  return taken;
 }
 
 std::size_t TMemoryScan::ProblemCount() {

@@ -16,7 +16,8 @@ class TMemoryScan {
   // A machine with the usual folders on its fixed drive C: and nothing in its registry.
   TMemoryScan();
 
-  // Runs the sections with these codes and answers the seconds it took. Throws what ended the scan early.
+  // Runs the sections with these codes and answers the seconds of
+  // processor time it took, all threads together. Throws what ended the scan early.
   double Run(const std::vector<std::int32_t>& sectionCodes);
 
   std::size_t ProblemCount();
