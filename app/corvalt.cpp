@@ -30,11 +30,11 @@ int RunProgram(TWindowsSystem& windows, TSystem& system, int show) {
 
 }  // namespace
 
-int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int show) {
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int nShowCmd) {
   TWindowsSystem windows;
   TSystem system = windows.Bundle();
   try {
-    return RunProgram(windows, system, show);
+    return RunProgram(windows, system, nShowCmd);
   } catch (...) {
     ShowFailure(system, std::current_exception());
     return 1;

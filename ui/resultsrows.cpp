@@ -97,7 +97,7 @@ TRowControls TResultsRows::Controls() const {
   return controls;
 }
 
-void TResultsRows::Checked(TResultsNode* node) {
+void TResultsRows::Checked(TResultsNode* node) const {
   if (IsHeader(*node)) {
     for (const auto& child : node->Children)
       FollowCheckBox(*child);

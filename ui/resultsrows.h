@@ -63,7 +63,7 @@ class TResultsRows {
   TRowControls Controls() const;
 
   // After the user has checked or unchecked a row.
-  void Checked(TResultsNode* node);
+  void Checked(TResultsNode* node) const;
 
   // After the user has chosen in the selected problem's list. Ignoring asks first, and removes the row.
   void Choose(std::int32_t choice);
