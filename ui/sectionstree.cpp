@@ -18,6 +18,16 @@ void CollectLeaves(TTreeNode* node, std::vector<TSectionsNode*>& leaves) {
     CollectLeaves(child.get(), leaves);
 }
 
+// What a group shows when the tree is filled: unlike after a click, a group below it that is checked in part
+// counts for nothing.
+TCheckState StateOfGroup(const TTreeNode& group) {
+  const auto isChecked = [](const auto& child) { return child->State == TCheckState::Checked; };
+  if (std::none_of(group.Children.begin(), group.Children.end(), isChecked))
+    return TCheckState::Unchecked;
+  const bool allChecked = std::all_of(group.Children.begin(), group.Children.end(), isChecked);
+  return allChecked ? TCheckState::Checked : TCheckState::Mixed;
+}
+
 }  // namespace
 
 TSectionsTreeModel::TSectionsTreeModel() {
@@ -105,7 +115,9 @@ std::vector<TSectionsNode*> TSectionsTreeModel::Leaves() const {
 // The tree is two groups deep: the children of "My Computer" first, then "My Computer" itself.
 void TSectionsTreeModel::RecomputeParents() {
   TTreeNode* root = m_model.FirstRoot();
-  for (const auto& child : root->Children)
-    child->State = TTreeModel::StateFromChildren(*child);
-  root->State = TTreeModel::StateFromChildren(*root);
+  for (const auto& child : root->Children) {
+    if (!child->Children.empty())
+      child->State = StateOfGroup(*child);
+  }
+  root->State = StateOfGroup(*root);
 }

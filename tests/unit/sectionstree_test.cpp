@@ -132,6 +132,12 @@ TEST(SectionsTree, TicksWhatTheSettingsSayAndNothingElse) {
   EXPECT_EQ(StateOf(loaded.Tree, 0), TCheckState::Mixed);
 }
 
+TEST(SectionsTree, WhenLoadedAGroupThatIsTickedInPartDoesNotTickTheOneAboveIt) {
+  TLoadedTree loaded({{u"21", 1}, {u"22", 0}, {u"23", 0}});
+  EXPECT_EQ(StateOf(loaded.Tree, 2), TCheckState::Mixed);
+  EXPECT_EQ(StateOf(loaded.Tree, 0), TCheckState::Unchecked);
+}
+
 TEST(SectionsTree, ACodeIsNotFoundInsideALongerOne) {
   TLoadedTree loaded({{u"100", 1}, {u"21", 1}});
   EXPECT_EQ(Ticked(loaded.Tree), (std::vector<std::int32_t>{21, 100}));
