@@ -580,6 +580,25 @@ TEST(MainWindowEnd, TerminatesARepairAndTheMaintenance) {
   EXPECT_EQ(rig.Shell.Calls, TLines());
 }
 
+TEST(MainWindowEnd, StopsTheMaintenanceBeforeItsNextBackup) {
+  for (const bool isTerminated : {false, true}) {
+    TMainRig rig;
+    rig.Vars.BackupsMax = 60;
+    rig.Vars.BackupsDelete = 1;
+    const Text index = rig.Vars.SuiteBackupsFolder + u"index.ini";
+    const std::string old = "[1]\r\nType=11001\r\n";
+    rig.System.Disk.AddFile(index, old);
+    // Keeps the thread from the index until it has been told.
+    std::unique_ptr<THeldLock> lock = rig.System.Interprocess.Lock(u"any");
+    rig.Main.StartMaintenance();
+    if (isTerminated)
+      rig.Main.TerminateThreads();
+    lock.reset();
+    rig.PumpUntil([&] { return !rig.Main.AnyThreadRuns(); });
+    EXPECT_EQ(rig.System.Disk.Content(index) == old, isTerminated);
+  }
+}
+
 // Ignoring a row
 
 TEST(MainWindowIgnore, AfterAYesTheNextScanReportsTheProblemNoMore) {
