@@ -85,7 +85,7 @@ TEST_F(ConsoleProgram, HelpNamesEveryCommandAndEveryExitCode) {
 
   for (const std::string text :
        {"  corvaltc sections\n", "  corvaltc scan [--sections", "  corvaltc repair [--sections",
-        "  corvaltc backups\n", "  corvaltc restore NAME\n", "  corvaltc ignore list\n",
+        "  corvaltc backups\n", "  corvaltc restore NAME\n", "  corvaltc ignore list",
         "  0  nothing found; everything repaired", "  1  problems found; some left by a repair",
         "  2  wrong usage; nothing was done\n", "  3  the command failed"})
     EXPECT_NE(m_rig.Console.Output.find(text), std::string::npos) << text;
