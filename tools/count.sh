@@ -39,10 +39,11 @@ check() {
   fi
 }
 
-# first_number LOG EXPRESSION: the number that the expression captures, else 0.
-first_number() {
+# last_number LOG EXPRESSION: the number that the expression captures last (a test may run its own program for a child),
+# else 0.
+last_number() {
   local number
-  number=$(tr -d '\r' <"$1" | sed -nE "s/$2/\\1/p" | head -n 1)
+  number=$(tr -d '\r' <"$1" | sed -nE "s/$2/\\1/p" | tail -n 1)
   echo "${number:-0}"
 }
 
@@ -51,10 +52,10 @@ first_number() {
 count_tests() {
   run_logged "$@"
   local ran good bad skipped remark=
-  ran=$(first_number "$log" '^\[==========\] ([0-9]+) tests? from .* ran\..*')
-  good=$(first_number "$log" '^\[  PASSED  \] ([0-9]+) tests?\..*')
-  bad=$(first_number "$log" '^\[  FAILED  \] ([0-9]+) tests?, listed below:.*')
-  skipped=$(first_number "$log" '^\[  SKIPPED \] ([0-9]+) tests?, listed below:.*')
+  ran=$(last_number "$log" '^\[==========\] ([0-9]+) tests? from .* ran\..*')
+  good=$(last_number "$log" '^\[  PASSED  \] ([0-9]+) tests?\..*')
+  bad=$(last_number "$log" '^\[  FAILED  \] ([0-9]+) tests?, listed below:.*')
+  skipped=$(last_number "$log" '^\[  SKIPPED \] ([0-9]+) tests?, listed below:.*')
   if ((ran == 0)); then
     good=$(tr -d '\r' <"$log" | grep -acE '^\[       OK \]' || true)
     bad=$((bad + 1))
@@ -73,9 +74,9 @@ count_tests() {
 count_python() {
   run_logged "$@"
   local ran bad errors
-  ran=$(first_number "$log" '^Ran ([0-9]+) tests?.*')
-  bad=$(first_number "$log" '^FAILED \(.*failures=([0-9]+).*')
-  errors=$(first_number "$log" '^FAILED \(.*errors=([0-9]+).*')
+  ran=$(last_number "$log" '^Ran ([0-9]+) tests?.*')
+  bad=$(last_number "$log" '^FAILED \(.*failures=([0-9]+).*')
+  errors=$(last_number "$log" '^FAILED \(.*errors=([0-9]+).*')
   bad=$((bad + errors))
   if (((ran == 0 || exit_code != 0) && bad == 0)); then
     bad=1
