@@ -45,6 +45,7 @@ BackupStore::BackupStore(TSystem& system, const TGlobalVars& vars)
 }
 
 Text BackupStore::BeginBackup() {
+  const std::unique_ptr<THeldLock> lock = LockStore();
   const TSystemError error = m_system.Files.MakeFolders(m_vars.SuiteBackupsFolder);
   if (error.Failed())
     throw TSystemException(error, m_vars.SuiteBackupsFolder);

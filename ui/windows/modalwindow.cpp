@@ -47,6 +47,8 @@ HWND TModalWindow::AddControl(TextView className, TextView text, DWORD style, in
 
 HWND TModalWindow::AddButton(TextView text, int id, int left, int top, int width, int height,
                              bool isDefault) {
+  if (isDefault)
+    m_defaultButton = id;
   const DWORD style = WS_TABSTOP | (isDefault ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON);
   return AddControl(u"BUTTON", text, style, id, left, top, width, height);
 }
@@ -88,6 +90,9 @@ LRESULT TModalWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         return 0;
       }
       break;
+    case DM_GETDEFID:
+      // Asked when Enter is pressed and no button has the keyboard.
+      return m_defaultButton == 0 ? 0 : MAKELRESULT(m_defaultButton, DC_HASDEFID);
     case WM_CLOSE:
       Close();
       return 0;

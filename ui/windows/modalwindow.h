@@ -36,5 +36,6 @@ class TModalWindow : public TWindow {
   TScale m_scale;
   TGdiObject m_font = MakeWindowFont(m_scale, false);
   HWND m_owner = nullptr;
+  int m_defaultButton = 0;
   bool m_closed = false;
 };
