@@ -65,7 +65,7 @@ Text PlainText(TextView text) {
 
 Text LoadLanguage(TSystem& system, TextView programFolder, TLanguageTexts& texts) {
   const Text languagesFolder = WithTrailingBackslash(programFolder) + u"languages\\";
-  const Text name = ChooseLanguage(system, languagesFolder);
+  Text name = ChooseLanguage(system, languagesFolder);
   texts.English = LoadTable(system, languagesFolder + Text(kEnglishFile));
   texts.Selected = LoadTable(system, languagesFolder + name);
   return name;

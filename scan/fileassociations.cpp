@@ -56,10 +56,10 @@ void TScan::ScanFileAssociations(const TSection& section) {
   FinishSection();
 }
 
-void TScan::CheckExtension(RegistryStore& reader, RegistryStore& prober, TextView extension,
+void TScan::CheckExtension(RegistryStore& registry, RegistryStore& prober, TextView extension,
                            std::vector<Text>& typePairs) {
   const Text key = u"\\" + Text(extension);
-  const Text programId = DefaultText(reader, key);
+  const Text programId = DefaultText(registry, key);
   if (!programId.empty()) {
     if (!prober.KeyExists(programId)) {
       const Text fullKey = RootKeyName(kHkeyClassesRoot) + u"\\" + programId;
@@ -74,54 +74,54 @@ void TScan::CheckExtension(RegistryStore& reader, RegistryStore& prober, TextVie
   }
 }
 
-void TScan::CheckClassKey(RegistryStore& reader, RegistryStore& prober, TextView name) {
+void TScan::CheckClassKey(RegistryStore& registry, RegistryStore& prober, TextView name) {
   const Text key = u"\\" + Text(name);
   if (IsKeyEmpty(kHkeyClassesRoot, key, true)) {
     ReportKey(kHkeyClassesRoot, key, {}, Say(TextId::EmptyKey), kProblemImage);
   }
-  CheckClassLink(reader, prober, key);
+  CheckClassLink(registry, prober, key);
 }
 
-void TScan::CheckClassLink(RegistryStore& reader, RegistryStore& prober, TextView base) {
+void TScan::CheckClassLink(RegistryStore& registry, RegistryStore& prober, TextView base) {
   const Text key = Text(base) + u"\\CLSID";
-  const Text classId = DefaultText(reader, key);
+  const Text classId = DefaultText(registry, key);
   if (classId.empty() || IsClassIntact(prober, classId))
     return;
   ReportKey(kHkeyClassesRoot, key, classId, Say(TextId::BrokenClassLink, classId), kProblemImage);
 }
 
-void TScan::CheckFileType(RegistryStore& reader, RegistryStore& prober, TextView base) {
-  CheckClassLink(reader, prober, base);
+void TScan::CheckFileType(RegistryStore& registry, RegistryStore& prober, TextView base) {
+  CheckClassLink(registry, prober, base);
 
   const Text iconKey = Text(base) + u"\\DefaultIcon";
-  const Text icon = DefaultText(reader, iconKey);
+  const Text icon = DefaultText(registry, iconKey);
   if (!icon.empty() && !IsShellTargetValid(icon)) {
     ReportKey(kHkeyClassesRoot, iconKey, icon, Say(TextId::MissingIcon, icon), kProblemImage);
   }
-  for (const Text& verb : SubKeyNames(reader, Text(base) + u"\\Shell")) {
-    CheckVerb(reader, prober, base, verb);
+  for (const Text& verb : SubKeyNames(registry, Text(base) + u"\\Shell")) {
+    CheckVerb(registry, prober, base, verb);
   }
   const Text handlersKey = Text(base) + Text(kHandlersKey);
-  for (const Text& handler : SubKeyNames(reader, handlersKey)) {
+  for (const Text& handler : SubKeyNames(registry, handlersKey)) {
     // A braced handler's key is named without a separator, and only there the problem has an image.
-    CheckHandler(reader, prober, handlersKey, handler, handlersKey + handler, kProblemImage);
+    CheckHandler(registry, prober, handlersKey, handler, handlersKey + handler, kProblemImage);
   }
   const Text sheetsKey = Text(base) + Text(kSheetsKey);
-  for (const Text& sheet : SubKeyNames(reader, sheetsKey)) {
-    CheckHandler(reader, prober, sheetsKey, sheet, sheetsKey + u"\\" + sheet, kNoImage);
+  for (const Text& sheet : SubKeyNames(registry, sheetsKey)) {
+    CheckHandler(registry, prober, sheetsKey, sheet, sheetsKey + u"\\" + sheet, kNoImage);
   }
 }
 
-void TScan::CheckVerb(RegistryStore& reader, RegistryStore& prober, TextView base, TextView verb) {
+void TScan::CheckVerb(RegistryStore& registry, RegistryStore& prober, TextView base, TextView verb) {
   const Text verbKey = Text(base) + u"\\Shell\\" + Text(verb);
-  const Text command = DefaultText(reader, verbKey + u"\\Command");
+  const Text command = DefaultText(registry, verbKey + u"\\Command");
   if (!command.empty() && !IsShellTargetValid(command)) {
     ReportKey(kHkeyClassesRoot, verbKey, command, Say(TextId::BrokenVerb, verb, command), kProblemImage);
   }
-  if (reader.OpenKey(verbKey + u"\\DropTarget", false)) {
+  if (registry.OpenKey(verbKey + u"\\DropTarget", false)) {
     // The list of broken classes does not count here.
-    const Text classId = reader.ReadString(u"CLSID");
-    reader.CloseKey();
+    const Text classId = registry.ReadString(u"CLSID");
+    registry.CloseKey();
     if (!classId.empty() && !prober.KeyExists(u"\\clsid\\" + classId)) {
       ReportKey(kHkeyClassesRoot, verbKey, classId, Say(TextId::BrokenVerb, verb, classId), kProblemImage);
     }
@@ -132,8 +132,8 @@ void TScan::CheckVerb(RegistryStore& reader, RegistryStore& prober, TextView bas
 }
 
 // A handler's name is the class identifier itself, in braces, or its default value is.
-void TScan::CheckHandler(RegistryStore& reader, RegistryStore& prober, TextView handlersKey, TextView handler,
-                         TextView bracedKey, std::int32_t bracedImage) {
+void TScan::CheckHandler(RegistryStore& registry, RegistryStore& prober, TextView handlersKey,
+                         TextView handler, TextView bracedKey, std::int32_t bracedImage) {
   if (IsBracedName(handler)) {
     if (IsClassIntact(prober, handler))
       return;
@@ -141,7 +141,7 @@ void TScan::CheckHandler(RegistryStore& reader, RegistryStore& prober, TextView 
     return;
   }
   const Text key = Text(handlersKey) + u"\\" + Text(handler);
-  const std::optional<Text> classId = DefaultValue(reader, key);
+  const std::optional<Text> classId = DefaultValue(registry, key);
   if (!classId)
     return;
   if (classId->empty()) {

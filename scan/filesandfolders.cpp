@@ -9,6 +9,10 @@ constexpr TextView kUserShellFolders =
     u"\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders";
 constexpr TextView kShellFolders = u"\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
 
+constexpr TextView kProgramsOrder =
+    u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\MenuOrder\\Start "
+    u"Menu2\\Programs\\";
+
 // Keys that other sections examine on their own, and the system hive. The comparison is with the root's own
 // name, so that the copies of the user's keys under HKEY_USERS are walked there.
 constexpr TextView kExaminedElsewhere[] = {
@@ -27,8 +31,7 @@ constexpr TextView kExaminedElsewhere[] = {
     u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders\\",
     u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders\\",
     u"HKEY_CURRENT_USER\\AppEvents\\Schemes\\Apps\\",
-    u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\MenuOrder\\Start "
-    u"Menu2\\Programs\\",
+    kProgramsOrder,
     u"HKEY_LOCAL_MACHINE\\SYSTEM\\",
 };
 

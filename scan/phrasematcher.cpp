@@ -39,7 +39,7 @@ TPhraseMatcher::TState TPhraseMatcher::Grow(TState parent, char16_t unit) {
   if (known != kNone)
     return known;
   const TState failure = parent == kRoot ? kRoot : Step(m_states[parent].Failure, unit);
-  const TState grown = static_cast<TState>(m_states.size());
+  const auto grown = static_cast<TState>(m_states.size());
   m_states.push_back({parent, failure, unit, m_states[failure].IsMatch});
   if (m_states.size() * 2 > m_slots.size()) {
     DoubleSlots();

@@ -379,6 +379,7 @@ std::vector<const TRawValue*> TMemoryRegistry::OrderedValues(const TMemoryKey& k
               [](const auto* a, const auto* b) { return LowerCase(a->Raw.Name) < LowerCase(b->Raw.Name); });
   }
   std::vector<const TRawValue*> raw;
+  raw.reserve(values.size());
   for (const TMemoryKey::TValue* value : values)
     raw.push_back(&value->Raw);
   return raw;
@@ -430,11 +431,11 @@ void TMemoryRegistry::SetInteger(TextView fullPath, TextView name, std::uint32_t
   SetRaw(fullPath, {Text(name), kRegDword, IntegerBytes(value)});
 }
 
-void TMemoryRegistry::SetRaw(TextView fullPath, TRawValue value) {
+void TMemoryRegistry::SetRaw(TextView fullPath, const TRawValue& value) {
   WriteValue(*FullPathKey(fullPath, true), value);
 }
 
-void TMemoryRegistry::RemoveKey(TextView fullPath) {
+void TMemoryRegistry::RemoveKey(TextView fullPath) const {
   const std::size_t rootEnd = fullPath.find(u'\\');
   Detach(Root(RootKeyFromName(fullPath.substr(0, rootEnd))), ParseKeyPath(fullPath.substr(rootEnd))->Names);
 }

@@ -44,8 +44,8 @@ class TMemoryRegistry : public TRegistryFactory {
   void Set(TextView fullPath, TextView name, TextView text);
   void SetExpand(TextView fullPath, TextView name, TextView text);
   void SetInteger(TextView fullPath, TextView name, std::uint32_t value);
-  void SetRaw(TextView fullPath, TRawValue value);
-  void RemoveKey(TextView fullPath);
+  void SetRaw(TextView fullPath, const TRawValue& value);
+  void RemoveKey(TextView fullPath) const;
   void Deny(TextView fullPath);
   void MakeLink(TextView fullPath, TextView targetFullPath);
   bool HasKey(TextView fullPath) const;

@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr DWORD kLongestPath = 260;          // characters, of a long path name
-constexpr std::size_t kBlock = 1024 * 1024;  // bytes of one reading or writing
+constexpr DWORD kLongestPath = 260;                       // characters, of a long path name
+constexpr std::size_t kBlock = std::size_t{1024} * 1024;  // bytes of one reading or writing
 constexpr int kMostTemporaryNames = 100;
 
 constexpr DWORD kNoSuchFile = INVALID_FILE_ATTRIBUTES;
@@ -84,7 +84,7 @@ TSystemError WriteAll(HANDLE file, std::span<const std::uint8_t> bytes) {
 // A file of a name that nobody uses, deleted at the end unless it was moved to where it belongs.
 class TTemporaryFile {
  public:
-  explicit TTemporaryFile(const Text& target) : m_target(target) {
+  explicit TTemporaryFile(Text target) : m_target(std::move(target)) {
   }
   ~TTemporaryFile() {
     m_file.Close();
