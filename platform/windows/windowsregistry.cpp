@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr DWORD kLargestKeptData = 65536;                   // bytes of one value
+constexpr DWORD kLargestKeptData = 65536;                                // bytes of one value
 constexpr std::size_t kLargestSnapshot = std::size_t{16} * 1024 * 1024;  // bytes of all values
 
 constexpr REGSAM kReadAccess = KEY_READ;
