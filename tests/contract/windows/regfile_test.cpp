@@ -70,7 +70,7 @@ void DumpPlainKey(HKEY key, const Text& path, TDump& dump) {
   TBytes data(largest + 1);
   for (DWORD index = 0;; ++index) {
     DWORD units = kLongestName;
-    DWORD size = static_cast<DWORD>(data.size());
+    auto size = static_cast<DWORD>(data.size());
     DWORD type = 0;
     if (RegEnumValueW(key, index, WideBuffer(name), &units, nullptr, &type, data.data(), &size) !=
         ERROR_SUCCESS)

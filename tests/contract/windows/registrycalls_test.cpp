@@ -87,7 +87,7 @@ TEST_F(RegistryCalls, AnImportCostsOneCallAValueAndAtMostThreeAKey) {
       ASSERT_EQ(raw.WriteValue(kScratchRoot, path, {Number(j), kRegSz, UnitBytes(Text(u"x\0", 2))}),
                 TRawResult::Done);
   }
-  EXPECT_LE(raw.SystemCalls(), 50 * kValues + 3 * 50);
+  EXPECT_LE(raw.SystemCalls(), std::uint64_t{50} * kValues + std::uint64_t{3} * 50);
 }
 
 TEST_F(RegistryCalls, AnImportIntoANewKeyCostsOneCallAValueAndTwoAKey) {
@@ -100,7 +100,7 @@ TEST_F(RegistryCalls, AnImportIntoANewKeyCostsOneCallAValueAndTwoAKey) {
     for (std::uint64_t j = 0; j < kValues; ++j)
       ASSERT_EQ(raw.WriteValue(kScratchRoot, path, {Number(j), kRegDword, {1, 0, 0, 0}}), TRawResult::Done);
   }
-  EXPECT_LE(raw.SystemCalls() - before, 50 * kValues + 2 * 50);
+  EXPECT_LE(raw.SystemCalls() - before, std::uint64_t{50} * kValues + std::uint64_t{2} * 50);
 }
 
 // A link made by somebody else in a key that was just created is still a link.
@@ -130,7 +130,7 @@ TEST_F(RegistryCalls, LongNamesAndLargeDataCostNoSecondCall) {
 
 // Handles are small multiples of four; Wine's GetProcessHandleCount counts none.
 int OpenHandles() {
-  constexpr std::uintptr_t kLargestLookedAt = 4 * 20000;
+  constexpr std::uintptr_t kLargestLookedAt = std::uintptr_t{4} * 20000;
   int count = 0;
   for (std::uintptr_t value = 4; value <= kLargestLookedAt; value += 4) {
     DWORD flags = 0;

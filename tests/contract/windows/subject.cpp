@@ -35,12 +35,12 @@ void RemoveTree(TWindowsSystem& system, const Text& folder) {
   RemoveDirectoryW(Wide(folder));
 }
 
-class TWindowsSubject : public TSubject {
+class TWindowsSubject final : public TSubject {
  public:
   TWindowsSubject()
       : m_name(UniqueName()),
         m_folder(TemporaryFolder() + m_name),
-        m_uiThread([](std::exception_ptr exception) { std::rethrow_exception(exception); }) {
+        m_uiThread([](const std::exception_ptr& exception) { std::rethrow_exception(exception); }) {
     m_system.Raw.CreateKey(kScratchRoot, ScratchKey());
     m_system.Files.MakeFolders(m_folder);
   }

@@ -9,7 +9,7 @@
 
 namespace {
 
-void IgnoreFailure(std::exception_ptr) {
+void IgnoreFailure(const std::exception_ptr&) {
 }
 
 void DispatchUntil(const bool& done) {
@@ -63,7 +63,7 @@ TEST(WindowsUiThread, MoreRoutinesThanTheMessageQueueTakesAllRunInOrder) {
 TEST(WindowsUiThread, AnExceptionOfAPostedRoutineReachesTheFailureHandler) {
   std::string told;
   bool ended = false;
-  TWindowsUiThread door([&told](std::exception_ptr exception) {
+  TWindowsUiThread door([&told](const std::exception_ptr& exception) {
     try {
       std::rethrow_exception(exception);
     } catch (const std::runtime_error& error) {
