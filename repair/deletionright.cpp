@@ -26,15 +26,11 @@ Text CanonicalValue(TRootKey rootKey, TextView keyPath, TextView valueName) {
 }  // namespace
 
 bool BackupsAreOn(TSystem& system) {
-  const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Read);
-  store->SetRootKey(kHkeyCurrentUser);
-  if (!store->OpenKey(kAvailableModulesKey, false))
-    return true;
-  // A value of another type says nothing.
-  const bool isOff =
-      store->GetDataType(kBackupSetting) == TDataType::Integer && !store->ReadBool(kBackupSetting);
-  store->CloseKey();
-  return !isOff;
+  TRawValue value;
+  const TRawResult read = system.Raw.ReadValue(kHkeyCurrentUser, kAvailableModulesKey, kBackupSetting, value);
+  system.Raw.ReleaseKeys();
+  // A value of another type or size says nothing.
+  return read != TRawResult::Done || value.Type != kRegDword || value.Data != TBytes(4, 0);
 }
 
 std::optional<TDeletionRight> TDeletionRight::WithoutBackup(TSystem& system) {

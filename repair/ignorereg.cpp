@@ -23,6 +23,11 @@ std::unique_ptr<RegistryStore> UserStore(TSystem& system) {
   return store;
 }
 
+// The registry takes a name up to its first NUL, which stands for the unnamed value.
+TextView StoredName(TextView entry) {
+  return entry.substr(0, entry.find(u'\0'));
+}
+
 }  // namespace
 
 Text IgnoreEntryOf(const ScanProblem& problem) {
@@ -44,7 +49,7 @@ void StoreIgnoreEntry(TSystem& system, TextView entry) {
   const std::unique_ptr<RegistryStore> store = UserStore(system);
   if (!store->OpenKey(kIgnoreListKey, true))
     return;
-  store->WriteBool(entry, true);
+  store->WriteBool(StoredName(entry), true);
   store->CloseKey();
 }
 
@@ -74,6 +79,6 @@ void TIgnoreListModel::SaveIgnoreList(TSystem& system, TGlobalReg& reg) const {
   if (!store->OpenKey(kIgnoreListKey, true))
     return;
   for (const Text& entry : reg.IgnoreList)
-    store->WriteBool(entry, true);
+    store->WriteBool(StoredName(entry), true);
   store->CloseKey();
 }

@@ -95,10 +95,11 @@ TDeletionResult TProblemDeleter::Delete(const ScanProblem& problem) {
 
 TDeletionResult TProblemDeleter::DeleteKey(const ScanProblem& problem) {
   const TProblemPlace place(problem);
-  if (!m_right.CoversKey(place.RootKey, place.KeyPath))
-    return {KeyExists(place) ? TDeletion::NotCovered : TDeletion::Deleted};
+  const bool covered = m_right.CoversKey(place.RootKey, place.KeyPath);
+  if (!covered && KeyExists(place))
+    return {TDeletion::NotCovered};
   m_registry->SetRootKey(place.RootKey);
-  const bool deleted = m_registry->DeleteKey(place.KeyPath);
+  const bool deleted = covered && m_registry->DeleteKey(place.KeyPath);
   if (problem.ImageIndex == kStartMenuImage)
     DeleteEmptyMenuKeys(place);
   return {deleted || !KeyExists(place) ? TDeletion::Deleted : TDeletion::Failed};
@@ -132,14 +133,14 @@ TDeletionResult TProblemDeleter::DeleteValue(const ScanProblem& problem) {
   if (before == TRawResult::Link || !m_registry->OpenKey(place.KeyPath, false))
     return {before == TRawResult::Missing ? TDeletion::Deleted : TDeletion::Failed};
   if (covered)
-    DeleteOpenedValue(problem, place);
+    m_registry->DeleteValue(place.ValueName);
+  KeepMruListRight(problem, place);
   const bool isThere = covered && m_registry->ValueExists(place.ValueName);
   m_registry->CloseKey();
   return {isThere ? TDeletion::Failed : TDeletion::Deleted, true};
 }
 
-void TProblemDeleter::DeleteOpenedValue(const ScanProblem& problem, const TProblemPlace& place) {
-  m_registry->DeleteValue(place.ValueName);
+void TProblemDeleter::KeepMruListRight(const ScanProblem& problem, const TProblemPlace& place) {
   const bool mayRewrite = m_right.CoversValue(place.RootKey, place.KeyPath, kMruList);
   if (problem.ImageIndex == kMruImage && mayRewrite && m_registry->ValueExists(kMruList))
     RewriteMruList();

@@ -45,7 +45,7 @@ class TProblemDeleter {
   TDeletionResult DeleteKey(const ScanProblem& problem);
   TDeletionResult DeleteValue(const ScanProblem& problem);
   TDeletionResult DeleteFile(const ScanProblem& problem);
-  void DeleteOpenedValue(const ScanProblem& problem, const TProblemPlace& place);
+  void KeepMruListRight(const ScanProblem& problem, const TProblemPlace& place);
   void DeleteEmptyMenuKeys(const TProblemPlace& place);
   bool HasSubKeys(TextView keyPath);
   void RewriteMruList();

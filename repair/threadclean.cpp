@@ -43,7 +43,10 @@ void TCleaning::Execute() {
 
 TDeletionRight TCleaning::PrepareDeletions() {
   try {
-    if (std::optional<TDeletionRight> right = TDeletionRight::WithoutBackup(m_context.System))
+    std::optional<TDeletionRight> right;
+    if (m_context.MayGoWithoutBackup)
+      right = TDeletionRight::WithoutBackup(m_context.System);
+    if (right)
       return *std::move(right);
     return MakeBackup();
   } catch (...) {

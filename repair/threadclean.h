@@ -22,6 +22,7 @@ struct TCleaningContext {
   ResultsTree& Results;
   TUiThread& UiThread;
   TWorkerThread::TEndHandler OnFinished;  // runs on the user-interface thread when the repair has ended
+  bool MayGoWithoutBackup = true;         // false: a backup is made also where the setting wants none
 };
 
 // What became of the checked problems, in tree order. The nodes are good as long as the tree keeps them.

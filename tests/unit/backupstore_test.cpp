@@ -309,6 +309,10 @@ TEST(TheRightToDelete, WithoutABackupExistsOnlyWhereTheSettingSaysFalse) {
   EXPECT_TRUE(BackupsAreOn(bundle));
   system.Registry.SetInteger(kModules, u"RegistryCleaner", 1);
   EXPECT_TRUE(BackupsAreOn(bundle));
+  system.Registry.SetRaw(kModules, {u"RegistryCleaner", kRegDword, {}});
+  EXPECT_TRUE(BackupsAreOn(bundle));
+  system.Registry.SetRaw(kModules, {u"RegistryCleaner", kRegDword, {0, 0}});
+  EXPECT_TRUE(BackupsAreOn(bundle));
   system.Registry.Set(kModules, u"RegistryCleaner", u"0");
   EXPECT_TRUE(BackupsAreOn(bundle));
   EXPECT_FALSE(TDeletionRight::WithoutBackup(bundle));

@@ -73,7 +73,7 @@ void DropDeleted(TResultsTreeModel& results, const TCleaningOutcome& cleaning) {
 void TellRepair(TConsoleContext& context, const TRepairOutcome& outcome) {
   const TCleaningOutcome& cleaning = outcome.Cleaning;
   if (outcome.Failure)
-    context.Console.Tell(PlainText(DescribeException(outcome.Failure, context.System.Locale)));
+    context.Console.Tell(DescribeException(outcome.Failure, context.System.Locale));
   if (!cleaning.BackupName.empty())
     context.Console.Tell(u"Backup: " + cleaning.BackupName);
   const auto tell = [&context](TextView what, std::size_t count) {
@@ -86,14 +86,15 @@ void TellRepair(TConsoleContext& context, const TRepairOutcome& outcome) {
   tell(u"Not repaired, because the repair ended early: ", cleaning.NotReached);
 }
 
-TExitCode Delete(TConsoleContext& context, TResultsTreeModel& results, bool listLeft) {
-  const TRepairOutcome outcome = RunRepair(context, results);
+TExitCode Delete(TConsoleContext& context, TResultsTreeModel& results, bool listLeft, bool noBackup) {
+  const TRepairOutcome outcome = RunRepair(context, results, noBackup);
   TellRepair(context, outcome);
   if (!outcome.Cleaning.BackupMade)
     return TExitCode::Failed;
   DropDeleted(results, outcome.Cleaning);
-  if (listLeft && !WriteData(context, ProblemListing(results)))
-    return TExitCode::Failed;
+  // Something is deleted by now: a listing that can't be written is told, and changes no exit code.
+  if (listLeft)
+    WriteData(context, ProblemListing(results));
   return ProblemCount(results) == 0 ? TExitCode::Nothing : TExitCode::Found;
 }
 
@@ -114,7 +115,7 @@ TExitCode Repair(TConsoleContext& context, const TRepairOptions& options) {
   if (ProblemCount(results) == 0)
     return TExitCode::Nothing;
   if (options.Yes && !scan.Cancelled)
-    return Delete(context, results, listFindings);
+    return Delete(context, results, listFindings, options.NoBackup);
   context.Console.Tell(options.Yes ? u"Nothing was deleted."
                                    : u"Nothing was deleted; with --yes repair deletes what it lists.");
   return !listFindings || WriteData(context, ProblemListing(results)) ? TExitCode::Found : TExitCode::Failed;

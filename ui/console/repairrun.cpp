@@ -2,7 +2,7 @@
 
 #include "ui/console/progressline.h"
 
-TRepairOutcome RunRepair(TConsoleContext& context, ResultsTree& results) {
+TRepairOutcome RunRepair(TConsoleContext& context, ResultsTree& results, bool mayGoWithoutBackup) {
   TProgressLine line(context.Console, false);
   TRepairOutcome outcome;
   TCleaning* cleaning = nullptr;
@@ -15,8 +15,8 @@ TRepairOutcome RunRepair(TConsoleContext& context, ResultsTree& results) {
     if (cleaning != nullptr)
       cleaning->Terminate();
   };
-  const TCleaningContext cleaningContext = {context.System, context.Vars, results, context.UiThread,
-                                            onFinished};
+  const TCleaningContext cleaningContext = {context.System,   context.Vars, results,
+                                            context.UiThread, onFinished,   mayGoWithoutBackup};
   cleaning = &TWorkerThread::Launch<TCleaning>(cleaningContext, line);
   {
     const TInterruptHandler handler(context.Console, [&] { context.UiThread.Post(cancel); });

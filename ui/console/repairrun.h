@@ -13,4 +13,4 @@ struct TRepairOutcome {
 
 // Repairs what is checked in results, to the end or until the interrupt key cancels it. Shows its progress on
 // the console.
-TRepairOutcome RunRepair(TConsoleContext& context, ResultsTree& results);
+TRepairOutcome RunRepair(TConsoleContext& context, ResultsTree& results, bool mayGoWithoutBackup);
