@@ -160,10 +160,9 @@ LRESULT TTreeControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_NOTIFY:
       return OnNotify(reinterpret_cast<const NMHDR*>(lParam));
     case WM_COMMAND:
-      // The controls that ride on the selected row speak to the owner's window.
-      return ::SendMessageW(GetParent(Handle()), message, wParam, lParam);
     case WM_MEASUREITEM:
     case WM_DRAWITEM:
+      // The controls that ride on the selected row speak to the owner's window.
       return ::SendMessageW(GetParent(Handle()), message, wParam, lParam);
     case WM_THEMECHANGED:
     case WM_SYSCOLORCHANGE:
@@ -562,12 +561,11 @@ void TTreeControl::OnButtonDown(POINT point, bool isDouble) {
   const THit hit = HitTest(point);
   if (hit.Node == nullptr)
     return;
-  if (hit.OnButton) {
+  const bool opensByDoubleClick = isDouble && !hit.OnCheckBox && !hit.Node->Children.empty();
+  if (hit.OnButton || opensByDoubleClick) {
     SetOpen(hit.Node, !hit.Node->Expanded);
   } else if (hit.OnCheckBox) {
     ToggleCheck(hit.Node);
-  } else if (isDouble && !hit.Node->Children.empty()) {
-    SetOpen(hit.Node, !hit.Node->Expanded);
   } else {
     MoveSelection(hit.Node);
   }
