@@ -25,5 +25,5 @@ TCommandRun PrepareSections(const std::vector<Text>& arguments);
 TCommandRun PrepareScan(const std::vector<Text>& arguments);
 TCommandRun PrepareRepair(const std::vector<Text>& arguments);
 TCommandRun PrepareBackups(const std::vector<Text>& arguments);
-TCommandRun PrepareRestore(const std::vector<Text>& arguments);
-TCommandRun PrepareIgnore(const std::vector<Text>& arguments);
+TCommandRun PrepareRestore(const std::vector<Text>& list);
+TCommandRun PrepareIgnore(const std::vector<Text>& list);
