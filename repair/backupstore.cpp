@@ -11,7 +11,9 @@
 namespace {
 
 constexpr TextView kIndexName = u"index.ini";
-constexpr TextView kIndexLock = u"TessalySoft Tessaly Utilities Backups";
+constexpr TextView kIndexLock = u"TessalySoft Tessaly Utilities Backups ";
+// The end of a folder tells it from others; a lock's name has its limit.
+constexpr std::size_t kFolderInLockName = 200;
 constexpr TextView kTypeKey = u"Type";
 constexpr TextView kLegacyFolder = u"TessalySoft\\Corvalt\\Backups\\";
 
@@ -138,7 +140,8 @@ TSystemError BackupStore::ReadBackup(TextView name, std::vector<std::uint8_t>& b
 void BackupStore::MigrateLegacyBackups() {
   const Text legacyFolder = m_vars.AppDataFolder + Text(kLegacyFolder);
   const Text legacyIndex = legacyFolder + Text(kIndexName);
-  if (!m_system.Files.Info(legacyIndex).Exists)
+  // A link may lead to the suite's folder, whose index would then be taken for the old one and deleted.
+  if (!m_system.Files.Info(legacyIndex).Exists || IsLinkedFolder(legacyFolder))
     return;
   const std::vector<Text> names = ReadIndex(legacyFolder).SectionNames();
   const TSystemError folderError = m_system.Files.MakeFolders(m_vars.SuiteBackupsFolder);
@@ -204,8 +207,13 @@ void BackupStore::PruneByCount(std::vector<Text> names, const std::function<bool
   }
 }
 
+Text BackupStore::LockName() const {
+  const Text folder = UpperCase(m_vars.SuiteBackupsFolder);
+  return Text(kIndexLock) + folder.substr(folder.size() - std::min(folder.size(), kFolderInLockName));
+}
+
 std::unique_ptr<THeldLock> BackupStore::LockStore() {
-  std::unique_ptr<THeldLock> lock = m_system.Interprocess.Lock(kIndexLock);
+  std::unique_ptr<THeldLock> lock = m_system.Interprocess.Lock(LockName());
   if (!lock)
     throw TSystemException({kErrorAccessDenied}, m_vars.SuiteBackupsFolder + Text(kIndexName));
   return lock;
@@ -236,6 +244,10 @@ void BackupStore::ChangeLockedIndex(const std::function<void(TIniFile&)>& change
   const TSystemError error = m_system.Files.ReplaceFile(path, after);
   if (error.Failed())
     throw TSystemException(error, path);
+}
+
+bool BackupStore::IsLinkedFolder(const Text& folder) {
+  return m_system.Files.Info(TextView(folder).substr(0, folder.size() - 1)).IsLink;
 }
 
 bool BackupStore::HasFile(const Text& folder, TextView name) {

@@ -63,6 +63,8 @@ class BackupStore {
   void PruneBackups(const std::function<bool()>& stop);
 
  private:
+  // Another folder is another store with a lock of its own.
+  Text LockName() const;
   std::unique_ptr<THeldLock> LockStore();
   TIniFile ReadIndex(const Text& folder);
   // Reads, changes and replaces the index under the lock. change may also change files of the store.
@@ -70,6 +72,8 @@ class BackupStore {
   void ChangeLockedIndex(const std::function<void(TIniFile&)>& change);
   void WriteVerifiedFile(TextView name);
   void ListInIndex(TextView name);
+  // folder ends with "\".
+  bool IsLinkedFolder(const Text& folder);
   bool HasFile(const Text& folder, TextView name);
   TSystemError DeleteStoreFile(TextView name);
   void MoveLegacyFile(const Text& legacyFolder, TextView name);

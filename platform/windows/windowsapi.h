@@ -163,7 +163,18 @@ struct TModuleTraits {
   }
 };
 
+struct TLocalMemoryTraits {
+  using THandle = HLOCAL;
+  static HLOCAL None() {
+    return nullptr;
+  }
+  static void Close(HLOCAL memory) {
+    LocalFree(memory);
+  }
+};
+
 using TOwnedFile = TOwned<TFileTraits>;
 using TOwnedFind = TOwned<TFindTraits>;
 using TOwnedObject = TOwned<TObjectTraits>;
 using TOwnedModule = TOwned<TModuleTraits>;
+using TOwnedLocalMemory = TOwned<TLocalMemoryTraits>;

@@ -1,5 +1,9 @@
 #include "platform/windows/windowsinterprocess.h"
 
+#include <vector>
+
+#include <sddl.h>
+
 #include "platform/windows/windowsapi.h"
 
 namespace {
@@ -16,14 +20,44 @@ class TMutexLock : public THeldLock {
   TOwnedObject m_mutex;
 };
 
+// The security identifier of the program's user, "S-1-...". Empty when the system doesn't say it.
+Text UserIdentifier() {
+  HANDLE opened = nullptr;
+  if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened))
+    return {};
+  const TOwnedObject token(opened);
+  DWORD size = 0;
+  GetTokenInformation(token.Get(), TokenUser, nullptr, 0, &size);
+  std::vector<std::uint8_t> buffer(size);
+  if (!GetTokenInformation(token.Get(), TokenUser, buffer.data(), size, &size))
+    return {};
+  LPWSTR identifier = nullptr;
+  if (!ConvertSidToStringSidW(reinterpret_cast<const TOKEN_USER*>(buffer.data())->User.Sid, &identifier))
+    return {};
+  const TOwnedLocalMemory owner(identifier);
+  return Text(FromWide(identifier));
+}
+
+// What an elevated program makes is, unless said otherwise, closed to the same user's other programs.
+TOwnedObject OpenMutexOfUser(const Text& systemName) {
+  const Text user = UserIdentifier();
+  const Text rights = user.empty() ? Text() : u"D:(A;;GA;;;SY)(A;;GA;;;" + user + u")";
+  PSECURITY_DESCRIPTOR descriptor = nullptr;
+  if (rights.empty() || !ConvertStringSecurityDescriptorToSecurityDescriptorW(Wide(rights), SDDL_REVISION_1,
+                                                                              &descriptor, nullptr))
+    return {};
+  const TOwnedLocalMemory owner(descriptor);
+  SECURITY_ATTRIBUTES attributes = {sizeof(attributes), descriptor, FALSE};
+  return TOwnedObject(CreateMutexW(&attributes, FALSE, Wide(systemName)));
+}
+
 }  // namespace
 
 std::unique_ptr<THeldLock> TWindowsInterprocess::Lock(TextView name) {
-  // A "\" in a mutex's name ends its namespace.
-  const Text systemName = u"Local\\" + ReplaceAll(name, u"\\", u"/");
   if (HoldsNul(name))
     return nullptr;
-  TOwnedObject mutex(CreateMutexW(nullptr, FALSE, Wide(systemName)));
+  // A "\" in a mutex's name ends its namespace.
+  TOwnedObject mutex = OpenMutexOfUser(u"Global\\" + ReplaceAll(name, u"\\", u"/"));
   if (!mutex)
     return nullptr;
   // Abandoned: its holder died, and it is ours now.

@@ -1,4 +1,4 @@
-// Named mutexes of the user's session.
+// Named mutexes of the whole machine that their user may open.
 #pragma once
 
 #include "core/interprocess.h"

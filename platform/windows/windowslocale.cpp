@@ -36,16 +36,6 @@ bool IsTooLong(std::size_t size) {
   return size > static_cast<std::size_t>(std::numeric_limits<int>::max());
 }
 
-struct TLocalMemoryTraits {
-  using THandle = HLOCAL;
-  static HLOCAL None() {
-    return nullptr;
-  }
-  static void Close(HLOCAL memory) {
-    LocalFree(memory);
-  }
-};
-
 }  // namespace
 
 Text TWindowsLocale::DecimalSeparator() {
@@ -94,7 +84,7 @@ Text TWindowsLocale::SystemMessage(std::uint32_t code) {
   wchar_t* message = nullptr;
   const DWORD length =
       FormatMessageW(kFlags, nullptr, code, 0, reinterpret_cast<LPWSTR>(&message), 0, nullptr);
-  const TOwned<TLocalMemoryTraits> owner(message);
+  const TOwnedLocalMemory owner(message);
   if (length == 0)
     return DecimalText(code);
   return Trim(FromWide(message, length));

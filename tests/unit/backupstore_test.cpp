@@ -123,6 +123,32 @@ class TNoLocks : public TInterprocess {
   }
 };
 
+// Notes the name of each lock.
+class TNotingLocks : public TInterprocess {
+ public:
+  std::unique_ptr<THeldLock> Lock(TextView name) override {
+    Names.emplace_back(name);
+    return std::make_unique<THeldLock>();
+  }
+
+  std::vector<Text> Names;
+};
+
+TSystem WithLocks(TSystem system, TInterprocess& locks) {
+  return {system.Registry, system.Raw,   system.Probe,    system.Files, system.Machine,
+          system.Locale,   system.Clock, system.TheShell, locks};
+}
+
+// The lock's name of the store in this folder.
+Text LockNameOf(TextView folder) {
+  TStoreRig rig;
+  rig.Vars.SuiteBackupsFolder = folder;
+  TNotingLocks locks;
+  TSystem system = WithLocks(rig.System.Bundle(), locks);
+  BackupStore(system, rig.Vars).ListBackups(kCleanerModuleId);
+  return locks.Names.at(0);
+}
+
 }  // namespace
 
 TEST(BackupName, IsTheTimeWithFifteenSignificantDigits) {
@@ -360,13 +386,22 @@ TEST(AFailedBackup, ThrowsWhenTheIndexCannotBeReadRatherThanReplaceIt) {
 TEST(AFailedBackup, ThrowsWhenTheStoreCannotBeLocked) {
   TStoreRig rig;
   TNoLocks locks;
-  const TSystem plain = rig.System.Bundle();
-  TSystem system = {plain.Registry, plain.Raw,   plain.Probe,    plain.Files, plain.Machine,
-                    plain.Locale,   plain.Clock, plain.TheShell, locks};
+  TSystem system = WithLocks(rig.System.Bundle(), locks);
   BackupStore store(system, rig.Vars);
   EXPECT_THROW(store.BeginBackup(), TSystemException);
   EXPECT_THROW(store.CommitBackup(u"46341.5"), TSystemException);
   EXPECT_EQ(rig.Index(), "(none)");
+}
+
+TEST(TheStoresLock, IsOnePerFolderHoweverItIsSpelt) {
+  EXPECT_EQ(LockNameOf(u"C:\\Portable\\Backups\\"), LockNameOf(u"c:\\portable\\BACKUPS\\"));
+  EXPECT_NE(LockNameOf(u"C:\\Portable\\Backups\\"), LockNameOf(u"D:\\Portable\\Backups\\"));
+}
+
+TEST(TheStoresLock, HasANameOfLimitedLength) {
+  const Text deep = Text(300, u'a') + u"\\Backups\\";
+  EXPECT_LE(LockNameOf(u"C:\\Ann\\" + deep).size(), 250u);
+  EXPECT_NE(LockNameOf(u"C:\\Ann\\" + deep), LockNameOf(u"C:\\Ann\\" + deep + u"More\\"));
 }
 
 TEST(ListingBackups, AnswersNameTimeAndSizeInTheOrderOfTheIndex) {
@@ -533,6 +568,17 @@ TEST(MigratingOldBackups, MovesNoFileOutOfOrIntoAnotherFolder) {
   EXPECT_TRUE(rig.System.Disk.Content(u"C:\\Users\\Ann\\AppData\\TessalySoft\\Corvalt\\precious"));
   EXPECT_TRUE(rig.System.Disk.Content(Text(kLegacyFolder) + u"7"));
   EXPECT_FALSE(rig.HasFile(u"7"));
+}
+
+TEST(MigratingOldBackups, LeavesAFolderAloneThatIsALink) {
+  TStoreRig rig;
+  rig.System.Disk.AddFile(Text(kLegacyFolder) + u"index.ini", "[1]\r\n");
+  rig.System.Disk.AddFile(Text(kLegacyFolder) + u"1", "old");
+  rig.System.Disk.MakeLink(kLegacyFolder);
+  rig.Store().MigrateLegacyBackups();
+  EXPECT_EQ(rig.Index(), "(none)");
+  EXPECT_TRUE(rig.System.Disk.Content(Text(kLegacyFolder) + u"index.ini"));
+  EXPECT_TRUE(rig.System.Disk.Content(Text(kLegacyFolder) + u"1"));
 }
 
 TEST(MigratingOldBackups, KeepsTheOldIndexWhenTheNewOneCannotBeWritten) {
