@@ -45,9 +45,13 @@ bool IsRootKeyName(TextView name) {
   return false;
 }
 
+bool OpensKey(TextView path) {
+  return !path.starts_with(u"\\\\");
+}
+
 std::optional<TParsedKeyPath> ParseKeyPath(TextView path) {
   TParsedKeyPath parsed;
-  if (path.substr(0, 2) == u"\\\\")
+  if (!OpensKey(path))
     return std::nullopt;
   parsed.FromRoot = !path.empty() && path.front() == u'\\';
   while (!path.empty()) {

@@ -33,6 +33,9 @@ struct TParsedKeyPath {
   std::vector<Text> Names;  // no empty ones; none at all means the root or the open key itself
 };
 
-// Runs of "\" inside the path count as one and a trailing one is ignored; nothing for a path that begins with
-// two: such a path opens no key.
+// False for a path that begins with two "\": such a path opens no key.
+bool OpensKey(TextView path);
+
+// Runs of "\" inside the path count as one and a trailing one is ignored; nothing for a path that opens no
+// key.
 std::optional<TParsedKeyPath> ParseKeyPath(TextView path);

@@ -31,7 +31,11 @@ std::optional<Text> FilePath(TextView keyPath) {
 }
 
 Text SubKeyPath(TextView keyPath, TextView name) {
-  Text path = WithTrailingBackslash(keyPath);
+  Text path;
+  path.reserve(keyPath.size() + 1 + name.size());
+  path = keyPath;
+  if (!path.ends_with(u'\\'))
+    path += u'\\';
   path += name;
   return path;
 }
@@ -105,6 +109,7 @@ TExportResult TIORegistry::ExportKey(TRootKey rootKey, TextView keyPath) {
 // The keys in the order in which the system's editor writes them: each before its subkeys.
 TExportResult TIORegistry::AppendTree(TRootKey rootKey, Text keyPath) {
   const Text top = keyPath;
+  TRegFileWriter writer(m_locale, m_text);
   std::vector<Text> pending;
   pending.push_back(std::move(keyPath));
   while (!pending.empty()) {
@@ -119,7 +124,7 @@ TExportResult TIORegistry::AppendTree(TRootKey rootKey, Text keyPath) {
       return ExportResultOf(read);
     for (auto name = key.SubKeys.rbegin(); name != key.SubKeys.rend(); ++name)
       pending.push_back(SubKeyPath(path, *name));
-    AppendKey({rootKey, std::move(path), std::move(key.Values)});
+    AppendKey(writer, {rootKey, std::move(path), std::move(key.Values)});
   }
   return TExportResult::Done;
 }
@@ -131,13 +136,13 @@ TExportResult TIORegistry::ExportValue(TRootKey rootKey, TextView keyPath, TextV
     return TExportResult::Missing;
   TRawValue value;
   const TRawResult read = m_registry.ReadValue(rootKey, *path, valueName, value);
+  TRegFileWriter writer(m_locale, m_text);
   if (read == TRawResult::Done)
-    AppendKey({rootKey, std::move(*path), {std::move(value)}});
+    AppendKey(writer, {rootKey, std::move(*path), {std::move(value)}});
   return ExportResultOf(read);
 }
 
-void TIORegistry::AppendKey(TExportedKey key) {
-  TRegFileWriter writer(m_locale, m_text);
+void TIORegistry::AppendKey(TRegFileWriter& writer, TExportedKey key) {
   writer.WriteKey(key.RootKey, key.KeyPath);
   for (const TRawValue& value : key.Values)
     writer.WriteValue(value);

@@ -9,6 +9,8 @@
 #include "core/rawregistry.h"
 #include "core/systemlocale.h"
 
+class TRegFileWriter;
+
 enum class TExportResult {
   Done,
   Missing,     // no such key or value
@@ -63,7 +65,7 @@ class TIORegistry {
   };
 
   TExportResult AppendTree(TRootKey rootKey, Text keyPath);
-  void AppendKey(TExportedKey key);
+  void AppendKey(TRegFileWriter& writer, TExportedKey key);
 
   RawRegistry& m_registry;
   TLocale& m_locale;

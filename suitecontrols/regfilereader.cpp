@@ -53,14 +53,6 @@ void AppendUnits(TextView text, TBytes& bytes) {
   }
 }
 
-TBytes TerminatedBytes(TextView text) {
-  TBytes bytes;
-  bytes.reserve(2 * text.size() + 2);
-  AppendUnits(text, bytes);
-  AppendUnits(TextView(u"\0", 1), bytes);
-  return bytes;
-}
-
 }  // namespace
 
 TRegFileReader::TRegFileReader(std::span<const std::uint8_t> bytes, TLocale& locale)
@@ -143,7 +135,7 @@ bool TRegFileReader::ReadKeyLine() {
 
 bool TRegFileReader::SetKey(TextView rootName, TextView keyPath) {
   const Text root = UpperCase(rootName);
-  if (!IsRootKeyName(root) || keyPath.find(u'\0') != TextView::npos || !ParseKeyPath(keyPath))
+  if (!IsRootKeyName(root) || keyPath.find(u'\0') != TextView::npos || !OpensKey(keyPath))
     return false;
   m_entry.RootKey = RootKeyFromName(root);
   m_entry.KeyPath = keyPath;
@@ -185,17 +177,18 @@ bool TRegFileReader::ReadData() {
 }
 
 bool TRegFileReader::ReadString() {
-  Text text;
-  const TStringEnd end = TakeString(text);
+  m_string.clear();
+  const TStringEnd end = TakeString(m_string);
   if (end == TStringEnd::Malformed)
     return false;
-  if (end == TStringEnd::Open && !ReadStringOverLines(text))
+  if (end == TStringEnd::Open && !ReadStringOverLines(m_string))
     return false;
   SkipBlanks();
   if (!AtEnd())
     return false;
+  m_string += u'\0';
   m_entry.Value.Type = kRegSz;
-  m_entry.Value.Data = TerminatedBytes(text);
+  AppendUnits(m_string, m_entry.Value.Data);
   return true;
 }
 

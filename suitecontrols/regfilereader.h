@@ -84,5 +84,6 @@ class TRegFileReader {
   std::size_t m_linesSkipped = 0;
   std::size_t m_linesDone = 0;  // of the current entry, before the current line
   TextView m_rest;              // of the current line
+  Text m_string;                // the buffer of the string being read
   TRegFileEntry m_entry;
 };

@@ -30,11 +30,10 @@ std::string_view Chars(const TBytes& data) {
   return {reinterpret_cast<const char*>(data.data()), data.size()};
 }
 
-Text UnitsOf(const TBytes& data) {
-  Text text(data.size() / 2, u'\0');
+void TakeUnits(const TBytes& data, Text& text) {
+  text.resize(data.size() / 2);
   for (std::size_t i = 0; i < text.size(); ++i)
     text[i] = static_cast<char16_t>(data[2 * i] | (data[2 * i + 1] << 8));
-  return text;
 }
 
 bool IsAscii(TextView text) {
@@ -64,7 +63,8 @@ void TRegFileWriter::WriteHeader() {
 
 void TRegFileWriter::WriteKey(TRootKey rootKey, TextView keyPath) {
   FlushLine();
-  m_line = "[" + Ascii(RootKeyName(rootKey));
+  m_line = '[';
+  AppendPlain(RootKeyName(rootKey));
   m_keyIsExact = HoldsControls(keyPath) || (keyPath != u"\\" && !AppendPlain(keyPath));
   if (m_keyIsExact) {
     WriteExactKey(rootKey, keyPath);
@@ -108,13 +108,13 @@ bool TRegFileWriter::AppendPlainData(const TRawValue& value) {
 bool TRegFileWriter::AppendTextData(const TRawValue& value) {
   if (!IsTerminated(value.Data))
     return false;
-  const Text units = UnitsOf(value.Data);
-  const TextView text = TextView(units).substr(0, units.size() - 1);
+  TakeUnits(value.Data, m_units);
+  const TextView text = TextView(m_units).substr(0, m_units.size() - 1);
   if (value.Type != kRegMultiSz && text.find(u'\0') != TextView::npos)
     return false;
   if (value.Type == kRegSz && !HoldsControls(text))
     return AppendQuoted(text);
-  const std::optional<std::string> bytes = m_locale.EncodeAnsiExact(units);
+  const std::optional<std::string> bytes = m_locale.EncodeAnsiExact(m_units);
   if (bytes)
     AppendHexData(value.Type, *bytes);
   return bytes.has_value();
@@ -156,20 +156,17 @@ bool TRegFileWriter::AppendPlain(TextView text) {
 }
 
 bool TRegFileWriter::AppendQuoted(TextView text) {
-  constexpr TextView kEscaped = u"\"\\";
   m_line += '"';
-  if (text.find_first_of(kEscaped) == TextView::npos) {
-    if (!AppendPlain(text))
+  while (!text.empty()) {
+    const std::size_t plain = std::min(text.find_first_of(u"\"\\"), text.size());
+    if (!AppendPlain(text.substr(0, plain)))
       return false;
-  } else {
-    Text escaped;
-    for (const char16_t unit : text) {
-      if (kEscaped.find(unit) != TextView::npos)
-        escaped += u'\\';
-      escaped += unit;
+    text.remove_prefix(plain);
+    if (!text.empty()) {
+      m_line += '\\';
+      m_line += static_cast<char>(text.front());
+      text.remove_prefix(1);
     }
-    if (!AppendPlain(escaped))
-      return false;
   }
   m_line += '"';
   return true;

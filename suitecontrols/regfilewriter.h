@@ -41,5 +41,6 @@ class TRegFileWriter {
   TBytes& m_bytes;
   std::string m_line;          // under construction; holds folds when it is long
   std::size_t m_lastFold = 0;  // in m_line, where its last physical line begins
+  Text m_units;                // the buffer of the text being written
   bool m_keyIsExact = false;
 };

@@ -157,7 +157,7 @@ LSTATUS TRegistryCalls::Near(HKEY parent, TextView path, bool create, TNearKey& 
     place.Parent = place.Holder.Get();
     path.remove_prefix(end + 1);
   }
-  place.Rest = Text(path);
+  m_rest = path;
   return ERROR_SUCCESS;
 }
 
@@ -169,7 +169,7 @@ LSTATUS TRegistryCalls::Open(HKEY parent, TextView path, REGSAM access, bool asL
   ++m_count;
   HKEY handle = nullptr;
   const DWORD options = asLink ? REG_OPTION_OPEN_LINK : 0;
-  const LSTATUS status = RegOpenKeyExW(place.Parent, Wide(place.Rest), options, access, &handle);
+  const LSTATUS status = RegOpenKeyExW(place.Parent, Wide(m_rest), options, access, &handle);
   if (status == ERROR_SUCCESS)
     key = TRegistryKey(handle, m_count);
   return status;
@@ -183,7 +183,7 @@ LSTATUS TRegistryCalls::Create(HKEY parent, TextView path, REGSAM access, TRegis
   ++m_count;
   HKEY handle = nullptr;
   DWORD disposition = 0;
-  const LSTATUS status = RegCreateKeyExW(place.Parent, Wide(place.Rest), 0, nullptr, REG_OPTION_NON_VOLATILE,
+  const LSTATUS status = RegCreateKeyExW(place.Parent, Wide(m_rest), 0, nullptr, REG_OPTION_NON_VOLATILE,
                                          access, nullptr, &handle, &disposition);
   if (status == ERROR_SUCCESS)
     key = TRegistryKey(handle, m_count);
@@ -262,10 +262,10 @@ LSTATUS TRegistryCalls::SetValue(HKEY key, const Text& name, DWORD type, std::sp
     return RegSetValueExW(key, Wide(name), 0, type, data.data(), size);
   // The system looks at the unit behind a string without a terminator and stores it too when it is NUL, so
   // something else must stand there. The unit before the data is looked at when there is but one byte.
-  TBytes guarded(2, 0);
-  guarded.insert(guarded.end(), data.begin(), data.end());
-  guarded.insert(guarded.end(), 4, 0xFF);
-  return RegSetValueExW(key, Wide(name), 0, type, guarded.data() + 2, size);
+  m_guarded.assign(2, 0);
+  m_guarded.insert(m_guarded.end(), data.begin(), data.end());
+  m_guarded.insert(m_guarded.end(), 4, 0xFF);
+  return RegSetValueExW(key, Wide(name), 0, type, m_guarded.data() + 2, size);
 }
 
 LSTATUS TRegistryCalls::DeleteValue(HKEY key, const Text& name) {
@@ -279,7 +279,7 @@ LSTATUS TRegistryCalls::DeleteKey(HKEY parent, TextView path) {
   if (reached != ERROR_SUCCESS)
     return reached;
   ++m_count;
-  return RegDeleteKeyW(place.Parent, Wide(place.Rest));
+  return RegDeleteKeyW(place.Parent, Wide(m_rest));
 }
 
 bool TRegistryCalls::IsLink(HKEY key) {
@@ -373,6 +373,19 @@ std::shared_ptr<TKeptKey> TKeyChain::Last(TRootKey rootKey, TextView path) const
     return nullptr;
   const Text& last = m_kept.back()->Path;
   return last == path || EqualIgnoringCase(last, path) ? m_kept.back() : nullptr;
+}
+
+bool IsPlainPath(TextView path) {
+  if (path.size() < 2 || path.front() != u'\\')
+    return false;
+  std::size_t nameLength = 0;
+  for (const char16_t unit : path.substr(1)) {
+    const bool isSeparator = unit == u'\\';
+    if (unit == u'\0' || (isSeparator && nameLength == 0) || nameLength > kLongestKeyName)
+      return false;
+    nameLength = isSeparator ? 0 : nameLength + 1;
+  }
+  return nameLength != 0 && nameLength <= kLongestKeyName;
 }
 
 std::optional<Text> JoinNames(const std::vector<Text>& names) {

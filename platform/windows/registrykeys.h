@@ -99,15 +99,17 @@ class TRegistryCalls {
   }
 
  private:
-  // What a path too long for one call ends in: a key that is near enough, and the rest of the path.
+  // A key from which the rest of a path, too long for one call, is short enough.
   struct TNearKey {
     TRegistryKey Holder;
     HKEY Parent = nullptr;
-    Text Rest;
   };
+  // Leaves the rest of the path in m_rest.
   LSTATUS Near(HKEY parent, TextView path, bool create, TNearKey& place);
 
   std::uint64_t m_count = 0;
+  Text m_rest;
+  TBytes m_guarded;  // the data of a string between guards
 };
 
 struct TKeptKey {
@@ -151,6 +153,10 @@ class TKeyChain {
   TRegistryCalls& m_calls;
   std::vector<std::shared_ptr<TKeptKey>> m_kept;  // each a parent of the next
 };
+
+// Whether a path is from the root and written as the system takes it, which makes taking it apart
+// superfluous: no doubled or trailing separator, no NUL, no name that is too long.
+bool IsPlainPath(TextView path);
 
 // Joins names with "\". Nothing when a name holds a NUL, which no routine can pass on, or is too long for a
 // key.

@@ -2,9 +2,9 @@
 
 #include <vector>
 
-#include <sddl.h>
-
 #include "platform/windows/windowsapi.h"
+
+#include <sddl.h>
 
 namespace {
 

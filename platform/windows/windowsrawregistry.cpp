@@ -13,6 +13,8 @@ constexpr DWORD kAllData = std::numeric_limits<DWORD>::max();
 constexpr int kMostReadings = 16;  // of a key that changes while it is read
 
 std::optional<Text> PathOf(TextView keyPath) {
+  if (IsPlainPath(keyPath))
+    return Text(keyPath.substr(1));
   const std::optional<TParsedKeyPath> parsed = ParseKeyPath(keyPath);
   return parsed ? JoinNames(parsed->Names) : std::nullopt;
 }
@@ -120,6 +122,9 @@ TRawResult TWindowsRawRegistry::ReadOnce(HKEY handle, TRawKey& key) {
     return TRawResult::Missing;
   if (status != ERROR_SUCCESS)
     return RawResultOf(status);
+  // What a single call has read is of one moment; what came after it came after the reading.
+  if (before.Values + before.SubKeys <= 1)
+    return TRawResult::Done;
   TKeyCounts after;
   status = m_calls.Counts(handle, after);
   if (status != ERROR_SUCCESS)

@@ -36,21 +36,6 @@ Text TextOf(std::span<const std::uint8_t> data) {
   return text;
 }
 
-// Whether a path is from the root and written as the system takes it, which makes taking it apart
-// superfluous: no doubled or trailing separator, no NUL, no name that is too long.
-bool IsPlain(TextView path) {
-  if (path.size() < 2 || path.front() != u'\\')
-    return false;
-  std::size_t nameLength = 0;
-  for (const char16_t unit : path.substr(1)) {
-    const bool isSeparator = unit == u'\\';
-    if (unit == u'\0' || (isSeparator && nameLength == 0) || nameLength > kLongestKeyName)
-      return false;
-    nameLength = isSeparator ? 0 : nameLength + 1;
-  }
-  return nameLength != 0 && nameLength <= kLongestKeyName;
-}
-
 std::span<const std::uint8_t> BytesOf(const void* data, std::size_t size) {
   return {static_cast<const std::uint8_t*>(data), size};
 }
@@ -117,7 +102,7 @@ void TWindowsRegistryStore::SetRootKey(TRootKey rootKey) {
 }
 
 std::optional<TWindowsRegistryStore::TPlace> TWindowsRegistryStore::PlaceOf(TextView path) const {
-  if (IsPlain(path))
+  if (IsPlainPath(path))
     return TPlace{m_rootKey, Text(path.substr(1))};
   const std::optional<TParsedKeyPath> parsed = ParseKeyPath(path);
   if (!parsed)

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "tests/support/testconsole.h"
 
 namespace {
@@ -127,6 +129,25 @@ TEST_F(ConsoleRepair, WithBackupsSwitchedOffNeedsASecondWord) {
 
 TEST_F(ConsoleRepair, MakesABackupInSpiteOfTheWordWhereTheSettingsWantOne) {
   EXPECT_EQ(Repair({u"--yes", u"--no-backup"}), 0);
+  EXPECT_TRUE(m_rig.Scan.System.Disk.Content(BackupsFolder() + u"46341.5"));
+}
+
+TEST_F(ConsoleRepair, AnswersForTheDeletionsWhenWhatIsLeftCannotBeWritten) {
+  m_rig.Scan.System.Registry.Set(u"HKEY_CURRENT_USER\\Software\\App", u"File", u"C:\\gone");
+  m_rig.Scan.System.Registry.MakeLink(u"HKEY_CURRENT_USER\\Software\\Link",
+                                      u"HKEY_CURRENT_USER\\Software\\App");
+  m_rig.Console.WriteFailure = kErrorDiskFull;
+  EXPECT_EQ(Run({u"repair", u"--sections", u"22", u"--yes"}), 1);
+  EXPECT_FALSE(m_rig.Scan.System.Registry.HasValue(u"HKEY_CURRENT_USER\\Software\\App", u"File"));
+}
+
+TEST_F(ConsoleRepair, MakesABackupWhenBackupsAreSwitchedOffDuringTheScan) {
+  // The scan reads on a thread of its own.
+  m_rig.Scan.System.Registry.OnRead = [this, mainThread = std::this_thread::get_id()] {
+    if (std::this_thread::get_id() != mainThread)
+      m_rig.Scan.System.Registry.SetInteger(kModules, u"RegistryCleaner", 0);
+  };
+  EXPECT_EQ(Repair(), 0);
   EXPECT_TRUE(m_rig.Scan.System.Disk.Content(BackupsFolder() + u"46341.5"));
 }
 

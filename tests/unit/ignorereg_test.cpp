@@ -73,6 +73,15 @@ TEST(AddingAnIgnoreEntry, ThatIsSwitchedOffSwitchesItOnAndLeavesTheOldValueStore
   EXPECT_EQ(rig.Loaded(), TEntries({u";Entry", u"Entry"}));
 }
 
+// The registry would refuse the name of an unnamed value's entry as it stands.
+TEST(AddingAnIgnoreEntry, OfAnUnnamedValueStoresItsKey) {
+  TIgnoreRig rig;
+  const Text entry = u"HKEY_CURRENT_USER\\A\\" + Text(1, u'\0');
+  rig.Add(entry);
+  EXPECT_EQ(rig.Reg.IgnoreList, TEntries({entry}));
+  EXPECT_EQ(rig.Loaded(), TEntries({u"HKEY_CURRENT_USER\\A\\"}));
+}
+
 TEST(AddingAnIgnoreEntry, ReplacesTheFirstOfSeveralMatchesOnly) {
   TIgnoreRig rig;
   rig.Reg.IgnoreList = {u";a", u"A"};

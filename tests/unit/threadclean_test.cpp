@@ -494,6 +494,33 @@ TEST(StartMenuRepair, TrimsThePathAndDropsItsLastBackslash) {
   EXPECT_TRUE(rig.System.Registry.HasKey(kPrograms));
 }
 
+TEST(StartMenuRepair, DeletesTheEmptiedKeysAlsoWhenItsOwnWasDeletedMeanwhile) {
+  TRepairRig rig;
+  rig.System.Registry.AddKey(Text(kPrograms) + u"\\A\\B");
+  rig.AddProblem(rig.AddSection(u"Start Menu"),
+                 KeyProblem(kHkeyCurrentUser, u"\\Menu\\Start Menu2\\Programs\\A\\B", kStartMenuImage));
+  rig.Repair([&rig](const std::string& update, TWorkerThread&) {
+    if (update == "section: 11036 Start Menu...")
+      rig.System.Registry.RemoveKey(Text(kPrograms) + u"\\A\\B");
+  });
+  EXPECT_FALSE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A"));
+  EXPECT_TRUE(rig.System.Registry.HasKey(kPrograms));
+}
+
+TEST(MruRepair, WritesTheOrderAlsoWhenItsValueWasDeletedMeanwhile) {
+  TRepairRig rig;
+  rig.System.Registry.Set(kRecent, u"a", u"C:\\gone.txt");
+  rig.System.Registry.Set(kRecent, u"b", u"C:\\here.txt");
+  rig.System.Registry.Set(kRecent, u"MRUList", u"ba");
+  rig.AddProblem(rig.AddSection(u"MRU"),
+                 ValueProblem(kHkeyCurrentUser, u"\\Software\\Recent", u"a", kMruImage));
+  rig.Repair([&rig](const std::string& update, TWorkerThread&) {
+    if (update == "section: 11036 MRU...")
+      rig.System.Raw.DeleteValue(kHkeyCurrentUser, u"\\Software\\Recent", u"a");
+  });
+  EXPECT_EQ(rig.System.Registry.FindValue(kRecent, u"MRUList")->Data, StringBytes(u"b"));
+}
+
 TEST(MruRepair, WritesTheOrderOfTheValuesThatStay) {
   TRepairRig rig;
   for (const TextView name : {u"a", u"b", u"c"})
