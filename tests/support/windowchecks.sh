@@ -1,0 +1,198 @@
+# Sourced by the scripts in tests/wine/ that drive the window: input with mouse and keyboard as a user gives it, and
+# what stands in the window read from another process. Expects "set -euo pipefail" and the variable work, a folder of
+# the script's own; pictures of each step are left there.
+
+rm -rf "$work"
+mkdir -p "$work"
+source tools/wine.sh
+source tests/support/winechecks.sh
+trap stop_wine EXIT
+
+suite='HKCU\Software\TessalySoft\Tessaly Utilities'
+title='Corvalt Registry Cleaner'
+program=
+
+# The numbers of commands.
+scan_command=1001
+repair_command=1002
+
+# Without a window manager the windows draw their own title bars.
+start_window_tests() {
+  start_display
+  start_fresh_wine "$PWD/build/wine"
+  run_windows reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
+}
+
+reader() {
+  run_windows build/windows-x64/tests/wine_windowreader.exe "$@" </dev/null
+}
+
+# eventually COMMAND...: tries until it succeeds; the machine may be busy.
+eventually() {
+  local end=$((SECONDS + 60))
+  until "$@"; do
+    if ((SECONDS > end)); then
+      return 1
+    fi
+    sleep 0.05
+  done
+}
+
+# glance NAME: the whole screen, at once.
+glance() {
+  import -window root "$work/$1.png"
+}
+
+# picture NAME: the whole screen, once two looks at it are the same.
+picture() {
+  local before= after= tries
+  for ((tries = 0; tries < 30; ++tries)); do
+    import -window root "$work/$1.png"
+    after=$(cksum <"$work/$1.png")
+    if [[ $after == "$before" ]]; then
+      return
+    fi
+    before=$after
+    sleep 0.1
+  done
+}
+
+# The program's life
+
+start_window() {
+  run_windows "$folder/corvalt.exe" >"$work/program" 2>&1 </dev/null &
+  program=$!
+  reader wait "${1:-$title}"
+  reader tool $scan_command enabled
+}
+
+# Waits for the program's end; its exit code must be 0.
+ended() {
+  local code=0
+  wait "$program" || code=$?
+  echo "exit code $code"
+  [[ $code == 0 ]]
+}
+
+close_window() {
+  key alt+F4
+  ended
+}
+
+# Mouse and keyboard
+
+key() {
+  xdotool key "$@"
+}
+
+click() {
+  xdotool mousemove "$1" "$2" click "${3:-1}"
+}
+
+# centre LINE LEFT-FIELD: of what a line of the reader describes.
+click_centre() {
+  local -a fields
+  IFS=$'\t' read -ra fields <<<"$1"
+  click $((fields[$2] + fields[$2 + 2] / 2)) $((fields[$2 + 1] + fields[$2 + 3] / 2))
+}
+
+# press TITLE CAPTION: clicks the control that says so in the window.
+press() {
+  local line
+  line=$(reader controls "$1" | wanted=$2 awk -F '\t' '$4 == "enabled" && $9 == ENVIRON["wanted"]' | tail -n 1)
+  [[ -n $line ]] && click_centre "$line" 4
+}
+
+# choose MENU ENTRY: opens a menu of the bar by its place and the entry by its place, both from 1.
+choose() {
+  local -a keys=()
+  local i
+  for ((i = 1; i < $1; ++i)); do keys+=(Right); done
+  for ((i = 0; i < $2; ++i)); do keys+=(Down); done
+  key F10 "${keys[@]}" Return
+}
+
+# answer TITLE KEY: presses a key in a window that comes up, and waits until it has gone.
+answer() {
+  reader wait "$1" && picture "${3:-last}" && key "$2" && reader gone "$1"
+}
+
+# Rows of the trees: number, role, level, states, left, top, width, height, name.
+
+# row TREE TEXT: the first row whose name holds the text.
+row() {
+  reader rows "$1" | wanted=$2 awk -F '\t' 'index($9, ENVIRON["wanted"]) { print; exit }'
+}
+
+row_field() {
+  row "$1" "$2" | cut -f "$3"
+}
+
+# has_states TREE TEXT STATES: exactly these of the check states and the others that are named.
+has_states() {
+  local states
+  states=$(row_field "$1" "$2" 4)
+  echo "$2: $states"
+  [[ ,$states, == *,$3,* ]]
+}
+
+lacks_state() {
+  local states
+  states=$(row_field "$1" "$2" 4)
+  echo "$2: $states"
+  [[ -n $states && ,$states, != *,$3,* ]]
+}
+
+has_row() {
+  [[ -n $(row "$1" "$2") ]]
+}
+
+lacks_row() {
+  ! has_row "$@"
+}
+
+# Where a row's parts lie at 96 dots per inch.
+click_box() {
+  local -a fields
+  IFS=$'\t' read -ra fields < <(row "$1" "$2")
+  click $((fields[4] + 18 * (fields[2] + 1) + 6)) $((fields[5] + 11))
+}
+
+click_opener() {
+  local -a fields
+  IFS=$'\t' read -ra fields < <(row "$1" "$2")
+  click $((fields[4] + 18 * fields[2] + 9)) $((fields[5] + 11))
+}
+
+click_row() {
+  local -a fields
+  IFS=$'\t' read -ra fields < <(row "$1" "$2")
+  click $((fields[4] + 150)) $((fields[5] + 11))
+}
+
+# Registry
+
+query() {
+  run_windows reg query "$@" 2>/dev/null | tr -d '\r'
+}
+
+has_value() {
+  query "$1" /v "$2" | grep -F -- "$3"
+}
+
+lacks_value() {
+  ! query "$1" /v "$2"
+}
+
+# dump FILE: the user's and the machine's registry, but for the suite's own settings. The reader shares no code with the
+# program.
+dump() {
+  run_windows build/windows-x64/tests/wine_rawregistry.exe dump HKCU 'HKLM\Software' 'HKLM\System' 'HKU\.Default' |
+    grep -avE '\\Software\\TessalySoft' | sort >"$1"
+}
+
+# same_registry FILE FILE: shows what differs.
+same_registry() {
+  diff "$1" "$2" | head -n 30
+  cmp -s "$1" "$2"
+}
