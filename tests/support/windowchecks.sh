@@ -11,6 +11,7 @@ trap stop_wine EXIT
 suite='HKCU\Software\TessalySoft\Tessaly Utilities'
 title='Corvalt Registry Cleaner'
 program=
+patience=${CORVALT_PATIENCE:-60}
 
 # The numbers of commands.
 scan_command=1001
@@ -27,15 +28,18 @@ reader() {
   run_windows build/windows-x64/tests/wine_windowreader.exe "$@" </dev/null
 }
 
-# eventually COMMAND...: tries until it succeeds; the machine may be busy.
+# eventually COMMAND...: tries until it succeeds; the machine may be busy. Says what the last try said.
 eventually() {
-  local end=$((SECONDS + 60))
-  until "$@"; do
+  local end=$((SECONDS + patience)) code=0
+  until "$@" >"$work/try" 2>&1; do
     if ((SECONDS > end)); then
-      return 1
+      code=1
+      break
     fi
     sleep 0.05
   done
+  cat "$work/try"
+  return $code
 }
 
 # glance NAME: the whole screen, at once.
@@ -100,7 +104,17 @@ click_centre() {
 press() {
   local line
   line=$(reader controls "$1" | wanted=$2 awk -F '\t' '$4 == "enabled" && $9 == ENVIRON["wanted"]' | tail -n 1)
-  [[ -n $line ]] && click_centre "$line" 4
+  if [[ -n $line ]]; then
+    click_centre "$line" 4
+  else
+    missed "$2 in $1"
+  fi
+}
+
+# A step that can't be done fails like a check.
+missed() {
+  failed=$((failed + 1))
+  echo "FAIL  nothing to click: $1"
 }
 
 # choose MENU ENTRY: opens a menu of the bar by its place and the entry by its place, both from 1.
@@ -151,23 +165,33 @@ lacks_row() {
   ! has_row "$@"
 }
 
-# Where a row's parts lie at 96 dots per inch.
-click_box() {
-  local -a fields
-  IFS=$'\t' read -ra fields < <(row "$1" "$2")
-  click $((fields[4] + 18 * (fields[2] + 1) + 6)) $((fields[5] + 11))
+shown_row() {
+  row "$1" "$2" >"$work/row"
+  [[ -s $work/row ]] && ! cut -f 4 "$work/row" | grep -q offscreen
 }
 
-click_opener() {
+# click_in_row TREE TEXT LEFT INDENTS: so many pixels, and indents of its level and more, from the row's left.
+click_in_row() {
   local -a fields
-  IFS=$'\t' read -ra fields < <(row "$1" "$2")
-  click $((fields[4] + 18 * fields[2] + 9)) $((fields[5] + 11))
+  if ! eventually shown_row "$1" "$2"; then
+    missed "$2"
+    return
+  fi
+  IFS=$'\t' read -ra fields <"$work/row"
+  click $((fields[4] + 18 * (fields[2] + $4) + $3)) $((fields[5] + 11))
+}
+
+# Where a row's parts lie at 96 dots per inch.
+click_opener() {
+  click_in_row "$1" "$2" 9 0
+}
+
+click_box() {
+  click_in_row "$1" "$2" 6 1
 }
 
 click_row() {
-  local -a fields
-  IFS=$'\t' read -ra fields < <(row "$1" "$2")
-  click $((fields[4] + 150)) $((fields[5] + 11))
+  click_in_row "$1" "$2" 150 0
 }
 
 # Registry
