@@ -1,24 +1,21 @@
 // Looks at the running program from another process, as assistive technology and other programs do:
 //   wine_windowreader [-p PROCESS] COMMAND
-// windows                the visible windows: handle, process, class, state, left, top, width, height, title
-// wait TITLE             waits for a visible, enabled window whose title begins so, and prints it
-// gone TITLE             waits until there is none
-// saying TITLE TEXT      waits until a control in it shows a text that begins so, and prints the control
-// controls TITLE         its controls: handle, class, number, state, left, top, width, height, text
-// list TITLE             the rows of its list: number, states, left, top, width, height, texts
-// chooser                the choices of the results tree's chooser, the current one marked with "*"
-// status                 the parts of the status bar, one a line
-// tool COMMAND STATE     waits until the toolbar's button is "enabled" or "disabled"
-// outline TREE           the whole tree to MSAA: role, number of rows, selected row, row with the focus
-// rows TREE              its rows: number, role, level, states, left, top, width, height, name
-// at TREE LEFT TOP       the row that MSAA finds at a point of the screen
-// next TREE ROW WAY      the row that MSAA finds next to it: up, down, left, right, first, last
-// toggle TREE ROW        does the row's default action, and prints the action's name
-// select TREE ROW        selects the row
-// resources              what the program holds: handles, windows, USER, GDI objects, kilobytes
-// TREE is "sections" or "results". Fields are parted by tabs, lines of a text by " | ". Without -p the
-// program's only process is meant. Answers 0; 1 when what was waited for did not come; 2 for what can't be
-// done.
+// windows                the visible windows, without -p of all programs: handle, process, class, state,
+// left, top, width, height, title wait TITLE             waits for a visible, enabled window whose title
+// begins so, and prints it gone TITLE             waits until there is none saying TITLE TEXT      waits
+// until a control in it shows a text that begins so, and prints the control controls TITLE         its
+// controls: handle, class, number, state, left, top, width, height, text list TITLE             the rows of
+// its list: number, states, left, top, width, height, texts chooser                the choices of the results
+// tree's chooser, the current one marked with "*" status                 the parts of the status bar, one a
+// line tool COMMAND STATE     waits until the toolbar's button is "enabled" or "disabled" outline TREE the
+// whole tree to MSAA: role, number of rows, selected row, row with the focus rows TREE              its rows:
+// number, role, level, states, left, top, width, height, name at TREE LEFT TOP       the row that MSAA finds
+// at a point of the screen next TREE ROW WAY      the row that MSAA finds next to it: up, down, left, right,
+// first, last toggle TREE ROW        does the row's default action, and prints the action's name select TREE
+// ROW        selects the row close                  asks the main window to close, as the system's task list
+// does resources              what the program holds: handles, windows, USER, GDI objects, kilobytes TREE is
+// "sections" or "results". Fields are parted by tabs, lines of a text by " | ". Without -p the program's only
+// process is meant. Answers 0; 1 when what was waited for did not come; 2 for what can't be done.
 
 #include "ui/windows/controlsapi.h"
 
@@ -199,39 +196,28 @@ class TProgram {
   explicit TProgram(DWORD process) : m_process(process) {
   }
 
-  // Its process, when its main window is there.
-  bool Find() {
+  HWND Main() const {
     HWND found = nullptr;
     ForEachTopLevel([&](HWND window) {
-      if (ClassOf(window) == kMainClass && (m_process == 0 || ProcessOf(window) == m_process))
+      if (ClassOf(window) == kMainClass && IsOf(window))
         found = window;
     });
-    if (found != nullptr)
-      m_process = ProcessOf(found);
-    m_main = found;
-    return found != nullptr;
-  }
-
-  DWORD Process() const {
-    return m_process;
-  }
-  HWND Main() {
-    if (!Find())
+    if (found == nullptr)
       Refuse("the program's window is not there");
-    return m_main;
+    return found;
   }
 
-  std::vector<HWND> VisibleWindows() {
+  std::vector<HWND> VisibleWindows() const {
     std::vector<HWND> windows;
     ForEachTopLevel([&](HWND window) {
-      if (IsWindowVisible(window) && (m_process == 0 || ProcessOf(window) == m_process))
+      if (IsWindowVisible(window) && IsOf(window))
         windows.push_back(window);
     });
     return windows;
   }
 
   // The topmost visible window whose title begins so; null when there is none.
-  HWND WindowOf(TextView title) {
+  HWND WindowOf(TextView title) const {
     for (HWND window : VisibleWindows()) {
       if (TextOf(window).starts_with(title))
         return window;
@@ -239,14 +225,14 @@ class TProgram {
     return nullptr;
   }
 
-  HWND Existing(TextView title) {
+  HWND Existing(TextView title) const {
     HWND window = WindowOf(title);
     if (window == nullptr)
       Refuse("no such window");
     return window;
   }
 
-  HWND Control(int number) {
+  HWND Control(int number) const {
     HWND control = nullptr;
     ForEachBelow(Main(), [&](HWND window) {
       if (GetDlgCtrlID(window) == number)
@@ -257,13 +243,16 @@ class TProgram {
     return control;
   }
 
-  HWND Tree(TextView name) {
+  HWND Tree(TextView name) const {
     return Control(name == u"sections" ? kSectionsTree : kResultsTree);
   }
 
  private:
+  bool IsOf(HWND window) const {
+    return m_process == 0 || ProcessOf(window) == m_process;
+  }
+
   DWORD m_process;
-  HWND m_main = nullptr;
 };
 
 Text WindowLine(HWND window) {
@@ -284,13 +273,13 @@ Text ControlLine(HWND window) {
   return Fields(fields);
 }
 
-int PrintWindows(TProgram& program) {
+int PrintWindows(const TProgram& program) {
   for (HWND window : program.VisibleWindows())
     Print(WindowLine(window));
   return kDone;
 }
 
-int WaitForWindow(TProgram& program, TextView title) {
+int WaitForWindow(const TProgram& program, TextView title) {
   HWND window = nullptr;
   const bool came = WaitUntil([&] {
     window = program.WindowOf(title);
@@ -302,11 +291,11 @@ int WaitForWindow(TProgram& program, TextView title) {
   return kDone;
 }
 
-int WaitUntilGone(TProgram& program, TextView title) {
+int WaitUntilGone(const TProgram& program, TextView title) {
   return WaitUntil([&] { return program.WindowOf(title) == nullptr; }) ? kDone : kDidNotCome;
 }
 
-int WaitUntilSaid(TProgram& program, TextView title, TextView text) {
+int WaitUntilSaid(const TProgram& program, TextView title, TextView text) {
   HWND saying = nullptr;
   const auto look = [&] {
     const HWND window = program.WindowOf(title);
@@ -324,7 +313,7 @@ int WaitUntilSaid(TProgram& program, TextView title, TextView text) {
   return kDone;
 }
 
-int PrintControls(TProgram& program, TextView title) {
+int PrintControls(const TProgram& program, TextView title) {
   ForEachBelow(program.Existing(title), [](HWND control) { Print(ControlLine(control)); });
   return kDone;
 }
@@ -365,7 +354,7 @@ Text ListRowStates(HWND list, int row) {
   return states;
 }
 
-int PrintList(TProgram& program, TextView title) {
+int PrintList(const TProgram& program, TextView title) {
   HWND list = FirstOfClass(program.Existing(title), u"SysListView32");
   const auto rows = static_cast<int>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0));
   const auto header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
@@ -381,7 +370,7 @@ int PrintList(TProgram& program, TextView title) {
   return kDone;
 }
 
-int PrintChoices(TProgram& program) {
+int PrintChoices(const TProgram& program) {
   HWND chooser = FirstOfClass(program.Tree(u"results"), u"ComboBox");
   const LRESULT current = SendMessageW(chooser, CB_GETCURSEL, 0, 0);
   const LRESULT count = SendMessageW(chooser, CB_GETCOUNT, 0, 0);
@@ -395,7 +384,7 @@ int PrintChoices(TProgram& program) {
   return kDone;
 }
 
-int PrintStatus(TProgram& program) {
+int PrintStatus(const TProgram& program) {
   HWND bar = FirstOfClass(program.Main(), u"msctls_statusbar32");
   const LRESULT parts = SendMessageW(bar, SB_GETPARTS, 0, 0);
   for (LRESULT part = 0; part < parts; ++part) {
@@ -409,7 +398,7 @@ int PrintStatus(TProgram& program) {
   return kDone;
 }
 
-int WaitForTool(TProgram& program, WPARAM command, TextView state) {
+int WaitForTool(const TProgram& program, WPARAM command, TextView state) {
   const bool wanted = state == u"enabled";
   const auto isThere = [&] {
     const LRESULT enabled = SendMessageW(program.Control(kToolbar), TB_ISBUTTONENABLED, command, 0);
@@ -662,9 +651,13 @@ std::int64_t WindowCount(DWORD processId) {
   return count;
 }
 
-int PrintResources(TProgram& program) {
-  program.Main();
-  const DWORD processId = program.Process();
+int AskToClose(const TProgram& program) {
+  PostMessageW(program.Main(), WM_CLOSE, 0, 0);
+  return kDone;
+}
+
+int PrintResources(const TProgram& program) {
+  const DWORD processId = ProcessOf(program.Main());
   const TOwnedObject process(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, processId));
   PROCESS_MEMORY_COUNTERS memory = {};
   GetProcessMemoryInfo(process.Get(), &memory, sizeof memory);
@@ -678,7 +671,7 @@ int PrintResources(TProgram& program) {
   return kDone;
 }
 
-int Run(TProgram& program, const std::vector<Text>& words) {
+int Run(const TProgram& program, const std::vector<Text>& words) {
   const Text& command = words[0];
   const auto word = [&](std::size_t i) -> const Text& {
     if (i >= words.size())
@@ -707,6 +700,7 @@ int Run(TProgram& program, const std::vector<Text>& words) {
       {u"next", [&] { return PrintNext(TOutline(program.Tree(word(1))), number(2), word(3)); }},
       {u"toggle", [&] { return Toggle(TOutline(program.Tree(word(1))), number(2)); }},
       {u"select", [&] { return Select(TOutline(program.Tree(word(1))), number(2)); }},
+      {u"close", [&] { return AskToClose(program); }},
       {u"resources", [&] { return PrintResources(program); }},
   };
   const auto found = commands.find(command);
@@ -731,8 +725,7 @@ int wmain(int count, wchar_t** arguments) {
   CoInitialize(nullptr);
   int code = kImpossible;
   try {
-    TProgram program(process);
-    program.Find();
+    const TProgram program(process);
     code = Run(program, words);
   } catch (const std::exception& failure) {
     Print(FromAscii(failure.what()) + u"\n");
