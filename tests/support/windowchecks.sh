@@ -11,6 +11,7 @@ trap stop_wine EXIT
 suite='HKCU\Software\TessalySoft\Tessaly Utilities'
 title='Corvalt Registry Cleaner'
 program=
+copy=
 patience=${CORVALT_PATIENCE:-60}
 
 # The numbers of commands.
@@ -24,8 +25,9 @@ start_window_tests() {
   run_windows reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
 }
 
+# Where several copies of the program run, copy is the process that is meant.
 reader() {
-  run_windows build/windows-x64/tests/wine_windowreader.exe "$@" </dev/null
+  run_windows build/windows-x64/tests/wine_windowreader.exe ${copy:+-p "$copy"} "$@" </dev/null
 }
 
 # eventually COMMAND...: tries until it succeeds; the machine may be busy. Says what the last try said.
@@ -103,7 +105,7 @@ click_centre() {
 # press TITLE CAPTION: clicks the control that says so in the window.
 press() {
   local line
-  line=$(reader controls "$1" | wanted=$2 awk -F '\t' '$4 == "enabled" && $9 == ENVIRON["wanted"]' | tail -n 1)
+  line=$(reader controls "$1" | wanted=$2 awk -F '\t' '$4 == "enabled" && $9 == ENVIRON["wanted"]' | tail -n 1 || true)
   if [[ -n $line ]]; then
     click_centre "$line" 4
   else

@@ -507,9 +507,9 @@ int PrintOutline(const TOutline& outline) {
   return kDone;
 }
 
-int PrintRows(const TOutline& outline) {
-  const LONG count = outline.RowCount();
-  for (LONG number = 1; number <= count; ++number) {
+int PrintRows(const TOutline& outline, LONG from, LONG to) {
+  const LONG last = std::min(to, outline.RowCount());
+  for (LONG number = from; number <= last; ++number) {
     const VARIANT row = TOutline::Row(number);
     VARIANT role = {};
     VARIANT state = {};
@@ -695,7 +695,12 @@ int Run(const TProgram& program, const std::vector<Text>& words) {
       {u"status", [&] { return PrintStatus(program); }},
       {u"tool", [&] { return WaitForTool(program, static_cast<WPARAM>(number(1)), word(2)); }},
       {u"outline", [&] { return PrintOutline(TOutline(program.Tree(word(1)))); }},
-      {u"rows", [&] { return PrintRows(TOutline(program.Tree(word(1)))); }},
+      {u"rows",
+       [&] {
+         const bool isPart = words.size() > 2;
+         return PrintRows(TOutline(program.Tree(word(1))), isPart ? number(2) : 1,
+                          isPart ? number(3) : LONG_MAX);
+       }},
       {u"at", [&] { return PrintRowAt(TOutline(program.Tree(word(1))), number(2), number(3)); }},
       {u"next", [&] { return PrintNext(TOutline(program.Tree(word(1))), number(2), word(3)); }},
       {u"toggle", [&] { return Toggle(TOutline(program.Tree(word(1))), number(2)); }},
