@@ -119,6 +119,29 @@ missed() {
   echo "FAIL  nothing to click: $1"
 }
 
+# choose_action NUMBER [PICTURE]: in the chooser of the selected problem.
+choose_action() {
+  click_centre "$(reader controls "$title" | awk -F '\t' '$2 == "ComboBox"')" 4
+  local -a list
+  if ! eventually list_is_open; then
+    missed "the chooser's list"
+    return
+  fi
+  IFS=$'\t' read -ra list <"$work/list"
+  picture "${2:-last}"
+  click $((list[4] + 60)) $((list[5] + 16 * $1 - 7))
+}
+
+list_is_open() {
+  reader windows | awk -F '\t' '$3 == "ComboLBox"' >"$work/list"
+  [[ -s $work/list ]]
+}
+
+scan_through() {
+  press "$title" 'Scan registry for problems'
+  reader saying 'Scanning ...' 'The scan is complete.' && press 'Scanning ...' Close && reader gone 'Scanning ...'
+}
+
 # choose MENU ENTRY: opens a menu of the bar by its place and the entry by its place, both from 1.
 choose() {
   local -a keys=()

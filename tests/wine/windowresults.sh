@@ -61,30 +61,6 @@ chosen_is() {
   grep -qx "\\*$1" "$work/choices"
 }
 
-# Where the chooser is; its list opens below it.
-open_chooser() {
-  local line
-  line=$(reader controls "$title" | awk -F '\t' '$2 == "ComboBox"')
-  IFS=$'\t' read -ra chooser <<<"$line"
-  click $((chooser[4] + 100)) $((chooser[5] + 10))
-}
-
-choose_in_list() {
-  open_chooser
-  eventually list_is_open
-  picture "${2:-last}"
-  click $((chooser[4] + 60)) $((chooser[5] + chooser[7] + 16 * $1 - 8))
-}
-
-list_is_open() {
-  reader windows | grep -q ComboLBox
-}
-
-scan_again() {
-  press "$title" 'Scan registry for problems'
-  reader saying 'Scanning ...' 'The scan is complete.' && press 'Scanning ...' Close && reader gone 'Scanning ...'
-}
-
 problem_count() {
   corvaltc scan --json "Z:$work/found.json" --quiet
   result count "$work/found.json"
@@ -140,7 +116,7 @@ start_window_tests
 fill_prefix
 count=$(problem_count)
 ok "the window starts" start_window
-ok "the scan finds as many problems as the console's" scan_again
+ok "the scan finds as many problems as the console's" scan_through
 ok "and says so" status_says "$count problems found" "$count selected"
 picture results
 
@@ -212,10 +188,10 @@ ok "the status bar counts" status_says "$count problems found" "$((count - 1)) s
 picture unchecked
 key space
 ok "the space bar checks it again" eventually has_states results "$obsolete" checked
-choose_in_list 2 choices
+choose_action 2 choices
 ok "so does the chooser's second entry" eventually has_states results "$obsolete" mixed
 ok "the box follows" lacks_state results "$empty_key" checked
-choose_in_list 1
+choose_action 1
 ok "and its first" eventually has_states results "$obsolete" checked
 click_box results "$obsolete"
 ok "a section unchecks all its problems" eventually all_children "$obsolete" unchecked
@@ -251,7 +227,7 @@ ok "it is open" eventually has_states results "$obsolete" expanded
 key Down
 ok "its first problem is selected" eventually selected_is "Location: $empty_key"
 entry="$empty_key\\"
-choose_in_list 3
+choose_action 3
 ok "the ignore choice asks" reader wait Confirmation
 picture ignore-question
 key alt+n
@@ -259,14 +235,14 @@ ok "the question closes" reader gone Confirmation
 ok "No leaves the row" has_row results "$empty_key"
 ok "and its choice" chosen_is 'Repair this problem'
 ok "and the list" lacks_value "$ignored" "$entry"
-choose_in_list 3
+choose_action 3
 ok "it asks again" reader wait Confirmation
 key alt+y
 ok "Yes takes the row out" eventually lacks_row results "$empty_key"
 ok "and stores its entry" is_stored "$entry"
 ok "the section's number stays" has_row results "$obsolete  (problems: 3)"
 picture ignored
-ok "a new scan" scan_again
+ok "a new scan" scan_through
 ok "does not find it" status_says "$((count - 1)) problems found" "$((count - 1)) selected"
 ok "it is not listed" lacks_row results "$empty_key"
 focus_results
@@ -275,7 +251,7 @@ xdotool type Sounds
 ok "a section with one problem is selected" eventually selected_is "$sounds"
 key Down
 ok "its problem" eventually height_is "$sound" 66
-choose_in_list 3
+choose_action 3
 ok "asks" reader wait Confirmation
 key alt+y
 ok "the section goes with its last problem" eventually lacks_row results "$sounds"
@@ -307,7 +283,7 @@ ok "OK closes" reader gone 'Ignore List Manager'
 ok "the first is stored as switched off" is_stored ";$entry"
 ok "and no more as switched on" lacks_value "$ignored" "$entry"
 ok "the second is gone" lacks_value "$ignored" "$other"
-ok "a new scan" scan_again
+ok "a new scan" scan_through
 ok "finds both" status_says "$count problems found" "$count selected"
 picture found-again
 
