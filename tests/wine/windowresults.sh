@@ -16,10 +16,6 @@ sound='HKEY_CURRENT_USER\AppEvents'
 # Letters typed within a second belong together.
 typing_pause=1.2
 
-result() {
-  python3 tests/wine/scanresult.py "$@"
-}
-
 # status_says FOUND SELECTED: in the two parts of the status bar; blanks around them don't count.
 status_says() {
   reader status | tee "$work/status" | sed 's/^[[:space:]\xc2\xa0]*//' >"$work/status-trimmed"
@@ -59,11 +55,6 @@ all_children() {
 chosen_is() {
   reader chooser | tee "$work/choices"
   grep -qx "\\*$1" "$work/choices"
-}
-
-problem_count() {
-  corvaltc scan --json "Z:$work/found.json" --quiet
-  result count "$work/found.json"
 }
 
 # Each header in turn from the top, with the keyboard alone: closed, and its box toggled.
