@@ -151,9 +151,21 @@ choose() {
   key F10 "${keys[@]}" Return
 }
 
-# answer TITLE KEY: presses a key in a window that comes up, and waits until it has gone.
-answer() {
-  reader wait "$1" && picture "${3:-last}" && key "$2" && reader gone "$1"
+# window_place TITLE: left and top of the window.
+window_place() {
+  reader windows | wanted=$1 awk -F '\t' 'index($9, ENVIRON["wanted"]) == 1 { print $5, $6; exit }'
+}
+
+window_is_at() {
+  [[ $(window_place "$1") == "$2 $3" ]]
+}
+
+# move_window TITLE LEFT TOP: drags it there by its title bar.
+move_window() {
+  local left top
+  read -r left top < <(window_place "$1")
+  xdotool mousemove $((left + 300)) $((top + 15)) mousedown 1
+  xdotool mousemove $(($2 + 200)) $(($3 + 40)) mousemove $(($2 + 300)) $(($3 + 15)) mouseup 1
 }
 
 # Rows of the trees: number, role, level, states, left, top, width, height, name.

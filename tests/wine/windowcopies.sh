@@ -17,18 +17,6 @@ two_windows() {
   [[ $(main_windows | wc -l) == 2 ]]
 }
 
-# move_window LEFT TOP: drags the copy's window there by its title bar.
-move_window() {
-  local -a fields
-  IFS=$'\t' read -ra fields < <(reader windows)
-  xdotool mousemove $((fields[4] + 300)) $((fields[5] + 15)) mousedown 1
-  xdotool mousemove $(($1 + 200)) $(($2 + 40)) mousemove $(($1 + 300)) $(($2 + 15)) mouseup 1
-}
-
-window_is_at() {
-  reader windows | cut -f 5,6 | grep -x "$1"$'\t'"$2"
-}
-
 # ignore_row TEXT SECTION: by the keyboard, from the copy's results tree; SECTION is the beginning of its section's name.
 ignore_row() {
   click_row results 'Registry Integrity'
@@ -98,8 +86,8 @@ fill_prefix
 ok "the first copy starts" start_window
 first=$(main_windows | cut -f 2)
 copy=$first
-move_window 0 0
-ok "it is moved to the side" eventually window_is_at 0 0
+move_window "$title" 0 0
+ok "it is moved to the side" eventually window_is_at "$title" 0 0
 first_program=$program
 run_windows "$folder/corvalt.exe" >"$work/second" 2>&1 </dev/null &
 second_program=$!
@@ -107,8 +95,8 @@ ok "the second copy starts beside it" eventually two_windows
 second=$(main_windows | cut -f 2 | grep -vx "$first")
 copy=$second
 ok "it can be used" reader tool $scan_command enabled
-move_window 520 445
-ok "it is moved to the other side" eventually window_is_at 520 445
+move_window "$title" 520 445
+ok "it is moved to the other side" eventually window_is_at "$title" 520 445
 picture two
 
 # Ignore list

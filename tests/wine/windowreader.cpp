@@ -37,7 +37,7 @@ constexpr int kDone = 0;
 constexpr int kDidNotCome = 1;
 constexpr int kImpossible = 2;
 
-constexpr DWORD kPatience = 120000;  // milliseconds
+constexpr DWORD kPatience = 60000;  // milliseconds
 constexpr DWORD kGlance = 20;
 
 constexpr TextView kMainClass = u"TfrmRegMain";
