@@ -1,6 +1,7 @@
 #include "repair/ignorereg.h"
 
 #include <algorithm>
+#include <set>
 
 #include "core/lettercase.h"
 
@@ -26,6 +27,21 @@ std::unique_ptr<RegistryStore> UserStore(TSystem& system) {
 // The registry takes a name up to its first NUL, which stands for the unnamed value.
 TextView StoredName(TextView entry) {
   return entry.substr(0, entry.find(u'\0'));
+}
+
+// What all forms of an entry have in common.
+Text SameInAllForms(TextView entry) {
+  return UpperCase(StoredName(WithoutOffMark(entry)));
+}
+
+// The stored entries that the list in memory does not know: other copies of the program have added them.
+std::vector<Text> AddedByOthers(TSystem& system, const std::vector<Text>& list) {
+  std::set<Text> known;
+  for (const Text& entry : list)
+    known.insert(SameInAllForms(entry));
+  std::vector<Text> entries = LoadIgnoreList(system);
+  std::erase_if(entries, [&known](const Text& entry) { return known.contains(SameInAllForms(entry)); });
+  return entries;
 }
 
 }  // namespace
@@ -71,9 +87,11 @@ void TIgnoreListModel::Remove(std::size_t row) {
 }
 
 void TIgnoreListModel::SaveIgnoreList(TSystem& system, TGlobalReg& reg) const {
+  const std::vector<Text> others = AddedByOthers(system, reg.IgnoreList);
   reg.IgnoreList.clear();
   for (const TIgnoreRow& row : m_rows)
     reg.IgnoreList.push_back((row.Checked ? Text() : Text(1, kOffMark)) + row.Caption);
+  reg.IgnoreList.insert(reg.IgnoreList.end(), others.begin(), others.end());
   const std::unique_ptr<RegistryStore> store = UserStore(system);
   store->DeleteKey(kIgnoreListKey);
   if (!store->OpenKey(kIgnoreListKey, true))

@@ -37,7 +37,8 @@ class TIgnoreListModel {
   void SetChecked(std::size_t row, bool checked);
   void Remove(std::size_t row);
 
-  // Puts the rows into the list in memory, and writes the whole list anew in the registry.
+  // Puts the rows into the list in memory, and writes the whole list anew in the registry. What other copies
+  // of the program have stored since this one read the list stays, and joins the list in memory.
   void SaveIgnoreList(TSystem& system, TGlobalReg& reg) const;
 
  private:

@@ -35,7 +35,7 @@ MAY_INCLUDE = {
     "app": LOGIC + ["platform/windows", "ui/windows"],
     "tests": LOGIC + ["platform/memory"],
     "tests/contract/windows": LOGIC + ["platform/memory", "tests"] + WINDOWS,
-    "tests/wine": ["core", "platform/windows"],
+    "tests/wine": ["core", "platform/windows", "ui/windows/controlsapi.h"],
     "bench": LOGIC + ["platform/memory", "tests"],
     "bench/windows": LOGIC + ["platform/memory", "tests", "bench"] + WINDOWS,
     "bench/native": LOGIC + ["platform/memory", "tests", "bench"],
@@ -45,7 +45,7 @@ MAY_INCLUDE = {
 # Headers of libraries, by folder; the folders of ANY_SYSTEM_HEADER may include the system's too.
 LIBRARIES = {"core": {"zlib.h"}, "suitecontrols": {"pugixml.hpp"}, "tests": {"gtest/gtest.h", "zlib.h"}}
 LIBRARIES["tests/contract/windows"] = LIBRARIES["tests"]
-ANY_SYSTEM_HEADER = {*WINDOWS, "bench/native"}
+ANY_SYSTEM_HEADER = {*WINDOWS, "tests/wine", "bench/native"}
 
 SOURCE_ENDINGS = {".h", ".hpp", ".cpp", ".cc", ".c", ".inc", ".rc"}
 INCLUDE = re.compile(r'^\s*#\s*include(?:_next)?\s*(?:<([^>]*)>|"([^"]*)"|(.*))')

@@ -37,6 +37,16 @@ error_says() {
   grep -qF -- "$1" "$work/err"
 }
 
+result() {
+  python3 tests/wine/scanresult.py "$@"
+}
+
+# The number of problems that a scan finds; what it finds is left in found.json.
+problem_count() {
+  corvaltc scan --json "Z:$work/found.json" --quiet
+  result count "$work/found.json"
+}
+
 # Problems of every section, real files beside them.
 fill_prefix() {
   local drive=$WINEPREFIX/drive_c menu="drive_c/ProgramData/Start Menu/Programs"

@@ -166,6 +166,30 @@ TEST(IgnoreListManager, DropsValuesOfOtherDataFromTheKeyWhenItSaves) {
   EXPECT_TRUE(rig.System.Registry.HasValue(kListKey, u"kept"));
 }
 
+TEST(IgnoreListManager, KeepsWhatAnotherCopyOfTheProgramHasAddedMeanwhile) {
+  TIgnoreRig rig;
+  rig.Add(u"removed");
+  rig.Add(u"switched off");
+  rig.System.Registry.SetInteger(kListKey, u";REMOVED", 1);
+  rig.System.Registry.SetInteger(kListKey, u";the other's", 1);
+  TIgnoreListModel model(rig.Reg);
+  model.SetChecked(1, false);
+  model.Remove(0);
+  rig.Save(model);
+  EXPECT_EQ(rig.Reg.IgnoreList, TEntries({u";switched off", u";the other's"}));
+  EXPECT_EQ(rig.Loaded(), rig.Reg.IgnoreList);
+}
+
+TEST(IgnoreListManager, RemovesAnEntryWhoseStoredNameEndsAtANul) {
+  TIgnoreRig rig;
+  rig.Add(Text(u"HKEY_CURRENT_USER\\A\\") + Text(1, u'\0'));
+  TIgnoreListModel model(rig.Reg);
+  model.Remove(0);
+  rig.Save(model);
+  EXPECT_TRUE(rig.Reg.IgnoreList.empty());
+  EXPECT_TRUE(rig.Loaded().empty());
+}
+
 TEST(IgnoreListManager, ChangesTheListInMemoryWhenTheKeyIsDenied) {
   TIgnoreRig rig;
   rig.System.Registry.SetInteger(kListKey, u"a", 1);

@@ -12,10 +12,6 @@ rm -rf "$work"
 mkdir -p "$work"
 source tests/support/winechecks.sh
 
-result() {
-  python3 $here/scanresult.py "$@"
-}
-
 said_nothing() {
   [[ ! -s $work/out && ! -s $work/err ]]
 }

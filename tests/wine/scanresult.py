@@ -9,6 +9,8 @@ scanresult.py report JSON REPORT
     whether REPORT is, byte for byte, the report of what JSON says
 scanresult.py listing JSON LISTING
     the same for what is listed on standard output
+scanresult.py rows JSON ROWS
+    whether ROWS, as the window's reader prints them, are the rows of what JSON says
 scanresult.py captions JSON CAPTION...
     whether JSON has exactly the sections of these captions, in this order
 scanresult.py count JSON
@@ -200,6 +202,28 @@ def check_listing(found, listing):
     return [] if content == expected else [f"expected {a!r}, found {b!r}" for a, b in pairs if a != b][:5] + ["differs"]
 
 
+def whole_characters(text):
+    return text.encode("utf-16-le", "surrogatepass").decode("utf-16-le", "replace")
+
+
+def check_rows(found, rows):
+    expected = []
+    for section in load(found):
+        expected.append(("0", f"{section['caption']}  (problems: {len(section['problems'])})"))
+        for problem in section["problems"]:
+            place = f"Location: {problem['rootKey']}{problem['keyPath']}"
+            expected.append(("1", place + " | " + problem["description"].replace("&&", "&")))
+    expected = [(level, whole_characters(name)) for level, name in expected]
+    lines = open(rows, encoding="utf-8", newline="\n").read().splitlines()
+    fields = [line.split("\t") for line in lines]
+    actual = [(field[2], field[8]) for field in fields]
+    others = [line for line, field in zip(lines, fields) if field[1] != "outline item" or "checked" not in field[3]]
+    pairs = zip(expected, actual)
+    return [f"expected {a}, found {b}" for a, b in pairs if a != b][:5] + others + (
+        [] if len(expected) == len(actual) else [f"expected {len(expected)} rows, found {len(actual)}"]
+    )
+
+
 def check_captions(found, *captions):
     actual = [section["caption"] for section in load(found)]
     return [] if actual == list(captions) else [f"expected {captions}, found {actual}"]
@@ -215,6 +239,7 @@ def main():
         "same": check_same,
         "report": check_report,
         "listing": check_listing,
+        "rows": check_rows,
         "captions": check_captions,
     }
     faults = checks[command](*arguments)

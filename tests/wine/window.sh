@@ -1,99 +1,30 @@
 #!/usr/bin/env bash
-# The main window, driven from outside with mouse and keyboard, and read back from the registry and the disk: first
-# start, scan, repair, restore, exit. Pictures of each step are left in build/wine-window/. Ends with
-# "N passed, N failed".
+# The main window's story, driven from outside with mouse and keyboard, and read back from the window, the registry and
+# the disk: first start, checks kept over a restart, scan, repair, backup, restore, exit. Pictures of each step are left
+# in build/wine-window/. Ends with "N passed, N failed".
 set -euo pipefail
 cd "$(dirname "$0")/../.."
-source tools/wine.sh
-trap stop_wine EXIT
-
 work=$PWD/build/wine-window
-rm -rf "$work"
-mkdir -p "$work"
-source tests/support/winechecks.sh
+source tests/support/windowchecks.sh
 
-settings='HKCU\Software\TessalySoft\Tessaly Utilities'
-title='Corvalt Registry Cleaner'
-
-picture() {
-  import -window root "$work/$1.png"
+all_checked() {
+  [[ $(reader rows sections | awk -F '\t' '$4 ~ /^checked/' | wc -l) == 24 ]]
 }
 
-# Waits until a window of this title is on the screen; sets window.
-window_of() {
-  local tries
-  for ((tries = 0; tries < 300; ++tries)); do
-    window=$(xdotool search --onlyvisible --name "$1" 2>/dev/null | tail -n 1 || true)
-    if [[ -n $window ]]; then
-      return
-    fi
-    sleep 0.1
-  done
-  return 1
+# stored COUNT STATE: so many leaves of the Sections tree are stored with 1 (true) or 0, and never a group.
+stored() {
+  query "$suite\\Corvalt\\Sections" | tee "$work/sections"
+  [[ $(grep -c "REG_DWORD *0x$2\$" "$work/sections") == "$1" ]] && ! grep -qE '^ +(0|2) ' "$work/sections"
 }
 
-no_window_of() {
-  local tries
-  for ((tries = 0; tries < 300; ++tries)); do
-    if ! xdotool search --onlyvisible --name "$1" >/dev/null 2>&1; then
-      return
-    fi
-    sleep 0.1
-  done
-  return 1
+no_settings() {
+  ! query "$suite"
 }
 
-# Waits until the screen has not changed for a while: whatever was running has ended.
-screen_is_still() {
-  local before= after still=0 tries
-  for ((tries = 0; tries < 200; ++tries)); do
-    after=$(import -window root rgb:- | cksum)
-    if [[ $after == "$before" ]]; then
-      if ((++still >= 4)); then
-        return
-      fi
-    else
-      still=0
-    fi
-    before=$after
-    sleep 0.5
-  done
-  return 1
-}
-
-# click_at LEFT TOP: in the main window.
-click_at() {
-  window_of "^$title\$"
-  xdotool mousemove --window "$window" "$1" "$2" click 1
-}
-
-# The links of the navigation pane, from the window's top left corner at 96 dots per inch.
-click_scan() { click_at 110 132; }
-click_restore() { click_at 110 180; }
-
-query() {
-  run_windows reg query "$@" 2>/dev/null | tr -d '\r'
-}
-
-has_value() {
-  query "$1" /v "$2" | grep -qF -- "$3"
-}
-
-lacks_value() {
-  ! query "$1" /v "$2" >/dev/null
-}
-
-start_window() {
-  run_windows "$folder/corvalt.exe" >"$work/out" 2>&1 </dev/null &
-  program=$!
-  window_of "^$title\$"
-  screen_is_still
-}
-
-close_window() {
-  window_of "^$title\$"
-  xdotool windowfocus "$window" key --window "$window" alt+F4
-  wait "$program"
+checks_are_as_left() {
+  has_states sections HKEY_USERS selectable && lacks_state sections HKEY_USERS checked &&
+    has_states sections 'Files and Folders' mixed && has_states sections 'My Computer' mixed &&
+    lacks_state sections 'Start Menu' checked && has_states sections 'Registry Integrity' checked
 }
 
 # backups N: so many are listed.
@@ -102,60 +33,127 @@ backups() {
   [[ $(wc -l <"$work/out") == "$1" ]]
 }
 
-all_sections_stored() {
-  query "$settings\\Corvalt\\Sections" >"$work/sections"
-  [[ $(grep -c 'REG_DWORD *0x1$' "$work/sections") == 22 ]] && ! grep -qE '^ +(0|2) ' "$work/sections"
+# How many rows the dialog's list has.
+listed() {
+  [[ $(reader list Restore | wc -l) == "$1" ]]
 }
 
-start_display
-start_fresh_wine "$PWD/build/wine"
-# Without a window manager the windows draw their own title bars.
-run_windows reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
-run_windows reg add 'HKCU\Software\Vendor' /v Exe /d 'C:\Gone\app.exe' /f >/dev/null
-run_windows reg add 'HKCU\Software\Vendor Gone' /f >/dev/null
-shared='HKLM\SOFTWARE\Microsoft\Windows\CurrentVersion\SharedDLLs'
-run_windows reg add "$shared" /v 'C:\Gone\one.dll' /t REG_DWORD /d 1 /f >/dev/null
+backup_files() {
+  find "$WINEPREFIX/drive_c/users" -path '*/Backups/*' -name '[0-9]*'
+}
 
+# Line by line, as the reader prints a text of several lines.
+viewer_shows_the_file() {
+  reader controls 'Registry repair' | awk -F '\t' '$2 == "Edit" { print $9 }' >"$work/viewed"
+  sed 's/\r$/ | /' "$(backup_files)" | tr -d '\n' >"$work/file"
+  echo >>"$work/file"
+  head -c 300 "$work/viewed"
+  grep -q '^REGEDIT4.*Vendor' "$work/viewed" && cmp "$work/viewed" "$work/file"
+}
+
+something_is_gone() {
+  dump "$work/repaired-dump"
+  comm -23 "$work/before" "$work/repaired-dump" >"$work/gone"
+  [[ $(wc -l <"$work/gone") -gt 80 ]]
+}
+
+all_is_back() {
+  dump "$work/after"
+  same_registry "$work/before" "$work/after"
+}
+
+start_window_tests
+
+# First start
+ok "the suite has no settings yet" no_settings
 ok "the window starts" start_window
 picture start
+ok "every section is checked" all_checked
+ok "closing ends the program with 0" close_window
+ok "every section is stored as checked, and no group" stored 22 1
+ok "the backup settings are stored" has_value "$suite\\Corvalt\\Settings" regbackupcount 0x1e
 
-click_scan
-ok "the scan shows its dialog" window_of '^Scanning'
-ok "the scan ends" screen_is_still
+# Section checks over a restart
+ok "the window starts again" start_window
+click_box sections HKEY_USERS
+click_box sections 'Start Menu'
+ok "unchecked sections make their groups mixed" eventually checks_are_as_left
+picture unchecked
+ok "the program ends" close_window
+ok "two sections are stored as unchecked" stored 2 0
+ok "the others as checked" stored 20 1
+ok "the window starts a third time" start_window
+ok "the checks are as they were left" checks_are_as_left
+picture kept
+# A click on a group that is mixed checks all of it.
+click_box sections 'My Computer'
+ok "a mixed group becomes checked with all its sections" eventually all_checked
+
+# Scan and repair
+fill_prefix
+run_windows reg add 'HKCU\Software\Vendor' /v Exe /d 'C:\Gone\app.exe' /f >/dev/null
+shared='HKLM\SOFTWARE\Microsoft\Windows\CurrentVersion\SharedDLLs'
+run_windows reg add "$shared" /v 'C:\Gone\one.dll' /t REG_DWORD /d 1 /f >/dev/null
+dump "$work/before"
+press "$title" 'Scan registry for problems'
+ok "the scan shows its dialog" reader wait 'Scanning ...'
+ok "its progress names a section" reader saying 'Scanning ...' 'Scanning '
+glance scanning
+ok "the scan ends" reader saying 'Scanning ...' 'The scan is complete.'
+ok "the dialog offers the repair" reader saying 'Scanning ...' Repair
 picture scanned
-
+ok "the value is found" has_row results 'C:\Gone\app.exe'
+found=$(reader status | head -n 1)
 # The Repair button has the keyboard.
-xdotool key space
-ok "the repair follows in a dialog of its own" window_of '^Repairing'
-ok "the repair ends" screen_is_still
+key space
+ok "the repair follows in a dialog of its own" reader saying 'Repairing ...' 'The repair is complete.'
 picture repaired
-xdotool key Escape
-ok "both dialogs close" no_window_of '^Repairing'
+key Escape
+ok "both dialogs close" reader gone 'Repairing ...'
+ok "also the first" reader gone 'Scanning ...'
+picture after-repair
+echo "$found; left: $(reader status | head -n 1)"
 ok "the value is gone" lacks_value 'HKCU\Software\Vendor' Exe
 ok "the shared file's count is gone" lacks_value "$shared" 'C:\Gone\one.dll'
+ok "more than 80 lines of the registry are gone" something_is_gone
 ok "the backup is listed" backups 1
 
-click_restore
-ok "the restore dialog opens" window_of '^Restore$'
-ok "the restore dialog shows its list" screen_is_still
+# Restore
+press "$title" 'Restore previous repairs'
+ok "the restore dialog opens" reader wait Restore
+ok "it lists the backup" listed 1
 picture restore
-# The newest backup is selected and Restore is the default button; then the question and the report.
-xdotool key Return
-ok "the restore asks first" screen_is_still
+press Restore View
+ok "the viewer opens" reader wait 'Registry repair'
+picture viewer
+ok "it shows the backup's file" viewer_shows_the_file
+key Escape
+ok "the viewer closes" reader gone 'Registry repair'
+key Return
+ok "the restore asks first" reader wait Confirmation
 picture question
-xdotool key alt+y
-ok "the restore reports" screen_is_still
+key alt+n
+ok "the question closes" reader gone Confirmation
+ok "No restores nothing" lacks_value 'HKCU\Software\Vendor' Exe
+# Restore is the default button.
+press Restore Restore
+ok "it asks again" reader wait Confirmation
+key alt+y
+ok "the restore reports" reader wait Information
 picture restored
-xdotool key Return
-ok "the report closes" screen_is_still
-xdotool key Escape
-ok "the restore dialog closes" no_window_of '^Restore$'
-ok "the value is back" has_value 'HKCU\Software\Vendor' Exe 'C:\Gone\app.exe'
-ok "the shared file's count is back" has_value "$shared" 'C:\Gone\one.dll' 0x1
+key Return
+ok "the report closes" reader gone Information
+ok "every key and value is back, byte for byte" all_is_back
+ok "the backup is still listed" listed 1
+press Restore Remove
+ok "Remove takes the row away" eventually listed 0
+picture removed
+ok "and the backup from the disk" backups 0
+ok "its file has gone" test -z "$(backup_files)"
+key Escape
+ok "the restore dialog closes" reader gone Restore
 
 ok "the window closes" close_window
-ok "every section is stored as ticked, and no group" all_sections_stored
-ok "the backup settings are stored" has_value "$settings\\Corvalt\\Settings" regbackupcount 0x1e
 
 echo "$passed passed, $failed failed"
 exit $((failed > 0))

@@ -62,8 +62,11 @@ void Tfrmignorereg::FillList() {
     ::SendMessageW(m_list, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
     SetChecked(m_list, i, m_model.Rows()[i].Checked);
   }
-  // Long entries are read by scrolling, not cut.
-  ::SendMessageW(m_list, LVM_SETCOLUMNWIDTH, 0, LVSCW_AUTOSIZE_USEHEADER);
+  // As wide as the list, or as the longest entry, which is read by scrolling and not cut.
+  const LRESULT whole = ::SendMessageW(m_list, LVM_GETCOLUMNWIDTH, 0, 0);
+  ::SendMessageW(m_list, LVM_SETCOLUMNWIDTH, 0, LVSCW_AUTOSIZE);
+  if (::SendMessageW(m_list, LVM_GETCOLUMNWIDTH, 0, 0) < whole)
+    ::SendMessageW(m_list, LVM_SETCOLUMNWIDTH, 0, whole);
   m_filling = false;
   UpdateButtons();
 }

@@ -118,7 +118,7 @@ class TfrmRegMain::TResultsOwner : public TTreeControlOwner {
     return row.Parent == nullptr ? row.Problem.SectionCaption : FullKeyText(row.Problem);
   }
   Text EmptyHint() const override {
-    return m_window.Plain(TextId::HintScan);
+    return m_window.m_main.WorkerRuns() ? Text() : m_window.Plain(TextId::HintScan);
   }
   bool MayCheck() const override {
     return !m_window.m_main.WorkerRuns();
