@@ -113,6 +113,10 @@ class TOwned {
   THandle Get() const {
     return m_handle;
   }
+  // Lets go of the handle, which has another owner now.
+  void Release() {
+    m_handle = TTraits::None();
+  }
   void Close() {
     if (m_handle != TTraits::None())
       TTraits::Close(std::exchange(m_handle, TTraits::None()));

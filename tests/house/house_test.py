@@ -6,6 +6,7 @@ import unittest
 
 import importaudit
 import includerules
+import manifestaudit
 
 
 class IncludeRules(unittest.TestCase):
@@ -118,6 +119,42 @@ class ImportAudit(unittest.TestCase):
 
     def test_a_dump_without_imports_is_no_pass(self):
         self.assertEqual(len(importaudit.faults("corvalt.exe: file format pei-i386\n", self.allowed)), 1)
+
+
+class ManifestAudit(unittest.TestCase):
+    def setUp(self):
+        resources = pathlib.Path(__file__).resolve().parent.parent.parent / "app" / "resources"
+        self.window = (resources / "corvalt.manifest").read_text(encoding="utf-8")
+        self.console = (resources / "corvaltc.manifest").read_text(encoding="utf-8")
+
+    def assert_fault(self, old, new, expected):
+        self.assertIn(old, self.window)
+        found = manifestaudit.audit("window", self.window.replace(old, new).encode())
+        self.assertEqual(len(found), 1, found)
+        self.assertIn(expected, found[0])
+
+    def test_both_manifests_are_whole(self):
+        self.assertEqual(manifestaudit.audit("window", self.window.encode()), [])
+        self.assertEqual(manifestaudit.audit("console", self.console.encode()), [])
+
+    def test_another_level(self):
+        self.assert_fault("highestAvailable", "requireAdministrator", "levels")
+
+    def test_a_system_that_is_not_listed(self):
+        self.assert_fault('<supportedOS Id="{35138b9a-5d96-4fbd-8e2d-a2440225f93a}"/>', "", "Windows 7")
+
+    def test_older_common_controls(self):
+        self.assert_fault('version="6.0.0.0"', 'version="5.82.0.0"', "common controls")
+
+    def test_a_scale_that_the_system_must_fake(self):
+        self.assert_fault(">true</dpiAware>", ">false</dpiAware>", "scale")
+
+    def test_another_code_page(self):
+        page = '<activeCodePage xmlns="urn:x">UTF-8</activeCodePage></windowsSettings>'
+        self.assert_fault("</windowsSettings>", page, "code page")
+
+    def test_no_manifest(self):
+        self.assertEqual(len(manifestaudit.audit("window", b"")), 1)
 
 
 if __name__ == "__main__":

@@ -4,10 +4,11 @@
 #include "core/globals.h"
 #include "ui/dialogmodels.h"
 #include "ui/windows/modalwindow.h"
+#include "ui/windows/textview.h"
 
 class Tfrmbackupview : public TModalWindow {
  public:
-  Tfrmbackupview(const TBackupView& view, const TGlobalVars& vars, HWND owner);
+  Tfrmbackupview(TBackupView view, const TGlobalVars& vars, HWND owner);
 
  protected:
   LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
@@ -15,6 +16,6 @@ class Tfrmbackupview : public TModalWindow {
  private:
   void OnSize();
 
-  HWND m_text = nullptr;
+  TTextView m_text;
   HWND m_closeButton = nullptr;
 };

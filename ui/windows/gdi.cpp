@@ -45,3 +45,20 @@ SIZE MeasureTextIn(HDC dc, TextView text) {
   GetTextExtentPoint32W(dc, WideUnits(text), static_cast<int>(text.size()), &size);
   return size;
 }
+
+TTextMeter::TTextMeter(const TScale& scale, bool bold)
+    : m_font(MakeWindowFont(scale, bold)), m_dc(CreateCompatibleDC(nullptr)) {
+  SelectObject(m_dc.Get(), m_font.Get());
+  m_height = static_cast<int>(MeasureTextIn(m_dc.Get(), u"...").cy);
+  GetCharWidth32W(m_dc.Get(), 0, static_cast<UINT>(kAsciiCount - 1), m_asciiWidths.data());
+}
+
+int TTextMeter::Width(TextView text) const {
+  int width = 0;
+  for (const char16_t unit : text) {
+    if (unit >= kAsciiCount)
+      return static_cast<int>(MeasureTextIn(m_dc.Get(), text).cx);
+    width += m_asciiWidths[unit];
+  }
+  return width;
+}

@@ -116,9 +116,9 @@ void TfrmRestore::RemoveSelected() {
 }
 
 void TfrmRestore::ViewSelected() {
-  const std::optional<TBackupView> view = m_model.View(static_cast<std::size_t>(SelectedRow()));
+  std::optional<TBackupView> view = m_model.View(static_cast<std::size_t>(SelectedRow()));
   if (!view)
     return;
-  Tfrmbackupview viewer(*view, m_vars, Handle());
+  Tfrmbackupview viewer(std::move(*view), m_vars, Handle());
   viewer.RunModal();
 }

@@ -76,7 +76,7 @@ TTreeControl::TTreeControl(TTreeModel& model, TTreeControlOwner& owner, TTreeOpt
       m_options(options),
       m_layout(model, [this](const TTreeNode& node) { return m_owner.RowUnits(node) * m_rowUnit; }),
       m_keys(model, m_layout, options.NodesClose),
-      m_font(MakeWindowFont(m_scale, false)),
+      m_meter(m_scale, false),
       m_boldFont(MakeWindowFont(m_scale, true)),
       m_dots(MakeDots()) {
 }
@@ -91,14 +91,12 @@ void TTreeControl::Create(HWND parent, int id, HIMAGELIST images) {
 }
 
 void TTreeControl::OnCreate() {
-  const TWindowDc dc(Handle());
-  const TSelected font(dc.Get(), m_font.Get());
-  m_rowUnit = RoundHalfToEven(MeasureTextIn(dc.Get(), u"...").cy * kUnitsPerTextHeight);
+  m_rowUnit = RoundHalfToEven(m_meter.Height() * kUnitsPerTextHeight);
   OpenThemes();
   if (m_options.HasHeader) {
     m_header = CreateWindowExW(0, WC_HEADERW, L"", WS_CHILD | WS_VISIBLE | HDS_HORZ, 0, 0, 0, 0, Handle(),
                                nullptr, ProgramInstance(), nullptr);
-    ::SendMessageW(m_header, WM_SETFONT, reinterpret_cast<WPARAM>(m_font.Get()), FALSE);
+    ::SendMessageW(m_header, WM_SETFONT, reinterpret_cast<WPARAM>(Font()), FALSE);
     HDITEMW item = {};
     item.mask = HDI_WIDTH;
     ::SendMessageW(m_header, HDM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
@@ -184,6 +182,7 @@ void TTreeControl::OpenThemes() {
   m_buttonTheme.Close();
   m_treeTheme = TTheme(OpenThemeData(Handle(), L"TREEVIEW"));
   m_buttonTheme = TTheme(OpenThemeData(Handle(), L"BUTTON"));
+  m_isHighContrast = IsHighContrast();
 }
 
 void TTreeControl::Refresh() {
@@ -235,7 +234,7 @@ void TTreeControl::DrawHint(HDC dc) {
   const Text hint = m_owner.EmptyHint();
   RECT place = RowsArea();
   InflateRect(&place, -m_rowUnit, -m_rowUnit);
-  const TSelected font(dc, m_font.Get());
+  const TSelected font(dc, Font());
   SetTextColor(dc, TextColour({hint, false, true}, false));
   DrawTextW(dc, Wide(hint), -1, &place, DT_WORDBREAK | DT_NOPREFIX);
 }
@@ -343,7 +342,7 @@ void TTreeControl::DrawRowText(HDC dc, const TTreeRow& row, const RECT& rect, co
       line = place;
       line.top = line.bottom - step;
     }
-    const TSelected font(dc, content.Bold ? m_boldFont.Get() : m_font.Get());
+    const TSelected font(dc, content.Bold ? static_cast<HFONT>(m_boldFont.Get()) : Font());
     SetTextColor(dc, TextColour(content, isFocused));
     DrawTextW(dc, WideUnits(content.Content), static_cast<int>(content.Content.size()), &line,
               DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX);
@@ -354,7 +353,7 @@ COLORREF TTreeControl::TextColour(const TRowLine& line, bool isFocused) const {
   if (isFocused)
     return GetSysColor(COLOR_HIGHLIGHTTEXT);
   if (line.Grey)
-    return IsHighContrast() ? GetSysColor(COLOR_GRAYTEXT) : kGreyText;
+    return m_isHighContrast ? GetSysColor(COLOR_GRAYTEXT) : kGreyText;
   return GetSysColor(m_options.HighlightText ? COLOR_HIGHLIGHT : COLOR_WINDOWTEXT);
 }
 
@@ -420,12 +419,6 @@ TTreeControl::THit TTreeControl::HitTest(POINT point) {
   InflateRect(&checkBox, m_scale(1), m_scale(1));
   return {row->Node, !row->Node->Children.empty() && PtInRect(&button, point) != FALSE,
           PtInRect(&checkBox, point) != FALSE};
-}
-
-int TTreeControl::MeasureText(TextView text) const {
-  const TWindowDc dc(Handle());
-  const TSelected font(dc.Get(), m_font.Get());
-  return static_cast<int>(MeasureTextIn(dc.Get(), text).cx);
 }
 
 // Scrolling

@@ -82,12 +82,14 @@ class TTreeControl : public TWindow {
   void ColumnChanged();
 
   // In the tree's font, of one line.
-  int MeasureText(TextView text) const;
+  int MeasureText(TextView text) const {
+    return m_meter.Width(text);
+  }
   int RowUnit() const {
     return m_rowUnit;
   }
   HFONT Font() const {
-    return static_cast<HFONT>(m_font.Get());
+    return m_meter.Font();
   }
 
   // For assistive technology.
@@ -153,7 +155,7 @@ class TTreeControl : public TWindow {
   TScale m_scale;
   TTreeLayout m_layout;
   TTreeKeys m_keys;
-  TGdiObject m_font;
+  TTextMeter m_meter;
   TGdiObject m_boldFont;
   TGdiObject m_dots;
   TTheme m_treeTheme;
@@ -161,6 +163,7 @@ class TTreeControl : public TWindow {
   TPaintBuffer m_buffer;
   HIMAGELIST m_images = nullptr;
   HWND m_header = nullptr;
+  bool m_isHighContrast = false;
   int m_rowUnit = 0;
   int m_scrollLeft = 0;
   std::int64_t m_scrollTop = 0;
