@@ -14,6 +14,9 @@ program=
 copy=
 patience=${CORVALT_PATIENCE:-60}
 
+# Letters that follow each other within a second belong to one word.
+typing_pause=1.2
+
 # The numbers of commands.
 scan_command=1001
 repair_command=1002
@@ -81,6 +84,7 @@ ended() {
 }
 
 close_window() {
+  reader wait "${1:-$title}"
   key alt+F4
   ended
 }
@@ -218,6 +222,17 @@ click_in_row() {
   click $((fields[4] + 18 * (fields[2] + $4) + $3)) $((fields[5] + 11))
 }
 
+# type_ahead TREE TEXT: finds the row by typing its beginning; the tree has the keyboard.
+type_ahead() {
+  sleep $typing_pause
+  xdotool type "$2"
+  eventually has_states "$1" "$2" selected
+}
+
+has_focus() {
+  [[ $(reader outline "$1" | cut -f 4) != - ]]
+}
+
 # Where a row's parts lie at 96 dots per inch.
 click_opener() {
   click_in_row "$1" "$2" 9 0
@@ -243,17 +258,4 @@ has_value() {
 
 lacks_value() {
   ! query "$1" /v "$2"
-}
-
-# dump FILE: the user's and the machine's registry, but for the suite's own settings. The reader shares no code with the
-# program.
-dump() {
-  run_windows build/windows-x64/tests/wine_rawregistry.exe dump HKCU 'HKLM\Software' 'HKLM\System' 'HKU\.Default' |
-    grep -avE '\\Software\\TessalySoft' | sort >"$1"
-}
-
-# same_registry FILE FILE: shows what differs.
-same_registry() {
-  diff "$1" "$2" | head -n 30
-  cmp -s "$1" "$2"
 }

@@ -59,3 +59,16 @@ fill_prefix() {
   } >"$work/broken.reg"
   run_windows regedit /S "Z:$work/broken.reg"
 }
+
+# dump FILE: the user's and the machine's registry, but for the suite's own settings and the display's, which are written
+# anew with the first window. The reader shares no code with the program.
+dump() {
+  run_windows build/windows-x64/tests/wine_rawregistry.exe dump HKCU 'HKLM\Software' 'HKLM\System' 'HKU\.Default' |
+    grep -avE '\\Software\\TessalySoft|\\Control\\Video\\' | sort >"$1"
+}
+
+# same_registry FILE FILE: shows what differs.
+same_registry() {
+  diff "$1" "$2" | head -n 30
+  cmp -s "$1" "$2"
+}

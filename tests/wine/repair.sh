@@ -12,19 +12,6 @@ problems=3000
 mkdir -p "$work"
 source tests/support/winechecks.sh
 
-# dump FILE: the user's and the machine's registry, but for the suite's own settings. The reader shares no code with the
-# program.
-dump() {
-  run_windows build/windows-x64/tests/wine_rawregistry.exe dump HKCU 'HKLM\Software' 'HKLM\System' 'HKU\.Default' |
-    grep -avE '\\Software\\TessalySoft' | sort >"$1"
-}
-
-# same_registry FILE FILE: shows what differs.
-same_registry() {
-  diff "$1" "$2" | head -n 30
-  cmp -s "$1" "$2"
-}
-
 backup_names() {
   corvaltc backups
   cut -f 1 "$work/out"

@@ -21,7 +21,7 @@ sections_are_as_they_stand() {
 # The rows lie one below the other, and where each one in sight lies MSAA finds it.
 rows_lie_where_they_are_found() {
   local -a row
-  local below= shown=0
+  local below='' shown=0
   reader rows "$1" >"$work/rows"
   while IFS=$'\t' read -ra row; do
     if [[ -n $below && ${row[5]} != "$below" ]]; then
@@ -66,21 +66,21 @@ number_of() {
 
 start_window_tests
 fill_prefix
-count=$(problem_count)
+problem_count >"$work/count"
 ok "the window starts" start_window
 
 {
-  row='outline item'
+  item='outline item'
   printf '%s\t%s\t%s\t%s\t%s\n' \
-    1 "$row" 0 checked,expanded,selectable 'My Computer' 2 "$row" 1 checked,selectable 'Registry Integrity' \
-    3 "$row" 1 checked,expanded,selectable 'Files and Folders' 4 "$row" 2 checked,selectable HKEY_LOCAL_MACHINE \
-    5 "$row" 2 checked,selectable HKEY_CURRENT_USER 6 "$row" 2 checked,selectable HKEY_USERS
+    1 "$item" 0 checked,expanded,selectable 'My Computer' 2 "$item" 1 checked,selectable 'Registry Integrity' \
+    3 "$item" 1 checked,expanded,selectable 'Files and Folders' 4 "$item" 2 checked,selectable HKEY_LOCAL_MACHINE \
+    5 "$item" 2 checked,selectable HKEY_CURRENT_USER 6 "$item" 2 checked,selectable HKEY_USERS
   number=6
   for name in 'Adware and Spyware' 'Obsolete Software' 'Custom Controls' 'File Extensions' 'File Associations' \
     'Start Menu' 'Startup Programs' 'Shared Programs' 'Software Locations' 'Add/Remove Programs' 'Windows Fonts' \
     'Help and Resources' 'Sounds and Appevents' 'MRU and History Lists' 'Device Drivers' 'Windows Services' \
     'Virtual Devices' 'ARP Cache'; do
-    printf '%s\t%s\t%s\t%s\t%s\n' $((++number)) "$row" 1 checked,selectable "$name"
+    printf '%s\t%s\t%s\t%s\t%s\n' $((++number)) "$item" 1 checked,selectable "$name"
   done
 } >"$work/sections.expected"
 

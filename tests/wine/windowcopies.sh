@@ -9,7 +9,7 @@ source tests/support/windowchecks.sh
 ignored="$suite\\Corvalt\\IgnoreList"
 
 main_windows() {
-  copy= reader windows | awk -F '\t' '$3 == "TfrmRegMain"'
+  copy='' reader windows | awk -F '\t' '$3 == "TfrmRegMain"'
 }
 
 two_windows() {
@@ -20,8 +20,8 @@ two_windows() {
 # ignore_row TEXT SECTION: by the keyboard, from the copy's results tree; SECTION is the beginning of its section's name.
 ignore_row() {
   click_row results 'Registry Integrity'
-  xdotool type "$2"
-  eventually has_states results "$2" selected
+  eventually has_states results 'Registry Integrity' focused
+  type_ahead results "$2"
   key Down
   eventually has_states results "$1" selected
   choose_action 3
@@ -109,8 +109,8 @@ ok "the first ignores a row" ignore_row 'HKEY_CURRENT_USER\software\Corvalt Empt
 copy=$second
 ok "the second ignores another" ignore_row 'HKEY_CURRENT_USER\AppEvents' Sounds
 picture ignored
-first_entry='HKEY_CURRENT_USER\software\Corvalt Empty\'
-second_entry='HKEY_CURRENT_USER\AppEvents\Schemes\Apps\Corvalt\Open\.Current\'
+first_entry='HKEY_CURRENT_USER\software\Corvalt Empty'\\
+second_entry='HKEY_CURRENT_USER\AppEvents\Schemes\Apps\Corvalt\Open\.Current'\\
 ok "the first's entry is stored" is_stored "$first_entry"
 ok "the second's too" is_stored "$second_entry"
 copy=$first

@@ -283,7 +283,7 @@ int WaitForWindow(const TProgram& program, TextView title) {
   HWND window = nullptr;
   const bool came = WaitUntil([&] {
     window = program.WindowOf(title);
-    return window != nullptr && IsWindowEnabled(window);
+    return window != nullptr && IsWindowEnabled(window) && GetForegroundWindow() == window;
   });
   if (!came)
     return kDidNotCome;

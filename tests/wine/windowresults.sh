@@ -13,9 +13,6 @@ empty_key='HKEY_CURRENT_USER\software\Corvalt Empty'
 sounds='Sounds and Appevents'
 sound='HKEY_CURRENT_USER\AppEvents'
 
-# Letters typed within a second belong together.
-typing_pause=1.2
-
 # status_says FOUND SELECTED: in the two parts of the status bar; blanks around them don't count.
 status_says() {
   reader status | tee "$work/status" | sed 's/^[[:space:]\xc2\xa0]*//' >"$work/status-trimmed"
@@ -74,6 +71,7 @@ one_small_backup() {
 # A click on the tree below its header: some row is selected.
 focus_results() {
   click $((tree[4] + 200)) $((tree[5] + 100))
+  eventually has_focus results
 }
 
 is_stored() {
@@ -156,14 +154,11 @@ key plus
 ok "and +" eventually has_states results 'Registry Integrity' expanded
 key Next
 ok "Page Down goes on by a page" eventually lacks_state results 'Registry Integrity' selected
-xdotool type Custom
-ok "typing finds a row" eventually selected_is 'Custom Controls'
+ok "typing finds a row" type_ahead results Custom
 ok "and shows it" lacks_state results 'Custom Controls' offscreen
 
 # The selected problem
-sleep $typing_pause
-xdotool type Obsolete
-ok "a section is found by its name" eventually selected_is "$obsolete"
+ok "a section is found by its name" type_ahead results Obsolete
 click_row results "$empty_key"
 ok "a selected problem has three lines" eventually height_is "$empty_key" 66
 ok "the third one says what follows" has_row results "$empty_key | This key is empty. | Action: "
@@ -210,9 +205,7 @@ ok "all sections are checked again" eventually status_says "$count problems foun
 # Ignore list
 key Home asterisk
 ok "* opens the section" eventually has_states results 'Registry Integrity' expanded
-sleep $typing_pause
-xdotool type Obsolete
-ok "the section is selected" eventually selected_is "$obsolete"
+ok "the section is selected" type_ahead results Obsolete
 key Right
 ok "it is open" eventually has_states results "$obsolete" expanded
 key Down
@@ -237,9 +230,7 @@ ok "a new scan" scan_through
 ok "does not find it" status_says "$((count - 1)) problems found" "$((count - 1)) selected"
 ok "it is not listed" lacks_row results "$empty_key"
 focus_results
-sleep $typing_pause
-xdotool type Sounds
-ok "a section with one problem is selected" eventually selected_is "$sounds"
+ok "a section with one problem is selected" type_ahead results Sounds
 key Down
 ok "its problem" eventually height_is "$sound" 66
 choose_action 3

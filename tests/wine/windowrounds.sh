@@ -9,7 +9,7 @@ source tests/support/windowchecks.sh
 rounds=${1:-10}
 
 # Kilobytes that the allocators may keep.
-memory_room=2048
+memory_room=1024
 
 # A scan clears the results of the one before; then a problem is selected.
 round() {

@@ -18,7 +18,7 @@ scan_is_partly_listed() {
   local rows
   rows=$(row_count)
   reader rows results "$rows" "$rows"
-  ((rows > 1)) && reader rows results "$rows" "$rows" | grep -qF 'Location: HKEY_CURRENT_USER\'
+  ((rows > 1)) && reader rows results "$rows" "$rows" | grep -qF 'Location: HKEY_CURRENT_USER'
 }
 
 start_scan() {
@@ -115,7 +115,7 @@ picture german
 press 'Suche ...' Schließen
 ok "so do the rows" has_row results '(Probleme: 2)'
 ok "and their lines" has_row results 'Ort: HKEY_CURRENT_USER\Software'
-ok "the program ends" close_window
+ok "the program ends" close_window "$german"
 run_windows reg add "$suite" /v Language /d missing.lng /f >/dev/null
 ok "a language that is not there is English" start_window
 ok "and the setting says so" has_value "$suite" Language english.lng
