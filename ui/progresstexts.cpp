@@ -1,5 +1,7 @@
 #include "ui/progresstexts.h"
 
+#include "scan/catalogue.h"
+
 Text ProgressCaption(TProgressMode mode, const TLanguageTexts& texts) {
   const TextId id = mode == TProgressMode::Scan ? TextId::ScanningSection : TextId::RepairingSection;
   return LanguageText(texts, id) + u" ...";
@@ -13,4 +15,22 @@ TProgressOutcome ProgressOutcome(TProgressMode mode, TextView message, std::size
   if (outcome.OffersRepair)
     outcome.Message += u"\r\n\r\n" + LanguageText(texts, TextId::InviteRepair);
   return outcome;
+}
+
+std::vector<Text> SectionLines(const TLanguageTexts& texts) {
+  std::vector<Text> lines = {PlainText(LanguageText(texts, TextId::ScanComplete)),
+                             PlainText(LanguageText(texts, TextId::RepairComplete))};
+  for (const TSection& section : SectionCatalogue())
+    lines.push_back(PlainText(LanguageText(texts, TextId::ScanningSection)) + u" " +
+                    Text(section.ProgressName) + u"...");
+  return lines;
+}
+
+std::vector<Text> OutcomeMessages(const TLanguageTexts& texts) {
+  constexpr std::size_t kMany = 1000000;
+  const Text many = DecimalText(kMany);
+  const Text counts = LanguageText(texts, TextId::ProblemsFound, many) + u"," +
+                      LanguageText(texts, TextId::ProblemsSelected, many) + u".";
+  return {PlainText(ProgressOutcome(TProgressMode::Scan, counts, kMany, texts).Message),
+          PlainText(LanguageText(texts, TextId::RepairFinalMessage))};
 }

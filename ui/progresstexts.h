@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <vector>
 
 #include "core/languagetexts.h"
 
@@ -18,3 +19,8 @@ struct TProgressOutcome {
 // The end of a run: its message, and after a scan that found problems the invitation to repair them.
 TProgressOutcome ProgressOutcome(TProgressMode mode, TextView message, std::size_t problemCount,
                                  const TLanguageTexts& texts);
+
+// What the dialog must have room for in this language, besides the keys that it shows: the section lines, and
+// the messages at the end with the largest of counts.
+std::vector<Text> SectionLines(const TLanguageTexts& texts);
+std::vector<Text> OutcomeMessages(const TLanguageTexts& texts);

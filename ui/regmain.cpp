@@ -16,7 +16,7 @@ class TRegMain::TOpenDialog {
     // Also after a second dialog that this one opened, and that has been forgotten already.
     m_main.m_progress = nullptr;
     m_main.ProgressClosing();
-    m_main.m_view.ActionsChanged();
+    m_main.ActionsChanged();
   }
   TOpenDialog(const TOpenDialog&) = delete;
   TOpenDialog& operator=(const TOpenDialog&) = delete;
@@ -43,6 +43,7 @@ void TRegMain::StartMaintenance() {
   const TPrepareContext context = {m_system, m_vars, m_uiThread,
                                    [this](TWorkerThread& thread) { MaintenanceFinished(thread); }};
   m_prepare = &TWorkerThread::Launch<TPrepare>(context);
+  ActionsChanged();
 }
 
 void TRegMain::LoadSections() {
@@ -91,6 +92,7 @@ void TRegMain::Repair() {
 void TRegMain::RunWithProgress(TProgressMode mode) {
   const std::unique_ptr<TProgressView> progress = m_view.CreateProgress(mode);
   const TOpenDialog open(*this, *progress);
+  m_scanned = false;
   if (mode == TProgressMode::Scan) {
     const TScanContext context = {
         m_system, m_vars, m_reg, m_sections, m_results, m_uiThread, [this](TWorkerThread& thread) {
@@ -102,7 +104,7 @@ void TRegMain::RunWithProgress(TProgressMode mode) {
                                       [this](TWorkerThread& thread) { CleaningFinished(thread); }};
     m_cleaning = &TWorkerThread::Launch<TCleaning>(context, *progress);
   }
-  m_view.ActionsChanged();
+  ActionsChanged();
   progress->ShowModal();
 }
 
@@ -116,9 +118,11 @@ void TRegMain::ProgressClosing() {
 // A failure is said last, when all is as the end leaves it: messages go on under a message box.
 void TRegMain::ScanFinished(TWorkerThread& thread) {
   m_scan = nullptr;
+  m_scanned = !thread.Terminated() && !thread.FatalException();
+  // The dialog learns first what its Repair button may do, and then shows it.
+  ActionsChanged();
   UpdateSummary();
   m_view.ResultsChanged();
-  m_view.ActionsChanged();
   if (thread.FatalException())
     ShowFailure(Say(TextId::ScanFailed, DescribeException(thread.FatalException(), m_system.Locale)));
 }
@@ -128,7 +132,7 @@ void TRegMain::CleaningFinished(TWorkerThread& thread) {
   m_rows.DropRemoved();
   UpdateSummary();
   m_view.ResultsChanged();
-  m_view.ActionsChanged();
+  ActionsChanged();
   if (m_progress != nullptr)
     m_progress->ShowResult(LanguageText(m_vars.Texts, TextId::RepairFinalMessage), 0);
   if (thread.FatalException())
@@ -137,9 +141,21 @@ void TRegMain::CleaningFinished(TWorkerThread& thread) {
 
 void TRegMain::MaintenanceFinished(TWorkerThread& thread) {
   m_prepare = nullptr;
-  m_view.ActionsChanged();
+  ActionsChanged();
   if (thread.FatalException())
     ShowFailure(DescribeException(thread.FatalException(), m_system.Locale));
+}
+
+void TRegMain::ActionsChanged() {
+  m_view.ActionsChanged();
+  if (m_progress != nullptr)
+    m_progress->EnableRepair(CanRepair());
+}
+
+Text TRegMain::EmptyHint() const {
+  if (WorkerRuns())
+    return {};
+  return Say(m_scanned ? TextId::NoProblemFound : TextId::HintScan);
 }
 
 void TRegMain::UpdateSummary() {

@@ -27,6 +27,9 @@ class TProgressView : public TProgressDialog {
 
   // The run has ended with this message and this many problems left to repair.
   virtual void ShowResult(TextView message, std::size_t problemCount) = 0;
+
+  // Whether the Repair button does anything now. Said whenever it changes, also while there is no button yet.
+  virtual void EnableRepair(bool enabled) = 0;
 };
 
 // What the window does for its work, on the user-interface thread.
@@ -57,6 +60,9 @@ class TRegMain {
     return m_results;
   }
   TResultsRows& Rows() {
+    return m_rows;
+  }
+  const TResultsRows& Rows() const {
     return m_rows;
   }
 
@@ -98,6 +104,9 @@ class TRegMain {
 
   void UpdateSummary();
 
+  // What stands in the results tree while it has no rows.
+  Text EmptyHint() const;
+
   // Writes the report and says so, or says the system's reason why not.
   void SaveReport(TextView fileName);
 
@@ -111,6 +120,7 @@ class TRegMain {
   void ScanFinished(TWorkerThread& thread);
   void CleaningFinished(TWorkerThread& thread);
   void MaintenanceFinished(TWorkerThread& thread);
+  void ActionsChanged();
   void ShowFailure(TextView message);
   bool ConfirmIgnore();
   // The text as a message box shows it.
@@ -131,4 +141,7 @@ class TRegMain {
   TCleaning* m_cleaning = nullptr;
   TPrepare* m_prepare = nullptr;
   TProgressView* m_progress = nullptr;
+
+  // The last run was a scan that came to its end.
+  bool m_scanned = false;
 };

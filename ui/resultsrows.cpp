@@ -109,7 +109,7 @@ void TResultsRows::Checked(TResultsNode* node) const {
 
 void TResultsRows::Choose(std::int32_t choice) {
   TResultsNode* node = SelectedProblem();
-  if (node == nullptr)
+  if (node == nullptr || choice < 0 || choice >= static_cast<std::int32_t>(Controls().Choices.size()))
     return;
   if (choice == kChoiceIgnore) {
     if (m_host.ConfirmIgnore())

@@ -66,6 +66,7 @@ class TResultsRows {
   void Checked(TResultsNode* node) const;
 
   // After the user has chosen in the selected problem's list. Ignoring asks first, and removes the row.
+  // Nothing for a place that the list does not have, such as -1: no place is chosen.
   void Choose(std::int32_t choice);
 
   // After a repair: removes the rows it has marked, and the headers left without rows; recounts the others.

@@ -10,6 +10,17 @@ Text CountText(const TLanguageTexts& texts, std::size_t count, TextId none, Text
   return LanguageText(texts, several, DecimalText(static_cast<std::int64_t>(count)));
 }
 
+// Everything but the counts, from the counts.
+void SayCounts(TSummary& summary, const TLanguageTexts& texts) {
+  summary.TotalText =
+      CountText(texts, summary.Total, TextId::NoProblemFound, TextId::OneProblemFound, TextId::ProblemsFound);
+  summary.SelectedText = CountText(texts, summary.Selected, TextId::NoProblemSelected,
+                                   TextId::OneProblemSelected, TextId::ProblemsSelected);
+  const Text both = summary.TotalText + u"," + summary.SelectedText;
+  summary.Label = LanguageText(texts, TextId::Summary) + u" (" + both + u")";
+  summary.FinalMessage = both + u".";
+}
+
 }  // namespace
 
 TSummary Summarize(ResultsTree& tree, const TLanguageTexts& texts) {
@@ -21,12 +32,15 @@ TSummary Summarize(ResultsTree& tree, const TLanguageTexts& texts) {
         ++summary.Selected;
     }
   }
-  summary.TotalText =
-      CountText(texts, summary.Total, TextId::NoProblemFound, TextId::OneProblemFound, TextId::ProblemsFound);
-  summary.SelectedText = CountText(texts, summary.Selected, TextId::NoProblemSelected,
-                                   TextId::OneProblemSelected, TextId::ProblemsSelected);
-  const Text both = summary.TotalText + u"," + summary.SelectedText;
-  summary.Label = LanguageText(texts, TextId::Summary) + u" (" + both + u")";
-  summary.FinalMessage = both + u".";
+  SayCounts(summary, texts);
   return summary;
+}
+
+Text WidestSummary(const TLanguageTexts& texts) {
+  constexpr std::size_t kMany = 1000000;
+  TSummary summary;
+  summary.Total = kMany;
+  summary.Selected = kMany;
+  SayCounts(summary, texts);
+  return PlainText(summary.Label);
 }

@@ -47,6 +47,9 @@ class TMainRig::TDialog : public TProgressView {
   void ShowResult(TextView message, std::size_t problemCount) override {
     m_record->Results.push_back(EncodeUtf8(message) + "|" + std::to_string(problemCount));
   }
+  void EnableRepair(bool enabled) override {
+    m_record->MayRepair = enabled;
+  }
   void SetSectionLabel(TextView text) override {
     m_recorder.SetSectionLabel(text);
     Keep();

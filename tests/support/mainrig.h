@@ -25,6 +25,7 @@ struct TDialogRecord {
   bool IsThere = true;
   std::vector<std::string> Updates;  // labels and bars, as TRecordingDialog words them
   std::vector<std::string> Results;  // "message|count"
+  bool MayRepair = false;
 };
 
 class TMainRig : private TRegMainView {

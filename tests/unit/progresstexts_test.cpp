@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "tests/support/scanrig.h"
 
 TEST(ProgressTexts, TheCaptionSaysWhatRuns) {
@@ -38,4 +40,20 @@ TEST(ProgressTexts, ARepairIsNeverFollowedByAnother) {
 TEST(ProgressTexts, TheModesHaveTheNumbersOfTheDialog) {
   EXPECT_EQ(static_cast<int>(TProgressMode::Scan), 1);
   EXPECT_EQ(static_cast<int>(TProgressMode::Repair), 2);
+}
+
+TEST(ProgressTexts, TheSectionLinesAreBothEndsAndEverySectionOnce) {
+  const std::vector<Text> lines = SectionLines(NumberedTexts());
+  ASSERT_EQ(lines.size(), 24U);
+  EXPECT_EQ(lines[0], u"11031");
+  EXPECT_EQ(lines[1], u"11034");
+  EXPECT_TRUE(std::any_of(lines.begin(), lines.end(),
+                          [](const Text& line) { return line == u"11035 Windows Fonts..."; }));
+}
+
+TEST(ProgressTexts, TheOutcomesAreTheInvitationWithLargeCountsAndTheRepairsEnd) {
+  const std::vector<Text> messages = OutcomeMessages(NumberedTexts());
+  ASSERT_EQ(messages.size(), 2U);
+  EXPECT_EQ(messages[0], u"11013(1000000),11015(1000000).\r\n\r\n11033");
+  EXPECT_EQ(messages[1], u"11008");
 }

@@ -159,6 +159,52 @@ TEST(MainWindowActions, ARepairAskedForDuringTheMaintenanceOpensNoDialog) {
   rig.PumpUntil([&] { return !rig.Main.AnyThreadRuns(); });
 }
 
+TEST(MainWindowActions, TheScansDialogOffersItsRepairWhenTheMaintenanceHasEnded) {
+  TMainRig rig;
+  rig.Break(0);
+  rig.Users = {[&rig](TDialogRecord& dialog) {
+    EXPECT_FALSE(dialog.MayRepair);
+    rig.WaitForTheEnd();
+    EXPECT_TRUE(dialog.MayRepair);
+    rig.Main.StartMaintenance();
+    EXPECT_FALSE(dialog.MayRepair);
+    rig.PumpUntil([&rig] { return !rig.Main.AnyThreadRuns(); });
+    EXPECT_TRUE(dialog.MayRepair);
+  }};
+  rig.Main.Scan();
+}
+
+TEST(MainWindowHint, SaysHowToBeginUntilAScanHasFoundNothing) {
+  TMainRig rig;
+  rig.Vars.Texts = NumberedTexts();
+  EXPECT_EQ(rig.Main.EmptyHint(), u"40017");
+  rig.Users = {[&rig](TDialogRecord&) {
+    EXPECT_EQ(rig.Main.EmptyHint(), u"");
+    rig.WaitForTheEnd();
+  }};
+  rig.Main.Scan();
+  EXPECT_EQ(rig.Main.EmptyHint(), u"11016");
+}
+
+TEST(MainWindowHint, SaysHowToBeginAfterAScanThatWasStopped) {
+  TMainRig rig;
+  rig.Vars.Texts = NumberedTexts();
+  rig.Users = {[](TDialogRecord&) {}};
+  rig.Main.Scan();
+  rig.PumpUntil([&rig] { return !rig.Main.WorkerRuns(); });
+  EXPECT_EQ(rig.Main.EmptyHint(), u"40017");
+}
+
+TEST(MainWindowHint, SaysHowToBeginAfterARepairOfEverything) {
+  TMainRig rig;
+  rig.Vars.Texts = NumberedTexts();
+  rig.Break(0);
+  rig.Main.Scan();
+  rig.Main.Repair();
+  EXPECT_EQ(rig.RowCount(), 0U);
+  EXPECT_EQ(rig.Main.EmptyHint(), u"40017");
+}
+
 TEST(MainWindowActions, ARepairOfAnEmptyTreeOpensNoDialog) {
   TMainRig rig;
   rig.Main.Repair();

@@ -457,3 +457,21 @@ TEST_F(ResultsRows, DroppingFromAnEmptyTreeDoesNothing) {
   Rows.DropRemoved();
   EXPECT_EQ(Tree.Model().TotalCount(), 0u);
 }
+
+TEST_F(ResultsRows, AChoiceThatTheListDoesNotHaveChangesNothing) {
+  TResultsNode* header = AddHeader(u"Fonts");
+  TResultsNode* key = AddProblem(header);
+  TResultsNode* file = AddProblem(header, FileProblem(u"C:\\gone.txt"));
+  for (TResultsNode* node : {key, file}) {
+    Rows.Select(node);
+    Rows.Choose(-1);
+    Rows.Choose(3);
+  }
+  Rows.Choose(kChoiceIgnore);
+  for (const TResultsNode* node : {key, file}) {
+    EXPECT_EQ(node->Problem.CheckMark, kCheckMarkRepair);
+    EXPECT_EQ(node->State, TCheckState::Checked);
+  }
+  EXPECT_EQ(Questions, 0);
+  EXPECT_EQ(SummaryChanges, 0);
+}

@@ -96,3 +96,7 @@ TEST(Summary, TheCheckBoxCountsAndNotTheMark) {
   node->Problem.CheckMark = kCheckMarkRepair;
   EXPECT_EQ(tree.Summary().Selected, 0u);
 }
+
+TEST(Summary, TheWidestLabelHasTheLargestCounts) {
+  EXPECT_EQ(WidestSummary(NumberedTexts()), u"11011 (11013(1000000),11015(1000000))");
+}

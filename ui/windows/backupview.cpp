@@ -18,8 +18,9 @@ Tfrmbackupview::Tfrmbackupview(TBackupView view, const TGlobalVars& vars, HWND o
     : m_text(std::move(view.Content)) {
   CreateModal(u"Tfrmbackupview", view.Caption, owner, kInside, WS_THICKFRAME | WS_MAXIMIZEBOX);
   m_text.Create(Handle(), kTextId);
-  m_closeButton = AddButton(LanguageText(vars.Texts, TextId::ButtonClose), IDCANCEL, 0, 0, kButtonWidth,
-                            kButtonHeight, true);
+  const Text close = LanguageText(vars.Texts, TextId::ButtonClose);
+  m_buttonWidth = ButtonWidth({close}, kButtonWidth);
+  m_closeButton = AddButton(close, IDCANCEL, 0, 0, kButtonWidth, kButtonHeight, true);
   OnSize();
 }
 
@@ -35,6 +36,6 @@ void Tfrmbackupview::OnSize() {
   const int row = Scale()(kButtonRow);
   const int buttonHeight = Scale()(kButtonHeight);
   MoveWindow(m_text.Handle(), 0, 0, width, std::max(height - row, 0), TRUE);
-  MoveWindow(m_closeButton, CenteredLeft(width, Scale()(kButtonWidth)), height - (row + buttonHeight) / 2,
-             Scale()(kButtonWidth), buttonHeight, TRUE);
+  MoveWindow(m_closeButton, CenteredLeft(width, m_buttonWidth), height - (row + buttonHeight) / 2,
+             m_buttonWidth, buttonHeight, TRUE);
 }

@@ -18,4 +18,5 @@ class Tfrmbackupview : public TModalWindow {
 
   TTextView m_text;
   HWND m_closeButton = nullptr;
+  int m_buttonWidth = 0;
 };

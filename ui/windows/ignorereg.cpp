@@ -1,10 +1,17 @@
 #include "ui/windows/ignorereg.h"
 
+#include <algorithm>
+
 #include "core/languagetexts.h"
 
 namespace {
 
+// Sizes at 96 dots per inch; the rest follows the texts.
 constexpr SIZE kInside = {460, 320};
+constexpr int kMargin = 12;
+constexpr int kGap = 6;
+constexpr int kListHeight = 220;
+constexpr SIZE kButton = {95, 25};
 constexpr TextView kListClass = u"SysListView32";
 constexpr int kListId = 101;
 constexpr int kRemoveId = 102;
@@ -34,22 +41,46 @@ Tfrmignorereg::Tfrmignorereg(TSystem& system, const TGlobalVars& vars, TGlobalRe
   };
   CreateModal(u"Tfrmignorereg", PlainText(say(TextId::IgnoreListManager)), owner, kInside, 0);
   // The title is an argument here: its own "&" is single again before the text doubles it.
-  AddControl(u"STATIC", say(TextId::IgnoreListExplanation, PlainText(say(TextId::ProgramTitle))), 0, 0, 12,
-             10, 436, 42);
+  const Text explanation = say(TextId::IgnoreListExplanation, PlainText(say(TextId::ProgramTitle)));
+  m_explanation = AddControl(u"STATIC", explanation, 0, 0, 0, 0, 0, 0);
   constexpr DWORD kListStyle =
       WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOCOLUMNHEADER;
-  m_list = AddControl(kListClass, {}, kListStyle, kListId, 12, 56, 436, 220, WS_EX_CLIENTEDGE);
+  m_list = AddControl(kListClass, {}, kListStyle, kListId, 0, 0, 0, 0, WS_EX_CLIENTEDGE);
   ::SendMessageW(m_list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_CHECKBOXES);
   LVCOLUMNW column = {};
   Text caption = PlainText(say(TextId::ColumnIgnoredEntry));
-  column.mask = LVCF_TEXT | LVCF_WIDTH;
-  column.cx = Scale()(412);
+  column.mask = LVCF_TEXT;
   column.pszText = WideBuffer(caption);
   ::SendMessageW(m_list, LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
-  AddButton(say(TextId::ButtonRemove), kRemoveId, 12, 285, 95, 25);
-  AddButton(say(TextId::ButtonOk), IDOK, 252, 285, 95, 25, true);
-  AddButton(say(TextId::ButtonCancel), IDCANCEL, 353, 285, 95, 25);
+  AddButton(say(TextId::ButtonRemove), kRemoveId, 0, 0, 0, 0);
+  AddButton(say(TextId::ButtonOk), IDOK, 0, 0, 0, 0, true);
+  AddButton(say(TextId::ButtonCancel), IDCANCEL, 0, 0, 0, 0);
+  Layout(vars.Texts, PlainText(explanation));
   FillList();
+}
+
+void Tfrmignorereg::Layout(const TLanguageTexts& texts, TextView explanation) {
+  const int margin = Scale()(kMargin);
+  const int gap = Scale()(kGap);
+  const auto buttonWidth = [this, &texts](TextId id) {
+    return ButtonWidth({LanguageText(texts, id)}, static_cast<int>(kButton.cx));
+  };
+  const int removeWidth = buttonWidth(TextId::ButtonRemove);
+  const int okWidth = buttonWidth(TextId::ButtonOk);
+  const int cancelWidth = buttonWidth(TextId::ButtonCancel);
+  const int content = std::max(Scale()(static_cast<int>(kInside.cx)) - 2 * margin,
+                               removeWidth + okWidth + cancelWidth + 2 * gap);
+  const int explanationHeight = TextHeight(explanation, content);
+  const int listTop = margin + explanationHeight + gap;
+  const int buttonTop = listTop + Scale()(kListHeight) + margin;
+  const int height = Scale()(static_cast<int>(kButton.cy));
+  ResizeInside(content + 2 * margin, buttonTop + height + margin);
+  Place(m_explanation, margin, margin - Scale()(2), content, explanationHeight);
+  Place(m_list, margin, listTop, content, Scale()(kListHeight));
+  const int right = margin + content;
+  Place(GetDlgItem(Handle(), kRemoveId), margin, buttonTop, removeWidth, height);
+  Place(GetDlgItem(Handle(), IDOK), right - cancelWidth - gap - okWidth, buttonTop, okWidth, height);
+  Place(GetDlgItem(Handle(), IDCANCEL), right - cancelWidth, buttonTop, cancelWidth, height);
 }
 
 void Tfrmignorereg::FillList() {

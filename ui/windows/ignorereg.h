@@ -15,6 +15,7 @@ class Tfrmignorereg : public TModalWindow {
 
  private:
   void FillList();
+  void Layout(const TLanguageTexts& texts, TextView explanation);
   int SelectedRow() const;
   void UpdateButtons();
   void RemoveSelected();
@@ -23,6 +24,7 @@ class Tfrmignorereg : public TModalWindow {
   TSystem& m_system;
   TGlobalReg& m_reg;
   TIgnoreListModel m_model;
+  HWND m_explanation = nullptr;
   HWND m_list = nullptr;
   bool m_filling = true;
 };

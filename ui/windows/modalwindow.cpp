@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "core/languagetexts.h"
+
 namespace {
 
 // Keeps the window within the work area of the screen that its owner is on.
@@ -41,7 +43,7 @@ HWND TModalWindow::AddControl(TextView className, TextView text, DWORD style, in
       CreateWindowExW(extendedStyle, Wide(Text(className)), Wide(Text(text)), WS_CHILD | WS_VISIBLE | style,
                       m_scale(left), m_scale(top), m_scale(width), m_scale(height), Handle(),
                       reinterpret_cast<HMENU>(static_cast<LONG_PTR>(id)), ProgramInstance(), nullptr);
-  ::SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(m_font.Get()), FALSE);
+  ::SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(Font()), FALSE);
   return control;
 }
 
@@ -51,6 +53,37 @@ HWND TModalWindow::AddButton(TextView text, int id, int left, int top, int width
     m_defaultButton = id;
   const DWORD style = WS_TABSTOP | (isDefault ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON);
   return AddControl(u"BUTTON", text, style, id, left, top, width, height);
+}
+
+void TModalWindow::Place(HWND control, int left, int top, int width, int height) {
+  MoveWindow(control, left, top, width, height, TRUE);
+}
+
+void TModalWindow::ResizeInside(int width, int height) {
+  RECT frame = {0, 0, width, height};
+  AdjustWindowRectEx(&frame, static_cast<DWORD>(GetWindowLongPtrW(Handle(), GWL_STYLE)), FALSE,
+                     static_cast<DWORD>(GetWindowLongPtrW(Handle(), GWL_EXSTYLE)));
+  const SIZE size = {frame.right - frame.left, frame.bottom - frame.top};
+  const POINT place = CentredOver(m_owner, size);
+  SetWindowPos(Handle(), nullptr, static_cast<int>(place.x), static_cast<int>(place.y),
+               static_cast<int>(size.cx), static_cast<int>(size.cy), SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+int TModalWindow::ButtonWidth(std::initializer_list<TextView> captions, int usualAt96) const {
+  constexpr int kRoom = 20;
+  int width = m_scale(usualAt96);
+  for (const TextView caption : captions)
+    width = std::max(width, TextWidth(PlainText(caption)) + m_scale(kRoom));
+  return width;
+}
+
+int TModalWindow::TextHeight(TextView text, int width) const {
+  const TWindowDc dc(Handle());
+  const TSelected font(dc.Get(), Font());
+  RECT place = {0, 0, width, 0};
+  DrawTextW(dc.Get(), WideUnits(text), static_cast<int>(text.size()), &place,
+            DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
+  return static_cast<int>(place.bottom);
 }
 
 void TModalWindow::RunModal() {
@@ -93,6 +126,11 @@ LRESULT TModalWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case DM_GETDEFID:
       // Asked when Enter is pressed and no button has the keyboard.
       return m_defaultButton == 0 ? 0 : MAKELRESULT(m_defaultButton, DC_HASDEFID);
+    case WM_SYSCOLORCHANGE:
+    case WM_SETTINGCHANGE:
+      TellChildren(message, wParam, lParam);
+      InvalidateRect(Handle(), nullptr, TRUE);
+      return 0;
     case WM_CLOSE:
       Close();
       return 0;

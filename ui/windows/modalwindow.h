@@ -1,7 +1,7 @@
 // Base of the program's dialogs: windows with a fixed inside that take all input until they are closed.
 #pragma once
 
-#include <vector>
+#include <initializer_list>
 
 #include "ui/windows/gdi.h"
 #include "ui/windows/window.h"
@@ -29,12 +29,28 @@ class TModalWindow : public TWindow {
     return m_scale;
   }
   HFONT Font() const {
-    return static_cast<HFONT>(m_font.Get());
+    return m_meter.Font();
   }
+
+  // The rest is in pixels: a dialog places its controls by its texts, which are as long as the language has
+  // them.
+  static void Place(HWND control, int left, int top, int width, int height);
+  // The inside gets another size, and the window the middle of its owner again.
+  void ResizeInside(int width, int height);
+  // Wide enough for a button with any of these captions, and for the usual one.
+  int ButtonWidth(std::initializer_list<TextView> captions, int usualAt96) const;
+  int TextWidth(TextView text) const {
+    return m_meter.Width(text);
+  }
+  int LineHeight() const {
+    return m_meter.Height();
+  }
+  // Of a text that is broken into lines of this width.
+  int TextHeight(TextView text, int width) const;
 
  private:
   TScale m_scale;
-  TGdiObject m_font = MakeWindowFont(m_scale, false);
+  TTextMeter m_meter{m_scale, false};
   HWND m_owner = nullptr;
   int m_defaultButton = 0;
   bool m_closed = false;

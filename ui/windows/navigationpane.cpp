@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "core/languagetexts.h"
+
 namespace {
 
 // Sizes at 96 dots per inch.
@@ -12,6 +14,7 @@ constexpr int kTasksHeight = 125;  // the Tasks group below its header, with the
 constexpr int kBottomGap = 25;
 constexpr int kMargin = 6;
 constexpr int kPicture = 16;
+constexpr int kLinkGap = 8;  // between picture and text
 
 }  // namespace
 
@@ -51,6 +54,16 @@ void TNavigationPane::EnableLink(int command, bool enabled) {
     EnableWindow(button, enabled);
 }
 
+int TNavigationPane::WantedWidth() const {
+  const TTextMeter regular(m_scale, false);
+  const TTextMeter bold(m_scale, true);
+  const int linkRoom = m_scale(2 * kMargin + kPicture + kLinkGap + 2);
+  int width = std::max(bold.Width(m_tasksCaption), bold.Width(m_sectionsCaption)) + m_scale(2 * kMargin + 2);
+  for (const TTaskLink& link : m_links)
+    width = std::max(width, regular.Width(PlainText(link.Caption)) + linkRoom);
+  return width;
+}
+
 int TNavigationPane::SectionsTop() const {
   return m_scale(kGroupHeader + kTasksHeight);
 }
@@ -87,6 +100,11 @@ LRESULT TNavigationPane::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       return 0;
     case WM_ERASEBKGND:
       return 1;
+    case WM_SYSCOLORCHANGE:
+    case WM_SETTINGCHANGE:
+      TellChildren(message, wParam, lParam);
+      InvalidateRect(Handle(), nullptr, FALSE);
+      return 0;
     case WM_PAINT:
       OnPaint();
       return 0;
@@ -154,7 +172,7 @@ void TNavigationPane::DrawLink(const DRAWITEMSTRUCT& item) {
   image.fState = isEnabled ? ILS_NORMAL : ILS_SATURATE;
   ImageList_DrawIndirect(&image);
   RECT text = item.rcItem;
-  text.left += picture + m_scale(8);
+  text.left += picture + m_scale(kLinkGap);
   const TSelected font(item.hDC, m_font.Get());
   SetBkMode(item.hDC, TRANSPARENT);
   // The colour of the Sections tree's captions: the two groups belong together.

@@ -24,6 +24,9 @@ class TNavigationPane : public TWindow {
 
   void EnableLink(int command, bool enabled);
 
+  // Pixels that the widest link or group wants.
+  int WantedWidth() const;
+
  protected:
   LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
 

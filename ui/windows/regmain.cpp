@@ -23,10 +23,13 @@ constexpr int kSummaryHeight = 27;
 constexpr int kSummaryMargin = 8;
 constexpr int kFirstColumnWidth = 300;
 constexpr int kStatusPanelWidth = 200;
+constexpr int kPanelRoom = 12;
 constexpr int kChooserWidth = 225;
 constexpr int kChooserItemHeight = 16;
+constexpr int kChooserListHeight = 120;
 constexpr SIZE kRegistryButton = {89, 22};
 constexpr int kButtonMargin = 20;
+constexpr int kChoiceRoom = 12;
 constexpr int kRowControlGap = 10;
 constexpr int kSmallPicture = 16;
 constexpr int kToolbarPicture = 24;
@@ -118,7 +121,7 @@ class TfrmRegMain::TResultsOwner : public TTreeControlOwner {
     return row.Parent == nullptr ? row.Problem.SectionCaption : FullKeyText(row.Problem);
   }
   Text EmptyHint() const override {
-    return m_window.m_main.WorkerRuns() ? Text() : m_window.Plain(TextId::HintScan);
+    return m_window.m_main.EmptyHint();
   }
   bool MayCheck() const override {
     return !m_window.m_main.WorkerRuns();
@@ -181,6 +184,24 @@ TfrmRegMain::TfrmRegMain(TSystem& system, const TGlobalVars& vars, TGlobalReg& r
   const int top = static_cast<int>(work.top + work.bottom - height) / 2;
   CreateHandle(u"TfrmRegMain", Plain(TextId::ProgramTitle), kStyle, WS_EX_CONTROLPARENT,
                {left, top, width, height}, nullptr, m_menu, 0);
+  WidenForTexts();
+}
+
+void TfrmRegMain::WidenForTexts() {
+  m_navigationWidth = std::max(m_navigationWidth, m_navigation.WantedWidth());
+  const int summary = m_resultsTree.MeasureText(WidestSummary(m_vars.Texts));
+  const int wanted =
+      std::max(m_toolbarWidth, m_navigationWidth + m_scale(kSplitterWidth + 2 * kSummaryMargin) + summary);
+  RECT window = {};
+  RECT work = {};
+  GetWindowRect(Handle(), &window);
+  SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+  const int missing = std::max(wanted - static_cast<int>(ClientSize().cx), 0);
+  const int width = static_cast<int>(std::min(window.right - window.left + missing, work.right - work.left));
+  const int left = static_cast<int>(work.left + work.right - width) / 2;
+  SetWindowPos(Handle(), nullptr, left, static_cast<int>(window.top), width,
+               static_cast<int>(window.bottom - window.top), SWP_NOZORDER | SWP_NOACTIVATE);
+  OnSize();
 }
 
 TfrmRegMain::~TfrmRegMain() {
@@ -256,6 +277,11 @@ LRESULT TfrmRegMain::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_CLOSE:
       OnClose();
       return 0;
+    case WM_SYSCOLORCHANGE:
+    case WM_SETTINGCHANGE:
+      TellChildren(message, wParam, lParam);
+      InvalidateRect(Handle(), nullptr, TRUE);
+      return 0;
     case WM_DESTROY:
       m_main.SaveSettings();
       PostQuitMessage(0);
@@ -270,8 +296,7 @@ void TfrmRegMain::OnCreate() {
   CreateToolbar();
   m_statusBar = CreateWindowExW(0, Wide(Text(kStatusClass)), L"", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0,
                                 0, 0, 0, Handle(), nullptr, ProgramInstance(), nullptr);
-  const std::array<int, 2> panels = {m_scale(kStatusPanelWidth), -1};
-  ::SendMessageW(m_statusBar, SB_SETPARTS, panels.size(), reinterpret_cast<LPARAM>(panels.data()));
+  SetTotalPanelWidth(m_scale(kStatusPanelWidth));
   m_statusProgress = CreateWindowExW(0, Wide(Text(kProgressClass)), L"", WS_CHILD, 0, 0, 0, 0, m_statusBar,
                                      nullptr, ProgramInstance(), nullptr);
   m_navigation.Create(Handle(), m_linkImages.Get());
@@ -287,7 +312,11 @@ void TfrmRegMain::OnCreate() {
   m_accelerators = CreateAcceleratorTableW(keys.data(), static_cast<int>(keys.size()));
   m_main.StartMaintenance();
   m_main.UpdateSummary();
-  ActionsChanged();
+}
+
+void TfrmRegMain::SetTotalPanelWidth(int width) {
+  const std::array<int, 2> panels = {width, -1};
+  ::SendMessageW(m_statusBar, SB_SETPARTS, panels.size(), reinterpret_cast<LPARAM>(panels.data()));
 }
 
 void TfrmRegMain::CreateMenu() {
@@ -347,15 +376,21 @@ void TfrmRegMain::CreateToolbar() {
     ::SendMessageW(m_toolbar, TB_ADDBUTTONSW, 1, reinterpret_cast<LPARAM>(&button));
   }
   ::SendMessageW(m_toolbar, TB_AUTOSIZE, 0, 0);
+  SIZE size = {};
+  ::SendMessageW(m_toolbar, TB_GETMAXSIZE, 0, reinterpret_cast<LPARAM>(&size));
+  m_toolbarWidth = static_cast<int>(size.cx);
+  // From now on, because the size that it wants is then the one that it has.
+  const LRESULT style = ::SendMessageW(m_toolbar, TB_GETSTYLE, 0, 0);
+  ::SendMessageW(m_toolbar, TB_SETSTYLE, 0, style | TBSTYLE_WRAPABLE);
 }
 
 void TfrmRegMain::CreateRowControls() {
   constexpr DWORD kChooserStyle = WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST |
                                   CBS_OWNERDRAWFIXED | CBS_HASSTRINGS;
   m_chooser =
-      CreateWindowExW(0, L"COMBOBOX", L"", kChooserStyle, kParked, 0, m_scale(kChooserWidth), m_scale(120),
-                      m_resultsTree.Handle(), reinterpret_cast<HMENU>(static_cast<LONG_PTR>(kChooserId)),
-                      ProgramInstance(), nullptr);
+      CreateWindowExW(0, L"COMBOBOX", L"", kChooserStyle, kParked, 0, m_scale(kChooserWidth),
+                      m_scale(kChooserListHeight), m_resultsTree.Handle(),
+                      reinterpret_cast<HMENU>(static_cast<LONG_PTR>(kChooserId)), ProgramInstance(), nullptr);
   m_registryButton = CreateWindowExW(0, L"BUTTON", L"", WS_CHILD | WS_VISIBLE | WS_TABSTOP, kParked, 0,
                                      m_scale(static_cast<int>(kRegistryButton.cx)),
                                      m_scale(static_cast<int>(kRegistryButton.cy)), m_resultsTree.Handle(),
@@ -570,9 +605,14 @@ void TfrmRegMain::FillRowControls() {
   ::SendMessageW(m_chooser, CB_RESETCONTENT, 0, 0);
   if (m_main.Rows().SelectedProblem() != nullptr) {
     const TRowControls controls = m_main.Rows().Controls();
+    int chooserWidth = m_scale(kChooserWidth);
     for (const Text& choice : controls.Choices) {
       ::SendMessageW(m_chooser, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(Wide(choice)));
+      const int wanted = m_resultsTree.MeasureText(choice) + GetSystemMetrics(SM_CXVSCROLL);
+      chooserWidth = std::max(chooserWidth, wanted + m_scale(kChoiceRoom));
     }
+    SetWindowPos(m_chooser, nullptr, 0, 0, chooserWidth, m_scale(kChooserListHeight),
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     ::SendMessageW(m_chooser, CB_SETCURSEL, static_cast<WPARAM>(controls.Choice), 0);
     SetWindowTextW(m_registryButton, Wide(controls.ButtonCaption));
     // As wide as it is, or as its caption wants it.
@@ -581,8 +621,18 @@ void TfrmRegMain::FillRowControls() {
     SetWindowPos(m_registryButton, nullptr, 0, 0, width, m_scale(static_cast<int>(kRegistryButton.cy)),
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     SetTip(controls.ButtonTip);
+    // Both can be scrolled into sight.
+    const int controlsWidth = RowLabelWidth() + chooserWidth + m_scale(kRowControlGap) + width;
+    const int wanted = m_resultsTree.TextLeft(1) + controlsWidth + m_scale(kRowControlGap);
+    if (wanted > m_main.Results().ColumnWidth())
+      m_main.Results().SetColumnWidth(wanted);
   }
   PlaceRowControls();
+}
+
+// From a row's text to its chooser.
+int TfrmRegMain::RowLabelWidth() const {
+  return m_resultsTree.MeasureText(m_main.Rows().ActionLabel() + u"    ");
 }
 
 void TfrmRegMain::SetTip(Text tip) {
@@ -607,9 +657,8 @@ void TfrmRegMain::PlaceRowControls() {
     const RECT row = m_resultsTree.RowRect(node);
     RECT chooser = {};
     GetWindowRect(m_chooser, &chooser);
-    const int label = m_resultsTree.MeasureText(m_main.Rows().ActionLabel() + u"    ");
-    chooserLeft = static_cast<int>(row.left) + m_resultsTree.TextLeft(1) + label;
-    buttonLeft = chooserLeft + m_scale(kChooserWidth) + m_scale(kRowControlGap);
+    chooserLeft = static_cast<int>(row.left) + m_resultsTree.TextLeft(1) + RowLabelWidth();
+    buttonLeft = chooserLeft + static_cast<int>(chooser.right - chooser.left) + m_scale(kRowControlGap);
     top = static_cast<int>(row.bottom - (chooser.bottom - chooser.top)) - 1;
   }
   for (const auto& [control, left] :
@@ -654,6 +703,8 @@ std::unique_ptr<TProgressView> TfrmRegMain::CreateProgress(TProgressMode mode) {
 
 void TfrmRegMain::ShowSummary(const TSummary& summary) {
   m_summary = PlainText(summary.Label);
+  const int total = m_resultsTree.MeasureText(PlainText(summary.TotalText)) + m_scale(kPanelRoom);
+  SetTotalPanelWidth(std::max(m_scale(kStatusPanelWidth), total));
   ::SendMessageW(m_statusBar, SB_SETTEXTW, 0, reinterpret_cast<LPARAM>(Wide(PlainText(summary.TotalText))));
   ::SendMessageW(m_statusBar, SB_SETTEXTW, 1,
                  reinterpret_cast<LPARAM>(Wide(PlainText(summary.SelectedText))));

@@ -43,10 +43,13 @@ class TfrmRegMain : public TWindow, private TRegMainView {
   void OnActivate(bool isActive);
   bool OnSetCursor(HWND over);
   void PaintSummary();
+  // A language with long texts gets a wider pane and a wider window.
+  void WidenForTexts();
   RECT ResultsPlace() const;
   bool IsOverSplitter() const;
   void MoveSplitter(int x);
 
+  void SetTotalPanelWidth(int width);
   void CreateMenu();
   void CreateToolbar();
   void CreateRowControls();
@@ -55,6 +58,7 @@ class TfrmRegMain : public TWindow, private TRegMainView {
 
   // The chooser and the button that ride on the selected problem's third line.
   void FillRowControls();
+  int RowLabelWidth() const;
   void PlaceRowControls();
   void SetTip(Text tip);
   void ChoiceMade();
@@ -92,5 +96,6 @@ class TfrmRegMain : public TWindow, private TRegMainView {
   Text m_version;
   Text m_summary;
   int m_navigationWidth;
+  int m_toolbarWidth = 0;  // of all buttons in one row
   bool m_dragging = false;
 };

@@ -1,11 +1,22 @@
 #include "ui/windows/restoredeleted.h"
 
+#include <algorithm>
+#include <array>
+
 #include "core/languagetexts.h"
 #include "ui/windows/backupview.h"
 
 namespace {
 
+// Sizes at 96 dots per inch; the width and the place of the rest follow the texts.
 constexpr SIZE kInside = {430, 300};
+constexpr int kMargin = 12;
+constexpr int kGap = 6;
+constexpr int kListHeight = 214;
+constexpr SIZE kButton = {95, 25};
+constexpr int kSizeColumn = 90;
+constexpr int kScrollBarRoom = 26;
+constexpr int kCellRoom = 16;
 constexpr TextView kListClass = u"SysListView32";
 
 constexpr int kListId = 101;
@@ -44,18 +55,59 @@ TfrmRestore::TfrmRestore(TSystem& system, const TGlobalVars& vars, HWND owner)
     : m_vars(vars), m_model(system, vars) {
   const auto say = [&vars](TextId id) { return LanguageText(vars.Texts, id); };
   CreateModal(u"TfrmRestore", PlainText(say(TextId::ButtonRestore)), owner, kInside, 0);
-  AddControl(u"STATIC", say(TextId::RestoreInstruction), 0, 0, 12, 10, 406, 28);
+  m_instruction = AddControl(u"STATIC", say(TextId::RestoreInstruction), 0, 0, 0, 0, 0, 0);
   constexpr DWORD kListStyle = WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER;
-  m_list = AddControl(kListClass, {}, kListStyle, kListId, 12, 42, 406, 214, WS_EX_CLIENTEDGE);
+  m_list = AddControl(kListClass, {}, kListStyle, kListId, 0, 0, 0, 0, WS_EX_CLIENTEDGE);
   ::SendMessageW(m_list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT);
-  AddColumn(m_list, 0, PlainText(say(TextId::ColumnCreationDate)), Scale()(290), LVCFMT_LEFT);
-  AddColumn(m_list, 1, PlainText(say(TextId::ColumnSize)), Scale()(90), LVCFMT_RIGHT);
-  AddButton(say(TextId::ButtonRestore), kRestoreId, 12, 265, 95, 25, true);
-  AddButton(say(TextId::ButtonRemove), kRemoveId, 113, 265, 95, 25);
-  AddButton(say(TextId::ButtonView), kViewId, 214, 265, 95, 25);
-  AddButton(say(TextId::ButtonCancel), IDCANCEL, 323, 265, 95, 25);
+  AddColumn(m_list, 0, PlainText(say(TextId::ColumnCreationDate)), 0, LVCFMT_LEFT);
+  AddColumn(m_list, 1, PlainText(say(TextId::ColumnSize)), 0, LVCFMT_RIGHT);
+  AddButton(say(TextId::ButtonRestore), kRestoreId, 0, 0, 0, 0, true);
+  AddButton(say(TextId::ButtonRemove), kRemoveId, 0, 0, 0, 0);
+  AddButton(say(TextId::ButtonView), kViewId, 0, 0, 0, 0);
+  AddButton(say(TextId::ButtonCancel), IDCANCEL, 0, 0, 0, 0);
   m_model.Fill();
   FillList();
+  Layout();
+}
+
+void TfrmRestore::Layout() {
+  const auto text = [this](TextId id) { return LanguageText(m_vars.Texts, id); };
+  const int margin = Scale()(kMargin);
+  const int gap = Scale()(kGap);
+  const std::array<TextId, 4> captions = {TextId::ButtonRestore, TextId::ButtonRemove, TextId::ButtonView,
+                                          TextId::ButtonCancel};
+  std::array<int, 4> widths = {};
+  int buttons = 0;
+  for (std::size_t i = 0; i < captions.size(); ++i) {
+    widths[i] = ButtonWidth({text(captions[i])}, static_cast<int>(kButton.cx));
+    buttons += widths[i] + gap;
+  }
+  int sizeColumn =
+      std::max(Scale()(kSizeColumn), TextWidth(PlainText(text(TextId::ColumnSize))) + Scale()(kCellRoom));
+  int dateColumn = TextWidth(PlainText(text(TextId::ColumnCreationDate))) + Scale()(kCellRoom);
+  for (const TRestoreRow& row : m_model.Rows()) {
+    sizeColumn = std::max(sizeColumn, TextWidth(row.SizeText) + Scale()(kCellRoom));
+    dateColumn = std::max(dateColumn, TextWidth(row.Caption) + Scale()(kCellRoom));
+  }
+  const int columns = dateColumn + sizeColumn + Scale()(kScrollBarRoom);
+  const int content = std::max({Scale()(static_cast<int>(kInside.cx)) - 2 * margin, buttons, columns});
+  dateColumn = content - sizeColumn - Scale()(kScrollBarRoom);
+  const int instruction = TextHeight(PlainText(text(TextId::RestoreInstruction)), content);
+  const int listTop = margin + instruction + Scale()(kGap);
+  const int buttonTop = listTop + Scale()(kListHeight) + Scale()(kMargin) - Scale()(2);
+  const int height = Scale()(static_cast<int>(kButton.cy));
+  ResizeInside(content + 2 * margin, buttonTop + height + margin);
+  Place(m_instruction, margin, margin - Scale()(2), content, instruction);
+  Place(m_list, margin, listTop, content, Scale()(kListHeight));
+  ::SendMessageW(m_list, LVM_SETCOLUMNWIDTH, 0, dateColumn);
+  ::SendMessageW(m_list, LVM_SETCOLUMNWIDTH, 1, sizeColumn);
+  int left = margin;
+  for (const auto& [id, width] :
+       {std::pair{kRestoreId, widths[0]}, {kRemoveId, widths[1]}, {kViewId, widths[2]}}) {
+    Place(GetDlgItem(Handle(), id), left, buttonTop, width, height);
+    left += width + gap;
+  }
+  Place(GetDlgItem(Handle(), IDCANCEL), margin + content - widths[3], buttonTop, widths[3], height);
 }
 
 void TfrmRestore::FillList() {

@@ -15,6 +15,7 @@ class TfrmRestore : public TModalWindow {
 
  private:
   void FillList();
+  void Layout();
   // The selected row, -1 when none is.
   int SelectedRow() const;
   void UpdateButtons();
@@ -23,5 +24,6 @@ class TfrmRestore : public TModalWindow {
 
   const TGlobalVars& m_vars;
   TRestoreModel m_model;
+  HWND m_instruction = nullptr;
   HWND m_list = nullptr;
 };

@@ -1,8 +1,22 @@
 #include "ui/windows/startscan.h"
 
+#include <algorithm>
+
 namespace {
 
+// Sizes at 96 dots per inch. The controls stand where they always did; a language with long texts widens the
+// dialog, and lengthens its message.
 constexpr SIZE kInside = {363, 194};
+constexpr int kMargin = 16;
+constexpr int kContentWidth = 329;
+constexpr int kMessageLeft = 24;  // from the margin
+constexpr int kMessageTop = 90;
+constexpr int kMessageHeight = 57;
+constexpr int kRepairWidth = 91;
+constexpr int kCloseWidth = 75;
+constexpr int kButtonGap = 21;
+constexpr int kButtonRoom = 8;  // between the buttons and the right margin
+constexpr int kButtonHeight = 25;
 constexpr TextView kProgressClass = u"msctls_progress32";
 constexpr int kRepairId = 100;
 constexpr int kPictureSize = 24;
@@ -18,16 +32,49 @@ TfrmScan::TfrmScan(TRegMain& main, const TLanguageTexts& texts, HWND owner, TPro
       m_mode(mode),
       m_picture(LoadPicture(kProgressIcon, Scale()(kPictureSize))) {
   CreateModal(u"TfrmScan", PlainText(ProgressCaption(mode, texts)), owner, kInside, 0);
-  m_sectionLabel = AddControl(u"STATIC", {}, kLabelStyle | SS_ENDELLIPSIS, 0, 16, 8, 329, 13);
-  m_overallBar = AddControl(kProgressClass, {}, 0, 0, 16, 32, 329, 17);
-  m_sectionBar = AddControl(kProgressClass, {}, 0, 0, 16, 64, 329, 17);
-  m_image = AddControl(u"STATIC", {}, SS_ICON | SS_CENTERIMAGE, 0, 16, 88, 25, 25);
+  m_sectionLabel = AddControl(u"STATIC", {}, kLabelStyle | SS_ENDELLIPSIS, 0, 0, 0, 0, 0);
+  m_overallBar = AddControl(kProgressClass, {}, 0, 0, 0, 0, 0, 0);
+  m_sectionBar = AddControl(kProgressClass, {}, 0, 0, 0, 0, 0, 0);
+  m_image = AddControl(u"STATIC", {}, SS_ICON | SS_CENTERIMAGE, 0, kMargin, 88, 25, 25);
   ::SendMessageW(m_image, STM_SETICON, reinterpret_cast<WPARAM>(m_picture.Get()), 0);
-  m_itemLabel = AddControl(u"STATIC", {}, kLabelStyle | SS_EDITCONTROL, 0, 40, 90, 305, 57);
-  AddControl(u"STATIC", {}, SS_ETCHEDHORZ, 0, 16, 152, 329, 2);
-  m_repairButton = AddButton(LanguageText(texts, TextId::ButtonRepair), kRepairId, 152, 160, 91, 25);
-  m_closeButton = AddButton(LanguageText(texts, TextId::ButtonCancel), IDCANCEL, 264, 160, 75, 25);
+  m_itemLabel = AddControl(u"STATIC", {}, kLabelStyle | SS_EDITCONTROL, 0, 0, 0, 0, 0);
+  m_line = AddControl(u"STATIC", {}, SS_ETCHEDHORZ, 0, 0, 0, 0, 0);
+  m_repairButton = AddButton(LanguageText(texts, TextId::ButtonRepair), kRepairId, 0, 0, 0, 0);
+  m_closeButton = AddButton(LanguageText(texts, TextId::ButtonCancel), IDCANCEL, 0, 0, 0, 0);
   ShowWindow(m_repairButton, SW_HIDE);
+  Layout();
+}
+
+int TfrmScan::ContentWidth() const {
+  int width = Scale()(kContentWidth);
+  for (const Text& line : SectionLines(m_texts))
+    width = std::max(width, TextWidth(line));
+  return width;
+}
+
+void TfrmScan::Layout() {
+  const auto text = [this](TextId id) { return LanguageText(m_texts, id); };
+  const int margin = Scale()(kMargin);
+  const int height = Scale()(kButtonHeight);
+  const int closeWidth = ButtonWidth({text(TextId::ButtonCancel), text(TextId::ButtonClose)}, kCloseWidth);
+  const int repairWidth = ButtonWidth({text(TextId::ButtonRepair)}, kRepairWidth);
+  const int buttons = repairWidth + Scale()(kButtonGap) + closeWidth + Scale()(kButtonRoom);
+  const int content = std::max(ContentWidth(), buttons);
+  const int messageWidth = content - Scale()(kMessageLeft);
+  int messageHeight = Scale()(kMessageHeight);
+  for (const Text& message : OutcomeMessages(m_texts))
+    messageHeight = std::max(messageHeight, TextHeight(message, messageWidth));
+  const int lineTop = Scale()(kMessageTop + 5) + messageHeight;
+  ResizeInside(content + 2 * margin + Scale()(2), lineTop + Scale()(8 + 9) + height);
+  Place(m_sectionLabel, margin, Scale()(8), content, std::max(Scale()(13), LineHeight()));
+  Place(m_overallBar, margin, Scale()(32), content, Scale()(17));
+  Place(m_sectionBar, margin, Scale()(64), content, Scale()(17));
+  Place(m_itemLabel, margin + Scale()(kMessageLeft), Scale()(kMessageTop), messageWidth, messageHeight);
+  Place(m_line, margin, lineTop, content, 2);
+  const int closeLeft = margin + content - Scale()(kButtonRoom) - closeWidth + Scale()(2);
+  Place(m_repairButton, closeLeft - Scale()(kButtonGap) - repairWidth, lineTop + Scale()(8), repairWidth,
+        height);
+  Place(m_closeButton, closeLeft, lineTop + Scale()(8), closeWidth, height);
 }
 
 void TfrmScan::ShowModal() {
@@ -45,7 +92,12 @@ void TfrmScan::ShowResult(TextView message, std::size_t problemCount) {
   if (!outcome.OffersRepair)
     return;
   ShowWindow(m_repairButton, SW_SHOW);
-  SetFocus(m_repairButton);
+  if (IsWindowEnabled(m_repairButton))
+    SetFocus(m_repairButton);
+}
+
+void TfrmScan::EnableRepair(bool enabled) {
+  EnableWindow(m_repairButton, enabled);
 }
 
 void TfrmScan::SetSectionLabel(TextView text) {

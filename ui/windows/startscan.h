@@ -13,6 +13,7 @@ class TfrmScan : public TModalWindow, public TProgressView {
 
   void ShowModal() override;
   void ShowResult(TextView message, std::size_t problemCount) override;
+  void EnableRepair(bool enabled) override;
   void SetSectionLabel(TextView text) override;
   void SetItemLabel(TextView text) override;
   void SetOverallPosition(std::int32_t position) override;
@@ -22,6 +23,9 @@ class TfrmScan : public TModalWindow, public TProgressView {
   LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
 
  private:
+  void Layout();
+  // Pixels between the margins that the dialog's own texts want.
+  int ContentWidth() const;
   void OnRepair();
 
   TRegMain& m_main;
@@ -32,6 +36,7 @@ class TfrmScan : public TModalWindow, public TProgressView {
   HWND m_itemLabel = nullptr;
   HWND m_overallBar = nullptr;
   HWND m_sectionBar = nullptr;
+  HWND m_line = nullptr;
   HWND m_image = nullptr;
   HWND m_repairButton = nullptr;
   HWND m_closeButton = nullptr;

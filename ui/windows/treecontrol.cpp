@@ -77,7 +77,7 @@ TTreeControl::TTreeControl(TTreeModel& model, TTreeControlOwner& owner, TTreeOpt
       m_layout(model, [this](const TTreeNode& node) { return m_owner.RowUnits(node) * m_rowUnit; }),
       m_keys(model, m_layout, options.NodesClose),
       m_meter(m_scale, false),
-      m_boldFont(MakeWindowFont(m_scale, true)),
+      m_boldMeter(m_scale, true),
       m_dots(MakeDots()) {
 }
 
@@ -93,6 +93,7 @@ void TTreeControl::Create(HWND parent, int id, HIMAGELIST images) {
 void TTreeControl::OnCreate() {
   m_rowUnit = RoundHalfToEven(m_meter.Height() * kUnitsPerTextHeight);
   OpenThemes();
+  CreateTip();
   if (m_options.HasHeader) {
     m_header = CreateWindowExW(0, WC_HEADERW, L"", WS_CHILD | WS_VISIBLE | HDS_HORZ, 0, 0, 0, 0, Handle(),
                                nullptr, ProgramInstance(), nullptr);
@@ -135,6 +136,9 @@ LRESULT TTreeControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_MOUSEWHEEL:
       OnWheel(wParam);
       return 0;
+    case WM_MOUSEMOVE:
+      OnMouseMove({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
+      return 0;
     case WM_LBUTTONDOWN:
     case WM_LBUTTONDBLCLK:
       OnButtonDown({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}, message == WM_LBUTTONDBLCLK);
@@ -164,6 +168,7 @@ LRESULT TTreeControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       return ::SendMessageW(GetParent(Handle()), message, wParam, lParam);
     case WM_THEMECHANGED:
     case WM_SYSCOLORCHANGE:
+    case WM_SETTINGCHANGE:
       OpenThemes();
       InvalidateRect(Handle(), nullptr, FALSE);
       return 0;
@@ -186,6 +191,8 @@ void TTreeControl::OpenThemes() {
 }
 
 void TTreeControl::Refresh() {
+  // Another row may lie under the mouse now, or another text in the row.
+  m_tipNode = nullptr;
   UpdateScrollBars();
   InvalidateRect(Handle(), nullptr, FALSE);
   m_owner.RowsMoved();
@@ -342,7 +349,7 @@ void TTreeControl::DrawRowText(HDC dc, const TTreeRow& row, const RECT& rect, co
       line = place;
       line.top = line.bottom - step;
     }
-    const TSelected font(dc, content.Bold ? static_cast<HFONT>(m_boldFont.Get()) : Font());
+    const TSelected font(dc, (content.Bold ? m_boldMeter : m_meter).Font());
     SetTextColor(dc, TextColour(content, isFocused));
     DrawTextW(dc, WideUnits(content.Content), static_cast<int>(content.Content.size()), &line,
               DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX);
@@ -355,6 +362,53 @@ COLORREF TTreeControl::TextColour(const TRowLine& line, bool isFocused) const {
   if (line.Grey)
     return m_isHighContrast ? GetSysColor(COLOR_GRAYTEXT) : kGreyText;
   return GetSysColor(m_options.HighlightText ? COLOR_HIGHLIGHT : COLOR_WINDOWTEXT);
+}
+
+// The whole text of a row that is cut off
+
+Text TTreeControl::TipOf(const TTreeRow& row) const {
+  const TRowLook look = m_owner.LookOf(*row.Node);
+  const RECT rect = RectOf(row);
+  const int left =
+      static_cast<int>(rect.left) + TextLeft(row.Level) + (look.Image != kNoImage ? m_scale(kImageRoom) : 0);
+  const int right = static_cast<int>(std::min(rect.right, RowsArea().right)) - m_scale(kTextMargin) - 1;
+  const bool isCut = std::any_of(look.Lines.begin(), look.Lines.end(), [&](const TRowLine& line) {
+    return left + (line.Bold ? m_boldMeter : m_meter).Width(line.Content) > right;
+  });
+  return isCut ? RowName(*row.Node) : Text();
+}
+
+void TTreeControl::CreateTip() {
+  m_tip = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX,
+                          CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, Handle(), nullptr,
+                          ProgramInstance(), nullptr);
+  // Without a width a tip shows its first line alone.
+  constexpr int kWidestTip = 600;
+  ::SendMessageW(m_tip, TTM_SETMAXTIPWIDTH, 0, m_scale(kWidestTip));
+}
+
+void TTreeControl::OnMouseMove(POINT point) {
+  const RECT area = RowsArea();
+  const std::optional<TTreeRow> row =
+      PtInRect(&area, point) ? m_layout.RowAt(point.y - area.top + m_scrollTop) : std::nullopt;
+  const TTreeNode* node = row ? row->Node : nullptr;
+  if (node == m_tipNode)
+    return;
+  m_tipNode = node;
+  SetTip(row ? TipOf(*row) : Text());
+}
+
+void TTreeControl::SetTip(Text tip) {
+  TTTOOLINFOW tool = {};
+  // The size that XP knows; later fields are not used.
+  tool.cbSize = TTTOOLINFOW_V1_SIZE;
+  tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+  tool.hwnd = Handle();
+  tool.uId = reinterpret_cast<UINT_PTR>(Handle());
+  tool.lpszText = WideBuffer(tip);
+  ::SendMessageW(m_tip, TTM_DELTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+  if (!tip.empty())
+    ::SendMessageW(m_tip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
 }
 
 // Geometry
@@ -471,6 +525,7 @@ void TTreeControl::ScrollTo(int left, std::int64_t top) {
     return;
   m_scrollLeft = left;
   m_scrollTop = top;
+  m_tipNode = nullptr;
   SetScrollPos(Handle(), SB_VERT, static_cast<int>(top), TRUE);
   SetScrollPos(Handle(), SB_HORZ, left, TRUE);
   if (m_header != nullptr) {

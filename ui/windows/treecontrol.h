@@ -118,6 +118,7 @@ class TTreeControl : public TWindow {
   void OnCreate();
   void OnPaint();
   void OnSize();
+  void OnMouseMove(POINT point);
   void OnScroll(int bar, WPARAM wParam);
   void OnWheel(WPARAM wParam);
   void OnButtonDown(POINT point, bool isDouble);
@@ -132,6 +133,10 @@ class TTreeControl : public TWindow {
   void DrawButton(HDC dc, const TTreeNode& node, const RECT& place);
   void DrawCheckBox(HDC dc, TCheckState state, const RECT& place);
   void DrawRowText(HDC dc, const TTreeRow& row, const RECT& rect, const TRowLook& look);
+  // The row's lines where one of them is cut off at the right; empty when all can be read.
+  Text TipOf(const TTreeRow& row) const;
+  void CreateTip();
+  void SetTip(Text tip);
   COLORREF TextColour(const TRowLine& line, bool isFocused) const;
 
   // Geometry of a row, in client coordinates of its rectangle.
@@ -156,13 +161,15 @@ class TTreeControl : public TWindow {
   TTreeLayout m_layout;
   TTreeKeys m_keys;
   TTextMeter m_meter;
-  TGdiObject m_boldFont;
+  TTextMeter m_boldMeter;
   TGdiObject m_dots;
   TTheme m_treeTheme;
   TTheme m_buttonTheme;
   TPaintBuffer m_buffer;
   HIMAGELIST m_images = nullptr;
   HWND m_header = nullptr;
+  HWND m_tip = nullptr;
+  const TTreeNode* m_tipNode = nullptr;  // never followed: the row may have gone
   bool m_isHighContrast = false;
   int m_rowUnit = 0;
   int m_scrollLeft = 0;

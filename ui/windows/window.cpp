@@ -41,6 +41,11 @@ SIZE TWindow::ClientSize() const {
   return {client.right, client.bottom};
 }
 
+void TWindow::TellChildren(UINT message, WPARAM wParam, LPARAM lParam) const {
+  for (HWND child = GetWindow(m_handle, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT))
+    ::SendMessageW(child, message, wParam, lParam);
+}
+
 void TWindow::CreateHandle(TextView className, TextView title, DWORD style, DWORD extendedStyle,
                            const TPlace& place, HWND parent, HMENU menuOrId, UINT classStyle) {
   RegisterOnce(className, classStyle, &TWindow::Procedure);

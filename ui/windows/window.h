@@ -14,6 +14,10 @@ class TWindow {
     return m_handle;
   }
 
+  // The system tells its top-level windows alone that colours or settings have changed; the controls in them
+  // learn it from here.
+  void TellChildren(UINT message, WPARAM wParam, LPARAM lParam) const;
+
   // Size of the inside, in pixels.
   SIZE ClientSize() const;
 
