@@ -201,6 +201,11 @@ void TfrmRegMain::WidenForTexts() {
   const int left = static_cast<int>(work.left + work.right - width) / 2;
   SetWindowPos(Handle(), nullptr, left, static_cast<int>(window.top), width,
                static_cast<int>(window.bottom - window.top), SWP_NOZORDER | SWP_NOACTIVATE);
+  // One row, unless the whole screen is too narrow for it.
+  if (m_toolbarWidth > ClientSize().cx) {
+    const LRESULT style = ::SendMessageW(m_toolbar, TB_GETSTYLE, 0, 0);
+    ::SendMessageW(m_toolbar, TB_SETSTYLE, 0, style | TBSTYLE_WRAPABLE);
+  }
   OnSize();
 }
 
@@ -379,9 +384,6 @@ void TfrmRegMain::CreateToolbar() {
   SIZE size = {};
   ::SendMessageW(m_toolbar, TB_GETMAXSIZE, 0, reinterpret_cast<LPARAM>(&size));
   m_toolbarWidth = static_cast<int>(size.cx);
-  // From now on, because the size that it wants is then the one that it has.
-  const LRESULT style = ::SendMessageW(m_toolbar, TB_GETSTYLE, 0, 0);
-  ::SendMessageW(m_toolbar, TB_SETSTYLE, 0, style | TBSTYLE_WRAPABLE);
 }
 
 void TfrmRegMain::CreateRowControls() {
@@ -618,7 +620,10 @@ void TfrmRegMain::FillRowControls() {
     // As wide as it is, or as its caption wants it.
     const int caption = m_resultsTree.MeasureText(controls.ButtonCaption) + m_scale(kButtonMargin);
     const int width = std::max(m_scale(static_cast<int>(kRegistryButton.cx)), caption);
-    SetWindowPos(m_registryButton, nullptr, 0, 0, width, m_scale(static_cast<int>(kRegistryButton.cy)),
+    // As high as the chooser beside it, whose frame does not scale with the display.
+    RECT chooser = {};
+    GetWindowRect(m_chooser, &chooser);
+    SetWindowPos(m_registryButton, nullptr, 0, 0, width, static_cast<int>(chooser.bottom - chooser.top),
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     SetTip(controls.ButtonTip);
     // Both can be scrolled into sight.
