@@ -1,6 +1,15 @@
 #include "ui/windows/images.h"
 
+#include <algorithm>
+#include <array>
+
 #include "ui/windows/window.h"
+
+int DrawnSize(int wanted) {
+  constexpr std::array<int, 4> kSizes = {16, 20, 24, 32};
+  const auto above = std::upper_bound(kSizes.begin(), kSizes.end(), wanted);
+  return above == kSizes.begin() ? kSizes.front() : *(above - 1);
+}
 
 TIcon LoadPicture(int number, int size) {
   return TIcon(static_cast<HICON>(

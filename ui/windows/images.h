@@ -23,6 +23,10 @@ struct TImageListTraits {
 };
 using TImageList = TOwned<TImageListTraits>;
 
+// The largest size, in pixels, that the pictures are drawn for and that is not above the wanted one: a
+// picture that is stretched loses its clear lines.
+int DrawnSize(int wanted);
+
 // Square pictures of this many pixels, one for each resource from first on. A number without a resource gets
 // an empty picture, so that the others keep their places.
 TImageList LoadImages(int first, int count, int size);

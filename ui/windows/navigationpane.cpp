@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/languagetexts.h"
+#include "ui/windows/images.h"
 
 namespace {
 
@@ -157,7 +158,7 @@ void TNavigationPane::DrawLink(const DRAWITEMSTRUCT& item) {
   });
   const bool isEnabled = (item.itemState & ODS_DISABLED) == 0;
   FillRect(item.hDC, &item.rcItem, GetSysColorBrush(COLOR_WINDOW));
-  const int picture = m_scale(kPicture);
+  const int picture = DrawnSize(m_scale(kPicture));
   const int top = static_cast<int>(item.rcItem.top + item.rcItem.bottom - picture) / 2;
   IMAGELISTDRAWPARAMS image = {};
   image.cbSize = sizeof image;

@@ -30,7 +30,7 @@ TfrmScan::TfrmScan(TRegMain& main, const TLanguageTexts& texts, HWND owner, TPro
     : m_main(main),
       m_texts(texts),
       m_mode(mode),
-      m_picture(LoadPicture(kProgressIcon, Scale()(kPictureSize))) {
+      m_picture(LoadPicture(kProgressIcon, DrawnSize(Scale()(kPictureSize)))) {
   CreateModal(u"TfrmScan", PlainText(ProgressCaption(mode, texts)), owner, kInside, 0);
   m_sectionLabel = AddControl(u"STATIC", {}, kLabelStyle | SS_ENDELLIPSIS, 0, 0, 0, 0, 0);
   m_overallBar = AddControl(kProgressClass, {}, 0, 0, 0, 0, 0, 0);
