@@ -269,7 +269,8 @@ Text ControlLine(HWND window) {
                               StateOf(window)};
   for (const Text& field : PlaceFields(PlaceOf(window)))
     fields.push_back(field);
-  fields.push_back(OneLine(TextOf(window)));
+  const bool isProgress = ClassOf(window) == u"msctls_progress32";
+  fields.push_back(isProgress ? Number(SendMessageW(window, PBM_GETPOS, 0, 0)) : OneLine(TextOf(window)));
   return Fields(fields);
 }
 

@@ -13,12 +13,26 @@ row_count() {
   reader outline results | cut -f 2
 }
 
-# Some of the scan's problems are listed, none of a later section.
+# Some of the scan's problems are listed, and none of the later sections, which hold as many again.
 scan_is_partly_listed() {
   local rows
   rows=$(row_count)
-  reader rows results "$rows" "$rows"
-  ((rows > 1)) && reader rows results "$rows" "$rows" | grep -qF 'Location: HKEY_CURRENT_USER'
+  reader rows results "$rows" "$rows" | tee "$work/last-row"
+  ((rows > 1)) && grep -q 'outline item.1' "$work/last-row" && ! grep -q MenuOrder "$work/last-row"
+}
+
+# The positions of the dialog's two progress bars.
+bars() {
+  reader controls 'Scanning ...' | awk -F '\t' '$2 == "msctls_progress32" { print $9 }'
+}
+
+bars_are_between() {
+  bars | tee "$work/bars"
+  [[ $(wc -l <"$work/bars") == 2 ]] && awk '$1 <= 0 || $1 >= 100 { out = 1 } END { exit out }' "$work/bars"
+}
+
+tasks_are_off() {
+  reader controls "$title" | awk -F '\t' '$3 >= 1001 && $3 <= 1004 { print $4 }' | sort | uniq -c | grep -x ' *4 disabled'
 }
 
 start_scan() {
@@ -54,7 +68,7 @@ start_window_tests
 drive=$WINEPREFIX/drive_c
 
 # A scan of some seconds
-run_windows build/windows-x64/tests/wine_rawregistry.exe fill 40000
+run_windows build/windows-x64/tests/wine_rawregistry.exe fill 60000
 
 # Cancel
 ok "the window starts" start_window
@@ -68,6 +82,11 @@ ok "a repair of it is offered" reader tool $repair_command enabled
 picture cancelled
 press "$title" 'Scan registry for problems'
 ok "the next scan starts anew" reader saying 'Scanning ...' 'Scanning Files'
+ok "its bars are on their way" eventually bars_are_between
+glance bars
+ok "nothing else can be begun" tasks_are_off
+reader toggle sections 6
+ok "and no check changes" has_states sections HKEY_USERS checked
 key Escape
 ok "Escape cancels too" reader gone 'Scanning ...'
 ok "the program goes on" reader tool $scan_command enabled
