@@ -97,7 +97,7 @@ void TRestoreModel::Restore(std::size_t row) {
   if (answer == TAnswer::No)
     return;
   const TRestoreOutcome outcome = RestoreBackup(m_system, m_vars, chosen.BackupName);
-  const Text told = DescribeRestore(outcome, chosen.Caption, m_vars, m_system.Locale);
+  const Text told = PlainText(DescribeRestore(outcome, chosen.Caption, m_vars, m_system.Locale));
   if (outcome.End == TRestoreEnd::Restored)
     m_system.TheShell.ShowMessage(told, Say(TextId::TitleInformation), TMessageKind::Information);
   else
@@ -126,7 +126,7 @@ std::optional<TBackupView> TRestoreModel::View(std::size_t row) {
   TRestoreOutcome outcome;
   outcome.End = error.Code == kErrorFileNotFound ? TRestoreEnd::NoFile : TRestoreEnd::Unreadable;
   outcome.Error = error;
-  ShowFailure(DescribeRestore(outcome, chosen.Caption, m_vars, m_system.Locale));
+  ShowFailure(PlainText(DescribeRestore(outcome, chosen.Caption, m_vars, m_system.Locale)));
   return std::nullopt;
 }
 
@@ -135,5 +135,5 @@ void TRestoreModel::ShowFailure(TextView text) {
 }
 
 Text TRestoreModel::Say(TextId id, TextView arg1, TextView arg2) const {
-  return LanguageText(m_vars.Texts, id, arg1, arg2);
+  return PlainText(LanguageText(m_vars.Texts, id, arg1, arg2));
 }

@@ -166,5 +166,5 @@ bool TCleaning::IsChecked(TResultsNode* node) {
 }
 
 Text TCleaning::Say(TextId id) const {
-  return LanguageText(m_context.Vars.Texts, id);
+  return PlainText(LanguageText(m_context.Vars.Texts, id));
 }

@@ -123,7 +123,8 @@ void TScan::ShowSection() {
     if (Terminated())
       return;
     ProgressDialog.SetItemLabel({});
-    ProgressDialog.SetSectionLabel(Say(TextId::ScanningSection) + u" " + CurrentSectionName + u"...");
+    ProgressDialog.SetSectionLabel(PlainText(Say(TextId::ScanningSection)) + u" " + CurrentSectionName +
+                                   u"...");
     ProgressDialog.SetOverallPosition(SectionPosition);
   });
 }

@@ -136,14 +136,14 @@ void TRegMain::CleaningFinished(TWorkerThread& thread) {
   if (m_progress != nullptr)
     m_progress->ShowResult(LanguageText(m_vars.Texts, TextId::RepairFinalMessage), 0);
   if (thread.FatalException())
-    ShowFailure(DescribeException(thread.FatalException(), m_system.Locale));
+    ShowFailure(thread.FatalException());
 }
 
 void TRegMain::MaintenanceFinished(TWorkerThread& thread) {
   m_prepare = nullptr;
   ActionsChanged();
   if (thread.FatalException())
-    ShowFailure(DescribeException(thread.FatalException(), m_system.Locale));
+    ShowFailure(thread.FatalException());
 }
 
 void TRegMain::ActionsChanged() {
@@ -181,6 +181,10 @@ void TRegMain::OpenSelected() {
   const TResultsNode* node = m_rows.SelectedProblem();
   if (node != nullptr)
     OpenProblem(node->Problem, m_vars.WindowsVersionName, m_system);
+}
+
+void TRegMain::ShowFailure(const std::exception_ptr& failure) {
+  ShowFailure(DescribeException(failure, m_system.Locale));
 }
 
 void TRegMain::ShowFailure(TextView message) {

@@ -110,6 +110,9 @@ class TRegMain {
   // Writes the report and says so, or says the system's reason why not.
   void SaveReport(TextView fileName);
 
+  // Says what failed, in a message box.
+  void ShowFailure(const std::exception_ptr& failure);
+
   // The selected problem in the registry editor, or its file's properties.
   void OpenSelected();
 

@@ -112,7 +112,8 @@ void TResultsRows::Choose(std::int32_t choice) {
   if (node == nullptr || choice < 0 || choice >= static_cast<std::int32_t>(Controls().Choices.size()))
     return;
   if (choice == kChoiceIgnore) {
-    if (m_host.ConfirmIgnore())
+    // Messages go on while the question stands: the row may have been left, or have left the tree.
+    if (m_host.ConfirmIgnore() && SelectedProblem() == node)
       IgnoreSelected();
   } else {
     node->Problem.CheckMark = choice + 1;

@@ -13,11 +13,16 @@ void TResultsTreeModel::Clear() {
 TResultsNode* TResultsTreeModel::AddNode(TResultsNode* parent) {
   if (parent != nullptr && parent->Children.empty())
     parent->Expanded = true;
-  return static_cast<TResultsNode*>(m_model.Add(parent, std::make_unique<TResultsNode>()));
+  TTreeNode* const node = m_model.Add(parent, std::make_unique<TResultsNode>());
+  if (OnRows)
+    OnRows();
+  return static_cast<TResultsNode*>(node);
 }
 
 void TResultsTreeModel::DeleteNode(TResultsNode* node) {
   m_model.Delete(node);
+  if (OnRows)
+    OnRows();
 }
 
 ScanProblem& TResultsTreeModel::Data(TResultsNode* node) {

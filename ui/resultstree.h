@@ -27,6 +27,9 @@ class TResultsTreeModel : public ResultsTree {
   int ColumnWidth() override;
   void SetColumnWidth(int width) override;
 
+  // Told when the scan has added or deleted a row.
+  std::function<void()> OnRows;
+
   // Told when the column's width changes.
   std::function<void()> OnColumnWidth;
 

@@ -93,17 +93,6 @@ void TTreeModel::RowHeightChanged(const TTreeNode* node) {
   RowsMoved(node->Parent, node->Index);
 }
 
-void TTreeModel::AllRowHeightsChanged() {
-  const std::function<void(TTreeNode&)> forget = [&forget](TTreeNode& node) {
-    node.ChildSums.clear();
-    for (const auto& child : node.Children)
-      forget(*child);
-  };
-  m_rootSums.clear();
-  for (const auto& root : m_roots)
-    forget(*root);
-}
-
 void TTreeModel::RowsMoved(TTreeNode* parent, std::size_t fromIndex) {
   for (;;) {
     std::vector<TRowSum>& sums = parent == nullptr ? m_rootSums : parent->ChildSums;

@@ -59,7 +59,6 @@ class TTreeModel {
 
   // To be told when a row's height has changed.
   void RowHeightChanged(const TTreeNode* node);
-  void AllRowHeightsChanged();
 
   // The layout's memory of the roots, see TTreeNode.
   std::vector<TRowSum>& RootSums() {

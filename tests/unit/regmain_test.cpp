@@ -16,6 +16,7 @@ using TLines = std::vector<std::string>;
 
 constexpr TextView kCatalogue = u"C:\\Program Files\\Tessaly\\data\\xdata.dat";
 constexpr std::int32_t kAdware = 100;
+constexpr std::int32_t kFonts = 12;
 constexpr TextView kSections =
     u"HKEY_CURRENT_USER\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\Sections";
 constexpr TextView kSettings =
@@ -289,6 +290,21 @@ TEST(MainWindowScan, BeginsWithAnEmptyTreeAndNoSelection) {
   EXPECT_FALSE(isSelected);
   EXPECT_EQ(changesAtStart, 1);
   EXPECT_EQ(rig.RowCount(), 2u);
+}
+
+TEST(MainWindowScan, TellsTheTreeOfEveryRowThatComesOrGoes) {
+  TMainRig rig;
+  rig.BreakMany(3);
+  int changes = 0;
+  rig.Main.Results().OnRows = [&changes] { ++changes; };
+  rig.Main.Scan();
+  // A header and its rows.
+  EXPECT_EQ(changes, 4);
+  rig.Main.Sections().CheckOnly({kFonts});
+  changes = 0;
+  rig.Main.Scan();
+  // A header that goes again.
+  EXPECT_EQ(changes, 2);
 }
 
 TEST(MainWindowScan, MeasuresTheRowsAsTheWindowSays) {
@@ -601,6 +617,12 @@ TEST(MainWindowMaintenance, ThatFailsSaysWhyAndLeavesEverythingUsable) {
   ASSERT_EQ(rig.Shell.Calls.size(), 1u);
   EXPECT_TRUE(rig.Shell.Calls[0].starts_with("failure 40001 | 40007(")) << rig.Shell.Calls[0];
   EXPECT_EQ(enabled, "scan repair restore export");
+}
+
+TEST(MainWindowFailure, OfTheWindowItselfIsSaidInTheSystemsWords) {
+  TMainRig rig;
+  rig.Main.ShowFailure(std::make_exception_ptr(TSystemException({8}, u"C:\\a")));
+  EXPECT_EQ(rig.Shell.Calls, TLines({"failure 40001 | C:\\a: System message 8."}));
 }
 
 TEST(MainWindowEnd, TerminatesAScanAndWaitsByPumping) {

@@ -106,6 +106,23 @@ TEST(RestoringABackup, AsksImportsAndReports) {
   EXPECT_TRUE(rig.System.Disk.Content(u"C:\\Backups\\46341.5"));
 }
 
+TEST(RestoringABackup, ShowsEachAmpersandOfItsTextsOnce) {
+  TRestoreRig rig;
+  const std::string lines = "11039=Reg & co\n11040=Restore & overwrite? %s\n40010=Gone & lost: %s\n";
+  rig.Vars.Texts.Selected =
+      TLanguageTable::FromFile(std::vector<std::uint8_t>(lines.begin(), lines.end()), rig.System.Locale);
+  rig.AddBackup("46341.5");
+  TRestoreModel model = rig.Filled();
+  EXPECT_EQ(model.Rows()[0].Caption, u"Reg & co - 11/15/2026 12:00:00 PM");
+  rig.System.Disk.Remove(u"C:\\Backups\\46341.5");
+  rig.System.Shell.Answers = {TAnswer::Yes};
+  model.Restore(0);
+  model.View(0);
+  const std::string gone = "failure 40001 | Gone & lost: Reg & co - 11/15/2026 12:00:00 PM";
+  EXPECT_EQ(rig.System.Shell.Calls,
+            TLines({"question 10044 | Restore & overwrite? Reg & co - 11/15/2026 12:00:00 PM", gone, gone}));
+}
+
 TEST(RestoringABackup, WritesOverWhatIsThere) {
   TRestoreRig rig;
   rig.AddBackup("46341.5");
@@ -201,6 +218,19 @@ TEST(RemovingARow, DeletesTheBackupAtOnceWithoutAsking) {
   EXPECT_EQ(NamesOf(rig.Filled()), TLines({"1"}));
   EXPECT_FALSE(rig.System.Disk.Content(u"C:\\Backups\\2"));
   EXPECT_TRUE(rig.System.Shell.Calls.empty());
+}
+
+TEST(RemovingARow, SaysAFoldersAmpersandOnceWhenTheFileCannotBeDeleted) {
+  TRestoreRig rig;
+  rig.Vars.SuiteBackupsFolder = u"C:\\A & B\\";
+  rig.System.Disk.AddFile(u"C:\\A & B\\index.ini", "[1]\r\nType=11001\r\n");
+  rig.System.Disk.AddFile(u"C:\\A & B\\1", kBackup);
+  TRestoreModel model = rig.Filled();
+  rig.System.Disk.FailDeleting(kErrorAccessDenied);
+  EXPECT_FALSE(model.Remove(0));
+  ASSERT_EQ(rig.System.Shell.Calls.size(), 1U);
+  EXPECT_NE(rig.System.Shell.Calls[0].find("|C:\\A & B\\1: "), std::string::npos)
+      << rig.System.Shell.Calls[0];
 }
 
 TEST(RemovingARow, KeepsItAndSaysWhyWhenTheFileCannotBeDeleted) {

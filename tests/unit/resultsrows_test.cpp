@@ -46,6 +46,8 @@ class ResultsRows : public testing::Test {
   TResultsTreeModel Tree;
   TLanguageTexts Texts = NumberedTexts();
   bool UserSaysYes = true;
+  // What happens while the question stands.
+  std::function<void()> Meanwhile = [] {};
   int Questions = 0;
   int SummaryChanges = 0;
   TLines IgnoreEntries;
@@ -55,6 +57,7 @@ class ResultsRows : public testing::Test {
                     Texts,
                     {[this] {
                        ++Questions;
+                       Meanwhile();
                        return UserSaysYes;
                      },
                      [this](const Text& entry) {
@@ -396,6 +399,22 @@ TEST_F(ResultsRows, SayingNoToIgnoringChangesNothing) {
   EXPECT_EQ(Rows.SelectedProblem(), node);
   EXPECT_EQ(Rows.Controls().Choice, 1);
   EXPECT_EQ(node->State, TCheckState::Unchecked);
+}
+
+TEST_F(ResultsRows, ARowThatIsLeftWhileTheQuestionStandsIsNotIgnored) {
+  TResultsNode* header = AddHeader(u"A");
+  Rows.Select(AddProblem(header));
+  Meanwhile = [this, header] { Rows.Select(header); };
+  Rows.Choose(kChoiceIgnore);
+  EXPECT_EQ(Tree.Model().TotalCount(), 2u);
+  EXPECT_TRUE(IgnoreEntries.empty());
+}
+
+TEST_F(ResultsRows, ARowThatLeavesTheTreeWhileTheQuestionStandsIsNotIgnored) {
+  Rows.Select(AddProblem(AddHeader(u"A")));
+  Meanwhile = [this] { Tree.Clear(); };
+  Rows.Choose(kChoiceIgnore);
+  EXPECT_TRUE(IgnoreEntries.empty());
 }
 
 // After a repair

@@ -130,6 +130,19 @@ TEST(Repair, ShowsItsProgressInThisOrder) {
                                  "item: 11070 \\Software\\Run - Updater", "bar: 50"}));  // the value
 }
 
+TEST(Repair, ShowsEachAmpersandOfItsTextsOnceAndPathsAsTheyAre) {
+  TSmallRepair rig;
+  const std::string lines = "11036=Repair & clean\n11070=Delete & forget\n";
+  rig.Vars.Texts.Selected =
+      TLanguageTable::FromFile(std::vector<std::uint8_t>(lines.begin(), lines.end()), rig.System.Locale);
+  rig.Value->Problem.ValueName = u"a && b";
+  rig.Repair();
+  EXPECT_EQ(std::count(rig.Updates.begin(), rig.Updates.end(), "section: Repair & clean Broken..."), 1);
+  EXPECT_EQ(
+      std::count(rig.Updates.begin(), rig.Updates.end(), "item: Delete & forget \\Software\\Run - a && b"),
+      1);
+}
+
 TEST(Repair, NeverFillsTheBarWhenNotAllIsChecked) {
   TSmallRepair rig;
   rig.Uncheck(rig.Key);

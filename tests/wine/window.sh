@@ -44,7 +44,7 @@ backup_files() {
 
 # Line by line, as the reader prints a text of several lines.
 viewer_shows_the_file() {
-  reader controls 'Registry repair' | awk -F '\t' '$2 == "Edit" { print $9 }' >"$work/viewed"
+  reader controls 'Registry repair' | awk -F '\t' '$2 == "TessalyTextView" { print $9 }' >"$work/viewed"
   sed 's/\r$/ | /' "$(backup_files)" | tr -d '\n' >"$work/file"
   echo >>"$work/file"
   head -c 300 "$work/viewed"

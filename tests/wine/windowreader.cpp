@@ -1,21 +1,5 @@
-// Looks at the running program from another process, as assistive technology and other programs do:
-//   wine_windowreader [-p PROCESS] COMMAND
-// windows                the visible windows, without -p of all programs: handle, process, class, state,
-// left, top, width, height, title wait TITLE             waits for a visible, enabled window whose title
-// begins so, and prints it gone TITLE             waits until there is none saying TITLE TEXT      waits
-// until a control in it shows a text that begins so, and prints the control controls TITLE         its
-// controls: handle, class, number, state, left, top, width, height, text list TITLE             the rows of
-// its list: number, states, left, top, width, height, texts chooser                the choices of the results
-// tree's chooser, the current one marked with "*" status                 the parts of the status bar, one a
-// line tool COMMAND STATE     waits until the toolbar's button is "enabled" or "disabled" outline TREE the
-// whole tree to MSAA: role, number of rows, selected row, row with the focus rows TREE              its rows:
-// number, role, level, states, left, top, width, height, name at TREE LEFT TOP       the row that MSAA finds
-// at a point of the screen next TREE ROW WAY      the row that MSAA finds next to it: up, down, left, right,
-// first, last toggle TREE ROW        does the row's default action, and prints the action's name select TREE
-// ROW        selects the row close                  asks the main window to close, as the system's task list
-// does resources              what the program holds: handles, windows, USER, GDI objects, kilobytes TREE is
-// "sections" or "results". Fields are parted by tabs, lines of a text by " | ". Without -p the program's only
-// process is meant. Answers 0; 1 when what was waited for did not come; 2 for what can't be done.
+// Looks at the running program from another process, as assistive technology and other programs do. Without
+// arguments it says what it can do.
 
 #include "ui/windows/controlsapi.h"
 
@@ -36,6 +20,33 @@ namespace {
 constexpr int kDone = 0;
 constexpr int kDidNotCome = 1;
 constexpr int kImpossible = 2;
+
+// clang-format off
+constexpr TextView kUsage =
+    u"wine_windowreader [-p PROCESS] COMMAND\n"
+    u"  windows             the visible windows, without -p of all programs: handle, process, class, state, left,\n"
+    u"                      top, width, height, title\n"
+    u"  wait TITLE          waits for a visible, enabled window whose title begins so, and prints it\n"
+    u"  gone TITLE          waits until there is none\n"
+    u"  saying TITLE TEXT   waits until a control in it shows a text that begins so, and prints the control\n"
+    u"  controls TITLE      its controls: handle, class, number, state, left, top, width, height, text; a\n"
+    u"                      progress bar's text is its position\n"
+    u"  list TITLE          the rows of its list: number, states, left, top, width, height, texts\n"
+    u"  chooser             the choices of the results tree's chooser, the current one marked with \"*\"\n"
+    u"  status              the parts of the status bar, one a line\n"
+    u"  tool COMMAND STATE  waits until the toolbar's button is \"enabled\" or \"disabled\"\n"
+    u"  outline TREE        the whole tree to MSAA: role, number of rows, selected row, row with the focus\n"
+    u"  rows TREE [A B]     its rows, or those from A to B: number, role, level, states, left, top, width,\n"
+    u"                      height, name\n"
+    u"  at TREE LEFT TOP    the row that MSAA finds at a point of the screen\n"
+    u"  next TREE ROW WAY   the row that MSAA finds next to it: up, down, left, right, first, last\n"
+    u"  toggle TREE ROW     does the row's default action, and prints the action's name\n"
+    u"  select TREE ROW     selects the row\n"
+    u"  close               asks the main window to close, as the system's task list does\n"
+    u"  resources           what the program holds: handles, windows, USER, GDI objects, kilobytes\n"
+    u"TREE is \"sections\" or \"results\". Fields are parted by tabs, lines of a text by \" | \". Without -p the\n"
+    u"program's only process is meant. Answers 0; 1 when what was waited for did not come; 2 for what can't be done.\n";
+// clang-format on
 
 constexpr DWORD kPatience = 60000;  // milliseconds
 constexpr DWORD kGlance = 20;
@@ -726,8 +737,10 @@ int wmain(int count, wchar_t** arguments) {
     process = static_cast<DWORD>(ParseInteger(words[1]).value_or(0));
     words.erase(words.begin(), words.begin() + 2);
   }
-  if (words.empty())
+  if (words.empty()) {
+    Print(Text(kUsage));
     return kImpossible;
+  }
   CoInitialize(nullptr);
   int code = kImpossible;
   try {

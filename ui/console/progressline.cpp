@@ -1,9 +1,7 @@
 #include "ui/console/progressline.h"
 
-#include "core/languagetexts.h"
-
 void TProgressLine::SetSectionLabel(TextView text) {
-  m_section = PlainText(text);
+  m_section = text;
   Show();
 }
 

@@ -102,10 +102,14 @@ void TModalWindow::RunModal() {
   // A quit that arrives here belongs to the program's own loop.
   if (message.message == WM_QUIT)
     PostQuitMessage(static_cast<int>(message.wParam));
-  // The owner first, so that the system gives the focus back to it and not to another program.
+  Hide();
+  SetActiveWindow(m_owner);
+}
+
+// The owner first, so that the system gives the focus back to it and not to another program.
+void TModalWindow::Hide() {
   EnableWindow(m_owner, TRUE);
   ShowWindow(Handle(), SW_HIDE);
-  SetActiveWindow(m_owner);
 }
 
 void TModalWindow::Close() {

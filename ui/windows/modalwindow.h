@@ -15,6 +15,9 @@ class TModalWindow : public TWindow {
   // The inside is said at 96 dots per inch; the window stands centred over its owner.
   void CreateModal(TextView className, TextView caption, HWND owner, SIZE inside, DWORD extraStyle);
 
+  // Takes the window off the screen; its owner takes input again.
+  void Hide();
+
   // Ends RunModal. Asked by the close box, Escape and the cancel button through WM_CLOSE.
   void Close();
 

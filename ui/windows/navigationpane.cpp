@@ -48,9 +48,6 @@ void TNavigationPane::SetContent(HWND content) {
 
 void TNavigationPane::EnableLink(int command, bool enabled) {
   const HWND button = GetDlgItem(Handle(), command);
-  // A button that is disabled while it has the focus would keep the keyboard.
-  if (!enabled && GetFocus() == button)
-    ::SendMessageW(GetAncestor(Handle(), GA_ROOT), WM_NEXTDLGCTL, 0, FALSE);
   if ((IsWindowEnabled(button) != FALSE) != enabled)
     EnableWindow(button, enabled);
 }

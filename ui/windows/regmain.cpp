@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 
-#include "core/lettercase.h"
 #include "ui/report.h"
 #include "ui/suitelinks.h"
 #include "ui/windows/commands.h"
@@ -131,7 +130,6 @@ class TfrmRegMain::TResultsOwner : public TTreeControlOwner {
       return;
     m_window.m_main.Rows().Select(static_cast<TResultsNode*>(node));
     m_window.FillRowControls();
-    m_window.ActionsChanged();
   }
   void RowChecked(TTreeNode* node) override {
     m_window.m_main.Rows().Checked(static_cast<TResultsNode*>(node));
@@ -210,6 +208,7 @@ void TfrmRegMain::WidenForTexts() {
 }
 
 TfrmRegMain::~TfrmRegMain() {
+  EndThreads();
   DestroyAcceleratorTable(m_accelerators);
 }
 
@@ -255,7 +254,7 @@ LRESULT TfrmRegMain::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       DrawChoice(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
       return TRUE;
     case WM_CONTEXTMENU:
-      ShowContextMenu();
+      ShowContextMenu({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
       return 0;
     case WM_SETCURSOR:
       if (OnSetCursor(reinterpret_cast<HWND>(wParam)))
@@ -288,8 +287,9 @@ LRESULT TfrmRegMain::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       InvalidateRect(Handle(), nullptr, TRUE);
       return 0;
     case WM_DESTROY:
-      m_main.SaveSettings();
+      // First: the program ends also where the settings can't be saved.
       PostQuitMessage(0);
+      m_main.SaveSettings();
       return 0;
     default:
       break;
@@ -301,6 +301,7 @@ void TfrmRegMain::OnCreate() {
   CreateToolbar();
   m_statusBar = CreateWindowExW(0, Wide(Text(kStatusClass)), L"", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0,
                                 0, 0, 0, Handle(), nullptr, ProgramInstance(), nullptr);
+  ::SendMessageW(m_statusBar, WM_SETFONT, reinterpret_cast<WPARAM>(m_font.Get()), FALSE);
   SetTotalPanelWidth(m_scale(kStatusPanelWidth));
   m_statusProgress = CreateWindowExW(0, Wide(Text(kProgressClass)), L"", WS_CHILD, 0, 0, 0, 0, m_statusBar,
                                      nullptr, ProgramInstance(), nullptr);
@@ -311,12 +312,18 @@ void TfrmRegMain::OnCreate() {
   m_resultsTree.Create(Handle(), kResultsTreeId, m_sectionImages.Get());
   m_resultsTree.SetHeaderCaption(Plain(TextId::ColumnProblems));
   m_main.SetMeasure([this](TextView text) { return m_resultsTree.MeasureText(text); });
+  m_main.Results().OnRows = [this] { m_resultsTree.RefreshSoon(); };
   m_main.Results().OnColumnWidth = [this] { m_resultsTree.ColumnChanged(); };
   CreateRowControls();
   std::array<ACCEL, 1> keys = {{{FVIRTKEY, VK_F1, kCmdHelp}}};
   m_accelerators = CreateAcceleratorTableW(keys.data(), static_cast<int>(keys.size()));
-  m_main.StartMaintenance();
   m_main.UpdateSummary();
+  // Last: a window that can't be created leaves no thread.
+  m_main.StartMaintenance();
+}
+
+void TfrmRegMain::OnFailure(const std::exception_ptr& failure) {
+  m_main.ShowFailure(failure);
 }
 
 void TfrmRegMain::SetTotalPanelWidth(int width) {
@@ -481,16 +488,22 @@ void TfrmRegMain::OnActivate(bool isActive) {
 }
 
 void TfrmRegMain::OnClose() {
-  // Repair, scan and maintenance use what goes with this window: they end first. Messages go on meanwhile, so
-  // that their last calls of this thread come through.
-  m_main.TerminateThreads();
   EnableWindow(Handle(), FALSE);
+  EndThreads();
+  DestroyWindow(Handle());
+}
+
+// Repair, scan and maintenance use what goes with this window: they end first. Messages go on meanwhile, so
+// that their last calls of this thread come through.
+void TfrmRegMain::EndThreads() {
+  m_main.TerminateThreads();
   MSG message = {};
-  while (m_main.AnyThreadRuns() && GetMessageW(&message, nullptr, 0, 0) > 0) {
+  while (m_main.AnyThreadRuns()) {
+    if (GetMessageW(&message, nullptr, 0, 0) <= 0)
+      continue;
     TranslateMessage(&message);
     DispatchMessageW(&message);
   }
-  DestroyWindow(Handle());
 }
 
 bool TfrmRegMain::IsEnabled(int command) const {
@@ -518,7 +531,6 @@ void TfrmRegMain::ActionsChanged() {
   for (const int command : {kCmdScan, kCmdRepair, kCmdRestore, kCmdIgnoreList}) {
     m_navigation.EnableLink(command, IsEnabled(command));
   }
-  EnableWindow(m_chooser, !m_main.WorkerRuns());
 }
 
 void TfrmRegMain::OnCommand(int command, int notice) {
@@ -527,7 +539,8 @@ void TfrmRegMain::OnCommand(int command, int notice) {
       ChoiceMade();
     return;
   }
-  if (!IsEnabled(command))
+  // A disabled window has a dialog open, or is closing: it takes nothing that others post to it.
+  if (!IsEnabled(command) || !IsWindowEnabled(Handle()))
     return;
   switch (command) {
     case kCmdScan:
@@ -587,7 +600,7 @@ void TfrmRegMain::OnCommand(int command, int notice) {
   }
 }
 
-void TfrmRegMain::ShowContextMenu() {
+void TfrmRegMain::ShowContextMenu(POINT place) {
   const HMENU menu = CreatePopupMenu();
   AppendEntry(menu, kCmdOpenInRegedit, Say(TextId::ButtonOpenInRegedit));
   AppendEntry(menu, kCmdModifyProperties, Say(TextId::ActionModifyProperties));
@@ -595,9 +608,11 @@ void TfrmRegMain::ShowContextMenu() {
   AppendEntry(menu, kCmdRemoveEntry, Say(TextId::ActionRemoveEntry));
   AppendEntry(menu, kCmdShowCommandLine, Say(TextId::ActionShowCommandLine));
   AppendEntry(menu, kCmdRefresh, Say(TextId::ActionRefresh) + u"\tF5");
-  POINT point = {};
-  GetCursorPos(&point);
-  TrackPopupMenu(menu, TPM_LEFTALIGN, point.x, point.y, 0, Handle(), nullptr);
+  if (place.x == -1 && place.y == -1) {
+    place = {0, 0};
+    ClientToScreen(GetFocus(), &place);
+  }
+  TrackPopupMenu(menu, TPM_LEFTALIGN, place.x, place.y, 0, Handle(), nullptr);
   DestroyMenu(menu);
 }
 
@@ -669,13 +684,18 @@ void TfrmRegMain::PlaceRowControls() {
   for (const auto& [control, left] :
        {std::pair{m_chooser, chooserLeft}, std::pair{m_registryButton, buttonLeft}}) {
     SetWindowPos(control, nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    // What is parked takes no keyboard.
+    const bool isParked = left == kParked;
+    if (isParked && GetFocus() == control)
+      SetFocus(m_resultsTree.Handle());
+    if ((IsWindowEnabled(control) != FALSE) == isParked)
+      EnableWindow(control, !isParked);
   }
 }
 
 void TfrmRegMain::ChoiceMade() {
   const LRESULT choice = ::SendMessageW(m_chooser, CB_GETCURSEL, 0, 0);
   m_main.Rows().Choose(static_cast<std::int32_t>(choice));
-  FillRowControls();
   ResultsChanged();
   ActionsChanged();
 }
@@ -733,8 +753,7 @@ void TfrmRegMain::ExportReport() {
   dialog.lpstrFile = WideBuffer(typed);
   dialog.nMaxFile = static_cast<DWORD>(typed.size());
   // The dialog asks about the name that was typed; about one that is written instead it is asked below.
-  dialog.Flags =
-      OFN_OVERWRITEPROMPT | OFN_HIDEREADONLY | OFN_ENABLESIZING | OFN_PATHMUSTEXIST | OFN_NOCHANGEDIR;
+  dialog.Flags = OFN_OVERWRITEPROMPT | OFN_HIDEREADONLY | OFN_ENABLESIZING | OFN_NOCHANGEDIR;
   while (GetSaveFileNameW(&dialog)) {
     const TextView chosen = TextView(typed).substr(0, typed.find(u'\0'));
     const Text fileName = ReportFileName(chosen);

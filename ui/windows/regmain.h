@@ -23,6 +23,7 @@ class TfrmRegMain : public TWindow, private TRegMainView {
 
  protected:
   LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+  void OnFailure(const std::exception_ptr& failure) override;
 
  private:
   // The two trees' sides of their controls.
@@ -38,6 +39,7 @@ class TfrmRegMain : public TWindow, private TRegMainView {
   void OnCreate();
   void OnSize();
   void OnClose();
+  void EndThreads();
   void OnCommand(int command, int notice);
   void DrawChoice(const DRAWITEMSTRUCT& item);
   void OnActivate(bool isActive);
@@ -53,7 +55,8 @@ class TfrmRegMain : public TWindow, private TRegMainView {
   void CreateMenu();
   void CreateToolbar();
   void CreateRowControls();
-  void ShowContextMenu();
+  // At this place of the screen; (-1, -1) for the keyboard's.
+  void ShowContextMenu(POINT place);
   bool IsEnabled(int command) const;
 
   // The chooser and the button that ride on the selected problem's third line.

@@ -128,7 +128,7 @@ LRESULT TfrmScan::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void TfrmScan::OnRepair() {
-  ShowWindow(Handle(), SW_HIDE);
+  Hide();
   m_main.Repair();
   Close();
 }

@@ -22,6 +22,10 @@ constexpr int kHeaderHeight = 20;
 constexpr double kUnitsPerTextHeight = 1.7;
 constexpr double kLineStep = 0.9;
 
+// How long rows that were added in a row wait to be shown, in milliseconds.
+constexpr UINT_PTR kRefreshTimer = 1;
+constexpr UINT kRefreshDelay = 100;
+
 constexpr COLORREF kGreyText = RGB(128, 128, 128);
 
 bool IsHighContrast() {
@@ -143,6 +147,11 @@ LRESULT TTreeControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_LBUTTONDBLCLK:
       OnButtonDown({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}, message == WM_LBUTTONDBLCLK);
       return 0;
+    case WM_TIMER:
+      KillTimer(Handle(), kRefreshTimer);
+      m_refreshIsDue = false;
+      Refresh();
+      return 0;
     case WM_KEYDOWN:
       if (OnKeyDown(wParam))
         return 0;
@@ -196,6 +205,14 @@ void TTreeControl::Refresh() {
   UpdateScrollBars();
   InvalidateRect(Handle(), nullptr, FALSE);
   m_owner.RowsMoved();
+}
+
+void TTreeControl::RefreshSoon() {
+  if (m_refreshIsDue)
+    return;
+  m_refreshIsDue = SetTimer(Handle(), kRefreshTimer, kRefreshDelay, nullptr) != 0;
+  if (!m_refreshIsDue)
+    Refresh();
 }
 
 void TTreeControl::RepaintRow(TTreeNode* node) {

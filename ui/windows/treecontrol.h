@@ -68,6 +68,8 @@ class TTreeControl : public TWindow {
 
   // After rows came, went, or changed their height.
   void Refresh();
+  // The same for rows of which more may follow at once: it happens before long, once for all of them.
+  void RefreshSoon();
   // After a row changed its look alone.
   void RepaintRow(TTreeNode* node);
 
@@ -84,9 +86,6 @@ class TTreeControl : public TWindow {
   // In the tree's font, of one line.
   int MeasureText(TextView text) const {
     return m_meter.Width(text);
-  }
-  int RowUnit() const {
-    return m_rowUnit;
   }
   HFONT Font() const {
     return m_meter.Font();
@@ -175,4 +174,5 @@ class TTreeControl : public TWindow {
   int m_scrollLeft = 0;
   std::int64_t m_scrollTop = 0;
   int m_wheelRest = 0;
+  bool m_refreshIsDue = false;
 };

@@ -51,8 +51,33 @@ void TWindow::CreateHandle(TextView className, TextView title, DWORD style, DWOR
   RegisterOnce(className, classStyle, &TWindow::Procedure);
   CreateWindowExW(extendedStyle, Wide(Text(className)), Wide(Text(title)), style, place.Left, place.Top,
                   place.Width, place.Height, parent, menuOrId, ProgramInstance(), this);
+  if (m_creationFailure)
+    std::rethrow_exception(m_creationFailure);
   if (m_handle == nullptr)
     throw TSystemException(LastError());
+}
+
+void TWindow::OnFailure(const std::exception_ptr& failure) {
+  // The parent of a control, the owner of a dialog.
+  const HWND above = GetParent(m_handle);
+  if (auto* window = reinterpret_cast<TWindow*>(GetWindowLongPtrW(above, GWLP_USERDATA)))
+    window->OnFailure(failure);
+}
+
+LRESULT TWindow::Answer(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  try {
+    return OnMessage(message, wParam, lParam);
+  } catch (...) {
+    if (message != WM_CREATE) {
+      OnFailure(std::current_exception());
+      return 0;
+    }
+    // The window goes unseen, without another word to this object.
+    m_creationFailure = std::current_exception();
+    SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+    m_handle = nullptr;
+    return -1;
+  }
 }
 
 LRESULT CALLBACK TWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -65,7 +90,7 @@ LRESULT CALLBACK TWindow::Procedure(HWND window, UINT message, WPARAM wParam, LP
   auto* self = reinterpret_cast<TWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
   if (self == nullptr)
     return DefWindowProcW(window, message, wParam, lParam);
-  const LRESULT result = self->OnMessage(message, wParam, lParam);
+  const LRESULT result = self->Answer(window, message, wParam, lParam);
   if (message == WM_NCDESTROY) {
     SetWindowLongPtrW(window, GWLP_USERDATA, 0);
     self->m_handle = nullptr;

@@ -30,7 +30,8 @@ class TreeControl : public testing::Test, private TTreeControlOwner {
 
   // Moves the mouse over a row; answers the text of its tip, empty when it has none.
   Text TipOfRow(int row) {
-    const int y = row * m_control.RowUnit() + m_control.RowUnit() / 2;
+    const RECT first = m_control.RowRect(m_model.FirstRoot());
+    const int y = first.top + row * (first.bottom - first.top) + 3;
     ::SendMessageW(m_control.Handle(), WM_MOUSEMOVE, 0, MAKELPARAM(20, y));
     HWND tip = nullptr;
     EnumThreadWindows(GetCurrentThreadId(), FindTip, reinterpret_cast<LPARAM>(&tip));
