@@ -1,10 +1,17 @@
-// Looks at the windows of a running program from outside:
-//   wine_clipping CLASS              waits for a visible window of this class, and prints every caption in it
-//   that
-//                                    its control cuts off, and every control that its window cuts off;
-//                                    answers 0 when there are captions and none is cut off
-//   wine_clipping CLASS COMMAND      gives the window a command
-//   wine_clipping CLASS CHILD X Y    clicks into the window's first child of the class CHILD
+// Looks at the windows of a running program from outside. All wait for a visible window of the class.
+//
+//   wine_clipping CLASS
+//
+// prints every caption in it that its control cuts off, and every control that its window cuts off; answers 0
+// when there are captions and none is cut off
+//
+//   wine_clipping CLASS COMMAND
+//
+// gives it a command
+//
+//   wine_clipping CLASS CHILD X Y
+//
+// clicks into its first child of the class CHILD
 
 #include <algorithm>
 #include <cstdio>

@@ -18,8 +18,12 @@ HDC TPaintBuffer::Begin(HDC window, SIZE size) {
 }
 
 void TPaintBuffer::Show(HDC window, const RECT& area) const {
-  BitBlt(window, area.left, area.top, area.right - area.left, area.bottom - area.top, m_dc.Get(), area.left,
-         area.top, SRCCOPY);
+  Copy(window, area, {area.left, area.top});
+}
+
+void TPaintBuffer::Copy(HDC target, const RECT& place, POINT from) const {
+  BitBlt(target, place.left, place.top, place.right - place.left, place.bottom - place.top, m_dc.Get(),
+         from.x, from.y, SRCCOPY);
 }
 
 TScale::TScale() : m_dotsPerInch(96) {

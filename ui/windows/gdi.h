@@ -81,6 +81,8 @@ class TPaintBuffer {
   // A device context as large as the window, good until the next call. Null when there is no memory for it.
   HDC Begin(HDC window, SIZE size);
   void Show(HDC window, const RECT& area) const;
+  // A part of the picture to another place.
+  void Copy(HDC target, const RECT& place, POINT from) const;
 
  private:
   TMemoryDc m_dc;

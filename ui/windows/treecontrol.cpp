@@ -26,6 +26,8 @@ constexpr double kLineStep = 0.9;
 constexpr UINT_PTR kRefreshTimer = 1;
 constexpr UINT kRefreshDelay = 100;
 
+constexpr LONG kCheckBoxLooks = 3;
+
 constexpr COLORREF kGreyText = RGB(128, 128, 128);
 
 bool IsHighContrast() {
@@ -197,6 +199,7 @@ void TTreeControl::OpenThemes() {
   m_treeTheme = TTheme(OpenThemeData(Handle(), L"TREEVIEW"));
   m_buttonTheme = TTheme(OpenThemeData(Handle(), L"BUTTON"));
   m_isHighContrast = IsHighContrast();
+  m_checkBoxesArePainted = false;
 }
 
 void TTreeControl::Refresh() {
@@ -322,8 +325,32 @@ void TTreeControl::DrawButton(HDC dc, const TTreeNode& node, const RECT& place) 
   FillRect(dc, &down, GetSysColorBrush(COLOR_WINDOWTEXT));
 }
 
+// Painting the theme's takes longer than the rest of a row.
 void TTreeControl::DrawCheckBox(HDC dc, TCheckState state, const RECT& place) {
-  const bool isEnabled = m_owner.MayCheck();
+  const LONG size = place.right - place.left;
+  const auto leftOf = [size](TCheckState look, bool isEnabled) {
+    return size * (static_cast<LONG>(look) + (isEnabled ? 0 : kCheckBoxLooks));
+  };
+  const RECT all = {0, 0, size * kCheckBoxLooks * 2, size};
+  HDC memory = m_checkBoxes.Begin(dc, {all.right, all.bottom});
+  if (memory == nullptr) {
+    PaintCheckBox(dc, state, m_owner.MayCheck(), place);
+    return;
+  }
+  if (!m_checkBoxesArePainted) {
+    FillRect(memory, &all, GetSysColorBrush(COLOR_WINDOW));
+    for (const TCheckState look : {TCheckState::Unchecked, TCheckState::Checked, TCheckState::Mixed}) {
+      for (const bool isEnabled : {false, true}) {
+        const LONG left = leftOf(look, isEnabled);
+        PaintCheckBox(memory, look, isEnabled, {left, 0, left + size, size});
+      }
+    }
+    m_checkBoxesArePainted = true;
+  }
+  m_checkBoxes.Copy(dc, place, {leftOf(state, m_owner.MayCheck()), 0});
+}
+
+void TTreeControl::PaintCheckBox(HDC dc, TCheckState state, bool isEnabled, const RECT& place) const {
   if (m_buttonTheme) {
     constexpr int kDisabledStep = CBS_UNCHECKEDDISABLED - CBS_UNCHECKEDNORMAL;
     const int normal = state == TCheckState::Checked     ? CBS_CHECKEDNORMAL

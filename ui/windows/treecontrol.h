@@ -131,6 +131,7 @@ class TTreeControl : public TWindow {
   void DrawLines(HDC dc, const TTreeRow& row, const RECT& rect);
   void DrawButton(HDC dc, const TTreeNode& node, const RECT& place);
   void DrawCheckBox(HDC dc, TCheckState state, const RECT& place);
+  void PaintCheckBox(HDC dc, TCheckState state, bool isEnabled, const RECT& place) const;
   void DrawRowText(HDC dc, const TTreeRow& row, const RECT& rect, const TRowLook& look);
   // The row's lines where one of them is cut off at the right; empty when all can be read.
   Text TipOf(const TTreeRow& row) const;
@@ -165,6 +166,9 @@ class TTreeControl : public TWindow {
   TTheme m_treeTheme;
   TTheme m_buttonTheme;
   TPaintBuffer m_buffer;
+  // Every look of a check box, side by side.
+  TPaintBuffer m_checkBoxes;
+  bool m_checkBoxesArePainted = false;
   HIMAGELIST m_images = nullptr;
   HWND m_header = nullptr;
   HWND m_tip = nullptr;
