@@ -10,6 +10,9 @@
 
 enum class TDataType { Unknown, String, ExpandString, Integer, Binary };
 
+// Of one of the system's types of values (REG_SZ, ...).
+TDataType DataTypeOf(std::uint32_t type);
+
 // A current root and at most one open key. Names compare without regard to case and keep theirs. Failed
 // operations answer false, the empty text, 0 or an empty list, never raise and leave everything as it was.
 // Not for use by two threads at once.

@@ -7,13 +7,6 @@ namespace {
 constexpr char16_t kBlank = u' ';
 constexpr char16_t kReplacement = u'\uFFFD';
 
-bool IsHighSurrogate(char16_t unit) {
-  return unit >= 0xD800 && unit <= 0xDBFF;
-}
-bool IsLowSurrogate(char16_t unit) {
-  return unit >= 0xDC00 && unit <= 0xDFFF;
-}
-
 void AppendUtf8(std::string& bytes, char32_t point) {
   const auto add = [&bytes](char32_t byte) {
     bytes.push_back(static_cast<char>(static_cast<unsigned char>(byte)));
@@ -79,6 +72,14 @@ void AppendPoint(Text& text, char32_t point) {
 }
 
 }  // namespace
+
+bool IsHighSurrogate(char16_t unit) {
+  return unit >= 0xD800 && unit <= 0xDBFF;
+}
+
+bool IsLowSurrogate(char16_t unit) {
+  return unit >= 0xDC00 && unit <= 0xDFFF;
+}
 
 Text Trim(TextView text) {
   std::size_t first = 0;

@@ -48,6 +48,10 @@ Text DecimalText(std::int64_t number);
 // other text.
 std::optional<std::int32_t> ParseInteger(TextView text);
 
+// The first unit, and the second, of a character beyond U+FFFF; either may stand alone in ill-formed text.
+bool IsHighSurrogate(char16_t unit);
+bool IsLowSurrogate(char16_t unit);
+
 // UTF-8 to 16-bit units. Nothing when the bytes are not valid UTF-8.
 std::optional<Text> DecodeUtf8(std::string_view bytes);
 

@@ -11,6 +11,7 @@
 #include "platform/memory/memorysystem.h"
 #include "scan/threadscan.h"
 #include "tests/support/datafile.h"
+#include "tests/support/silentdialog.h"
 #include "ui/resultstree.h"
 #include "ui/sectionstree.h"
 
@@ -20,18 +21,6 @@ constexpr std::int32_t kAdwareAndSpyware = 100;
 
 // A stream may inflate to a thousand times its size; larger documents say nothing new.
 constexpr std::size_t kLargestDocument = 1 << 16;
-
-class TSilentDialog : public TProgressDialog {
- public:
-  void SetSectionLabel(TextView) override {
-  }
-  void SetItemLabel(TextView) override {
-  }
-  void SetOverallPosition(std::int32_t) override {
-  }
-  void SetSectionPosition(std::int32_t) override {
-  }
-};
 
 void FillRegistry(TMemoryRegistry& registry) {
   registry.AddKey(u"HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\Bad");

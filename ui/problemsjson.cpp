@@ -2,14 +2,6 @@
 
 namespace {
 
-bool IsHighSurrogate(char16_t unit) {
-  return unit >= 0xD800 && unit <= 0xDBFF;
-}
-
-bool IsLowSurrogate(char16_t unit) {
-  return unit >= 0xDC00 && unit <= 0xDFFF;
-}
-
 // Those of ASCII and those above it, which a terminal may obey too.
 bool IsControl(char16_t unit) {
   return unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);

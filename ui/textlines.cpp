@@ -6,14 +6,6 @@ namespace {
 
 constexpr TextView kLineEnd = u"\r\n";
 
-bool IsHighSurrogate(char16_t unit) {
-  return unit >= 0xD800 && unit < 0xDC00;
-}
-
-bool IsLowSurrogate(char16_t unit) {
-  return unit >= 0xDC00 && unit < 0xE000;
-}
-
 }  // namespace
 
 TTextLines::TTextLines(Text content) : m_content(std::move(content)) {

@@ -3,19 +3,9 @@
 #include <ctime>
 #include <string_view>
 
-namespace {
+#include "tests/support/silentdialog.h"
 
-class TSilentDialog : public TProgressDialog {
- public:
-  void SetSectionLabel(TextView) override {
-  }
-  void SetItemLabel(TextView) override {
-  }
-  void SetOverallPosition(std::int32_t) override {
-  }
-  void SetSectionPosition(std::int32_t) override {
-  }
-};
+namespace {
 
 // Descriptions of about the length that the shipped ones have.
 constexpr std::string_view kTexts =

@@ -12,6 +12,7 @@
 #include "platform/memory/memorysystem.h"
 #include "platform/windows/windowssystem.h"
 #include "scan/threadscan.h"
+#include "tests/support/silentdialog.h"
 #include "ui/resultstree.h"
 #include "ui/sectionstree.h"
 
@@ -211,18 +212,6 @@ class TCountedRegistry : public TRegistryFactory {
    private:
     std::uint64_t& m_calls;
   };
-};
-
-class TSilentDialog : public TProgressDialog {
- public:
-  void SetSectionLabel(TextView) override {
-  }
-  void SetItemLabel(TextView) override {
-  }
-  void SetOverallPosition(std::int32_t) override {
-  }
-  void SetSectionPosition(std::int32_t) override {
-  }
 };
 
 // The Files and Folders section for the current user, with the real registry and every file answer in memory.

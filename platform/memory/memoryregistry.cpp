@@ -61,21 +61,6 @@ TBytes IntegerBytes(std::uint32_t value) {
   return bytes;
 }
 
-TDataType DataTypeOf(std::uint32_t type) {
-  switch (type) {
-    case kRegSz:
-      return TDataType::String;
-    case kRegExpandSz:
-      return TDataType::ExpandString;
-    case kRegDword:
-      return TDataType::Integer;
-    case kRegBinary:
-      return TDataType::Binary;
-    default:
-      return TDataType::Unknown;
-  }
-}
-
 std::string HexOf(const TBytes& bytes) {
   constexpr char kDigits[] = "0123456789abcdef";
   std::string text;

@@ -14,21 +14,6 @@ constexpr std::size_t kLargestSnapshot = std::size_t{16} * 1024 * 1024;  // byte
 constexpr REGSAM kReadAccess = KEY_READ;
 constexpr REGSAM kFullAccess = KEY_READ | KEY_WRITE;
 
-TDataType DataTypeOf(DWORD type) {
-  switch (type) {
-    case kRegSz:
-      return TDataType::String;
-    case kRegExpandSz:
-      return TDataType::ExpandString;
-    case kRegDword:
-      return TDataType::Integer;
-    case kRegBinary:
-      return TDataType::Binary;
-    default:
-      return TDataType::Unknown;
-  }
-}
-
 Text TextOf(std::span<const std::uint8_t> data) {
   Text text(data.size() / sizeof(char16_t), u'\0');
   std::memcpy(text.data(), data.data(), text.size() * sizeof(char16_t));

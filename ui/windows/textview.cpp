@@ -12,10 +12,6 @@ bool IsDown(int key) {
   return GetKeyState(key) < 0;
 }
 
-bool IsLowSurrogate(char16_t unit) {
-  return unit >= 0xDC00 && unit < 0xE000;
-}
-
 struct TMemoryTraits {
   using THandle = HGLOBAL;
   static HGLOBAL None() {
@@ -69,7 +65,7 @@ LRESULT TTextView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       OnScroll(SB_HORZ, wParam);
       return 0;
     case WM_MOUSEWHEEL:
-      OnWheel(wParam);
+      ScrollTo(m_scrollLeft, m_topLine - m_wheel.Distance(wParam, 1, LinesInSight()));
       return 0;
     case WM_GETDLGCODE:
       return DLGC_WANTARROWS | DLGC_WANTCHARS;
@@ -257,49 +253,10 @@ void TTextView::UpdateScrollBars() {
 }
 
 void TTextView::OnScroll(int bar, WPARAM wParam) {
-  SCROLLINFO info = {};
-  info.cbSize = sizeof info;
-  info.fMask = SIF_ALL;
-  GetScrollInfo(Handle(), bar, &info);
-  int position = bar == SB_VERT ? m_topLine : m_scrollLeft;
-  const int line = bar == SB_VERT ? 1 : m_lineHeight;
-  switch (LOWORD(wParam)) {
-    case SB_LINEUP:
-      position -= line;
-      break;
-    case SB_LINEDOWN:
-      position += line;
-      break;
-    case SB_PAGEUP:
-      position -= static_cast<int>(info.nPage);
-      break;
-    case SB_PAGEDOWN:
-      position += static_cast<int>(info.nPage);
-      break;
-    case SB_THUMBTRACK:
-    case SB_THUMBPOSITION:
-      position = info.nTrackPos;
-      break;
-    case SB_TOP:
-      position = 0;
-      break;
-    case SB_BOTTOM:
-      position = info.nMax;
-      break;
-    default:
-      return;
-  }
-  ScrollTo(bar == SB_HORZ ? position : m_scrollLeft, bar == SB_VERT ? position : m_topLine);
-}
-
-void TTextView::OnWheel(WPARAM wParam) {
-  UINT lines = 3;
-  SystemParametersInfoW(SPI_GETWHEELSCROLLLINES, 0, &lines, 0);
-  const int step = lines == WHEEL_PAGESCROLL ? LinesInSight() : static_cast<int>(lines);
-  m_wheelRest += GET_WHEEL_DELTA_WPARAM(wParam) * step;
-  const int distance = m_wheelRest / WHEEL_DELTA;
-  m_wheelRest -= distance * WHEEL_DELTA;
-  ScrollTo(m_scrollLeft, m_topLine - distance);
+  if (bar == SB_VERT)
+    ScrollTo(m_scrollLeft, WantedScrollPosition(Handle(), bar, LOWORD(wParam), 1));
+  else
+    ScrollTo(WantedScrollPosition(Handle(), bar, LOWORD(wParam), m_lineHeight), m_topLine);
 }
 
 void TTextView::ScrollTo(int left, int line) {

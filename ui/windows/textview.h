@@ -6,6 +6,7 @@
 
 #include "ui/textlines.h"
 #include "ui/windows/gdi.h"
+#include "ui/windows/scrolling.h"
 #include "ui/windows/window.h"
 
 class TTextView : public TWindow {
@@ -35,7 +36,6 @@ class TTextView : public TWindow {
 
   void UpdateScrollBars();
   void OnScroll(int bar, WPARAM wParam);
-  void OnWheel(WPARAM wParam);
   void ScrollTo(int left, int line);
   bool OnKeyDown(WPARAM key);
   void CursorMoved();
@@ -52,5 +52,5 @@ class TTextView : public TWindow {
   int m_widest = 0;
   int m_scrollLeft = 0;
   int m_topLine = 0;
-  int m_wheelRest = 0;
+  TWheel m_wheel;
 };

@@ -582,51 +582,13 @@ void TTreeControl::ScrollTo(int left, std::int64_t top) {
 }
 
 void TTreeControl::OnScroll(int bar, WPARAM wParam) {
-  SCROLLINFO info = {};
-  info.cbSize = sizeof info;
-  info.fMask = SIF_ALL;
-  GetScrollInfo(Handle(), bar, &info);
-  int position = info.nPos;
-  const int line = m_rowUnit;
-  switch (LOWORD(wParam)) {
-    case SB_LINEUP:
-      position -= line;
-      break;
-    case SB_LINEDOWN:
-      position += line;
-      break;
-    case SB_PAGEUP:
-      position -= static_cast<int>(info.nPage);
-      break;
-    case SB_PAGEDOWN:
-      position += static_cast<int>(info.nPage);
-      break;
-    case SB_THUMBTRACK:
-    case SB_THUMBPOSITION:
-      position = info.nTrackPos;
-      break;
-    case SB_TOP:
-      position = 0;
-      break;
-    case SB_BOTTOM:
-      position = info.nMax;
-      break;
-    default:
-      return;
-  }
+  const int position = WantedScrollPosition(Handle(), bar, LOWORD(wParam), m_rowUnit);
   ScrollTo(bar == SB_HORZ ? position : m_scrollLeft, bar == SB_VERT ? position : m_scrollTop);
 }
 
 void TTreeControl::OnWheel(WPARAM wParam) {
-  UINT lines = 3;
-  SystemParametersInfoW(SPI_GETWHEELSCROLLLINES, 0, &lines, 0);
   const int page = static_cast<int>(RowsArea().bottom - RowsArea().top);
-  const int step = lines == WHEEL_PAGESCROLL ? page : static_cast<int>(lines) * m_rowUnit;
-  // Fine wheels turn by less than a notch at a time.
-  m_wheelRest += GET_WHEEL_DELTA_WPARAM(wParam) * step;
-  const int distance = m_wheelRest / WHEEL_DELTA;
-  m_wheelRest -= distance * WHEEL_DELTA;
-  ScrollTo(m_scrollLeft, m_scrollTop - distance);
+  ScrollTo(m_scrollLeft, m_scrollTop - m_wheel.Distance(wParam, m_rowUnit, page));
 }
 
 void TTreeControl::BringIntoSight(TTreeNode* node) {

@@ -12,6 +12,7 @@
 #include "ui/treemodel.h"
 #include "ui/windows/controlsapi.h"
 #include "ui/windows/gdi.h"
+#include "ui/windows/scrolling.h"
 #include "ui/windows/window.h"
 
 class TTreeAccessible;
@@ -177,6 +178,6 @@ class TTreeControl : public TWindow {
   int m_rowUnit = 0;
   int m_scrollLeft = 0;
   std::int64_t m_scrollTop = 0;
-  int m_wheelRest = 0;
+  TWheel m_wheel;
   bool m_refreshIsDue = false;
 };

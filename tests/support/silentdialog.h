@@ -1,0 +1,16 @@
+// A progress dialog for scans that nobody watches.
+#pragma once
+
+#include "scan/scantrees.h"
+
+class TSilentDialog : public TProgressDialog {
+ public:
+  void SetSectionLabel(TextView) override {
+  }
+  void SetItemLabel(TextView) override {
+  }
+  void SetOverallPosition(std::int32_t) override {
+  }
+  void SetSectionPosition(std::int32_t) override {
+  }
+};
