@@ -77,6 +77,7 @@ void TRegMain::Scan() {
     return;
   m_rows.ForgetSelection();
   m_results.Clear();
+  ActionsChanged();
   m_view.ResultsChanged();
   RunWithProgress(TProgressMode::Scan);
 }

@@ -141,6 +141,8 @@ std::string TMainRig::StoredSection(TextView name) {
 }
 
 std::unique_ptr<TProgressView> TMainRig::CreateProgress(TProgressMode mode) {
+  if (NoDialog)
+    throw std::runtime_error("no dialog");
   TDialogRecord& record = Dialogs.emplace_back();
   record.Mode = mode;
   return std::make_unique<TDialog>(*this, record);

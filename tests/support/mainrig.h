@@ -75,7 +75,8 @@ class TMainRig : private TRegMainView {
   std::vector<TSummary> Summaries;
   int ResultsChanges = 0;
   int ActionsChanges = 0;
-  // The dialog goes as if it had thrown, or without a word to the main window.
+  // The dialog can't be made, goes as if it had thrown, or without a word to the main window.
+  bool NoDialog = false;
   bool DialogThrows = false;
   bool DialogGoesSilently = false;
 

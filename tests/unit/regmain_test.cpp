@@ -405,6 +405,19 @@ TEST(MainWindowScan, ADialogThatThrowsIsForgottenAndStopsTheScan) {
   EXPECT_EQ(rig.Enabled(), "scan repair restore export");
 }
 
+TEST(MainWindowScan, WhoseDialogCannotBeMadeLeavesAnEmptyTreeThatOffersNoRepair) {
+  TScannedRig rig(2);
+  rig.NoDialog = true;
+  const int changes = rig.ActionsChanges;
+  EXPECT_THROW(rig.Main.Scan(), std::runtime_error);
+  EXPECT_GT(rig.ActionsChanges, changes);
+  EXPECT_EQ(rig.RowCount(), 0u);
+  EXPECT_EQ(rig.Enabled(), "scan restore");
+  rig.NoDialog = false;
+  rig.Main.Scan();
+  EXPECT_EQ(rig.RowCount(), 2u);
+}
+
 TEST(MainWindowScan, ThatFailsSaysWhyAndLeavesEverythingUsable) {
   TMainRig rig;
   rig.Break(0);

@@ -13,6 +13,10 @@ row_count() {
   reader outline results | cut -f 2
 }
 
+problems_come() {
+  (($(row_count) > 3))
+}
+
 # Some of the scan's problems are listed, and none of the later sections, which hold as many again.
 scan_is_partly_listed() {
   local rows
@@ -73,6 +77,7 @@ run_windows build/windows-x64/tests/wine_rawregistry.exe fill 60000
 # Cancel
 ok "the window starts" start_window
 ok "a scan is in the middle" start_scan
+ok "its problems are listed as they come" eventually problems_come
 glance in-the-middle
 press 'Scanning ...' Cancel
 ok "Cancel closes the dialog at once" reader gone 'Scanning ...'

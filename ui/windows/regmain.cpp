@@ -59,6 +59,11 @@ void AppendSeparator(HMENU menu) {
   AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
 }
 
+// Whether a context menu that is asked for at this place is asked for with a key.
+bool IsFromKeyboard(POINT place) {
+  return place.x == -1 && place.y == -1;
+}
+
 }  // namespace
 
 class TfrmRegMain::TSectionsOwner : public TTreeControlOwner {
@@ -254,6 +259,9 @@ LRESULT TfrmRegMain::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       DrawChoice(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
       return TRUE;
     case WM_CONTEXTMENU:
+      // Outside lies the title bar, which has the system's own menu.
+      if (!IsInside({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}))
+        break;
       ShowContextMenu({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
       return 0;
     case WM_SETCURSOR:
@@ -280,6 +288,11 @@ LRESULT TfrmRegMain::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       return 0;
     case WM_CLOSE:
       OnClose();
+      return 0;
+    case WM_ENDSESSION:
+      // The system ends the program as soon as this is answered.
+      if (wParam != FALSE)
+        OnClose();
       return 0;
     case WM_SYSCOLORCHANGE:
     case WM_SETTINGCHANGE:
@@ -317,7 +330,8 @@ void TfrmRegMain::OnCreate() {
   CreateRowControls();
   std::array<ACCEL, 1> keys = {{{FVIRTKEY, VK_F1, kCmdHelp}}};
   m_accelerators = CreateAcceleratorTableW(keys.data(), static_cast<int>(keys.size()));
-  m_main.UpdateSummary();
+  // No counts before there was a scan.
+  m_summary = Plain(TextId::Summary);
   // Last: a window that can't be created leaves no thread.
   m_main.StartMaintenance();
 }
@@ -600,6 +614,15 @@ void TfrmRegMain::OnCommand(int command, int notice) {
   }
 }
 
+bool TfrmRegMain::IsInside(POINT place) const {
+  if (IsFromKeyboard(place))
+    return true;
+  ScreenToClient(Handle(), &place);
+  const SIZE size = ClientSize();
+  const RECT inside = {0, 0, size.cx, size.cy};
+  return PtInRect(&inside, place) != FALSE;
+}
+
 void TfrmRegMain::ShowContextMenu(POINT place) {
   const HMENU menu = CreatePopupMenu();
   AppendEntry(menu, kCmdOpenInRegedit, Say(TextId::ButtonOpenInRegedit));
@@ -608,7 +631,7 @@ void TfrmRegMain::ShowContextMenu(POINT place) {
   AppendEntry(menu, kCmdRemoveEntry, Say(TextId::ActionRemoveEntry));
   AppendEntry(menu, kCmdShowCommandLine, Say(TextId::ActionShowCommandLine));
   AppendEntry(menu, kCmdRefresh, Say(TextId::ActionRefresh) + u"\tF5");
-  if (place.x == -1 && place.y == -1) {
+  if (IsFromKeyboard(place)) {
     place = {0, 0};
     ClientToScreen(GetFocus(), &place);
   }

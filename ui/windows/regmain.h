@@ -55,7 +55,9 @@ class TfrmRegMain : public TWindow, private TRegMainView {
   void CreateMenu();
   void CreateToolbar();
   void CreateRowControls();
-  // At this place of the screen; (-1, -1) for the keyboard's.
+  // A context menu at this place of the screen; (-1, -1) for the keyboard's. The window shows it for its
+  // inside.
+  bool IsInside(POINT place) const;
   void ShowContextMenu(POINT place);
   bool IsEnabled(int command) const;
 

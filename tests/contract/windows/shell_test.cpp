@@ -47,6 +47,13 @@ TEST(WindowsShell, ThereIsNoWindowOfAnUnknownClass) {
   EXPECT_EQ(shell.FindTopLevelWindow(u"CorvaltNoSuchClass"), 0u);
 }
 
+TEST(WindowsShell, AProgramThatIsMissingIsPassedOver) {
+  TWindowsShell shell;
+  shell.Execute(u"open", u"C:\\CorvaltNoSuchFolder\\\\diskcleanup.exe");
+  // A message about it would have waited for somebody.
+  EXPECT_EQ(shell.FindTopLevelWindow(u"#32770"), 0u);
+}
+
 TEST(WindowsShell, CharactersArriveAsTheyAreSent) {
   const TTestWindow parent(L"STATIC", HWND_MESSAGE);
   const TTestWindow edit(L"EDIT", parent.Get());

@@ -1,0 +1,222 @@
+// The progress dialog itself: where its controls stand, what they show, and what closing it and its Repair
+// button do.
+#include "ui/windows/startscan.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+
+#include "tests/support/mainrig.h"
+
+namespace {
+
+using TLines = std::vector<std::string>;
+
+std::string ClassOf(HWND window) {
+  wchar_t name[100] = {};
+  GetClassNameW(window, name, 100);
+  return EncodeUtf8(FromWide(name));
+}
+
+std::string TextOf(HWND window) {
+  wchar_t text[1000] = {};
+  GetWindowTextW(window, text, 1000);
+  return EncodeUtf8(FromWide(text));
+}
+
+bool IsHidden(HWND control) {
+  return (GetWindowLongPtrW(control, GWL_STYLE) & WS_VISIBLE) == 0;
+}
+
+// "left top width height text", with " hidden" where it is.
+std::string Described(HWND control) {
+  RECT place = {};
+  GetWindowRect(control, &place);
+  MapWindowPoints(nullptr, GetParent(control), reinterpret_cast<POINT*>(&place), 2);
+  std::string line = ClassOf(control);
+  for (const LONG number : {place.left, place.top, place.right - place.left, place.bottom - place.top})
+    line += " " + std::to_string(number);
+  const std::string text = TextOf(control);
+  return line + (text.empty() ? "" : " " + text) + (IsHidden(control) ? " hidden" : "");
+}
+
+// A dialog over a window in the middle of nowhere.
+class ProgressDialog : public testing::Test {
+ protected:
+  ~ProgressDialog() override {
+    m_dialog.reset();
+    DestroyWindow(m_owner);
+  }
+
+  TfrmScan& Open(TProgressMode mode) {
+    return m_dialog.emplace(m_rig.Main, m_rig.Vars.Texts, m_owner, mode);
+  }
+  HWND Control(int number) const {
+    HWND control = GetWindow(m_dialog->Handle(), GW_CHILD);
+    for (int i = 0; i < number; ++i)
+      control = GetWindow(control, GW_HWNDNEXT);
+    return control;
+  }
+  TLines Controls() const {
+    TLines lines;
+    for (int i = 0; Control(i) != nullptr; ++i)
+      lines.push_back(Described(Control(i)));
+    return lines;
+  }
+  LRESULT Position(int bar) const {
+    return ::SendMessageW(Control(bar), PBM_GETPOS, 0, 0);
+  }
+
+  // Numbers of the controls.
+  static constexpr int kSectionLabel = 0;
+  static constexpr int kOverallBar = 1;
+  static constexpr int kSectionBar = 2;
+  static constexpr int kPicture = 3;
+  static constexpr int kItemLabel = 4;
+  static constexpr int kRepairButton = 6;
+  static constexpr int kCloseButton = 7;
+
+  TMainRig m_rig;
+  HWND m_owner = CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, 100, 100, 800, 600, nullptr, nullptr,
+                                 ProgramInstance(), nullptr);
+  std::optional<TfrmScan> m_dialog;
+};
+
+}  // namespace
+
+TEST_F(ProgressDialog, ItsControlsStandInTheirPlaces) {
+  const SIZE inside = Open(TProgressMode::Scan).ClientSize();
+  EXPECT_EQ(inside.cx, 363);
+  EXPECT_EQ(inside.cy, 194);
+  EXPECT_EQ(Controls(),
+            TLines({"Static 16 8 329 13", "msctls_progress32 16 32 329 17", "msctls_progress32 16 64 329 17",
+                    "Static 16 88 25 25", "Static 40 90 305 57", "Static 16 152 329 2",
+                    "Button 152 160 91 25 11032 hidden", "Button 264 160 75 25 10013"}));
+}
+
+TEST_F(ProgressDialog, StandsInTheMiddleOfItsOwner) {
+  RECT dialog = {};
+  RECT owner = {};
+  GetWindowRect(Open(TProgressMode::Scan).Handle(), &dialog);
+  GetWindowRect(m_owner, &owner);
+  EXPECT_NEAR(dialog.left + dialog.right, owner.left + owner.right, 1);
+  EXPECT_NEAR(dialog.top + dialog.bottom, owner.top + owner.bottom, 1);
+}
+
+TEST_F(ProgressDialog, ItsCaptionSaysWhatRuns) {
+  EXPECT_EQ(TextOf(Open(TProgressMode::Scan).Handle()), "11035 ...");
+  EXPECT_EQ(TextOf(Open(TProgressMode::Repair).Handle()), "11036 ...");
+}
+
+TEST_F(ProgressDialog, ShowsTheProgressInItsBarsAndLines) {
+  TfrmScan& dialog = Open(TProgressMode::Scan);
+  dialog.SetSectionLabel(u"11035 Windows Fonts...");
+  dialog.SetItemLabel(u"Software\\A & B");
+  dialog.SetOverallPosition(40);
+  dialog.SetSectionPosition(70);
+  EXPECT_EQ(TextOf(Control(kSectionLabel)), "11035 Windows Fonts...");
+  EXPECT_EQ(TextOf(Control(kItemLabel)), "Software\\A & B");
+  EXPECT_EQ(Position(kOverallBar), 40);
+  EXPECT_EQ(Position(kSectionBar), 70);
+}
+
+TEST_F(ProgressDialog, AScanThatFindsNothingEndsWithFullBarsAndNoRepairButton) {
+  Open(TProgressMode::Scan).ShowResult(u"11016,11017.", 0);
+  EXPECT_EQ(Position(kOverallBar), 100);
+  EXPECT_EQ(Position(kSectionBar), 100);
+  EXPECT_TRUE(IsHidden(Control(kPicture)));
+  EXPECT_EQ(TextOf(Control(kSectionLabel)), "11031");
+  EXPECT_EQ(TextOf(Control(kItemLabel)), "11016,11017.");
+  EXPECT_TRUE(IsHidden(Control(kRepairButton)));
+  EXPECT_EQ(TextOf(Control(kCloseButton)), "10014");
+}
+
+TEST_F(ProgressDialog, AScanThatFindsProblemsOffersTheRepairAfterABlankLine) {
+  Open(TProgressMode::Scan).ShowResult(u"11012,11014.", 1);
+  EXPECT_EQ(TextOf(Control(kItemLabel)), "11012,11014.\r\n\r\n11033");
+  EXPECT_FALSE(IsHidden(Control(kRepairButton)));
+}
+
+TEST_F(ProgressDialog, ARepairEndsWithItsMessageAloneAndNoSecondRepair) {
+  TfrmScan& dialog = Open(TProgressMode::Repair);
+  dialog.ShowResult(u"11012,11014.", 1);
+  dialog.ShowResult(u"11008", 0);
+  EXPECT_EQ(TextOf(Control(kSectionLabel)), "11034");
+  EXPECT_EQ(TextOf(Control(kItemLabel)), "11008");
+  EXPECT_TRUE(IsHidden(Control(kRepairButton)));
+  EXPECT_TRUE(IsHidden(Control(kPicture)));
+  EXPECT_EQ(Position(kOverallBar), 100);
+  EXPECT_EQ(TextOf(Control(kCloseButton)), "10014");
+}
+
+TEST_F(ProgressDialog, ItsOwnerTakesNoInputWhileItIsOpen) {
+  TfrmScan& dialog = Open(TProgressMode::Scan);
+  bool wasEnabled = true;
+  SetWindowSubclass(
+      dialog.Handle(),
+      [](HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR enabled) -> LRESULT {
+        if (message == WM_CLOSE)
+          *reinterpret_cast<bool*>(enabled) = IsWindowEnabled(GetWindow(window, GW_OWNER)) != FALSE;
+        return DefSubclassProc(window, message, wParam, lParam);
+      },
+      1, reinterpret_cast<DWORD_PTR>(&wasEnabled));
+  ::PostMessageW(dialog.Handle(), WM_CLOSE, 0, 0);
+  dialog.ShowModal();
+  EXPECT_FALSE(wasEnabled);
+  EXPECT_TRUE(IsWindowEnabled(m_owner));
+}
+
+// However it is closed
+
+TEST_F(ProgressDialog, EveryWayOfClosingItStopsTheScan) {
+  constexpr int kProblems = 200;
+  m_rig.BreakMany(kProblems);
+  const std::vector<std::function<void()>> ways = {
+      [this] { ::PostMessageW(Control(kCloseButton), BM_CLICK, 0, 0); },
+      [this] { ::PostMessageW(Control(kCloseButton), WM_KEYDOWN, VK_ESCAPE, 1); },
+      [this] { ::PostMessageW(m_dialog->Handle(), WM_SYSCOMMAND, SC_CLOSE, 0); }};
+  for (const std::function<void()>& close : ways) {
+    m_rig.Users = {[this, &close](TDialogRecord&) {
+      m_rig.PumpUntil([this] { return m_rig.RowCount() == 5; });
+      TfrmScan& dialog = Open(TProgressMode::Scan);
+      close();
+      dialog.ShowModal();
+      EXPECT_TRUE(m_rig.Main.WorkerRuns());
+      m_rig.WaitForTheEnd();
+    }};
+    m_rig.Main.Scan();
+    EXPECT_GE(m_rig.RowCount(), 5U);
+    EXPECT_LT(m_rig.RowCount(), static_cast<std::size_t>(kProblems));
+  }
+}
+
+TEST_F(ProgressDialog, ItsRepairButtonHidesItRunsTheRepairAndClosesIt) {
+  m_rig.BreakMany(3);
+  bool wasHidden = false;
+  m_rig.Users.push_back([this](TDialogRecord&) {
+    m_rig.WaitForTheEnd();
+    TfrmScan& dialog = Open(TProgressMode::Scan);
+    dialog.ShowResult(u"11013(3),11015(3).", 3);
+    ::PostMessageW(Control(kRepairButton), BM_CLICK, 0, 0);
+    dialog.ShowModal();
+  });
+  m_rig.Users.push_back([this, &wasHidden](TDialogRecord&) {
+    wasHidden = !IsWindowVisible(m_dialog->Handle());
+    m_rig.WaitForTheEnd();
+  });
+  m_rig.Main.Scan();
+  ASSERT_EQ(m_rig.Dialogs.size(), 2U);
+  EXPECT_TRUE(wasHidden);
+  EXPECT_EQ(m_rig.Dialogs[1].Mode, TProgressMode::Repair);
+  EXPECT_EQ(m_rig.RowCount(), 0U);
+}
+
+TEST_F(ProgressDialog, ItsRepairButtonWaitsUntilARepairMayBegin) {
+  TfrmScan& dialog = Open(TProgressMode::Scan);
+  dialog.EnableRepair(false);
+  dialog.ShowResult(u"11012,11014.", 1);
+  EXPECT_FALSE(IsHidden(Control(kRepairButton)));
+  EXPECT_FALSE(IsWindowEnabled(Control(kRepairButton)));
+  dialog.EnableRepair(true);
+  EXPECT_TRUE(IsWindowEnabled(Control(kRepairButton)));
+}
