@@ -117,6 +117,13 @@ press() {
   fi
 }
 
+# click_list_row TITLE NUMBER: in the window's list, from 1.
+click_list_row() {
+  local -a fields
+  IFS=$'\t' read -ra fields < <(reader list "$1" | sed -n "$2p")
+  click $((fields[2] + 60)) $((fields[3] + fields[5] / 2))
+}
+
 # A step that can't be done fails like a check.
 missed() {
   failed=$((failed + 1))

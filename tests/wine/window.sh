@@ -103,8 +103,8 @@ ok "the dialog offers the repair" reader saying 'Scanning ...' Repair
 picture scanned
 ok "the value is found" has_row results 'C:\Gone\app.exe'
 found=$(reader status | head -n 1)
-# The Repair button has the keyboard.
-key space
+# The button that cancelled has the keyboard: nobody begins a repair by mistake.
+key Tab space
 ok "the repair follows in a dialog of its own" reader saying 'Repairing ...' 'The repair is complete.'
 picture repaired
 key Escape
@@ -128,14 +128,15 @@ picture viewer
 ok "it shows the backup's file" viewer_shows_the_file
 key Escape
 ok "the viewer closes" reader gone 'Registry repair'
-key Return
+press Restore Restore
 ok "the restore asks first" reader wait Confirmation
 picture question
 key alt+n
 ok "the question closes" reader gone Confirmation
 ok "No restores nothing" lacks_value 'HKCU\Software\Vendor' Exe
-# Restore is the default button.
-press Restore Restore
+# It is the default button.
+click_list_row Restore 1
+key Return
 ok "it asks again" reader wait Confirmation
 key alt+y
 ok "the restore reports" reader wait Information

@@ -60,9 +60,7 @@ repair_ends() {
 
 # restore_row NUMBER: of the restore dialog that is open.
 restore_row() {
-  local -a fields
-  IFS=$'\t' read -ra fields < <(reader list Restore | sed -n "$1p")
-  click $((fields[2] + 60)) $((fields[3] + fields[5] / 2))
+  click_list_row Restore "$1"
   press Restore Restore
   reader wait Confirmation
   key alt+y

@@ -150,7 +150,7 @@ printf '[Portable]\r\nType=1\r\nDataPath=C:\\Stick\r\n' >"$folder/settings.ini"
 dump "$work/before"
 ok "the program starts with its settings beside it" start_window
 ok "it scans" scan_to_the_end
-key space
+key Tab space
 ok "and repairs" reader saying 'Repairing ...' 'The repair is complete.'
 key Escape
 ok "the dialog closes" reader gone 'Repairing ...'

@@ -118,6 +118,15 @@ void TModalWindow::Close() {
   ::PostMessageW(Handle(), WM_NULL, 0, 0);
 }
 
+// The button that has the keyboard, or the default one.
+LRESULT TModalWindow::ButtonOfEnter() const {
+  const HWND focus = GetFocus();
+  const bool isPushButton = IsChild(Handle(), focus) && (::SendMessageW(focus, WM_GETDLGCODE, 0, 0) &
+                                                         (DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON)) != 0;
+  const int id = isPushButton ? GetDlgCtrlID(focus) : m_defaultButton;
+  return id == 0 ? 0 : MAKELRESULT(id, DC_HASDEFID);
+}
+
 LRESULT TModalWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_COMMAND:
@@ -128,8 +137,7 @@ LRESULT TModalWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       }
       break;
     case DM_GETDEFID:
-      // Asked when Enter is pressed and no button has the keyboard.
-      return m_defaultButton == 0 ? 0 : MAKELRESULT(m_defaultButton, DC_HASDEFID);
+      return ButtonOfEnter();
     case WM_SYSCOLORCHANGE:
     case WM_SETTINGCHANGE:
       TellChildren(message, wParam, lParam);

@@ -52,6 +52,8 @@ class TModalWindow : public TWindow {
   int TextHeight(TextView text, int width) const;
 
  private:
+  LRESULT ButtonOfEnter() const;
+
   TScale m_scale;
   TTextMeter m_meter{m_scale, false};
   HWND m_owner = nullptr;

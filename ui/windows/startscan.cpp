@@ -91,9 +91,8 @@ void TfrmScan::ShowResult(TextView message, std::size_t problemCount) {
   SetWindowTextW(m_closeButton, Wide(LanguageText(m_texts, TextId::ButtonClose)));
   if (!outcome.OffersRepair)
     return;
+  // The keyboard stays where it is: a key that was meant for Cancel must not begin a repair.
   ShowWindow(m_repairButton, SW_SHOW);
-  if (IsWindowEnabled(m_repairButton))
-    SetFocus(m_repairButton);
 }
 
 void TfrmScan::EnableRepair(bool enabled) {

@@ -220,3 +220,25 @@ TEST_F(ProgressDialog, ItsRepairButtonWaitsUntilARepairMayBegin) {
   dialog.EnableRepair(true);
   EXPECT_TRUE(IsWindowEnabled(Control(kRepairButton)));
 }
+
+// The keyboard
+
+TEST_F(ProgressDialog, TheKeyboardStaysOnItsCloseButtonWhenTheRepairIsOffered) {
+  TfrmScan& dialog = Open(TProgressMode::Scan);
+  ShowWindow(dialog.Handle(), SW_SHOW);
+  SetFocus(Control(kCloseButton));
+  dialog.ShowResult(u"11012,11014.", 1);
+  EXPECT_EQ(GetFocus(), Control(kCloseButton));
+}
+
+TEST_F(ProgressDialog, EnterPressesTheButtonThatHasTheKeyboard) {
+  TfrmScan& dialog = Open(TProgressMode::Scan);
+  ShowWindow(dialog.Handle(), SW_SHOW);
+  dialog.ShowResult(u"11012,11014.", 1);
+  for (const int button : {kRepairButton, kCloseButton}) {
+    SetFocus(Control(button));
+    const LRESULT answer = ::SendMessageW(dialog.Handle(), DM_GETDEFID, 0, 0);
+    EXPECT_EQ(LOWORD(answer), GetDlgCtrlID(Control(button)));
+    EXPECT_EQ(HIWORD(answer), DC_HASDEFID);
+  }
+}
