@@ -11,7 +11,7 @@ import chmfile
 HELP = pathlib.Path(__file__).resolve().parent.parent.parent / "help"
 SHIPPED = {".htm", ".css", ".png", ".hhc", ".hhk"}
 # What "#SYSTEM" says under which code.
-SYSTEM = {0: "help.hhc", 1: "help.hhk", 2: "Registry_Cleaner.htm", 3: "Corvalt"}
+SYSTEM = {0: "help.hhc", 1: "help.hhk", 2: "Registry_Cleaner.htm", 3: "Corvalt Help"}
 
 
 def sources(folder):
