@@ -102,6 +102,7 @@ ok "the scan ends" reader saying 'Scanning ...' 'The scan is complete.'
 ok "the dialog offers the repair" reader saying 'Scanning ...' Repair
 picture scanned
 ok "the value is found" has_row results 'C:\Gone\app.exe'
+ok "the program's own settings, which name a folder to come, are no problem" lacks_row results TessalySoft
 found=$(reader status | head -n 1)
 # The button that cancelled has the keyboard: nobody begins a repair by mistake.
 key Tab space
