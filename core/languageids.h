@@ -155,6 +155,10 @@ enum class TextId : std::int32_t {
   // Results tree and report
   ColumnProblems = 40032,
   ConfirmOverwrite = 40033,  // Argument: the file.
+
+  // What assistive technology says that a row's default action does
+  ActionCheckRow = 40034,
+  ActionUncheckRow = 40035,
 };
 
 struct TTextEntry {
@@ -163,7 +167,7 @@ struct TTextEntry {
 };
 
 // One entry for each TextId, in the same order.
-inline constexpr std::array<TTextEntry, 118> kTextIds{{
+inline constexpr std::array<TTextEntry, 120> kTextIds{{
     {TextId::MenuFile, 0},
     {TextId::ButtonView, 0},
     {TextId::MenuHelp, 0},
@@ -282,4 +286,6 @@ inline constexpr std::array<TTextEntry, 118> kTextIds{{
     {TextId::ActionRefresh, 0},
     {TextId::ColumnProblems, 0},
     {TextId::ConfirmOverwrite, 1},
+    {TextId::ActionCheckRow, 0},
+    {TextId::ActionUncheckRow, 0},
 }};

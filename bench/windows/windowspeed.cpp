@@ -127,6 +127,12 @@ class TOurTree : private TTreeControlOwner {
     problem.Kind = kKindKey;
   }
 
+  Text TreeName() const override {
+    return {};
+  }
+  Text ActionName(bool) const override {
+    return {};
+  }
   int RowUnits(const TTreeNode& node) const override {
     return TResultsRows::HeightInUnits(static_cast<const TResultsNode&>(node));
   }

@@ -240,6 +240,10 @@ has_focus() {
   [[ $(reader outline "$1" | cut -f 4) != - ]]
 }
 
+has_no_focus() {
+  ! has_focus "$1"
+}
+
 # Where a row's parts lie at 96 dots per inch.
 click_opener() {
   click_in_row "$1" "$2" 9 0

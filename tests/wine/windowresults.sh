@@ -165,6 +165,29 @@ ok "the third one says what follows" has_row results "$empty_key | This key is e
 ok "its action is to be repaired" eventually chosen_is 'Repair this problem'
 picture selected
 
+# The controls on its third line, with the keyboard alone
+key Tab
+ok "Tab leaves the tree" eventually has_no_focus results
+key Down
+ok "for the chooser" eventually chosen_is 'Do not repair this problem'
+ok "which unchecks the row" lacks_state results "$empty_key" checked
+picture chooser-focused
+key Up
+ok "and checks it" eventually chosen_is 'Repair this problem'
+key Tab
+picture button-focused
+key shift+Tab Down
+ok "from the button Tab goes back to it" eventually chosen_is 'Do not repair this problem'
+key Up shift+Tab
+ok "and from there to the tree" eventually has_focus results
+ok "all is as it was" chosen_is 'Repair this problem'
+click_opener results "$obsolete"
+ok "a section that closes over the selected problem is selected itself" eventually selected_is "$obsolete"
+key Right
+ok "it opens again" eventually has_states results "$obsolete" expanded
+click_row results "$empty_key"
+ok "and the problem is selected again" eventually has_states results "$empty_key" selected
+
 # Checks
 click_box results "$empty_key"
 ok "a click on the box unchecks it" eventually lacks_state results "$empty_key" checked

@@ -78,6 +78,12 @@ class TfrmRegMain::TSectionsOwner : public TTreeControlOwner {
     const auto& section = static_cast<const TSectionsNode&>(node);
     return {section.ImageIndex, {{section.Caption, false, false}}};
   }
+  Text TreeName() const override {
+    return m_window.Plain(TextId::GroupSections);
+  }
+  Text ActionName(bool checks) const override {
+    return m_window.ActionName(checks);
+  }
   Text SearchText(const TTreeNode& node) const override {
     return static_cast<const TSectionsNode&>(node).Caption;
   }
@@ -118,7 +124,14 @@ class TfrmRegMain::TResultsOwner : public TTreeControlOwner {
     const auto& row = static_cast<const TResultsNode&>(node);
     // A problem's own image says what kind of section found it, and is not shown.
     const int image = row.Parent == nullptr ? row.Problem.ImageIndex : kNoImage;
-    return {image, m_window.m_main.Rows().Lines(row)};
+    const int controlsHeight = row.Problem.StateFlag1 ? m_window.ChooserHeight() : 0;
+    return {image, m_window.m_main.Rows().Lines(row), controlsHeight};
+  }
+  Text TreeName() const override {
+    return m_window.Plain(TextId::ColumnProblems);
+  }
+  Text ActionName(bool checks) const override {
+    return m_window.ActionName(checks);
   }
   Text SearchText(const TTreeNode& node) const override {
     const auto& row = static_cast<const TResultsNode&>(node);
@@ -229,12 +242,34 @@ int TfrmRegMain::Run() {
   while (GetMessageW(&message, nullptr, 0, 0) > 0) {
     if (TranslateAcceleratorW(Handle(), m_accelerators, &message))
       continue;
-    if (IsDialogMessageW(Handle(), &message))
+    if (TabThroughRow(message) || IsDialogMessageW(Handle(), &message))
       continue;
     TranslateMessage(&message);
     DispatchMessageW(&message);
   }
   return static_cast<int>(message.wParam);
+}
+
+// The controls on the selected row lie within the tree, where the system's own way with Tab does not look.
+bool TfrmRegMain::TabThroughRow(const MSG& message) {
+  const bool isTab =
+      message.message == WM_KEYDOWN && message.wParam == VK_TAB && GetKeyState(VK_CONTROL) >= 0;
+  const std::array<HWND, 3> stops = {m_resultsTree.Handle(), m_chooser, m_registryButton};
+  const auto* const stop = std::find(stops.begin(), stops.end(), GetFocus());
+  if (!isTab || stop == stops.end() || !IsWindowEnabled(m_chooser))
+    return false;
+  const bool isBack = GetKeyState(VK_SHIFT) < 0;
+  if (isBack && stop == stops.begin())
+    return false;
+  // What has the keyboard is drawn so from now on.
+  ::SendMessageW(Handle(), WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS), 0);
+  if (!isBack && stop + 1 == stops.end()) {
+    SetFocus(GetNextDlgTabItem(Handle(), m_resultsTree.Handle(), FALSE));
+    return true;
+  }
+  m_resultsTree.SelectRow(m_main.Rows().Selected());
+  SetFocus(isBack ? *(stop - 1) : *(stop + 1));
+  return true;
 }
 
 LRESULT TfrmRegMain::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -408,17 +443,18 @@ void TfrmRegMain::CreateToolbar() {
 }
 
 void TfrmRegMain::CreateRowControls() {
-  constexpr DWORD kChooserStyle = WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST |
-                                  CBS_OWNERDRAWFIXED | CBS_HASSTRINGS;
+  // The tree's header lies above them when the row is scrolled under it.
+  constexpr DWORD kStyle = WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_CLIPSIBLINGS;
+  constexpr DWORD kChooserStyle =
+      kStyle | WS_VSCROLL | CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED | CBS_HASSTRINGS;
   m_chooser =
       CreateWindowExW(0, L"COMBOBOX", L"", kChooserStyle, kParked, 0, m_scale(kChooserWidth),
                       m_scale(kChooserListHeight), m_resultsTree.Handle(),
                       reinterpret_cast<HMENU>(static_cast<LONG_PTR>(kChooserId)), ProgramInstance(), nullptr);
-  m_registryButton = CreateWindowExW(0, L"BUTTON", L"", WS_CHILD | WS_VISIBLE | WS_TABSTOP, kParked, 0,
-                                     m_scale(static_cast<int>(kRegistryButton.cx)),
-                                     m_scale(static_cast<int>(kRegistryButton.cy)), m_resultsTree.Handle(),
-                                     reinterpret_cast<HMENU>(static_cast<LONG_PTR>(kCmdOpenInRegedit)),
-                                     ProgramInstance(), nullptr);
+  m_registryButton = CreateWindowExW(
+      0, L"BUTTON", L"", kStyle, kParked, 0, m_scale(static_cast<int>(kRegistryButton.cx)),
+      m_scale(static_cast<int>(kRegistryButton.cy)), m_resultsTree.Handle(),
+      reinterpret_cast<HMENU>(static_cast<LONG_PTR>(kCmdOpenInRegedit)), ProgramInstance(), nullptr);
   for (const HWND control : {m_chooser, m_registryButton}) {
     ::SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(m_font.Get()), FALSE);
   }
@@ -659,9 +695,7 @@ void TfrmRegMain::FillRowControls() {
     const int caption = m_resultsTree.MeasureText(controls.ButtonCaption) + m_scale(kButtonMargin);
     const int width = std::max(m_scale(static_cast<int>(kRegistryButton.cx)), caption);
     // As high as the chooser beside it, whose frame does not scale with the display.
-    RECT chooser = {};
-    GetWindowRect(m_chooser, &chooser);
-    SetWindowPos(m_registryButton, nullptr, 0, 0, width, static_cast<int>(chooser.bottom - chooser.top),
+    SetWindowPos(m_registryButton, nullptr, 0, 0, width, ChooserHeight(),
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     SetTip(controls.ButtonTip);
     // Both can be scrolled into sight.
@@ -673,9 +707,19 @@ void TfrmRegMain::FillRowControls() {
   PlaceRowControls();
 }
 
+int TfrmRegMain::ChooserHeight() const {
+  RECT chooser = {};
+  GetWindowRect(m_chooser, &chooser);
+  return static_cast<int>(chooser.bottom - chooser.top);
+}
+
 // From a row's text to its chooser.
 int TfrmRegMain::RowLabelWidth() const {
   return m_resultsTree.MeasureText(m_main.Rows().ActionLabel() + u"    ");
+}
+
+Text TfrmRegMain::ActionName(bool checks) const {
+  return Plain(checks ? TextId::ActionCheckRow : TextId::ActionUncheckRow);
 }
 
 void TfrmRegMain::SetTip(Text tip) {
@@ -702,7 +746,7 @@ void TfrmRegMain::PlaceRowControls() {
     GetWindowRect(m_chooser, &chooser);
     chooserLeft = static_cast<int>(row.left) + m_resultsTree.TextLeft(1) + RowLabelWidth();
     buttonLeft = chooserLeft + static_cast<int>(chooser.right - chooser.left) + m_scale(kRowControlGap);
-    top = static_cast<int>(row.bottom - (chooser.bottom - chooser.top)) - 1;
+    top = static_cast<int>(row.bottom) - ChooserHeight() - 1;
   }
   for (const auto& [control, left] :
        {std::pair{m_chooser, chooserLeft}, std::pair{m_registryButton, buttonLeft}}) {

@@ -64,6 +64,9 @@ class TfrmRegMain : public TWindow, private TRegMainView {
   // The chooser and the button that ride on the selected problem's third line.
   void FillRowControls();
   int RowLabelWidth() const;
+  int ChooserHeight() const;
+  Text ActionName(bool checks) const;
+  bool TabThroughRow(const MSG& message);
   void PlaceRowControls();
   void SetTip(Text tip);
   void ChoiceMade();

@@ -102,9 +102,12 @@ STDMETHODIMP TTreeAccessible::get_accChild(VARIANT child, IDispatch** object) {
 STDMETHODIMP TTreeAccessible::get_accName(VARIANT child, BSTR* name) {
   *name = nullptr;
   const TTreeNode* row = RowOf(child);
-  if (row == nullptr)
-    return IsSelf(child) ? S_FALSE : E_INVALIDARG;
-  *name = NewText(Control()->RowName(*row));
+  if (row == nullptr && !IsSelf(child))
+    return E_INVALIDARG;
+  const TTreeControl* control = Control();
+  if (control == nullptr)
+    return CO_E_OBJNOTCONNECTED;
+  *name = NewText(row == nullptr ? control->Name() : control->RowName(*row));
   return S_OK;
 }
 
@@ -195,18 +198,20 @@ STDMETHODIMP TTreeAccessible::get_accDefaultAction(VARIANT child, BSTR* action) 
   *action = nullptr;
   const TTreeNode* row = RowOf(child);
   if (row == nullptr)
-    return S_FALSE;
-  *action = NewText(row->State == TCheckState::Checked ? u"Uncheck" : u"Check");
+    return IsSelf(child) ? S_FALSE : E_INVALIDARG;
+  *action = NewText(Control()->ActionName(*row));
   return S_OK;
 }
 
 STDMETHODIMP TTreeAccessible::accSelect(LONG flags, VARIANT child) {
   TTreeNode* row = RowOf(child);
-  if (row == nullptr)
+  // One row is selected at a time: none joins it and none leaves.
+  const LONG known = row != nullptr ? SELFLAG_TAKEFOCUS | SELFLAG_TAKESELECTION : SELFLAG_TAKEFOCUS;
+  if ((row == nullptr && !IsSelf(child)) || (flags & ~known) != 0)
     return E_INVALIDARG;
   if ((flags & SELFLAG_TAKEFOCUS) != 0)
     SetFocus(m_window);
-  if ((flags & (SELFLAG_TAKEFOCUS | SELFLAG_TAKESELECTION)) != 0)
+  if (row != nullptr && flags != SELFLAG_NONE)
     Control()->SelectRow(row);
   return S_OK;
 }
@@ -218,12 +223,12 @@ STDMETHODIMP TTreeAccessible::accLocation(LONG* left, LONG* top, LONG* width, LO
   RECT rect = {};
   if (TTreeNode* row = RowOf(child)) {
     rect = control->RowRect(row);
-    MapWindowPoints(m_window, nullptr, reinterpret_cast<POINT*>(&rect), 2);
   } else if (IsSelf(child)) {
-    GetWindowRect(m_window, &rect);
+    GetClientRect(m_window, &rect);
   } else {
     return E_INVALIDARG;
   }
+  MapWindowPoints(m_window, nullptr, reinterpret_cast<POINT*>(&rect), 2);
   *left = rect.left;
   *top = rect.top;
   *width = rect.right - rect.left;
@@ -237,12 +242,15 @@ STDMETHODIMP TTreeAccessible::accNavigate(LONG direction, VARIANT start, VARIANT
   if (control == nullptr)
     return CO_E_OBJNOTCONNECTED;
   TTreeLayout& layout = control->Layout();
+  const TTreeNode* row = RowOf(start);
+  if (row == nullptr && !IsSelf(start))
+    return E_INVALIDARG;
   TTreeNode* target = nullptr;
   if (direction == NAVDIR_FIRSTCHILD || direction == NAVDIR_LASTCHILD) {
-    if (!IsSelf(start))
+    if (row != nullptr)
       return S_FALSE;
     target = direction == NAVDIR_FIRSTCHILD ? layout.FirstRow() : layout.LastRow();
-  } else if (const TTreeNode* row = RowOf(start)) {
+  } else if (row != nullptr) {
     if (direction == NAVDIR_NEXT || direction == NAVDIR_DOWN)
       target = layout.NextRow(row);
     if (direction == NAVDIR_PREVIOUS || direction == NAVDIR_UP)

@@ -49,6 +49,12 @@ RECT Centred(int left, int size, const RECT& rect, int unit) {
   return {left, top, left + size, top + size};
 }
 
+bool IsBelow(const TTreeNode* node, const TTreeNode* above) {
+  while (node != nullptr && node->Parent != above)
+    node = node->Parent;
+  return node != nullptr;
+}
+
 TTreeKey KeyOf(WPARAM key, bool& known) {
   known = true;
   switch (key) {
@@ -208,6 +214,7 @@ void TTreeControl::Refresh() {
   UpdateScrollBars();
   InvalidateRect(Handle(), nullptr, FALSE);
   m_owner.RowsMoved();
+  AnnounceRows();
 }
 
 void TTreeControl::RefreshSoon() {
@@ -389,9 +396,9 @@ void TTreeControl::DrawRowText(HDC dc, const TTreeRow& row, const RECT& rect, co
       line.top += step;
       line.bottom = line.top + step;
     } else if (i == 2) {
-      // The third line stands at the row's end, where the controls of the selected row are.
+      // The third line stands at the row's end, as high as the controls of the selected row.
       line = place;
-      line.top = line.bottom - step;
+      line.top = line.bottom - look.ControlsHeight;
     }
     const TSelected font(dc, (content.Bold ? m_boldMeter : m_meter).Font());
     SetTextColor(dc, TextColour(content, isFocused));
@@ -635,14 +642,21 @@ bool TTreeControl::OnKeyDown(WPARAM key) {
   const TTreeKey treeKey = KeyOf(key, known);
   if (!known)
     return false;
+  Press(treeKey);
+  return true;
+}
+
+void TTreeControl::Press(TTreeKey key) {
   const RECT area = RowsArea();
-  TTreeNode* target = m_keys.Press(treeKey, static_cast<int>(area.bottom - area.top));
+  const std::int64_t rows = m_layout.RowCount();
+  TTreeNode* target = m_keys.Press(key, static_cast<int>(area.bottom - area.top));
   if (target != nullptr && target != m_model.Selected()) {
     MoveSelection(target);
-  } else {
-    Refresh();
+    return;
   }
-  return true;
+  Refresh();
+  if (m_layout.RowCount() != rows)
+    Announce(EVENT_OBJECT_STATECHANGE, target);
 }
 
 void TTreeControl::OnCharacter(char16_t unit) {
@@ -650,9 +664,7 @@ void TTreeControl::OnCharacter(char16_t unit) {
   if (unit <= u' ')
     return;
   if (unit == u'+' || unit == u'-' || unit == u'*') {
-    const TTreeKey key = unit == u'+' ? TTreeKey::Open : unit == u'-' ? TTreeKey::Close : TTreeKey::OpenAll;
-    m_keys.Press(key, 0);
-    Refresh();
+    Press(unit == u'+' ? TTreeKey::Open : unit == u'-' ? TTreeKey::Close : TTreeKey::OpenAll);
     return;
   }
   TTreeNode* row =
@@ -690,6 +702,9 @@ void TTreeControl::SetOpen(TTreeNode* node, bool open) {
   m_model.SetExpanded(node, open);
   Refresh();
   Announce(EVENT_OBJECT_STATECHANGE, node);
+  // A row that is hidden can't stay selected: keys would act on what nobody sees.
+  if (!open && IsBelow(m_model.Selected(), node))
+    MoveSelection(node);
 }
 
 void TTreeControl::ToggleCheck(TTreeNode* node) {
@@ -706,6 +721,18 @@ Text TTreeControl::RowName(const TTreeNode& node) const {
   for (const TRowLine& line : m_owner.LookOf(node).Lines)
     name += (name.empty() ? u"" : u"\r\n") + line.Content;
   return name;
+}
+
+Text TTreeControl::ActionName(const TTreeNode& node) const {
+  return m_owner.ActionName(node.State != TCheckState::Checked);
+}
+
+// Rows are known by their numbers, which mean other rows now.
+void TTreeControl::AnnounceRows() {
+  if (m_layout.RowCount() == m_announcedRows)
+    return;
+  m_announcedRows = m_layout.RowCount();
+  NotifyWinEvent(EVENT_OBJECT_REORDER, Handle(), OBJID_CLIENT, CHILDID_SELF);
 }
 
 void TTreeControl::Announce(DWORD event, const TTreeNode* node) {

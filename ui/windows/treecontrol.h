@@ -20,6 +20,7 @@ class TTreeAccessible;
 struct TRowLook {
   int Image = kNoImage;  // in the control's image list
   std::vector<TRowLine> Lines;
+  int ControlsHeight = 0;  // of the controls that ride on the third line
 };
 
 // What the control asks of its owner, and tells it.
@@ -29,6 +30,10 @@ class TTreeControlOwner {
 
   virtual int RowUnits(const TTreeNode& node) const = 0;
   virtual TRowLook LookOf(const TTreeNode& node) const = 0;
+
+  // What assistive technology calls the tree, and the action that checks or unchecks a row.
+  virtual Text TreeName() const = 0;
+  virtual Text ActionName(bool checks) const = 0;
 
   // What typing on the keyboard finds the row by.
   virtual Text SearchText(const TTreeNode& node) const = 0;
@@ -99,7 +104,12 @@ class TTreeControl : public TWindow {
   TTreeModel& Model() {
     return m_model;
   }
+  Text Name() const {
+    return m_owner.TreeName();
+  }
   Text RowName(const TTreeNode& node) const;
+  // What ToggleCheck does now.
+  Text ActionName(const TTreeNode& node) const;
   void ToggleCheck(TTreeNode* node);
   TTreeNode* RowAtPoint(POINT client);
   // Whether any of the row is in sight.
@@ -123,6 +133,7 @@ class TTreeControl : public TWindow {
   void OnWheel(WPARAM wParam);
   void OnButtonDown(POINT point, bool isDouble);
   bool OnKeyDown(WPARAM key);
+  void Press(TTreeKey key);
   void OnCharacter(char16_t unit);
   LRESULT OnNotify(const NMHDR* notice);
 
@@ -154,6 +165,7 @@ class TTreeControl : public TWindow {
   void SetOpen(TTreeNode* node, bool open);
   void OpenThemes();
   void Announce(DWORD event, const TTreeNode* node);
+  void AnnounceRows();
 
   TTreeModel& m_model;
   TTreeControlOwner& m_owner;
@@ -180,4 +192,5 @@ class TTreeControl : public TWindow {
   std::int64_t m_scrollTop = 0;
   TWheel m_wheel;
   bool m_refreshIsDue = false;
+  std::int64_t m_announcedRows = 0;
 };

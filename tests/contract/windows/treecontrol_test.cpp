@@ -1,4 +1,5 @@
-// The tree control in a real window: what is cut off can be read all the same.
+// The tree control in a real window: what is cut off can be read all the same, what is hidden is not
+// selected, and what assistive technology is answered.
 #include "ui/windows/treecontrol.h"
 
 #include <gtest/gtest.h>
@@ -21,11 +22,26 @@ class TreeControl : public testing::Test, private TTreeControlOwner {
     DestroyWindow(m_frame);
   }
 
-  void Add(TextView caption) {
+  TTreeNode* Add(TextView caption, TTreeNode* parent = nullptr) {
     auto node = std::make_unique<TNamedNode>();
     node->Caption = caption;
-    m_model.Add(nullptr, std::move(node));
+    TTreeNode* added = m_model.Add(parent, std::move(node));
     m_control.Refresh();
+    return added;
+  }
+  TTreeNode* AddOpen(TextView caption) {
+    TTreeNode* node = Add(caption);
+    m_model.SetExpanded(node, true);
+    return node;
+  }
+  // On the expand button of a row at the top level.
+  void ClickOpener(TTreeNode* node) {
+    const RECT row = m_control.RowRect(node);
+    ::SendMessageW(m_control.Handle(), WM_LBUTTONDOWN, MK_LBUTTON,
+                   MAKELPARAM(TScale()(9), row.top + (row.bottom - row.top) / 2));
+  }
+  void Press(WPARAM key) {
+    ::SendMessageW(m_control.Handle(), WM_KEYDOWN, key, 0);
   }
 
   // Moves the mouse over a row; answers the text of its tip, empty when it has none.
@@ -60,6 +76,12 @@ class TreeControl : public testing::Test, private TTreeControlOwner {
   TRowLook LookOf(const TTreeNode& node) const override {
     return {kNoImage, {{static_cast<const TNamedNode&>(node).Caption, false, false}}};
   }
+  Text TreeName() const override {
+    return u"Names";
+  }
+  Text ActionName(bool checks) const override {
+    return checks ? u"Check it" : u"Uncheck it";
+  }
   Text SearchText(const TTreeNode&) const override {
     return {};
   }
@@ -69,7 +91,8 @@ class TreeControl : public testing::Test, private TTreeControlOwner {
   bool MayCheck() const override {
     return true;
   }
-  void RowSelected(TTreeNode*) override {
+  void RowSelected(TTreeNode* node) override {
+    m_model.Select(node);
   }
   void RowChecked(TTreeNode*) override {
   }
@@ -86,9 +109,58 @@ class TreeControl : public testing::Test, private TTreeControlOwner {
 
  protected:
   TTreeModel m_model;
-
- private:
   TTreeControl m_control{m_model, *this, {}};
+};
+
+VARIANT Child(LONG number) {
+  VARIANT child = {};
+  child.vt = VT_I4;
+  child.lVal = number;
+  return child;
+}
+
+// The tree as assistive technology is answered about it: a section with two rows, and one after it.
+class TreeControlAccessible : public TreeControl {
+ protected:
+  static constexpr LONG kSection = 1;
+  static constexpr LONG kFirst = 2;
+  static constexpr LONG kLastRow = 4;
+  static constexpr LONG kNoRow = 5;
+
+  TreeControlAccessible() {
+    AccessibleObjectFromWindow(m_control.Handle(), static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
+                               reinterpret_cast<void**>(&m_tree));
+  }
+  ~TreeControlAccessible() override {
+    m_tree->Release();
+  }
+
+  // A text that a routine answered; "-" for none.
+  static Text Taken(HRESULT result, BSTR text) {
+    const Text taken = result == S_OK ? Text(FromWide(text, SysStringLen(text))) : Text(u"-");
+    SysFreeString(text);
+    return taken;
+  }
+  Text NameOf(LONG child) const {
+    BSTR name = nullptr;
+    const HRESULT result = m_tree->get_accName(Child(child), &name);
+    return Taken(result, name);
+  }
+  Text ActionOf(LONG child) const {
+    BSTR action = nullptr;
+    const HRESULT result = m_tree->get_accDefaultAction(Child(child), &action);
+    return Taken(result, action);
+  }
+  LONG Selection() const {
+    VARIANT selected = {};
+    return m_tree->get_accSelection(&selected) == S_OK ? selected.lVal : 0;
+  }
+
+  TTreeNode* m_section = AddOpen(u"Section");
+  TTreeNode* m_first = Add(u"First", m_section);
+  TTreeNode* m_second = Add(u"Second", m_section);
+  TTreeNode* m_last = Add(u"Last");
+  IAccessible* m_tree = nullptr;
 };
 
 }  // namespace
@@ -117,4 +189,128 @@ TEST_F(TreeControl, ARowThatTookAnothersPlaceHasItsOwnTip) {
   m_model.Delete(m_model.FirstRoot());
   Add(u"Short");
   EXPECT_EQ(TipOfRow(0), u"");
+}
+
+// What is hidden is not selected
+
+TEST_F(TreeControl, ClosingARowWithTheMouseTakesTheSelectionUpToIt) {
+  TTreeNode* section = AddOpen(u"Section");
+  TTreeNode* row = Add(u"Row", section);
+  TTreeNode* after = Add(u"After");
+  m_control.SelectRow(row);
+  ClickOpener(section);
+  EXPECT_FALSE(section->Expanded);
+  EXPECT_EQ(m_model.Selected(), section);
+  Press(VK_DOWN);
+  EXPECT_EQ(m_model.Selected(), after);
+  EXPECT_FALSE(section->Expanded);
+}
+
+TEST_F(TreeControl, ClosingARowKeepsASelectionElsewhere) {
+  TTreeNode* section = AddOpen(u"Section");
+  Add(u"Row", section);
+  TTreeNode* after = Add(u"After");
+  m_control.SelectRow(after);
+  ClickOpener(section);
+  EXPECT_FALSE(section->Expanded);
+  EXPECT_EQ(m_model.Selected(), after);
+}
+
+TEST_F(TreeControl, ClosingARowWithoutASelectionSelectsNone) {
+  TTreeNode* section = AddOpen(u"Section");
+  Add(u"Row", section);
+  ClickOpener(section);
+  EXPECT_FALSE(section->Expanded);
+  EXPECT_EQ(m_model.Selected(), nullptr);
+}
+
+// Assistive technology
+
+TEST_F(TreeControlAccessible, TheTreeAndItsRowsHaveNames) {
+  EXPECT_EQ(NameOf(CHILDID_SELF), u"Names");
+  EXPECT_EQ(NameOf(kFirst), u"First");
+  EXPECT_EQ(NameOf(kLastRow), u"Last");
+}
+
+TEST_F(TreeControlAccessible, ItsActionIsNamedInTheUsersLanguage) {
+  EXPECT_EQ(ActionOf(kFirst), u"Uncheck it");
+  EXPECT_EQ(m_tree->accDoDefaultAction(Child(kFirst)), S_OK);
+  EXPECT_EQ(m_first->State, TCheckState::Unchecked);
+  EXPECT_EQ(ActionOf(kFirst), u"Check it");
+  // The section is mixed now.
+  EXPECT_EQ(ActionOf(kSection), u"Check it");
+  EXPECT_EQ(ActionOf(CHILDID_SELF), u"-");
+}
+
+TEST_F(TreeControlAccessible, ANumberThatIsNoRowIsRefusedByEveryRoutine) {
+  for (const LONG number : {kNoRow, -1L}) {
+    VARIANT answer = {};
+    BSTR text = nullptr;
+    IDispatch* object = nullptr;
+    LONG place[4] = {};
+    EXPECT_EQ(m_tree->get_accChild(Child(number), &object), E_INVALIDARG);
+    EXPECT_EQ(m_tree->get_accName(Child(number), &text), E_INVALIDARG);
+    EXPECT_EQ(m_tree->get_accValue(Child(number), &text), E_INVALIDARG);
+    EXPECT_EQ(m_tree->get_accRole(Child(number), &answer), E_INVALIDARG);
+    EXPECT_EQ(m_tree->get_accState(Child(number), &answer), E_INVALIDARG);
+    EXPECT_EQ(m_tree->get_accDefaultAction(Child(number), &text), E_INVALIDARG);
+    EXPECT_EQ(m_tree->accSelect(SELFLAG_TAKESELECTION, Child(number)), E_INVALIDARG);
+    EXPECT_EQ(m_tree->accLocation(&place[0], &place[1], &place[2], &place[3], Child(number)), E_INVALIDARG);
+    EXPECT_EQ(m_tree->accNavigate(NAVDIR_NEXT, Child(number), &answer), E_INVALIDARG);
+    EXPECT_EQ(m_tree->accDoDefaultAction(Child(number)), E_INVALIDARG);
+  }
+}
+
+TEST_F(TreeControlAccessible, ARowCanBeSelectedAndAnotherTakesItsPlace) {
+  EXPECT_EQ(m_tree->accSelect(SELFLAG_TAKESELECTION, Child(kFirst)), S_OK);
+  EXPECT_EQ(Selection(), kFirst);
+  EXPECT_EQ(m_tree->accSelect(SELFLAG_TAKEFOCUS | SELFLAG_TAKESELECTION, Child(kLastRow)), S_OK);
+  EXPECT_EQ(m_model.Selected(), m_last);
+}
+
+TEST_F(TreeControlAccessible, ASelectionOfSeveralRowsIsRefused) {
+  m_control.SelectRow(m_first);
+  for (const LONG flag : {SELFLAG_ADDSELECTION, SELFLAG_EXTENDSELECTION, SELFLAG_REMOVESELECTION})
+    EXPECT_EQ(m_tree->accSelect(flag, Child(kLastRow)), E_INVALIDARG);
+  EXPECT_EQ(m_tree->accSelect(SELFLAG_TAKESELECTION, Child(CHILDID_SELF)), E_INVALIDARG);
+  EXPECT_EQ(Selection(), kFirst);
+}
+
+TEST_F(TreeControlAccessible, TheTreeItselfTakesTheKeyboard) {
+  SetFocus(nullptr);
+  EXPECT_EQ(m_tree->accSelect(SELFLAG_TAKEFOCUS, Child(CHILDID_SELF)), S_OK);
+  EXPECT_EQ(GetFocus(), m_control.Handle());
+  EXPECT_EQ(m_model.Selected(), nullptr);
+}
+
+TEST_F(TreeControlAccessible, AClosedRowsSelectionIsTheRowItself) {
+  m_control.SelectRow(m_second);
+  ClickOpener(m_section);
+  EXPECT_EQ(Selection(), kSection);
+}
+
+TEST_F(TreeControlAccessible, ARowIsFoundWhereItLies) {
+  LONG left = 0;
+  LONG top = 0;
+  LONG width = 0;
+  LONG height = 0;
+  ASSERT_EQ(m_tree->accLocation(&left, &top, &width, &height, Child(kFirst)), S_OK);
+  VARIANT row = {};
+  EXPECT_EQ(m_tree->accHitTest(left + width / 2, top + height / 2, &row), S_OK);
+  EXPECT_EQ(row.lVal, kFirst);
+  // Below the last row there is the tree.
+  ASSERT_EQ(m_tree->accLocation(&left, &top, &width, &height, Child(CHILDID_SELF)), S_OK);
+  EXPECT_EQ(m_tree->accHitTest(left + width / 2, top + height - 1, &row), S_OK);
+  EXPECT_EQ(row.lVal, CHILDID_SELF);
+  EXPECT_EQ(m_tree->accHitTest(left, top + height, &row), S_FALSE);
+}
+
+TEST_F(TreeControlAccessible, AnObjectThatOutlivesItsWindowSaysSo) {
+  DestroyWindow(m_control.Handle());
+  LONG count = 7;
+  BSTR name = nullptr;
+  VARIANT state = {};
+  EXPECT_EQ(m_tree->get_accChildCount(&count), CO_E_OBJNOTCONNECTED);
+  EXPECT_EQ(m_tree->get_accName(Child(CHILDID_SELF), &name), CO_E_OBJNOTCONNECTED);
+  EXPECT_EQ(m_tree->get_accState(Child(CHILDID_SELF), &state), CO_E_OBJNOTCONNECTED);
 }
