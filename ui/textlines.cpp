@@ -6,7 +6,15 @@ namespace {
 
 constexpr TextView kLineEnd = u"\r\n";
 
+bool IsBlank(char16_t unit) {
+  return unit == u' ' || unit == u'\t' || unit == u'\r' || unit == u'\n';
+}
+
 }  // namespace
+
+bool CutsPair(TextView text, std::size_t place) {
+  return place > 0 && place < text.size() && IsHighSurrogate(text[place - 1]) && IsLowSurrogate(text[place]);
+}
 
 TTextLines::TTextLines(Text content) : m_content(std::move(content)) {
   m_starts.push_back(0);
@@ -53,6 +61,10 @@ void TTextCursor::Move(TTextMove move, bool extend) {
       return Go(Left(), extend);
     case TTextMove::Right:
       return Go(Right(), extend);
+    case TTextMove::WordLeft:
+      return Go(WordLeft(), extend);
+    case TTextMove::WordRight:
+      return Go(WordRight(), extend);
     case TTextMove::LineStart:
       return Go(m_lines.StartOf(line), extend);
     case TTextMove::LineEnd:
@@ -69,8 +81,7 @@ std::size_t TTextCursor::Left() const {
   const std::size_t line = m_lines.LineOf(m_caret);
   if (m_caret == m_lines.StartOf(line))
     return line == 0 ? 0 : m_lines.EndOf(line - 1);
-  const bool isPair = m_caret >= 2 && IsLowSurrogate(text[m_caret - 1]) && IsHighSurrogate(text[m_caret - 2]);
-  return m_caret - (isPair ? 2 : 1);
+  return m_caret - (CutsPair(text, m_caret - 1) ? 2 : 1);
 }
 
 std::size_t TTextCursor::Right() const {
@@ -78,9 +89,27 @@ std::size_t TTextCursor::Right() const {
   const std::size_t line = m_lines.LineOf(m_caret);
   if (m_caret == m_lines.EndOf(line))
     return line + 1 < m_lines.Count() ? m_lines.StartOf(line + 1) : m_caret;
-  const bool isPair =
-      m_caret + 1 < text.size() && IsHighSurrogate(text[m_caret]) && IsLowSurrogate(text[m_caret + 1]);
-  return m_caret + (isPair ? 2 : 1);
+  return m_caret + (CutsPair(text, m_caret + 1) ? 2 : 1);
+}
+
+std::size_t TTextCursor::WordLeft() const {
+  const Text& text = m_lines.Content();
+  std::size_t place = m_caret;
+  while (place > 0 && IsBlank(text[place - 1]))
+    --place;
+  while (place > 0 && !IsBlank(text[place - 1]))
+    --place;
+  return place;
+}
+
+std::size_t TTextCursor::WordRight() const {
+  const Text& text = m_lines.Content();
+  std::size_t place = m_caret;
+  while (place < text.size() && !IsBlank(text[place]))
+    ++place;
+  while (place < text.size() && IsBlank(text[place]))
+    ++place;
+  return place;
 }
 
 void TTextCursor::MoveLines(std::ptrdiff_t lines, bool extend) {
@@ -95,4 +124,19 @@ void TTextCursor::MoveLines(std::ptrdiff_t lines, bool extend) {
 void TTextCursor::SelectAll() {
   m_anchor = 0;
   m_caret = m_lines.Content().size();
+}
+
+void TTextCursor::SelectWord(std::size_t place) {
+  const std::size_t line = m_lines.LineOf(place);
+  const TextView text = m_lines.Line(line);
+  std::size_t start = std::min(place - m_lines.StartOf(line), text.size());
+  std::size_t end = start;
+  // At the line's end the word before it is meant.
+  const bool isBlank = start < text.size() ? IsBlank(text[start]) : !text.empty() && IsBlank(text.back());
+  while (start > 0 && IsBlank(text[start - 1]) == isBlank)
+    --start;
+  while (end < text.size() && IsBlank(text[end]) == isBlank)
+    ++end;
+  m_anchor = m_lines.StartOf(line) + start;
+  m_caret = m_lines.StartOf(line) + end;
 }

@@ -7,6 +7,9 @@
 
 #include "core/text.h"
 
+// Whether a place lies between the two units of a surrogate pair.
+bool CutsPair(TextView text, std::size_t place);
+
 class TTextLines {
  public:
   // Lines end with CR LF.
@@ -34,7 +37,7 @@ class TTextLines {
   std::vector<std::size_t> m_starts;
 };
 
-enum class TTextMove { Left, Right, LineStart, LineEnd, TextStart, TextEnd };
+enum class TTextMove { Left, Right, WordLeft, WordRight, LineStart, LineEnd, TextStart, TextEnd };
 
 // Where the caret stands, and what is selected between it and where the selection began.
 class TTextCursor {
@@ -51,17 +54,21 @@ class TTextCursor {
   TextView Selected() const;
 
   // All of these extend the selection, or end it. Left and right step over a line's end and over a surrogate
-  // pair at once.
+  // pair at once; words are what stands between blanks and line ends.
   void Go(std::size_t place, bool extend);
   void Move(TTextMove move, bool extend);
   // Up or down by so many lines, to the same column or the end of a shorter line.
   void MoveLines(std::ptrdiff_t lines, bool extend);
 
   void SelectAll();
+  // The word at a place, or the blanks there.
+  void SelectWord(std::size_t place);
 
  private:
   std::size_t Left() const;
   std::size_t Right() const;
+  std::size_t WordLeft() const;
+  std::size_t WordRight() const;
 
   const TTextLines& m_lines;
   std::size_t m_anchor = 0;

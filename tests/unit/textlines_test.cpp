@@ -114,3 +114,35 @@ TEST(TextCursor, ASelectionOverLinesHoldsTheirEnds) {
   cursor.SelectAll();
   EXPECT_EQ(cursor.Selected(), u"ab\r\ncd");
 }
+
+TEST(TextCursor, GoesFromWordToWordOverBlanksAndLineEnds) {
+  const TTextLines lines(u"one  two\r\n\r\n three");
+  TTextCursor cursor(lines);
+  std::vector<std::size_t> places;
+  for (int i = 0; i < 4; ++i) {
+    cursor.Move(TTextMove::WordRight, kMove);
+    places.push_back(cursor.Caret());
+  }
+  EXPECT_EQ(places, (std::vector<std::size_t>{5, 13, 18, 18}));
+  places.clear();
+  for (int i = 0; i < 4; ++i) {
+    cursor.Move(TTextMove::WordLeft, kMove);
+    places.push_back(cursor.Caret());
+  }
+  EXPECT_EQ(places, (std::vector<std::size_t>{13, 5, 0, 0}));
+}
+
+TEST(TextCursor, ADoubleClickSelectsTheWordOrTheBlanksThatItHits) {
+  const TTextLines lines(u"one  two\r\nthree\r\n");
+  TTextCursor cursor(lines);
+  const auto selected = [&](std::size_t place) {
+    cursor.SelectWord(place);
+    return Text(cursor.Selected());
+  };
+  EXPECT_EQ(selected(1), u"one");
+  EXPECT_EQ(selected(4), u"  ");
+  EXPECT_EQ(selected(5), u"two");
+  EXPECT_EQ(selected(8), u"two");
+  EXPECT_EQ(selected(10), u"three");
+  EXPECT_EQ(selected(17), u"");
+}

@@ -1,6 +1,30 @@
 #include "ui/windows/gdi.h"
 
 #include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr int kUnknownWidth = -1;
+constexpr char16_t kLastAscii = 0x7F;
+
+struct TUnits {
+  char16_t First;
+  char16_t Last;
+};
+
+// Letters of Latin, Greek and Cyrillic without the marks that join the letter before them, and the pictures
+// of control characters.
+constexpr char16_t kLastSideBySide = 0x2426;
+constexpr std::array<TUnits, 5> kSideBySide = {
+    {{0xA1, 0xAC}, {0xAE, 0x24F}, {0x370, 0x482}, {0x48A, 0x52F}, {0x2400, kLastSideBySide}}};
+
+bool StandsSideBySide(char16_t unit) {
+  return std::any_of(kSideBySide.begin(), kSideBySide.end(),
+                     [unit](const TUnits& units) { return unit >= units.First && unit <= units.Last; });
+}
+
+}  // namespace
 
 HDC TPaintBuffer::Begin(HDC window, SIZE size) {
   if (!m_dc)
@@ -51,18 +75,30 @@ SIZE MeasureTextIn(HDC dc, TextView text) {
 }
 
 TTextMeter::TTextMeter(const TScale& scale, bool bold)
-    : m_font(MakeWindowFont(scale, bold)), m_dc(CreateCompatibleDC(nullptr)) {
+    : m_font(MakeWindowFont(scale, bold)),
+      m_dc(CreateCompatibleDC(nullptr)),
+      m_widths(std::size_t{kLastSideBySide} + 1, kUnknownWidth) {
   SelectObject(m_dc.Get(), m_font.Get());
   m_height = static_cast<int>(MeasureTextIn(m_dc.Get(), u"...").cy);
-  GetCharWidth32W(m_dc.Get(), 0, static_cast<UINT>(kAsciiCount - 1), m_asciiWidths.data());
+  GetCharWidth32W(m_dc.Get(), 0, kLastAscii, m_widths.data());
 }
 
 int TTextMeter::Width(TextView text) const {
   int width = 0;
   for (const char16_t unit : text) {
-    if (unit >= kAsciiCount)
+    const std::optional<int> ofUnit = WidthOfUnit(unit);
+    if (!ofUnit)
       return static_cast<int>(MeasureTextIn(m_dc.Get(), text).cx);
-    width += m_asciiWidths[unit];
+    width += *ofUnit;
   }
   return width;
+}
+
+std::optional<int> TTextMeter::WidthOfUnit(char16_t unit) const {
+  if (unit > kLastSideBySide)
+    return std::nullopt;
+  int& width = m_widths[unit];
+  if (width == kUnknownWidth && StandsSideBySide(unit))
+    width = static_cast<int>(MeasureTextIn(m_dc.Get(), {&unit, 1}).cx);
+  return width == kUnknownWidth ? std::nullopt : std::optional(width);
 }

@@ -1,7 +1,7 @@
 // Owners for what GDI and the themes lend, and the display's scale.
 #pragma once
 
-#include <array>
+#include <optional>
 #include <vector>
 
 #include "ui/windows/controlsapi.h"
@@ -112,7 +112,7 @@ TGdiObject MakeWindowFont(const TScale& scale, bool bold);
 SIZE MeasureTextIn(HDC dc, TextView text);
 
 // Measures one line of text in the window's font, a hundred thousand texts a second: what asks the system for
-// a device context each time does a tenth of that.
+// a device context each time does a tenth of that. The widths of the usual letters add up.
 class TTextMeter {
  public:
   TTextMeter(const TScale& scale, bool bold);
@@ -126,11 +126,13 @@ class TTextMeter {
   }
 
  private:
-  static constexpr std::size_t kAsciiCount = 0x80;
+  // Of a unit that the system places beside others as it is; a character that joins others, or is one half
+  // of a pair, has none.
+  std::optional<int> WidthOfUnit(char16_t unit) const;
 
   TGdiObject m_font;
   TMemoryDc m_dc;
   int m_height = 0;
-  // The system places the characters of ASCII side by side, so that their widths add up.
-  std::array<int, kAsciiCount> m_asciiWidths = {};
+  // By unit, as far as they are known.
+  mutable std::vector<int> m_widths;
 };

@@ -4,8 +4,6 @@
 
 namespace {
 
-// Lines are measured and drawn in pieces: one line may be as long as the text.
-constexpr std::size_t kPieceLength = 256;
 constexpr int kMargin = 4;  // at 96 dots per inch
 
 bool IsDown(int key) {
@@ -34,9 +32,7 @@ TMemory ClipboardText(TextView text) {
 
 }  // namespace
 
-TTextView::TTextView(Text content) : m_lines(std::move(content)), m_lineHeight(m_meter.Height()) {
-  for (std::size_t number = 0; number < m_lines.Count(); ++number)
-    m_widest = std::max(m_widest, m_meter.Width(m_lines.Line(number)));
+TTextView::TTextView(Text content) : m_lines(std::move(content)) {
 }
 
 void TTextView::Create(HWND parent, int id) {
@@ -87,6 +83,10 @@ LRESULT TTextView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       m_cursor.Go(PlaceAt({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}), (wParam & MK_SHIFT) != 0);
       CursorMoved();
       return 0;
+    case WM_LBUTTONDBLCLK:
+      m_cursor.SelectWord(PlaceAt({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}));
+      CursorMoved();
+      return 0;
     case WM_MOUSEMOVE:
       if (GetCapture() == Handle()) {
         m_cursor.Go(PlaceAt({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}), true);
@@ -103,6 +103,9 @@ LRESULT TTextView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       return 0;
     case WM_KILLFOCUS:
       DestroyCaret();
+      return 0;
+    case WM_SYSCOLORCHANGE:
+      InvalidateRect(Handle(), nullptr, FALSE);
       return 0;
     case WM_GETTEXTLENGTH:
       return static_cast<LRESULT>(m_lines.Content().size());
@@ -162,79 +165,29 @@ void TTextView::Draw(HDC dc, const RECT& area) {
 
 void TTextView::DrawLine(HDC dc, std::size_t number, int top) {
   const int right = static_cast<int>(ClientSize().cx);
-  ForPieces(number, [&](std::size_t start, std::size_t end, int left, int width) {
-    left += m_scale(kMargin) - m_scrollLeft;
-    if (left + width < 0)
-      return true;
-    const bool isSelected = start >= m_cursor.SelectionStart() && end <= m_cursor.SelectionEnd();
+  const int origin = m_scale(kMargin) - m_scrollLeft;
+  m_geometry.ForPieces(number, -origin, m_cursor, [&](const TTextPiece& piece) {
+    const int left = origin + piece.Left;
+    const bool isSelected = piece.Start >= m_cursor.SelectionStart() && piece.End <= m_cursor.SelectionEnd();
     SetTextColor(dc, GetSysColor(isSelected ? COLOR_HIGHLIGHTTEXT : COLOR_WINDOWTEXT));
     SetBkColor(dc, GetSysColor(isSelected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
-    const RECT place = {left, top, left + width, top + m_lineHeight};
-    ExtTextOutW(dc, left, top, ETO_OPAQUE, &place, WideUnits(TextView(m_lines.Content()).substr(start)),
-                static_cast<UINT>(end - start), nullptr);
-    return left + width < right;
+    const RECT place = {left, top, left + piece.Width, top + m_lineHeight};
+    ExtTextOutW(dc, left, top, ETO_OPAQUE, &place, WideUnits(TextView(m_lines.Content()).substr(piece.Start)),
+                static_cast<UINT>(piece.End - piece.Start), nullptr);
+    return left + piece.Width < right;
   });
-}
-
-void TTextView::ForPieces(std::size_t number, const TOnPiece& onPiece) const {
-  const TextView text = m_lines.Content();
-  const std::size_t lineEnd = m_lines.EndOf(number);
-  int left = 0;
-  for (std::size_t start = m_lines.StartOf(number); start < lineEnd;) {
-    std::size_t end = std::min(start + kPieceLength, lineEnd);
-    // A piece is selected as a whole or not at all, and no pair is cut.
-    for (const std::size_t border : {m_cursor.SelectionStart(), m_cursor.SelectionEnd()}) {
-      if (border > start)
-        end = std::min(end, border);
-    }
-    if (end < lineEnd && IsLowSurrogate(text[end]) && end - start == kPieceLength)
-      --end;
-    const int width = m_meter.Width(text.substr(start, end - start));
-    if (!onPiece(start, end, left, width))
-      return;
-    left += width;
-    start = end;
-  }
 }
 
 int TTextView::LinesInSight() const {
   return std::max(static_cast<int>(ClientSize().cy) / m_lineHeight, 1);
 }
 
-int TTextView::LeftOf(std::size_t place) const {
-  int found = 0;
-  ForPieces(m_lines.LineOf(place), [&](std::size_t start, std::size_t end, int left, int width) {
-    const TextView before = TextView(m_lines.Content()).substr(start, std::min(place, end) - start);
-    found = place >= end ? left + width : left + m_meter.Width(before);
-    return place > end;
-  });
-  return found;
-}
-
-std::size_t TTextView::PlaceAt(POINT point) const {
+std::size_t TTextView::PlaceAt(POINT point) {
   const int row = std::max(static_cast<int>(point.y), -m_lineHeight) / m_lineHeight - (point.y < 0 ? 1 : 0);
   const int last = static_cast<int>(m_lines.Count()) - 1;
   const auto number = static_cast<std::size_t>(std::clamp(m_topLine + row, 0, last));
   const int wanted = static_cast<int>(point.x) - m_scale(kMargin) + m_scrollLeft;
-  std::size_t found = m_lines.StartOf(number);
-  ForPieces(number, [&](std::size_t start, std::size_t end, int left, int width) {
-    found = end;
-    if (left + width <= wanted)
-      return true;
-    // The gap between two characters that lies nearest.
-    const TextView piece = TextView(m_lines.Content()).substr(start, end - start);
-    found = start;
-    int edge = left;
-    for (std::size_t i = 0; i < piece.size(); ++i) {
-      const int next = left + m_meter.Width(piece.substr(0, i + 1));
-      if (wanted < (edge + next) / 2)
-        break;
-      edge = next;
-      found = start + i + 1;
-    }
-    return false;
-  });
-  return found;
+  return m_geometry.PlaceAt(number, wanted);
 }
 
 // Scrolling
@@ -246,7 +199,7 @@ void TTextView::UpdateScrollBars() {
   info.nMax = static_cast<int>(m_lines.Count()) - 1;
   info.nPage = static_cast<UINT>(LinesInSight());
   SetScrollInfo(Handle(), SB_VERT, &info, TRUE);
-  info.nMax = m_widest + 2 * m_scale(kMargin) - 1;
+  info.nMax = m_geometry.Widest() + 2 * m_scale(kMargin) - 1;
   info.nPage = static_cast<UINT>(std::max<LONG>(ClientSize().cx, 0));
   SetScrollInfo(Handle(), SB_HORZ, &info, TRUE);
   ScrollTo(m_scrollLeft, m_topLine);
@@ -260,7 +213,7 @@ void TTextView::OnScroll(int bar, WPARAM wParam) {
 }
 
 void TTextView::ScrollTo(int left, int line) {
-  const int width = m_widest + 2 * m_scale(kMargin);
+  const int width = m_geometry.Widest() + 2 * m_scale(kMargin);
   left = std::clamp(left, 0, std::max(width - static_cast<int>(ClientSize().cx), 0));
   line = std::clamp(line, 0, std::max(static_cast<int>(m_lines.Count()) - LinesInSight(), 0));
   if (left == m_scrollLeft && line == m_topLine)
@@ -292,10 +245,10 @@ bool TTextView::OnKeyDown(WPARAM key) {
       m_cursor.MoveLines(LinesInSight(), extend);
       break;
     case VK_LEFT:
-      m_cursor.Move(TTextMove::Left, extend);
+      m_cursor.Move(control ? TTextMove::WordLeft : TTextMove::Left, extend);
       break;
     case VK_RIGHT:
-      m_cursor.Move(TTextMove::Right, extend);
+      m_cursor.Move(control ? TTextMove::WordRight : TTextMove::Right, extend);
       break;
     case VK_HOME:
       m_cursor.Move(control ? TTextMove::TextStart : TTextMove::LineStart, extend);
@@ -325,7 +278,7 @@ bool TTextView::OnKeyDown(WPARAM key) {
 void TTextView::CursorMoved() {
   const int line = static_cast<int>(m_lines.LineOf(m_cursor.Caret()));
   const int top = std::min(std::max(m_topLine, line - LinesInSight() + 1), line);
-  const int caret = LeftOf(m_cursor.Caret()) + m_scale(kMargin);
+  const int caret = m_geometry.LeftOf(m_cursor.Caret()) + m_scale(kMargin);
   const int width = static_cast<int>(ClientSize().cx);
   // A line that is left takes a good piece into sight, not a character at a time.
   int left = m_scrollLeft;
@@ -338,11 +291,11 @@ void TTextView::CursorMoved() {
   PlaceCaret();
 }
 
-void TTextView::PlaceCaret() const {
+void TTextView::PlaceCaret() {
   if (GetFocus() != Handle())
     return;
   const int row = static_cast<int>(m_lines.LineOf(m_cursor.Caret())) - m_topLine;
-  SetCaretPos(LeftOf(m_cursor.Caret()) + m_scale(kMargin) - m_scrollLeft, row * m_lineHeight);
+  SetCaretPos(m_geometry.LeftOf(m_cursor.Caret()) + m_scale(kMargin) - m_scrollLeft, row * m_lineHeight);
 }
 
 void TTextView::Copy() const {

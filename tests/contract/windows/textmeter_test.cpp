@@ -37,6 +37,13 @@ TEST_P(TextMeter, TextsOfEveryKindAreAsWideAsTheSystemSays) {
     EXPECT_EQ(m_meter.Width(text), SystemWidth(text));
 }
 
+TEST_P(TextMeter, EveryUnitOfTheUsualScriptsIsAsWideAsTheSystemSays) {
+  for (char16_t unit = 0xA0; unit < 0x2430; ++unit) {
+    const Text text = {u'W', unit, unit, u'i'};
+    ASSERT_EQ(m_meter.Width(text), SystemWidth(text)) << static_cast<int>(unit);
+  }
+}
+
 TEST_P(TextMeter, ALineIsAsHighAsTheFont) {
   const TWindowDc dc(nullptr);
   const TSelected font(dc.Get(), m_meter.Font());
