@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "ui/windows/textaccessible.h"
+
 namespace {
 
 constexpr int kMargin = 4;  // at 96 dots per inch
@@ -36,7 +38,7 @@ TTextView::TTextView(Text content) : m_lines(std::move(content)) {
 }
 
 void TTextView::Create(HWND parent, int id) {
-  // A text box's styles: assistive technology asks for them.
+  // A text box's styles: other programs ask for them.
   constexpr DWORD kStyle =
       WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_VSCROLL | WS_HSCROLL | ES_MULTILINE | ES_READONLY;
   CreateHandle(u"TessalyTextView", {}, kStyle, WS_EX_CLIENTEDGE, {0, 0, 0, 0}, parent,
@@ -119,24 +121,12 @@ LRESULT TTextView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     }
     case WM_GETOBJECT:
       if (static_cast<LONG>(lParam) == OBJID_CLIENT)
-        return AccessibleAnswer(wParam, lParam);
+        return TTextAccessible::Answer(Handle(), wParam);
       break;
     default:
       break;
   }
   return Default(message, wParam, lParam);
-}
-
-// Assistive technology reads it as the text box whose styles it has, where the system lends one.
-LRESULT TTextView::AccessibleAnswer(WPARAM wParam, LPARAM lParam) {
-  void* object = nullptr;
-  if (FAILED(CreateStdAccessibleProxyW(Handle(), WC_EDITW, OBJID_CLIENT, __uuidof(IAccessible), &object)) ||
-      object == nullptr)
-    return Default(WM_GETOBJECT, wParam, lParam);
-  auto* accessible = static_cast<IAccessible*>(object);
-  const LRESULT answer = LresultFromObject(__uuidof(IAccessible), wParam, accessible);
-  accessible->Release();
-  return answer;
 }
 
 // Drawing

@@ -32,7 +32,6 @@ class TTextView : public TWindow {
   void CursorMoved();
   void PlaceCaret();
   void Copy() const;
-  LRESULT AccessibleAnswer(WPARAM wParam, LPARAM lParam);
 
   TTextLines m_lines;
   TTextCursor m_cursor{m_lines};

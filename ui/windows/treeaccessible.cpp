@@ -2,35 +2,14 @@
 
 #include "ui/windows/treecontrol.h"
 
-namespace {
-
-BSTR NewText(TextView text) {
-  return SysAllocStringLen(WideUnits(text), static_cast<UINT>(text.size()));
-}
-
-void SetNumber(VARIANT* variant, LONG number) {
-  VariantInit(variant);
-  variant->vt = VT_I4;
-  variant->lVal = number;
-}
-
-bool IsSelf(const VARIANT& child) {
-  return child.vt == VT_I4 && child.lVal == CHILDID_SELF;
-}
-
-}  // namespace
-
 LRESULT TTreeAccessible::Answer(TTreeControl& control, WPARAM wParam) {
-  auto* accessible = new TTreeAccessible(control.Handle());
-  const LRESULT result = LresultFromObject(__uuidof(IAccessible), wParam, accessible);
-  accessible->Release();
-  return result;
+  return TAccessible::Answer(new TTreeAccessible(control.Handle()), wParam);
 }
 
 TTreeControl* TTreeAccessible::Control() const {
-  if (!IsWindow(m_window))
+  if (!IsWindow(Window()))
     return nullptr;
-  return static_cast<TTreeControl*>(reinterpret_cast<TWindow*>(GetWindowLongPtrW(m_window, GWLP_USERDATA)));
+  return static_cast<TTreeControl*>(reinterpret_cast<TWindow*>(GetWindowLongPtrW(Window(), GWLP_USERDATA)));
 }
 
 TTreeNode* TTreeAccessible::RowOf(const VARIANT& child) const {
@@ -42,49 +21,6 @@ TTreeNode* TTreeAccessible::RowOf(const VARIANT& child) const {
 
 LONG TTreeAccessible::NumberOf(const TTreeNode* node) const {
   return static_cast<LONG>(Control()->Layout().NumberOfRow(node)) + 1;
-}
-
-STDMETHODIMP TTreeAccessible::QueryInterface(REFIID id, void** object) {
-  const bool isKnown = IsEqualGUID(id, __uuidof(IUnknown)) || IsEqualGUID(id, __uuidof(IDispatch)) ||
-                       IsEqualGUID(id, __uuidof(IAccessible));
-  *object = isKnown ? static_cast<IAccessible*>(this) : nullptr;
-  if (!isKnown)
-    return E_NOINTERFACE;
-  AddRef();
-  return S_OK;
-}
-
-STDMETHODIMP_(ULONG) TTreeAccessible::AddRef() {
-  return ++m_references;
-}
-
-STDMETHODIMP_(ULONG) TTreeAccessible::Release() {
-  const ULONG left = --m_references;
-  if (left == 0)
-    delete this;
-  return left;
-}
-
-STDMETHODIMP TTreeAccessible::GetTypeInfoCount(UINT* count) {
-  *count = 0;
-  return S_OK;
-}
-
-STDMETHODIMP TTreeAccessible::GetTypeInfo(UINT, LCID, ITypeInfo**) {
-  return E_NOTIMPL;
-}
-
-STDMETHODIMP TTreeAccessible::GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) {
-  return E_NOTIMPL;
-}
-
-STDMETHODIMP TTreeAccessible::Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) {
-  return E_NOTIMPL;
-}
-
-STDMETHODIMP TTreeAccessible::get_accParent(IDispatch** parent) {
-  return AccessibleObjectFromWindow(m_window, static_cast<DWORD>(OBJID_WINDOW), __uuidof(IAccessible),
-                                    reinterpret_cast<void**>(parent));
 }
 
 STDMETHODIMP TTreeAccessible::get_accChildCount(LONG* count) {
@@ -120,11 +56,6 @@ STDMETHODIMP TTreeAccessible::get_accValue(VARIANT child, BSTR* value) {
   return S_OK;
 }
 
-STDMETHODIMP TTreeAccessible::get_accDescription(VARIANT, BSTR* description) {
-  *description = nullptr;
-  return S_FALSE;
-}
-
 STDMETHODIMP TTreeAccessible::get_accRole(VARIANT child, VARIANT* role) {
   const bool isRow = RowOf(child) != nullptr;
   if (!isRow && !IsSelf(child))
@@ -137,18 +68,16 @@ STDMETHODIMP TTreeAccessible::get_accState(VARIANT child, VARIANT* state) {
   TTreeControl* control = Control();
   if (control == nullptr)
     return CO_E_OBJNOTCONNECTED;
-  LONG flags = STATE_SYSTEM_FOCUSABLE;
-  const bool hasFocus = GetFocus() == m_window;
   TTreeNode* row = RowOf(child);
   if (row == nullptr) {
     if (!IsSelf(child))
       return E_INVALIDARG;
-    SetNumber(state, flags | (hasFocus ? STATE_SYSTEM_FOCUSED : 0));
+    SetNumber(state, FocusStates());
     return S_OK;
   }
-  flags |= STATE_SYSTEM_SELECTABLE;
+  LONG flags = STATE_SYSTEM_FOCUSABLE | STATE_SYSTEM_SELECTABLE;
   if (control->Model().Selected() == row)
-    flags |= STATE_SYSTEM_SELECTED | (hasFocus ? STATE_SYSTEM_FOCUSED : 0);
+    flags |= STATE_SYSTEM_SELECTED | FocusStates();
   if (row->State == TCheckState::Checked)
     flags |= STATE_SYSTEM_CHECKED;
   if (row->State == TCheckState::Mixed)
@@ -161,26 +90,10 @@ STDMETHODIMP TTreeAccessible::get_accState(VARIANT child, VARIANT* state) {
   return S_OK;
 }
 
-STDMETHODIMP TTreeAccessible::get_accHelp(VARIANT, BSTR* help) {
-  *help = nullptr;
-  return S_FALSE;
-}
-
-STDMETHODIMP TTreeAccessible::get_accHelpTopic(BSTR* file, VARIANT, LONG* topic) {
-  *file = nullptr;
-  *topic = 0;
-  return S_FALSE;
-}
-
-STDMETHODIMP TTreeAccessible::get_accKeyboardShortcut(VARIANT, BSTR* shortcut) {
-  *shortcut = nullptr;
-  return S_FALSE;
-}
-
 STDMETHODIMP TTreeAccessible::get_accFocus(VARIANT* child) {
   VariantInit(child);
   const TTreeControl* control = Control();
-  if (control == nullptr || GetFocus() != m_window)
+  if (control == nullptr || GetFocus() != Window())
     return S_FALSE;
   return get_accSelection(child) == S_OK ? S_OK : (SetNumber(child, CHILDID_SELF), S_OK);
 }
@@ -210,7 +123,7 @@ STDMETHODIMP TTreeAccessible::accSelect(LONG flags, VARIANT child) {
   if ((row == nullptr && !IsSelf(child)) || (flags & ~known) != 0)
     return E_INVALIDARG;
   if ((flags & SELFLAG_TAKEFOCUS) != 0)
-    SetFocus(m_window);
+    SetFocus(Window());
   if (row != nullptr && flags != SELFLAG_NONE)
     Control()->SelectRow(row);
   return S_OK;
@@ -220,19 +133,10 @@ STDMETHODIMP TTreeAccessible::accLocation(LONG* left, LONG* top, LONG* width, LO
   TTreeControl* control = Control();
   if (control == nullptr)
     return CO_E_OBJNOTCONNECTED;
-  RECT rect = {};
-  if (TTreeNode* row = RowOf(child)) {
-    rect = control->RowRect(row);
-  } else if (IsSelf(child)) {
-    GetClientRect(m_window, &rect);
-  } else {
-    return E_INVALIDARG;
-  }
-  MapWindowPoints(m_window, nullptr, reinterpret_cast<POINT*>(&rect), 2);
-  *left = rect.left;
-  *top = rect.top;
-  *width = rect.right - rect.left;
-  *height = rect.bottom - rect.top;
+  TTreeNode* row = RowOf(child);
+  if (row == nullptr)
+    return TAccessible::accLocation(left, top, width, height, child);
+  SetPlace(control->RowRect(row), left, top, width, height);
   return S_OK;
 }
 
@@ -267,19 +171,16 @@ STDMETHODIMP TTreeAccessible::accNavigate(LONG direction, VARIANT start, VARIANT
 }
 
 STDMETHODIMP TTreeAccessible::accHitTest(LONG left, LONG top, VARIANT* child) {
-  VariantInit(child);
   TTreeControl* control = Control();
   if (control == nullptr)
     return CO_E_OBJNOTCONNECTED;
+  const HRESULT result = TAccessible::accHitTest(left, top, child);
   POINT point = {left, top};
-  ScreenToClient(m_window, &point);
-  RECT client = {};
-  GetClientRect(m_window, &client);
-  if (!PtInRect(&client, point))
-    return S_FALSE;
-  TTreeNode* row = control->RowAtPoint(point);
-  SetNumber(child, row == nullptr ? CHILDID_SELF : NumberOf(row));
-  return S_OK;
+  ScreenToClient(Window(), &point);
+  TTreeNode* row = result == S_OK ? control->RowAtPoint(point) : nullptr;
+  if (row != nullptr)
+    SetNumber(child, NumberOf(row));
+  return result;
 }
 
 STDMETHODIMP TTreeAccessible::accDoDefaultAction(VARIANT child) {
@@ -288,12 +189,4 @@ STDMETHODIMP TTreeAccessible::accDoDefaultAction(VARIANT child) {
     return E_INVALIDARG;
   Control()->ToggleCheck(row);
   return S_OK;
-}
-
-STDMETHODIMP TTreeAccessible::put_accName(VARIANT, BSTR) {
-  return E_NOTIMPL;
-}
-
-STDMETHODIMP TTreeAccessible::put_accValue(VARIANT, BSTR) {
-  return E_NOTIMPL;
 }
