@@ -115,6 +115,19 @@ TEST(TextCursor, ASelectionOverLinesHoldsTheirEnds) {
   EXPECT_EQ(cursor.Selected(), u"ab\r\ncd");
 }
 
+TEST(TextCursor, ASelectionExtendedOverALinesEndTakesBothOfItsUnitsAtOnce) {
+  const TTextLines lines(u"ab\r\n\r\ncd");
+  TTextCursor cursor(lines);
+  cursor.Go(1, kMove);
+  cursor.Move(TTextMove::Right, kExtend);
+  cursor.Move(TTextMove::Right, kExtend);
+  EXPECT_EQ(cursor.Selected(), u"b\r\n");
+  cursor.MoveLines(1, kExtend);
+  EXPECT_EQ(cursor.Selected(), u"b\r\n\r\n");
+  cursor.Move(TTextMove::Left, kExtend);
+  EXPECT_EQ(cursor.Selected(), u"b\r\n");
+}
+
 TEST(TextCursor, GoesFromWordToWordOverBlanksAndLineEnds) {
   const TTextLines lines(u"one  two\r\n\r\n three");
   TTextCursor cursor(lines);
