@@ -145,8 +145,9 @@ void TTextView::Draw(HDC dc, const RECT& area) {
   FillRect(dc, &area, GetSysColorBrush(COLOR_WINDOW));
   const TSelected font(dc, m_meter.Font());
   const int first = static_cast<int>(area.top) / m_lineHeight;
+  const auto topLine = static_cast<std::size_t>(m_topLine);
   for (int row = first; row * m_lineHeight < area.bottom; ++row) {
-    const auto number = static_cast<std::size_t>(m_topLine + row);
+    const std::size_t number = topLine + static_cast<std::size_t>(row);
     if (number >= m_lines.Count())
       return;
     DrawLine(dc, number, row * m_lineHeight);
