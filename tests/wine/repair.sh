@@ -141,11 +141,14 @@ no_file_is_left() {
   [[ -z $(ls -A "$backups") ]]
 }
 
-# Runs with the backup folder on a disk of 64 KB; without the right to mount one, no process may write a longer file.
+# Runs with the backup folder on a disk of 64 KB; without a namespace of its own and the right to mount one there, no
+# process may write a longer file.
 full_disk() {
   start_wine "$WINEPREFIX"
   dump "$work/before"
-  if ! mount -t tmpfs -o size=64k corvalt-test "$backups"; then
+  local mounted=yes
+  if [[ $mounts != isolated ]] || ! mount -t tmpfs -o size=64k corvalt-test "$backups"; then
+    mounted=
     echo "no right to mount: a limit of file sizes stands for the full disk"
     rm -rf "${backups:?}"/*
     trap '' XFSZ
@@ -158,11 +161,16 @@ full_disk() {
   ok "nothing was deleted" nothing_was_deleted
   ok "no file is left in the folder" no_file_is_left
   stop_wine
+  # The namespace may share its mounts with the one outside.
+  if [[ -n $mounted ]]; then
+    umount "$backups"
+  fi
   echo "$passed passed, $failed failed" >"$work/counts"
 }
 
 if [[ ${1:-} == --full-disk ]]; then
   backups=$2
+  mounts=${3:-}
   full_disk
   exit
 fi
@@ -180,10 +188,16 @@ rm -rf "${backups:?}"/*
 "$wine_server" -k
 "$wine_server" -w || true
 isolate=
-if unshare -m true 2>/dev/null; then
-  isolate="unshare -m"
-fi
-$isolate bash "$0" --full-disk "$backups" || true
+mounts=
+# In a changed root the propagation of mounts can't be changed.
+for way in "unshare -m" "unshare -m --propagation unchanged"; do
+  if $way true 2>/dev/null; then
+    isolate=$way
+    mounts=isolated
+    break
+  fi
+done
+$isolate bash "$0" --full-disk "$backups" $mounts || true
 read -r more_passed _ more_failed _ < <(cat "$work/counts" 2>/dev/null || echo "0 passed, 1 failed")
 passed=$((passed + more_passed))
 failed=$((failed + more_failed))
