@@ -37,8 +37,9 @@ Text KeyPathOf(int section, int problem) {
 constexpr TextView kDescription = u"The file C:\\Program Files\\Vendor\\module.dll does not exist.";
 
 // Draws all that is in sight, now.
+// Without our tree's header, a control of the system that its tree has not.
 void Repaint(HWND window) {
-  RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+  RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
 }
 
 void ScrollThrough(HWND window) {
