@@ -40,6 +40,14 @@ std::string Described(HWND control) {
   return line + (text.empty() ? "" : " " + text) + (IsHidden(control) ? " hidden" : "");
 }
 
+// Notes, when the dialog is asked to close, whether its owner takes input then.
+LRESULT CALLBACK NoteWhetherTheOwnerIsEnabled(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                              UINT_PTR, DWORD_PTR enabled) {
+  if (message == WM_CLOSE)
+    *reinterpret_cast<bool*>(enabled) = IsWindowEnabled(GetWindow(window, GW_OWNER)) != FALSE;
+  return DefSubclassProc(window, message, wParam, lParam);
+}
+
 // A dialog over a window in the middle of nowhere.
 class ProgressDialog : public testing::Test {
  protected:
@@ -152,14 +160,8 @@ TEST_F(ProgressDialog, ARepairEndsWithItsMessageAloneAndNoSecondRepair) {
 TEST_F(ProgressDialog, ItsOwnerTakesNoInputWhileItIsOpen) {
   TfrmScan& dialog = Open(TProgressMode::Scan);
   bool wasEnabled = true;
-  SetWindowSubclass(
-      dialog.Handle(),
-      [](HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR enabled) -> LRESULT {
-        if (message == WM_CLOSE)
-          *reinterpret_cast<bool*>(enabled) = IsWindowEnabled(GetWindow(window, GW_OWNER)) != FALSE;
-        return DefSubclassProc(window, message, wParam, lParam);
-      },
-      1, reinterpret_cast<DWORD_PTR>(&wasEnabled));
+  SetWindowSubclass(dialog.Handle(), NoteWhetherTheOwnerIsEnabled, 1,
+                    reinterpret_cast<DWORD_PTR>(&wasEnabled));
   ::PostMessageW(dialog.Handle(), WM_CLOSE, 0, 0);
   dialog.ShowModal();
   EXPECT_FALSE(wasEnabled);
