@@ -14,7 +14,7 @@ constexpr TextView kLineEnd = u"\r\n";
 Text CountText(const TLanguageTexts& texts, TextId id, std::size_t count) {
   if (count == 0)
     return {};
-  return Text(kLineEnd) + LanguageText(texts, id, DecimalText(static_cast<std::int64_t>(count)));
+  return Text(kLineEnd) + PlainText(LanguageText(texts, id, DecimalText(static_cast<std::int64_t>(count))));
 }
 
 TRestoreEnd EndOf(const TImportResult& import) {
@@ -55,20 +55,22 @@ TRestoreOutcome RestoreBackup(TSystem& system, const TGlobalVars& vars, TextView
 
 Text DescribeRestore(const TRestoreOutcome& outcome, TextView rowCaption, const TGlobalVars& vars,
                      TLocale& locale) {
+  const auto say = [&vars, rowCaption](TextId id, TextView reason = {}) {
+    return PlainText(LanguageText(vars.Texts, id, rowCaption, reason));
+  };
   switch (outcome.End) {
     case TRestoreEnd::Restored:
-      return LanguageText(vars.Texts, TextId::RestoreDone, rowCaption);
+      return say(TextId::RestoreDone);
     case TRestoreEnd::NoFile:
-      return LanguageText(vars.Texts, TextId::BackupMissing, rowCaption);
+      return say(TextId::BackupMissing);
     case TRestoreEnd::NotABackup:
-      return LanguageText(vars.Texts, TextId::BackupDamaged, rowCaption);
+      return say(TextId::BackupDamaged);
     case TRestoreEnd::Unreadable:
-      return LanguageText(vars.Texts, TextId::BackupUnreadable, rowCaption,
-                          locale.SystemMessage(outcome.Error.Code));
+      return say(TextId::BackupUnreadable, locale.SystemMessage(outcome.Error.Code));
     case TRestoreEnd::Incomplete:
       break;
   }
-  return LanguageText(vars.Texts, TextId::RestoreIncomplete, rowCaption) +
+  return say(TextId::RestoreIncomplete) +
          CountText(vars.Texts, TextId::LinesSkipped, outcome.Import.LinesSkipped) +
          CountText(vars.Texts, TextId::EntriesNotWritten, outcome.Import.WritesFailed);
 }
@@ -97,7 +99,7 @@ void TRestoreModel::Restore(std::size_t row) {
   if (answer == TAnswer::No)
     return;
   const TRestoreOutcome outcome = RestoreBackup(m_system, m_vars, chosen.BackupName);
-  const Text told = PlainText(DescribeRestore(outcome, chosen.Caption, m_vars, m_system.Locale));
+  const Text told = DescribeRestore(outcome, chosen.Caption, m_vars, m_system.Locale);
   if (outcome.End == TRestoreEnd::Restored)
     m_system.TheShell.ShowMessage(told, Say(TextId::TitleInformation), TMessageKind::Information);
   else
@@ -126,7 +128,7 @@ std::optional<TBackupView> TRestoreModel::View(std::size_t row) {
   TRestoreOutcome outcome;
   outcome.End = error.Code == kErrorFileNotFound ? TRestoreEnd::NoFile : TRestoreEnd::Unreadable;
   outcome.Error = error;
-  ShowFailure(PlainText(DescribeRestore(outcome, chosen.Caption, m_vars, m_system.Locale)));
+  ShowFailure(DescribeRestore(outcome, chosen.Caption, m_vars, m_system.Locale));
   return std::nullopt;
 }
 

@@ -35,7 +35,7 @@ struct TRestoreOutcome {
 // Replays the backup's file into the registry, over what is there. The backup stays in the store.
 TRestoreOutcome RestoreBackup(TSystem& system, const TGlobalVars& vars, TextView backupName);
 
-// What the user is told about it, every "&" doubled; rowCaption names the backup.
+// What the user is told about it, as a message box shows it; rowCaption names the backup.
 Text DescribeRestore(const TRestoreOutcome& outcome, TextView rowCaption, const TGlobalVars& vars,
                      TLocale& locale);
 

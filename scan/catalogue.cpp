@@ -58,6 +58,10 @@ std::span<const TSection> SectionCatalogue() {
   return kSections;
 }
 
+Text ScanningLine(const TLanguageTexts& texts, TextView progressName) {
+  return PlainText(LanguageText(texts, TextId::ScanningSection)) + u" " + Text(progressName) + u"...";
+}
+
 bool IsFilesAndFolders(const TSection& section) {
   return section.Scanner == &TScan::ScanFilesAndFolders;
 }

@@ -6,7 +6,7 @@
 #include <span>
 
 #include "core/keypaths.h"
-#include "core/text.h"
+#include "core/languagetexts.h"
 
 class TScan;
 struct TSection;
@@ -26,6 +26,9 @@ struct TSection {
 
 // All sections in the order in which they run, which is also the order of the Sections tree's leaves.
 std::span<const TSection> SectionCatalogue();
+
+// What the progress dialog says while the section of this name is scanned.
+Text ScanningLine(const TLanguageTexts& texts, TextView progressName);
 
 // The Sections tree's two inner nodes, which are no sections.
 struct TSectionGroup {

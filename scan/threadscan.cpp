@@ -123,8 +123,7 @@ void TScan::ShowSection() {
     if (Terminated())
       return;
     ProgressDialog.SetItemLabel({});
-    ProgressDialog.SetSectionLabel(PlainText(Say(TextId::ScanningSection)) + u" " + CurrentSectionName +
-                                   u"...");
+    ProgressDialog.SetSectionLabel(ScanningLine(m_context.Vars.Texts, CurrentSectionName));
     ProgressDialog.SetOverallPosition(SectionPosition);
   });
 }

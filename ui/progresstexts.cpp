@@ -1,6 +1,7 @@
 #include "ui/progresstexts.h"
 
 #include "scan/catalogue.h"
+#include "ui/summary.h"
 
 Text ProgressCaption(TProgressMode mode, const TLanguageTexts& texts) {
   const TextId id = mode == TProgressMode::Scan ? TextId::ScanningSection : TextId::RepairingSection;
@@ -21,16 +22,12 @@ std::vector<Text> SectionLines(const TLanguageTexts& texts) {
   std::vector<Text> lines = {PlainText(LanguageText(texts, TextId::ScanComplete)),
                              PlainText(LanguageText(texts, TextId::RepairComplete))};
   for (const TSection& section : SectionCatalogue())
-    lines.push_back(PlainText(LanguageText(texts, TextId::ScanningSection)) + u" " +
-                    Text(section.ProgressName) + u"...");
+    lines.push_back(ScanningLine(texts, section.ProgressName));
   return lines;
 }
 
 std::vector<Text> OutcomeMessages(const TLanguageTexts& texts) {
-  constexpr std::size_t kMany = 1000000;
-  const Text many = DecimalText(kMany);
-  const Text counts = LanguageText(texts, TextId::ProblemsFound, many) + u"," +
-                      LanguageText(texts, TextId::ProblemsSelected, many) + u".";
-  return {PlainText(ProgressOutcome(TProgressMode::Scan, counts, kMany, texts).Message),
+  const TSummary widest = WidestSummary(texts);
+  return {PlainText(ProgressOutcome(TProgressMode::Scan, widest.FinalMessage, widest.Total, texts).Message),
           PlainText(LanguageText(texts, TextId::RepairFinalMessage))};
 }

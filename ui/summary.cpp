@@ -36,11 +36,11 @@ TSummary Summarize(ResultsTree& tree, const TLanguageTexts& texts) {
   return summary;
 }
 
-Text WidestSummary(const TLanguageTexts& texts) {
+TSummary WidestSummary(const TLanguageTexts& texts) {
   constexpr std::size_t kMany = 1000000;
   TSummary summary;
   summary.Total = kMany;
   summary.Selected = kMany;
   SayCounts(summary, texts);
-  return PlainText(summary.Label);
+  return summary;
 }

@@ -17,5 +17,5 @@ struct TSummary {
 
 TSummary Summarize(ResultsTree& tree, const TLanguageTexts& texts);
 
-// The label with the largest of counts: what a window must have room for in this language.
-Text WidestSummary(const TLanguageTexts& texts);
+// With the largest of counts: what a window must have room for in this language.
+TSummary WidestSummary(const TLanguageTexts& texts);

@@ -98,5 +98,5 @@ TEST(Summary, TheCheckBoxCountsAndNotTheMark) {
 }
 
 TEST(Summary, TheWidestLabelHasTheLargestCounts) {
-  EXPECT_EQ(WidestSummary(NumberedTexts()), u"11011 (11013(1000000),11015(1000000))");
+  EXPECT_EQ(WidestSummary(NumberedTexts()).Label, u"11011 (11013(1000000),11015(1000000))");
 }

@@ -33,7 +33,7 @@ TExitCode Restore(TConsoleContext& context, const Text& name) {
   if (IsListed(context, name))
     outcome = RestoreBackup(context.System, context.Vars, name);
   const Text told = DescribeRestore(outcome, name, context.Vars, context.System.Locale);
-  for (const Text& line : SplitLines(PlainText(told)))
+  for (const Text& line : SplitLines(told))
     context.Console.Tell(line);
   return CodeOf(outcome.End);
 }

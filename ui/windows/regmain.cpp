@@ -205,7 +205,7 @@ TfrmRegMain::TfrmRegMain(TSystem& system, const TGlobalVars& vars, TGlobalReg& r
 
 void TfrmRegMain::WidenForTexts() {
   m_navigationWidth = std::max(m_navigationWidth, m_navigation.WantedWidth());
-  const int summary = m_resultsTree.MeasureText(WidestSummary(m_vars.Texts));
+  const int summary = m_resultsTree.MeasureText(PlainText(WidestSummary(m_vars.Texts).Label));
   const int wanted =
       std::max(m_toolbarWidth, m_navigationWidth + m_scale(kSplitterWidth + 2 * kSummaryMargin) + summary);
   RECT window = {};
