@@ -3,7 +3,7 @@
 
 #include "core/globalregs.h"
 #include "core/globals.h"
-#include "core/system.h"
+#include "system/system.h"
 
 // Fills the two program-wide records in the order that the suite's other programs rely on; missing settings
 // are written. Throws TSystemException when the machine's drive list does not fit.

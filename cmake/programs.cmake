@@ -2,49 +2,33 @@
 set(programFolder "${CMAKE_BINARY_DIR}/Corvalt")
 
 folder_sources(sharedSources app corvalt.cpp corvaltc.cpp)
-if(sharedSources)
-  add_library(app_common STATIC ${sharedSources})
-  target_link_libraries(app_common PUBLIC house_options ui_windows platform_windows ui_console ui repair scan suitecontrols core)
-else()
-  add_library(app_common INTERFACE)
-endif()
+add_library(app_common STATIC ${sharedSources})
+target_link_libraries(app_common PUBLIC Corvalt::ui_windows Corvalt::ui_console)
 
 # Builds what ships and nothing else.
 add_custom_target(programs)
-add_dependencies(programs program_manual)
-if(TARGET program_data)
-  add_dependencies(programs program_data)
-endif()
+add_dependencies(programs program_manual program_data)
 
 # What the resource compiler reads without telling the build.
 file(GLOB resourceFiles CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/app/resources/*" "${CMAKE_SOURCE_DIR}/app/version.h")
 
 # add_windows_program(NAME [WIN32]): app/NAME.cpp with its resources, app/resources/NAME.rc.
 function(add_windows_program name)
-  file(GLOB source CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/app/${name}.cpp")
-  if(NOT source)
-    return()
-  endif()
-  file(GLOB resources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/app/resources/${name}.rc")
+  set(resources "${CMAKE_SOURCE_DIR}/app/resources/${name}.rc")
   set_source_files_properties(${resources} PROPERTIES OBJECT_DEPENDS "${resourceFiles}")
-  add_executable(${name} ${ARGN} ${source} ${resources})
+  add_executable(${name} ${ARGN} "${CMAKE_SOURCE_DIR}/app/${name}.cpp" ${resources})
   target_link_libraries(${name} PRIVATE app_common)
   finish_program(${name})
   target_link_options(${name} PRIVATE -municode -s)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${programFolder}")
   add_dependencies(programs ${name})
-  add_dependencies(${name} program_manual)
-  if(TARGET program_data)
-    add_dependencies(${name} program_data)
-  endif()
+  add_dependencies(${name} program_manual program_data)
 endfunction()
 
 add_windows_program(corvalt WIN32)
 add_windows_program(corvaltc)
 
 # The window's pictures: its resources name each icon by its path below the build folder.
-if(TARGET corvalt)
-  target_include_directories(corvalt PRIVATE "${CMAKE_BINARY_DIR}")
-  set_property(SOURCE "${CMAKE_SOURCE_DIR}/app/resources/corvalt.rc" APPEND PROPERTY OBJECT_DEPENDS "${programIcons}")
-  add_dependencies(corvalt program_pictures)
-endif()
+target_include_directories(corvalt PRIVATE "${CMAKE_BINARY_DIR}")
+set_property(SOURCE "${CMAKE_SOURCE_DIR}/app/resources/corvalt.rc" APPEND PROPERTY OBJECT_DEPENDS "${programIcons}")
+add_dependencies(corvalt program_pictures)

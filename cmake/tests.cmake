@@ -14,30 +14,25 @@ configure_file("${CMAKE_SOURCE_DIR}/cmake/sourcefolder.cpp.in" "${CMAKE_BINARY_D
 
 folder_sources(supportSources tests/support)
 add_library(test_support STATIC ${supportSources} "${CMAKE_BINARY_DIR}/generated/sourcefolder.cpp")
-target_link_libraries(test_support PUBLIC house_options core suitecontrols scan repair ui ui_console platform_memory GTest::gtest)
+target_link_libraries(test_support PUBLIC Corvalt::ui_console Corvalt::platform_memory program_zlib GTest::gtest)
 if(WIN32)
-  target_link_libraries(test_support PUBLIC platform_windows)
+  target_link_libraries(test_support PUBLIC Corvalt::platform_windows)
 endif()
 
-# add_test_program(NAME folder...): nothing where no folder holds a source.
+# add_test_program(NAME folder...): the program NAME of the sources in the folders.
 function(add_test_program name)
   set(sources "")
   foreach(folder IN LISTS ARGN)
     folder_sources(found ${folder})
     list(APPEND sources ${found})
   endforeach()
-  if(NOT sources)
-    return()
-  endif()
   add_executable(${name} ${sources})
   # Optimising a long test body under the sanitizers takes half a minute a file; what is tested stays optimised.
   target_compile_options(${name} PRIVATE -O0)
-  target_link_libraries(${name} PRIVATE test_support GTest::gtest_main platform_memory)
+  target_link_libraries(${name} PRIVATE test_support GTest::gtest_main)
   finish_program(${name})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
-  if(TARGET program_data)
-    add_dependencies(${name} program_data)
-  endif()
+  add_dependencies(${name} program_data)
 endfunction()
 
 if(WIN32)

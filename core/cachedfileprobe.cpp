@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 
 namespace {
 

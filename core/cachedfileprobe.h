@@ -5,7 +5,7 @@
 #include <optional>
 #include <unordered_map>
 
-#include "core/filesystemprobe.h"
+#include "system/filesystemprobe.h"
 
 // Answers FileExists and DirectoryExists as the probe below it would, mostly without asking it. Made for one
 // scan: what changes on the disk meanwhile may be missed. For the thread that made it alone.

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 
 namespace {
 

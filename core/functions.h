@@ -5,11 +5,11 @@
 #include <cstdint>
 #include <optional>
 
-#include "core/filesystemprobe.h"
+#include "base/text.h"
 #include "core/globals.h"
-#include "core/shell.h"
-#include "core/systemlocale.h"
-#include "core/text.h"
+#include "system/filesystemprobe.h"
+#include "system/shell.h"
+#include "system/systemlocale.h"
 
 // The mask of ShowFileProperties (shellapi.h): invoke-id-list, no-close-process, no error interface.
 inline constexpr std::uint32_t kShowPropertiesMask = 0x44C;

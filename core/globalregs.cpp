@@ -1,7 +1,8 @@
 #include "core/globalregs.h"
 
-#include "core/inflate.h"
-#include "core/textfile.h"
+#include "core/settingskeys.h"
+#include "formats/inflate.h"
+#include "formats/textfile.h"
 
 namespace {
 

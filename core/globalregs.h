@@ -4,14 +4,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "base/text.h"
 #include "core/globals.h"
-#include "core/system.h"
-#include "core/text.h"
-
-inline constexpr TextView kCleanerSettingsKey =
-    u"\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\Settings";
-inline constexpr TextView kIgnoreListKey = u"\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\IgnoreList";
-inline constexpr TextView kSectionsKey = u"\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\Sections";
+#include "system/system.h"
 
 struct TGlobalReg {
   std::vector<Text> BuiltInExclusions;

@@ -1,7 +1,8 @@
 #include "core/globals.h"
 
-#include "core/inifile.h"
-#include "core/lettercase.h"
+#include "base/lettercase.h"
+#include "core/settingskeys.h"
+#include "formats/inifile.h"
 
 namespace {
 

@@ -5,17 +5,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "base/text.h"
 #include "core/languagetexts.h"
-#include "core/system.h"
-#include "core/text.h"
-
-// Keys of the suite's settings under HKEY_CURRENT_USER.
-inline constexpr TextView kSuiteKey = u"\\SOFTWARE\\TessalySoft\\Tessaly Utilities";
-inline constexpr TextView kLanguageValue = u"Language";
-inline constexpr TextView kSkinValue = u"Skin";
-inline constexpr TextView kSuiteSettingsKey = u"\\Software\\TessalySoft\\Tessaly Utilities\\Settings";
-inline constexpr TextView kAvailableModulesKey =
-    u"\\Software\\TessalySoft\\Tessaly Utilities\\Settings\\AvailableModules";
+#include "system/system.h"
 
 struct TGlobalVars {
   // Folders end with "\".

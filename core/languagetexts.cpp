@@ -1,7 +1,8 @@
 #include "core/languagetexts.h"
 
 #include "core/globals.h"
-#include "core/textfile.h"
+#include "core/settingskeys.h"
+#include "formats/textfile.h"
 
 namespace {
 

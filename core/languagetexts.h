@@ -5,9 +5,9 @@
 #include <map>
 #include <span>
 
+#include "base/text.h"
 #include "core/languageids.h"
-#include "core/system.h"
-#include "core/text.h"
+#include "system/system.h"
 
 // The lines of one language file.
 class TLanguageTable {

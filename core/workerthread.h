@@ -10,7 +10,7 @@
 #include <thread>
 #include <utility>
 
-#include "core/uithread.h"
+#include "system/uithread.h"
 
 class TWorkerThread {
  public:

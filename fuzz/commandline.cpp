@@ -5,7 +5,7 @@
 
 #include "core/cachedfileprobe.h"
 #include "core/functions.h"
-#include "core/textfile.h"
+#include "formats/textfile.h"
 #include "platform/memory/memorydisk.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // Any bytes as a data file: a content within the limit, or nothing.
-#include "core/inflate.h"
+#include "formats/inflate.h"
 
 #include <cstdlib>
 

@@ -1,8 +1,8 @@
 // Any bytes as a REGEDIT4 file: imported, exported, and imported again, which must give the same registry.
 #include <cstdlib>
 
+#include "formats/ioregistry.h"
 #include "platform/memory/memorysystem.h"
-#include "suitecontrols/ioregistry.h"
 
 namespace {
 

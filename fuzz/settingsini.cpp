@@ -2,7 +2,7 @@
 #include <cstdlib>
 
 #include "core/globals.h"
-#include "core/inifile.h"
+#include "formats/inifile.h"
 #include "platform/memory/memorysystem.h"
 
 namespace {

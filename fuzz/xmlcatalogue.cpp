@@ -5,11 +5,11 @@
 #include <memory>
 #include <string>
 
-#include "core/inflate.h"
-#include "core/queueuithread.h"
-#include "core/systemerror.h"
+#include "formats/inflate.h"
 #include "platform/memory/memorysystem.h"
 #include "scan/threadscan.h"
+#include "system/queueuithread.h"
+#include "system/systemerror.h"
 #include "tests/support/datafile.h"
 #include "tests/support/silentdialog.h"
 #include "ui/resultstree.h"

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <string>
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 
 #include <optional>
 
-#include "core/systemlocale.h"
-#include "core/text.h"
+#include "base/text.h"
+#include "system/systemlocale.h"
 
 // The time with at most 15 significant digits and the user's decimal sign; with "." where a file or an index
 // can't bear the sign.

@@ -4,8 +4,8 @@
 #include <array>
 #include <utility>
 
+#include "base/lettercase.h"
 #include "core/languagetexts.h"
-#include "core/lettercase.h"
 #include "repair/backupname.h"
 
 namespace {

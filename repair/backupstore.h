@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "core/globals.h"
-#include "core/inifile.h"
-#include "core/system.h"
+#include "formats/inifile.h"
+#include "formats/ioregistry.h"
 #include "repair/deletionright.h"
-#include "suitecontrols/ioregistry.h"
+#include "system/system.h"
 
 // The module id that this program's backups carry in the index: the number of its own title.
 inline constexpr TextView kCleanerModuleId = u"11001";

@@ -1,7 +1,8 @@
 #include "repair/deletionright.h"
 
+#include "base/lettercase.h"
 #include "core/globals.h"
-#include "core/lettercase.h"
+#include "core/settingskeys.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <optional>
 #include <set>
 
-#include "core/keypaths.h"
-#include "core/system.h"
+#include "base/keypaths.h"
+#include "system/system.h"
 
 // Whether the suite's setting wants backups of this module's repairs. Only a stored false says no.
 bool BackupsAreOn(TSystem& system);

@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <set>
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
+#include "core/settingskeys.h"
 
 namespace {
-
-constexpr char16_t kOffMark = u';';
-constexpr std::size_t kLongestOffCaption = 1000;  // units
 
 bool IsOff(TextView entry) {
   return entry.starts_with(kOffMark);
@@ -69,28 +67,9 @@ void StoreIgnoreEntry(TSystem& system, TextView entry) {
   store->CloseKey();
 }
 
-TIgnoreListModel::TIgnoreListModel(const TGlobalReg& reg) {
-  for (const Text& entry : reg.IgnoreList) {
-    if (IsOff(entry))
-      m_rows.push_back({entry.substr(1, kLongestOffCaption), false});
-    else
-      m_rows.push_back({entry, true});
-  }
-}
-
-void TIgnoreListModel::SetChecked(std::size_t row, bool checked) {
-  m_rows.at(row).Checked = checked;
-}
-
-void TIgnoreListModel::Remove(std::size_t row) {
-  m_rows.erase(m_rows.begin() + static_cast<std::ptrdiff_t>(row));
-}
-
-void TIgnoreListModel::SaveIgnoreList(TSystem& system, TGlobalReg& reg) const {
+void SaveIgnoreList(TSystem& system, TGlobalReg& reg, std::vector<Text> entries) {
   const std::vector<Text> others = AddedByOthers(system, reg.IgnoreList);
-  reg.IgnoreList.clear();
-  for (const TIgnoreRow& row : m_rows)
-    reg.IgnoreList.push_back((row.Checked ? Text() : Text(1, kOffMark)) + row.Caption);
+  reg.IgnoreList = std::move(entries);
   reg.IgnoreList.insert(reg.IgnoreList.end(), others.begin(), others.end());
   const std::unique_ptr<RegistryStore> store = UserStore(system);
   store->DeleteKey(kIgnoreListKey);

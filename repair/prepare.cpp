@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "core/languagetexts.h"
-#include "core/systemerror.h"
 #include "repair/backupstore.h"
+#include "system/systemerror.h"
 
 TPrepare::TPrepare(TPrepareContext context) : TWorkerThread(context.UiThread), m_context(std::move(context)) {
   Start();

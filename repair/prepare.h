@@ -2,8 +2,8 @@
 #pragma once
 
 #include "core/globals.h"
-#include "core/system.h"
 #include "core/workerthread.h"
+#include "system/system.h"
 
 // Everything must outlive the thread.
 struct TPrepareContext {

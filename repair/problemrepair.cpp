@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 
 namespace {
 

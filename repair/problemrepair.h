@@ -4,10 +4,10 @@
 
 #include <memory>
 
-#include "core/system.h"
 #include "repair/backupstore.h"
 #include "repair/deletionright.h"
 #include "scan/scanproblem.h"
+#include "system/system.h"
 
 // Adds the problem's key or value to the backup, and what else its deletion may change: the emptied keys
 // above a Start Menu key, the order of an MRU list. What can't be read whole is left out.

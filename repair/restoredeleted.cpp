@@ -2,10 +2,8 @@
 
 #include <algorithm>
 
-#include "core/functions.h"
+#include "base/lettercase.h"
 #include "core/languagetexts.h"
-#include "core/lettercase.h"
-#include "core/systemerror.h"
 
 namespace {
 
@@ -73,69 +71,4 @@ Text DescribeRestore(const TRestoreOutcome& outcome, TextView rowCaption, const 
   return say(TextId::RestoreIncomplete) +
          CountText(vars.Texts, TextId::LinesSkipped, outcome.Import.LinesSkipped) +
          CountText(vars.Texts, TextId::EntriesNotWritten, outcome.Import.WritesFailed);
-}
-
-TRestoreModel::TRestoreModel(TSystem& system, const TGlobalVars& vars)
-    : m_system(system), m_vars(vars), m_store(system, vars) {
-}
-
-void TRestoreModel::Fill() {
-  m_rows.clear();
-  try {
-    for (const TBackup& backup : BackupsNewestFirst(m_system, m_vars)) {
-      const Text caption = Say(TextId::BackupRowPrefix) + u" - " + BackupTimeText(backup, m_system.Locale);
-      m_rows.push_back({caption, FormatSize(backup.Size, m_system.Locale), backup.Name});
-    }
-  } catch (...) {
-    const Text reason = DescribeException(std::current_exception(), m_system.Locale);
-    ShowFailure(Say(TextId::BackupsNotListed, reason));
-  }
-}
-
-void TRestoreModel::Restore(std::size_t row) {
-  const TRestoreRow& chosen = m_rows.at(row);
-  const TAnswer answer = m_system.TheShell.ShowMessage(Say(TextId::ConfirmRestore, chosen.Caption),
-                                                       Say(TextId::TitleConfirm), TMessageKind::Question);
-  if (answer == TAnswer::No)
-    return;
-  const TRestoreOutcome outcome = RestoreBackup(m_system, m_vars, chosen.BackupName);
-  const Text told = DescribeRestore(outcome, chosen.Caption, m_vars, m_system.Locale);
-  if (outcome.End == TRestoreEnd::Restored)
-    m_system.TheShell.ShowMessage(told, Say(TextId::TitleInformation), TMessageKind::Information);
-  else
-    ShowFailure(told);
-}
-
-bool TRestoreModel::Remove(std::size_t row) {
-  const TRestoreRow& chosen = m_rows.at(row);
-  try {
-    m_store.RemoveBackup(chosen.BackupName);
-  } catch (...) {
-    const Text reason = DescribeException(std::current_exception(), m_system.Locale);
-    ShowFailure(Say(TextId::BackupNotRemoved, chosen.Caption, reason));
-    return false;
-  }
-  m_rows.erase(m_rows.begin() + static_cast<std::ptrdiff_t>(row));
-  return true;
-}
-
-std::optional<TBackupView> TRestoreModel::View(std::size_t row) {
-  const TRestoreRow& chosen = m_rows.at(row);
-  std::vector<std::uint8_t> bytes;
-  const TSystemError error = m_store.ReadBackup(chosen.BackupName, bytes);
-  if (!error.Failed())
-    return TBackupView{chosen.Caption, BackupViewText(bytes, m_system.Locale)};
-  TRestoreOutcome outcome;
-  outcome.End = error.Code == kErrorFileNotFound ? TRestoreEnd::NoFile : TRestoreEnd::Unreadable;
-  outcome.Error = error;
-  ShowFailure(DescribeRestore(outcome, chosen.Caption, m_vars, m_system.Locale));
-  return std::nullopt;
-}
-
-void TRestoreModel::ShowFailure(TextView text) {
-  m_system.TheShell.ShowMessage(text, Say(TextId::TitleError), TMessageKind::Failure);
-}
-
-Text TRestoreModel::Say(TextId id, TextView arg1, TextView arg2) const {
-  return PlainText(LanguageText(m_vars.Texts, id, arg1, arg2));
 }

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "core/languagetexts.h"
-#include "core/systemerror.h"
+#include "system/systemerror.h"
 
 namespace {
 

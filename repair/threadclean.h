@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "core/globals.h"
-#include "core/system.h"
 #include "core/workerthread.h"
 #include "repair/backupstore.h"
 #include "repair/problemrepair.h"
 #include "scan/scantrees.h"
+#include "system/system.h"
 
 // What a repair works on. Everything must outlive the thread; the tree's nodes and check states do not change
 // while it runs.

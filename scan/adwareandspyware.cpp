@@ -1,10 +1,10 @@
 // Adware and Spyware: registry traces of known unwanted programs. The programs and their traces come from a
 // data file.
 
-#include "core/inflate.h"
-#include "core/lettercase.h"
-#include "core/systemerror.h"
+#include "base/lettercase.h"
+#include "formats/inflate.h"
 #include "scan/threadscan.h"
+#include "system/systemerror.h"
 
 namespace {
 

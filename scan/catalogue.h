@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-#include "core/keypaths.h"
+#include "base/keypaths.h"
 #include "core/languagetexts.h"
 
 class TScan;

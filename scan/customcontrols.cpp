@@ -1,7 +1,7 @@
 // Custom Controls: the component registrations, and the list of broken ones that File Associations reads
 // afterwards.
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 #include "scan/threadscan.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 #include "scan/threadscan.h"
 
 namespace {

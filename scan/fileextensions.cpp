@@ -1,6 +1,6 @@
 // File Extensions: the user's settings for extensions that hold nothing.
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 #include "scan/threadscan.h"
 
 namespace {

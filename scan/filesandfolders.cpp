@@ -1,6 +1,6 @@
 // Registry Integrity and Files and Folders: values that name a file or folder that is gone.
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 #include "scan/threadscan.h"
 
 namespace {

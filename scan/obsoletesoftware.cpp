@@ -1,6 +1,6 @@
 // Obsolete Software: vendor keys that hold no value anywhere below them.
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 #include "scan/threadscan.h"
 
 void TScan::ScanObsoleteSoftware(const TSection& section) {

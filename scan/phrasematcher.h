@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "core/text.h"
+#include "base/text.h"
 
 // An automaton after Aho and Corasick over 16-bit units. Exact letter case: callers fold both sides.
 class TPhraseMatcher {

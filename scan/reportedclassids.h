@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "core/text.h"
+#include "base/text.h"
 
 // An identifier counts as broken when it occurs anywhere in the list's whole text, all entries joined by line
 // breaks (CR LF): a substring, letter case counts. The list grows while the classes are scanned and is then

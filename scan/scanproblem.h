@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include "core/keypaths.h"
-#include "core/text.h"
+#include "base/keypaths.h"
+#include "base/text.h"
 
 inline constexpr std::int32_t kKindKey = 1;    // the whole key is the problem
 inline constexpr std::int32_t kKindValue = 2;  // one value of the key is; section headers carry it too

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "core/text.h"
+#include "base/text.h"
 #include "scan/scanproblem.h"
 
 enum class TCheckState { Unchecked, Checked, Mixed };

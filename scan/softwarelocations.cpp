@@ -1,6 +1,6 @@
 // Software Locations: registered application paths whose program is gone.
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 #include "scan/threadscan.h"
 
 namespace {

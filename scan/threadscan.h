@@ -8,20 +8,20 @@
 #include <optional>
 #include <vector>
 
+#include "base/rounding.h"
 #include "core/cachedfileprobe.h"
 #include "core/functions.h"
 #include "core/globalregs.h"
 #include "core/globals.h"
 #include "core/languagetexts.h"
-#include "core/rounding.h"
-#include "core/system.h"
 #include "core/workerthread.h"
+#include "formats/nativexml.h"
 #include "scan/catalogue.h"
 #include "scan/phrasematcher.h"
 #include "scan/reportedclassids.h"
 #include "scan/scanproblem.h"
 #include "scan/scantrees.h"
-#include "suitecontrols/nativexml.h"
+#include "system/system.h"
 
 // What a scan works on. Everything must outlive the thread; nothing of it changes while the scan runs, but
 // for the results tree, which the scan itself fills.

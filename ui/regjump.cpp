@@ -2,8 +2,8 @@
 
 #include <chrono>
 
+#include "base/lettercase.h"
 #include "core/functions.h"
-#include "core/lettercase.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 
 #include <cstdint>
 
-#include "core/system.h"
-#include "core/text.h"
+#include "base/text.h"
 #include "scan/scanproblem.h"
+#include "system/system.h"
 
 // The code of the root that the full key text (root name and key path) begins with, in any letter case: 1
 // classes, 2 user, 3 machine, 4 configuration, 5 users, 6 dynamic data. 0 when it begins with none, or when

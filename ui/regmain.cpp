@@ -1,7 +1,7 @@
 #include "ui/regmain.h"
 
-#include "core/systemerror.h"
 #include "repair/ignorereg.h"
+#include "system/systemerror.h"
 #include "ui/regjump.h"
 #include "ui/report.h"
 

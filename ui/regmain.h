@@ -7,11 +7,11 @@
 
 #include "core/globalregs.h"
 #include "core/globals.h"
-#include "core/system.h"
 #include "core/workerthread.h"
 #include "repair/prepare.h"
 #include "repair/threadclean.h"
 #include "scan/threadscan.h"
+#include "system/system.h"
 #include "ui/progresstexts.h"
 #include "ui/resultsrows.h"
 #include "ui/resultstree.h"

@@ -1,6 +1,6 @@
 #include "ui/report.h"
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 
 namespace {
 

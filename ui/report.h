@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "core/systemclock.h"
-#include "core/systemlocale.h"
 #include "scan/scantrees.h"
+#include "system/systemclock.h"
+#include "system/systemlocale.h"
 
 // The report's lines, with today's date in the user's short format. The number behind a caption is the one
 // that the header carries; the total counts the problems that are written.

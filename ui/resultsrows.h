@@ -8,13 +8,7 @@
 
 #include "core/languagetexts.h"
 #include "ui/resultstree.h"
-
-// One line of a row.
-struct TRowLine {
-  Text Content;
-  bool Bold = false;
-  bool Grey = false;
-};
+#include "ui/tree/row.h"
 
 // The choices of the selected problem's drop-down list, by place.
 inline constexpr std::int32_t kChoiceRepair = 0;

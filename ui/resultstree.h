@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "ui/treemodel.h"
+#include "ui/tree/treemodel.h"
 
 struct TResultsNode : TTreeNode {
   ScanProblem Problem;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/globalregs.h"
+#include "core/settingskeys.h"
 #include "scan/catalogue.h"
 
 namespace {

@@ -4,8 +4,8 @@
 
 #include <vector>
 
-#include "core/system.h"
-#include "ui/treemodel.h"
+#include "system/system.h"
+#include "ui/tree/treemodel.h"
 
 struct TSectionsNode : TTreeNode {
   std::int32_t NodeCode = 0;

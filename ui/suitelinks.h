@@ -2,9 +2,9 @@
 // shell's, and nobody looks at its result.
 #pragma once
 
+#include "base/text.h"
 #include "core/globals.h"
-#include "core/shell.h"
-#include "core/text.h"
+#include "system/shell.h"
 
 enum class TSuiteTool { DiskCleanup, StartupManager, UninstallManager, ProcessManager };
 

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "formats/ioregistry.h"
 #include "platform/windows/windowssystem.h"
-#include "suitecontrols/ioregistry.h"
 
 namespace {
 

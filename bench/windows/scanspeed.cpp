@@ -8,10 +8,10 @@
 #include <random>
 
 #include "core/cachedfileprobe.h"
-#include "core/queueuithread.h"
 #include "platform/memory/memorysystem.h"
 #include "platform/windows/windowssystem.h"
 #include "scan/threadscan.h"
+#include "system/queueuithread.h"
 #include "tests/support/silentdialog.h"
 #include "ui/resultstree.h"
 #include "ui/sectionstree.h"

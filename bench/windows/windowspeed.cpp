@@ -9,7 +9,7 @@
 
 #include "core/languagetexts.h"
 #include "platform/windows/windowssystem.h"
-#include "repair/backupview.h"
+#include "ui/backupview.h"
 #include "ui/resultsrows.h"
 #include "ui/windows/backupview.h"
 #include "ui/windows/treecontrol.h"

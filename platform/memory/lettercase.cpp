@@ -1,4 +1,4 @@
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 
 #include "platform/memory/lettercasetable.h"
 

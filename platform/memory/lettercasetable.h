@@ -6,7 +6,7 @@
 #include <array>
 #include <span>
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 
 // Every Stride-th unit from First to Last maps to itself plus Delta.
 struct TLetterCaseRange {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "core/machine.h"
+#include "system/machine.h"
 
 namespace {
 

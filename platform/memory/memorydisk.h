@@ -8,10 +8,10 @@
 #include <set>
 #include <string>
 
-#include "core/filestore.h"
-#include "core/filesystemprobe.h"
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 #include "platform/memory/journal.h"
+#include "system/filestore.h"
+#include "system/filesystemprobe.h"
 
 struct TMemoryFile {
   Text Name;

@@ -8,9 +8,9 @@
 #include <memory>
 #include <vector>
 
-#include "core/rawregistry.h"
-#include "core/registrystore.h"
 #include "platform/memory/journal.h"
+#include "system/rawregistry.h"
+#include "system/registrystore.h"
 
 // The order in which a platform enumerates names.
 enum class TNameOrder {

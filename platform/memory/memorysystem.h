@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "core/system.h"
 #include "platform/memory/memorydisk.h"
 #include "platform/memory/memoryregistry.h"
+#include "system/system.h"
 
 class TMemoryMachine : public TMachine {
  public:

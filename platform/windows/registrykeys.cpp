@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 
 namespace {
 

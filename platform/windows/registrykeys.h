@@ -8,8 +8,8 @@
 #include <span>
 #include <vector>
 
-#include "core/rawregistry.h"
 #include "platform/windows/windowsapi.h"
+#include "system/rawregistry.h"
 
 // The value that makes a key a link (winnt.h says the type, the documentation the name).
 inline constexpr TextView kLinkValueName = u"SymbolicLinkValue";

@@ -3,8 +3,8 @@
 
 #include <optional>
 
-#include "core/systemlocale.h"
 #include "platform/windows/windowsapi.h"
+#include "system/systemlocale.h"
 
 // To the millisecond. Nothing for what the system's calendar can't say: before 1601, after 30827, no number.
 std::optional<SYSTEMTIME> SystemTimeOf(TDateTime time);

@@ -40,9 +40,9 @@
 #include <type_traits>
 #include <utility>
 
-#include "core/keypaths.h"
-#include "core/systemerror.h"
-#include "core/text.h"
+#include "base/keypaths.h"
+#include "base/text.h"
+#include "system/systemerror.h"
 
 // A unit of ours and a unit of the system's are the same 16 bits.
 static_assert(sizeof(wchar_t) == sizeof(char16_t));

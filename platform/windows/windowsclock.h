@@ -1,7 +1,7 @@
 // The system's clock.
 #pragma once
 
-#include "core/systemclock.h"
+#include "system/systemclock.h"
 
 class TWindowsClock : public TClock {
  public:

@@ -5,9 +5,9 @@
 #include <mutex>
 #include <vector>
 
-#include "core/filestore.h"
-#include "core/filesystemprobe.h"
 #include "platform/windows/windowsapi.h"
+#include "system/filestore.h"
+#include "system/filesystemprobe.h"
 
 class TWindowsProbe : public FileSystemProbe {
  public:

@@ -1,7 +1,7 @@
 // Named mutexes of the whole machine that their user may open.
 #pragma once
 
-#include "core/interprocess.h"
+#include "system/interprocess.h"
 
 class TWindowsInterprocess : public TInterprocess {
  public:

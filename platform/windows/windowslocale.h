@@ -1,7 +1,7 @@
 // The user's locale, the system's code page and the system's own messages.
 #pragma once
 
-#include "core/systemlocale.h"
+#include "system/systemlocale.h"
 
 class TWindowsLocale : public TLocale {
  public:

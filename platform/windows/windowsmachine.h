@@ -1,7 +1,7 @@
 // The Windows version and the places of the system and the program.
 #pragma once
 
-#include "core/machine.h"
+#include "system/machine.h"
 
 class TWindowsMachine : public TMachine {
  public:

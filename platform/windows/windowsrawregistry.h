@@ -3,8 +3,8 @@
 
 #include <mutex>
 
-#include "core/rawregistry.h"
 #include "platform/windows/registrykeys.h"
+#include "system/rawregistry.h"
 
 // Keeps the key it used last and that key's parents open until ReleaseKeys. May be called from any thread.
 class TWindowsRawRegistry : public RawRegistry {

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <utility>
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <optional>
 #include <span>
 
-#include "core/registrystore.h"
 #include "platform/windows/registrykeys.h"
+#include "system/registrystore.h"
 
 // The values of the open key as GetValueNames met them, so that the questions that follow cost no call.
 class TValueSnapshot {

@@ -2,7 +2,7 @@
 
 #include <shellapi.h>
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 
 namespace {
 

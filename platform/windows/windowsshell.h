@@ -1,8 +1,8 @@
 // Message boxes, other programs and their windows.
 #pragma once
 
-#include "core/shell.h"
 #include "platform/windows/windowsapi.h"
+#include "system/shell.h"
 
 class TWindowsShell : public Shell {
  public:

@@ -1,7 +1,6 @@
 // The whole real system in one object.
 #pragma once
 
-#include "core/system.h"
 #include "platform/windows/windowsclock.h"
 #include "platform/windows/windowsfiles.h"
 #include "platform/windows/windowsinterprocess.h"
@@ -10,6 +9,7 @@
 #include "platform/windows/windowsrawregistry.h"
 #include "platform/windows/windowsregistry.h"
 #include "platform/windows/windowsshell.h"
+#include "system/system.h"
 
 class TWindowsSystem {
  public:

@@ -5,8 +5,8 @@
 #include <exception>
 #include <functional>
 
-#include "core/queueuithread.h"
 #include "platform/windows/windowsapi.h"
+#include "system/queueuithread.h"
 
 class TWindowsUiThread : public TQueueUiThread {
  public:

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 #include "tests/contract/registrycontract.h"
 
 namespace {

@@ -5,8 +5,8 @@
 #include <functional>
 #include <memory>
 
-#include "core/system.h"
-#include "core/uithread.h"
+#include "system/system.h"
+#include "system/uithread.h"
 
 enum class TPlatform {
   Windows,  // subkeys by upper case, values as they were created

@@ -13,10 +13,11 @@ class IncludeRules(unittest.TestCase):
     def setUp(self):
         self.folder = tempfile.TemporaryDirectory()
         self.root = pathlib.Path(self.folder.name)
-        self.put("core/text.h", "#include <string>\n#include <zlib.h>\n")
-        self.put("scan/problem.h", '#include "core/text.h"\n')
-        self.put("platform/memory/store.h", '#include "core/text.h"\n')
-        self.put("platform/windows/store.h", '#include <windows.h>\n#include "core/text.h"\n')
+        self.put("base/text.h", "#include <string>\n")
+        self.put("formats/inflate.cpp", "#include <zlib.h>\n")
+        self.put("scan/problem.h", '#include "base/text.h"\n')
+        self.put("platform/memory/store.h", '#include "base/text.h"\n')
+        self.put("platform/windows/store.h", '#include <windows.h>\n#include "base/text.h"\n')
         self.put("ui/windows/main.cpp", '#include <commctrl.h>\n#include "platform/windows/store.h"\n')
 
     def tearDown(self):
@@ -51,7 +52,7 @@ class IncludeRules(unittest.TestCase):
         self.put("platform/memory/files.cpp", "#include <unistd.h>\n")
         self.assert_one_fault("platform/memory/files.cpp:1:")
 
-    def test_zlib_is_for_core_alone(self):
+    def test_zlib_is_for_the_formats(self):
         self.put("repair/packed.cpp", "#include <zlib.h>\n")
         self.assert_one_fault("repair/packed.cpp:1:")
 

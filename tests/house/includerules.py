@@ -1,7 +1,7 @@
 """Which folder may include what: includerules.py ROOT prints every include that breaks the house's rules.
 
-The rules follow from the folders' purposes: logic knows the system by the interfaces in core/ alone, so that it runs on
-Linux and in tests; only the last three folders of the house meet Windows itself.
+The rules follow from the folders' purposes: logic knows the system by the interfaces in system/ alone, so that it runs
+on Linux and in tests; only the last three folders of the house meet Windows itself.
 """
 
 import pathlib
@@ -19,31 +19,35 @@ STANDARD = set(
     variant vector version""".split()
 )
 
-LOGIC = ["core", "suitecontrols", "scan", "repair", "ui"]
+# From the ground up: each may include those before it.
+FLOORS = ["base", "system", "formats", "core", "scan", "repair", "ui"]
 WINDOWS = ["platform/windows", "ui/windows", "app"]
+EVERYTHING = [*FLOORS, "platform/memory", "tests"]
 
 # Folder -> the house's folders, or single headers, that it may include beside its own.
 MAY_INCLUDE = {
-    "core": [],
-    "suitecontrols": ["core"],
-    "scan": ["core", "suitecontrols"],
-    "repair": ["core", "suitecontrols", "scan/scanproblem.h", "scan/scantrees.h"],
-    "ui": ["core", "suitecontrols", "scan", "repair"],
-    "platform/memory": ["core"],
-    "platform/windows": ["core"],
-    "ui/windows": ["ui", "core", "platform/windows"],
-    "app": LOGIC + ["platform/windows", "ui/windows"],
-    "tests": LOGIC + ["platform/memory"],
-    "tests/contract/windows": LOGIC + ["platform/memory", "tests"] + WINDOWS,
-    "tests/wine": ["core", "platform/windows", "ui/windows/controlsapi.h"],
-    "bench": LOGIC + ["platform/memory", "tests"],
-    "bench/windows": LOGIC + ["platform/memory", "tests", "bench"] + WINDOWS,
-    "bench/native": LOGIC + ["platform/memory", "tests", "bench"],
-    "fuzz": LOGIC + ["platform/memory", "tests"],
+    "base": [],
+    "system": ["base"],
+    "formats": ["base", "system"],
+    "core": ["base", "system", "formats"],
+    "scan": ["base", "system", "formats", "core"],
+    "repair": ["base", "system", "formats", "core", "scan/scanproblem.h", "scan/scantrees.h"],
+    "ui": ["base", "system", "formats", "core", "scan", "repair"],
+    "platform/memory": ["base", "system", "core"],
+    "platform/windows": ["base", "system"],
+    "ui/windows": ["base", "system", "core", "ui", "platform/windows"],
+    "app": [*FLOORS, "platform/windows", "ui/windows"],
+    "tests": [*FLOORS, "platform/memory"],
+    "tests/contract/windows": EVERYTHING + WINDOWS,
+    "tests/wine": ["base", "system", "platform/windows", "ui/windows/controlsapi.h"],
+    "bench": EVERYTHING,
+    "bench/windows": EVERYTHING + ["bench"] + WINDOWS,
+    "bench/native": EVERYTHING + ["bench"],
+    "fuzz": EVERYTHING,
 }
 
 # Headers of libraries, by folder; the folders of ANY_SYSTEM_HEADER may include the system's too.
-LIBRARIES = {"core": {"zlib.h"}, "suitecontrols": {"pugixml.hpp"}, "tests": {"gtest/gtest.h", "zlib.h"}}
+LIBRARIES = {"formats": {"zlib.h", "pugixml.hpp"}, "tests": {"gtest/gtest.h", "zlib.h"}}
 LIBRARIES["tests/contract/windows"] = LIBRARIES["tests"]
 ANY_SYSTEM_HEADER = {*WINDOWS, "tests/wine", "bench/native"}
 

@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "core/settingskeys.h"
+
 namespace {
 
 Text NumberedKey(int number) {

@@ -5,7 +5,7 @@
 #include <random>
 #include <set>
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 #include "platform/memory/memoryregistry.h"
 
 namespace {

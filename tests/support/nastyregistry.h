@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "core/rawregistry.h"
+#include "system/rawregistry.h"
 
 struct TNastyKey {
   Text Path;  // begins with "\"; its parent comes before it

@@ -1,7 +1,7 @@
 #include "tests/support/repairrig.h"
 
-#include "core/systemerror.h"
 #include "repair/restoredeleted.h"
+#include "system/systemerror.h"
 
 namespace {
 

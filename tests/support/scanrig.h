@@ -8,9 +8,9 @@
 
 #include "core/globalregs.h"
 #include "core/globals.h"
-#include "core/queueuithread.h"
 #include "platform/memory/memorysystem.h"
 #include "scan/threadscan.h"
+#include "system/queueuithread.h"
 #include "ui/resultstree.h"
 #include "ui/sectionstree.h"
 

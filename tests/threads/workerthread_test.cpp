@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "core/queueuithread.h"
+#include "system/queueuithread.h"
 
 namespace {
 

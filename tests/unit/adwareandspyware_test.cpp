@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "core/inflate.h"
+#include "formats/inflate.h"
 #include "tests/support/problemfields.h"
 
 namespace {

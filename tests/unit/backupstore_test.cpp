@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
-#include "core/filestore.h"
 #include "platform/memory/memorysystem.h"
 #include "repair/backupname.h"
+#include "system/filestore.h"
 #include "tests/support/scanrig.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "repair/backupview.h"
+#include "ui/backupview.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/settingskeys.h"
 #include "platform/memory/memorysystem.h"
 
 namespace {

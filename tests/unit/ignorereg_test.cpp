@@ -1,8 +1,11 @@
 #include "repair/ignorereg.h"
+#include "core/settingskeys.h"
 
 #include <gtest/gtest.h>
 
+#include "core/settingskeys.h"
 #include "platform/memory/memorysystem.h"
+#include "ui/ignorelistmodel.h"
 
 namespace {
 
@@ -17,7 +20,7 @@ class TIgnoreRig {
 
   void Save(const TIgnoreListModel& model) {
     TSystem system = System.Bundle();
-    model.SaveIgnoreList(system, Reg);
+    model.Save(system, Reg);
   }
 
   std::vector<Text> Loaded() {

@@ -1,4 +1,4 @@
-#include "core/inflate.h"
+#include "formats/inflate.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "core/inifile.h"
+#include "formats/inifile.h"
 
 #include <gtest/gtest.h>
 

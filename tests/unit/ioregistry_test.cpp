@@ -1,4 +1,4 @@
-#include "suitecontrols/ioregistry.h"
+#include "formats/ioregistry.h"
 
 #include <gtest/gtest.h>
 

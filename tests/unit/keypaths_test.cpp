@@ -1,4 +1,4 @@
-#include "core/keypaths.h"
+#include "base/keypaths.h"
 
 #include <gtest/gtest.h>
 

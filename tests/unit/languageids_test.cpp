@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/text.h"
+#include "base/text.h"
 #include "tests/support/sourcefolder.h"
 
 namespace {

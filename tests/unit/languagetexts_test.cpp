@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "core/globals.h"
+#include "core/settingskeys.h"
 #include "platform/memory/memorysystem.h"
 
 namespace {

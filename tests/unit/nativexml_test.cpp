@@ -1,4 +1,4 @@
-#include "suitecontrols/nativexml.h"
+#include "formats/nativexml.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "core/queueuithread.h"
-#include "core/systemerror.h"
+#include "system/queueuithread.h"
+#include "system/systemerror.h"
 #include "tests/support/scanrig.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "suitecontrols/regfilereader.h"
+#include "formats/regfilereader.h"
 
 #include <gtest/gtest.h>
 

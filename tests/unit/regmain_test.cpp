@@ -2,6 +2,7 @@
 // of dialogs that are closed in the middle and of threads that fail.
 
 #include "ui/regmain.h"
+#include "core/settingskeys.h"
 
 #include <gtest/gtest.h>
 

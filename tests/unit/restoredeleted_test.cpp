@@ -4,6 +4,7 @@
 
 #include "platform/memory/memorysystem.h"
 #include "tests/support/scanrig.h"
+#include "ui/restoremodel.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/repairrig.h"
-#include "ui/treelayout.h"
+#include "ui/tree/treelayout.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/systemerror.h"
+#include "system/systemerror.h"
 #include "tests/support/problemfields.h"
 #include "tests/support/scanrig.h"
 

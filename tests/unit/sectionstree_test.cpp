@@ -1,4 +1,5 @@
 #include "ui/sectionstree.h"
+#include "core/settingskeys.h"
 
 #include <gtest/gtest.h>
 

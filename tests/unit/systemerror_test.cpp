@@ -1,4 +1,4 @@
-#include "core/systemerror.h"
+#include "system/systemerror.h"
 
 #include <gtest/gtest.h>
 

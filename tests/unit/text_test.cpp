@@ -1,9 +1,9 @@
-#include "core/text.h"
+#include "base/text.h"
 
 #include <gtest/gtest.h>
 
-#include "core/lettercase.h"
-#include "core/machine.h"
+#include "base/lettercase.h"
+#include "system/machine.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Where the places of a text lie: a character is as wide as its last decimal digit says, any other 10 pixels.
-#include "ui/textgeometry.h"
+#include "ui/text/textgeometry.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // A long text in lines, and the caret and selection in it.
-#include "ui/textlines.h"
+#include "ui/text/textlines.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "ui/treekeys.h"
+#include "ui/tree/treekeys.h"
 
 namespace {
 

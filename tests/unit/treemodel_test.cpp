@@ -1,6 +1,6 @@
 // The tree without a window, and the results tree that stands on it.
 
-#include "ui/treemodel.h"
+#include "ui/tree/treemodel.h"
 
 #include <gtest/gtest.h>
 

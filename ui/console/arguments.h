@@ -8,8 +8,8 @@
 #include <set>
 #include <vector>
 
-#include "core/systemerror.h"
-#include "core/text.h"
+#include "base/text.h"
+#include "system/systemerror.h"
 
 // Wrong usage; the message is the line that the user is told.
 class TUsageError : public TProgramException {

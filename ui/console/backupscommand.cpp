@@ -1,8 +1,8 @@
 // corvaltc backups: name, time and size of each backup, one a line with tabs between.
 
 #include "core/languagetexts.h"
-#include "core/systemerror.h"
 #include "repair/restoredeleted.h"
+#include "system/systemerror.h"
 #include "ui/console/arguments.h"
 #include "ui/console/commands.h"
 #include "ui/console/output.h"

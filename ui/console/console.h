@@ -7,8 +7,8 @@
 
 #include "core/globalregs.h"
 #include "core/globals.h"
-#include "core/queueuithread.h"
-#include "core/system.h"
+#include "system/queueuithread.h"
+#include "system/system.h"
 
 class TConsole {
  public:

@@ -2,11 +2,12 @@
 
 #include <algorithm>
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 #include "repair/ignorereg.h"
 #include "ui/console/arguments.h"
 #include "ui/console/commands.h"
 #include "ui/console/output.h"
+#include "ui/ignorelistmodel.h"
 
 namespace {
 
@@ -55,7 +56,7 @@ TExitCode Remove(TConsoleContext& context, const Text& entry) {
   // An entry that was switched on again stands there twice.
   for (; row; row = RowOf(model, entry))
     model.Remove(*row);
-  model.SaveIgnoreList(context.System, context.Reg);
+  model.Save(context.System, context.Reg);
   return CodeOfStored(context, entry, false);
 }
 

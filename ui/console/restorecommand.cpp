@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "base/lettercase.h"
 #include "core/languagetexts.h"
-#include "core/lettercase.h"
 #include "repair/restoredeleted.h"
 #include "ui/console/arguments.h"
 #include "ui/console/commands.h"

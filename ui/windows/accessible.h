@@ -4,7 +4,7 @@
 
 #include <atomic>
 
-#include "core/text.h"
+#include "base/text.h"
 #include "ui/windows/controlsapi.h"
 
 class TAccessible : public IAccessible {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "core/globals.h"
-#include "ui/dialogmodels.h"
+#include "ui/backupview.h"
 #include "ui/windows/modalwindow.h"
 #include "ui/windows/textview.h"
 

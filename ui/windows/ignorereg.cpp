@@ -122,7 +122,7 @@ LRESULT Tfrmignorereg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     return 0;
   }
   if (message == WM_COMMAND && LOWORD(wParam) == IDOK) {
-    m_model.SaveIgnoreList(m_system, m_reg);
+    m_model.Save(m_system, m_reg);
     Close();
     return 0;
   }

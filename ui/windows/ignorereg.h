@@ -1,7 +1,7 @@
 // Tfrmignorereg: the ignore list manager.
 #pragma once
 
-#include "ui/dialogmodels.h"
+#include "ui/ignorelistmodel.h"
 #include "ui/windows/controlsapi.h"
 #include "ui/windows/modalwindow.h"
 

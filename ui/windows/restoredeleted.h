@@ -1,7 +1,7 @@
 // TfrmRestore: the dialog that lists the backups and brings them back.
 #pragma once
 
-#include "ui/dialogmodels.h"
+#include "ui/restoremodel.h"
 #include "ui/windows/controlsapi.h"
 #include "ui/windows/modalwindow.h"
 

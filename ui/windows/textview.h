@@ -2,7 +2,7 @@
 // it shows the first line; this one looks at the lines in sight.
 #pragma once
 
-#include "ui/textgeometry.h"
+#include "ui/text/textgeometry.h"
 #include "ui/windows/gdi.h"
 #include "ui/windows/scrolling.h"
 #include "ui/windows/window.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "core/rounding.h"
+#include "base/rounding.h"
 #include "ui/windows/treeaccessible.h"
 
 namespace {

@@ -6,22 +6,16 @@
 #include <functional>
 #include <vector>
 
-#include "ui/resultsrows.h"
-#include "ui/treekeys.h"
-#include "ui/treelayout.h"
-#include "ui/treemodel.h"
+#include "ui/tree/row.h"
+#include "ui/tree/treekeys.h"
+#include "ui/tree/treelayout.h"
+#include "ui/tree/treemodel.h"
 #include "ui/windows/controlsapi.h"
 #include "ui/windows/gdi.h"
 #include "ui/windows/scrolling.h"
 #include "ui/windows/window.h"
 
 class TTreeAccessible;
-
-struct TRowLook {
-  int Image = kNoImage;  // in the control's image list
-  std::vector<TRowLine> Lines;
-  int ControlsHeight = 0;  // of the controls that ride on the third line
-};
 
 // What the control asks of its owner, and tells it.
 class TTreeControlOwner {

@@ -1,7 +1,7 @@
 #include "tests/contract/subject.h"
 
-#include "core/queueuithread.h"
 #include "platform/memory/memorysystem.h"
+#include "system/queueuithread.h"
 
 namespace {
 

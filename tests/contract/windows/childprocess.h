@@ -1,7 +1,7 @@
 // Runs one test of this program, even a disabled one, in a process of its own.
 #pragma once
 
-#include "core/text.h"
+#include "base/text.h"
 
 // The exit code's low 8 bits: 0 when the test passed.
 int RunTestInChild(TextView testName);

@@ -1,5 +1,6 @@
 // The ignore list manager itself: its rows and their check boxes, and what each button does.
 #include "ui/windows/ignorereg.h"
+#include "core/settingskeys.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "core/lettercase.h"
+#include "base/lettercase.h"
 #include "platform/memory/lettercasetable.h"
 
 namespace {

@@ -2,7 +2,7 @@
 // kScratchRoot. Each fails the running test when the system refuses.
 #pragma once
 
-#include "core/text.h"
+#include "base/text.h"
 
 // An access list without entries, and one that lets everybody do everything.
 void DenyEverything(TextView keyPath);

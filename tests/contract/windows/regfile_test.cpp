@@ -6,9 +6,9 @@
 #include <set>
 #include <string>
 
+#include "formats/ioregistry.h"
 #include "platform/windows/registrykeys.h"
 #include "platform/windows/windowsapi.h"
-#include "suitecontrols/ioregistry.h"
 #include "tests/contract/subject.h"
 #include "tests/support/nastyregistry.h"
 

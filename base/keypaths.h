@@ -1,0 +1,41 @@
+// Root keys and key paths. A registry location travels as a root key and a key path that begins with "\" and
+// names no root; the full text is formed only for display, ignore matching, backups and reports.
+#pragma once
+
+#include <cstdint>
+
+#include "base/text.h"
+
+// Predefined handle values of the Windows registry (winreg.h), low 32 bits.
+using TRootKey = std::uint32_t;
+
+inline constexpr TRootKey kNoRootKey = 0;
+inline constexpr TRootKey kHkeyClassesRoot = 0x80000000;
+inline constexpr TRootKey kHkeyCurrentUser = 0x80000001;
+inline constexpr TRootKey kHkeyLocalMachine = 0x80000002;
+inline constexpr TRootKey kHkeyUsers = 0x80000003;
+inline constexpr TRootKey kHkeyCurrentConfig = 0x80000005;
+inline constexpr TRootKey kHkeyDynData = 0x80000006;
+
+// "HKEY_LOCAL_MACHINE" and so on; any handle that is none of the six, 0 included, gives "HKEY_CURRENT_USER".
+Text RootKeyName(TRootKey rootKey);
+
+// The root of an exact name; a text that is none of the six names (another letter case, a trailing "\") gives
+// kHkeyCurrentUser.
+TRootKey RootKeyFromName(TextView name);
+
+// Whether name is exactly one of the six names.
+bool IsRootKeyName(TextView name);
+
+// A key path taken apart as the registry store takes it.
+struct TParsedKeyPath {
+  bool FromRoot = false;    // began with one "\"; otherwise relative to the open key
+  std::vector<Text> Names;  // no empty ones; none at all means the root or the open key itself
+};
+
+// False for a path that begins with two "\": such a path opens no key.
+bool OpensKey(TextView path);
+
+// Runs of "\" inside the path count as one and a trailing one is ignored; nothing for a path that opens no
+// key.
+std::optional<TParsedKeyPath> ParseKeyPath(TextView path);

@@ -1,0 +1,8 @@
+#include "base/rounding.h"
+
+#include <cmath>
+
+std::int32_t RoundHalfToEven(double number) {
+  // The default rounding mode of the floating-point unit rounds a half to the even neighbour.
+  return static_cast<std::int32_t>(std::nearbyint(number));
+}

@@ -1,6 +1,0 @@
-#include "core/machine.h"
-
-Text FolderOf(TextView filePath) {
-  const std::size_t separator = filePath.find_last_of(u"\\/");
-  return separator == TextView::npos ? Text() : Text(filePath.substr(0, separator + 1));
-}

@@ -1,8 +1,0 @@
-#include "core/rounding.h"
-
-#include <cmath>
-
-std::int32_t RoundHalfToEven(double number) {
-  // The default rounding mode of the floating-point unit rounds a half to the even neighbour.
-  return static_cast<std::int32_t>(std::nearbyint(number));
-}

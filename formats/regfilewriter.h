@@ -1,0 +1,46 @@
+// Writes keys and values as REGEDIT4 text.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "system/rawregistry.h"
+#include "system/systemlocale.h"
+
+// Appends to the bytes that it is given. Values belong to the key written before them.
+class TRegFileWriter {
+ public:
+  // Both must outlive this object.
+  TRegFileWriter(TLocale& locale, TBytes& bytes);
+
+  void WriteHeader();
+
+  // A key path begins with "\" and has no other "\" too many.
+  void WriteKey(TRootKey rootKey, TextView keyPath);
+  void WriteValue(const TRawValue& value);
+
+ private:
+  bool WritePlainValue(const TRawValue& value);
+  bool AppendPlainData(const TRawValue& value);
+  bool AppendTextData(const TRawValue& value);
+  void AppendHexData(std::uint32_t type, std::string_view data);
+  void AppendFoldedHex(std::string_view data);
+  bool AppendPlain(TextView text);
+  bool AppendQuoted(TextView text);
+
+  void WriteExactKey(TRootKey rootKey, TextView keyPath);
+  void WriteExactValue(const TRawValue& value);
+  void AppendExactBytes(std::string_view data);
+  void AppendExactText(TextView text);
+  void AppendExactWord(std::string_view word);
+
+  void AppendDigits(std::uint8_t byte);
+  void FlushLine();
+
+  TLocale& m_locale;
+  TBytes& m_bytes;
+  std::string m_line;          // under construction; holds folds when it is long
+  std::size_t m_lastFold = 0;  // in m_line, where its last physical line begins
+  Text m_units;                // the buffer of the text being written
+  bool m_keyIsExact = false;
+};

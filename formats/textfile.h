@@ -1,0 +1,21 @@
+// Text files in the encodings that users and translators save them in.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "base/text.h"
+#include "system/systemlocale.h"
+
+// What the bytes say. A byte order mark (UTF-8, UTF-16 LE or BE) decides and is not part of the text; without
+// one the bytes are UTF-8 when they are valid UTF-8, else they are in the ANSI code page. An odd last byte of
+// UTF-16 is dropped.
+Text DecodeTextFile(std::span<const std::uint8_t> bytes, TLocale& locale);
+
+// The parts of it, for files that are written back as they were read.
+inline constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+inline constexpr std::string_view kUtf16LittleEndianMark = "\xFF\xFE";
+inline constexpr std::string_view kUtf16BigEndianMark = "\xFE\xFF";
+
+std::string_view AsCharacters(std::span<const std::uint8_t> bytes);
+Text DecodeUtf16LittleEndian(std::string_view bytes);

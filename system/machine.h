@@ -1,0 +1,29 @@
+// The Windows version and the places that belong to the machine and the program.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "base/text.h"
+
+struct TSystemVersion {
+  std::uint32_t Major = 0;
+  std::uint32_t Minor = 0;
+  bool Is95Family = false;  // VER_PLATFORM_WIN32_WINDOWS
+};
+
+class TMachine {
+ public:
+  virtual ~TMachine() = default;
+
+  virtual TSystemVersion GetVersion() = 0;
+
+  // The system folder, asked for with a buffer of bufferLength characters; empty when it does not fit.
+  virtual Text GetSystemDirectory(std::size_t bufferLength) = 0;
+
+  // Full path of the running program's file.
+  virtual Text ProgramFile() = 0;
+};
+
+// The folder of a file path, with its trailing separator; empty when the path names none.
+Text FolderOf(TextView filePath);

@@ -1,0 +1,79 @@
+// The one interface through which the logic reads and changes the registry.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "base/keypaths.h"
+#include "base/text.h"
+
+enum class TDataType { Unknown, String, ExpandString, Integer, Binary };
+
+// Of one of the system's types of values (REG_SZ, ...).
+TDataType DataTypeOf(std::uint32_t type);
+
+// A current root and at most one open key. Names compare without regard to case and keep theirs. Failed
+// operations answer false, the empty text, 0 or an empty list, never raise and leave everything as it was.
+// Not for use by two threads at once.
+class RegistryStore {
+ public:
+  virtual ~RegistryStore() = default;
+
+  // Selects the root for the following operations. Closes nothing.
+  virtual void SetRootKey(TRootKey rootKey) = 0;
+
+  // Opens a key, with canCreate creating it and its missing parents. A path that begins with "\" is taken
+  // from the root, any other relative to the open key, or to the root when none is open; see ParseKeyPath.
+  // Replaces the open key on success; on failure no key is left open.
+  virtual bool OpenKey(TextView path, bool canCreate) = 0;
+  virtual void CloseKey() = 0;
+
+  // Tests a key without opening it; paths as in OpenKey. A key that the user may not open exists all the
+  // same.
+  virtual bool KeyExists(TextView path) = 0;
+
+  // The open key's values. The empty name is the default value, and a name of one NUL unit means the same to
+  // the registry.
+  virtual bool ValueExists(TextView name) = 0;
+
+  // Integer means the 32-bit little-endian type alone; a missing value is Unknown.
+  virtual TDataType GetDataType(TextView name) = 0;
+
+  // String and expandable string values, unexpanded, up to their first NUL; an odd last byte is dropped.
+  virtual Text ReadString(TextView name) = 0;
+
+  // Integer values of four bytes; 0 for anything else.
+  virtual std::int32_t ReadInteger(TextView name) = 0;
+  virtual bool ReadBool(TextView name) = 0;
+
+  virtual bool WriteString(TextView name, TextView value) = 0;
+  virtual bool WriteInteger(TextView name, std::int32_t value) = 0;
+  virtual bool WriteBool(TextView name, bool value) = 0;
+
+  // Names of the open key's values and direct subkeys, in the platform's enumeration order.
+  virtual std::vector<Text> GetValueNames() = 0;
+  virtual std::vector<Text> GetKeyNames() = 0;
+  virtual bool HasSubKeys() = 0;
+
+  // Deletes a key with all its subkeys; paths as in OpenKey. A key that is itself a registry link, or that
+  // holds one below it, is left whole: a link is never followed. False when anything of it remains.
+  virtual bool DeleteKey(TextView path) = 0;
+  virtual bool DeleteValue(TextView name) = 0;
+};
+
+enum class TRegistryAccess {
+  Read,  // keys open for reading; every change fails
+  Full,  // keys open for reading and for change
+};
+
+// Makes registry stores. One store a user; each begins at HKEY_CURRENT_USER with no key open.
+class TRegistryFactory {
+ public:
+  virtual ~TRegistryFactory() = default;
+  virtual std::unique_ptr<RegistryStore> CreateStore(TRegistryAccess access) = 0;
+};
+
+// Writes a value where it is missing, and answers what is stored afterwards; the default too where it could
+// not be written.
+std::int32_t ReadOrWriteInteger(RegistryStore& store, TextView name, std::int32_t defaultValue);

@@ -1,0 +1,16 @@
+// Time, so that tests can hold it still.
+#pragma once
+
+#include <chrono>
+
+#include "system/systemlocale.h"
+
+class TClock {
+ public:
+  virtual ~TClock() = default;
+
+  // Local date and time, to the millisecond.
+  virtual TDateTime Now() = 0;
+
+  virtual void Sleep(std::chrono::milliseconds duration) = 0;
+};

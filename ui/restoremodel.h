@@ -1,0 +1,46 @@
+// The restore dialog without its window.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "core/globals.h"
+#include "repair/backupstore.h"
+#include "system/system.h"
+#include "ui/backupview.h"
+
+struct TRestoreRow {
+  Text Caption;
+  Text SizeText;
+  Text BackupName;  // hidden
+};
+
+// The rows of the dialog and what its buttons do. Outcomes are told through the shell's message boxes.
+class TRestoreModel {
+ public:
+  // Both must outlive the model.
+  TRestoreModel(TSystem& system, const TGlobalVars& vars);
+
+  // Lists the backups; none, and a message, when the index can't be read.
+  void Fill();
+
+  const std::vector<TRestoreRow>& Rows() const {
+    return m_rows;
+  }
+
+  // Each expects the index of a row. Restore asks first, Remove does not. Remove answers whether the row is
+  // gone; View nothing when the file can't be shown.
+  void Restore(std::size_t row);
+  bool Remove(std::size_t row);
+  std::optional<TBackupView> View(std::size_t row);
+
+ private:
+  void ShowFailure(TextView text);
+  Text Say(TextId id, TextView arg1 = {}, TextView arg2 = {}) const;
+
+  TSystem m_system;
+  const TGlobalVars& m_vars;
+  BackupStore m_store;
+  std::vector<TRestoreRow> m_rows;
+};
