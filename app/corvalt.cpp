@@ -7,6 +7,8 @@
 #include "ui/windows/controlsapi.h"
 #include "ui/windows/regmain.h"
 
+namespace corvalt {
+
 namespace {
 
 void ShowFailure(TSystem& system, const std::exception_ptr& failure) {
@@ -28,15 +30,21 @@ int RunProgram(TWindowsSystem& windows, TSystem& system, int show) {
   return exitCode;
 }
 
-}  // namespace
-
-int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int nShowCmd) {
+int RunGuarded(int show) {
   TWindowsSystem windows;
   TSystem system = windows.Bundle();
   try {
-    return RunProgram(windows, system, nShowCmd);
+    return RunProgram(windows, system, show);
   } catch (...) {
     ShowFailure(system, std::current_exception());
     return 1;
   }
+}
+
+}  // namespace
+
+}  // namespace corvalt
+
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int nShowCmd) {
+  return corvalt::RunGuarded(nShowCmd);
 }

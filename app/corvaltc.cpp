@@ -6,7 +6,11 @@
 #include "platform/windows/windowssystem.h"
 #include "ui/console/consoleprogram.h"
 
-int wmain(int count, wchar_t** arguments) {
+namespace corvalt {
+
+namespace {
+
+int RunProgram(int count, wchar_t** arguments) {
   std::vector<Text> texts;
   for (int i = 1; i < count; ++i)
     texts.emplace_back(FromWide(arguments[i]));
@@ -16,4 +20,12 @@ int wmain(int count, wchar_t** arguments) {
   const Text version = FromAscii(CORVALT_VERSION_TEXT);
   const TExitCode code = RunConsoleProgram(texts, {system, console, version, RunStartSequence});
   return static_cast<int>(code);
+}
+
+}  // namespace
+
+}  // namespace corvalt
+
+int wmain(int count, wchar_t** arguments) {
+  return corvalt::RunProgram(count, arguments);
 }

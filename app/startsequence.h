@@ -5,6 +5,10 @@
 #include "core/globals.h"
 #include "system/system.h"
 
+namespace corvalt {
+
 // Fills the two program-wide records in the order that the suite's other programs rely on; missing settings
 // are written. Throws TSystemException when the machine's drive list does not fit.
 void RunStartSequence(TSystem& system, TGlobalVars& vars, TGlobalReg& reg);
+
+}  // namespace corvalt

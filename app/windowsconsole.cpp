@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace corvalt {
+
 namespace {
 
 constexpr DWORD kBlock = 65536;        // bytes of one writing
@@ -114,3 +116,5 @@ BOOL TWindowsConsole::OnControl(DWORD event) {
   interrupt.Handler();
   return TRUE;
 }
+
+}  // namespace corvalt

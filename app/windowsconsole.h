@@ -6,6 +6,8 @@
 #include "platform/windows/windowsapi.h"
 #include "ui/console/console.h"
 
+namespace corvalt {
+
 class TWindowsConsole : public TConsole {
  public:
   // The interrupt key reaches one console a process.
@@ -27,3 +29,5 @@ class TWindowsConsole : public TConsole {
   bool m_errorIsTerminal;
   std::size_t m_progressLength = 0;  // units of the line that is shown now
 };
+
+}  // namespace corvalt

@@ -3,6 +3,8 @@
 #include <array>
 #include <optional>
 
+namespace corvalt {
+
 namespace {
 
 struct TNamedRoot {
@@ -62,3 +64,5 @@ std::optional<TParsedKeyPath> ParseKeyPath(TextView path) {
   }
   return parsed;
 }
+
+}  // namespace corvalt

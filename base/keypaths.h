@@ -6,6 +6,8 @@
 
 #include "base/text.h"
 
+namespace corvalt {
+
 // Predefined handle values of the Windows registry (winreg.h), low 32 bits.
 using TRootKey = std::uint32_t;
 
@@ -39,3 +41,5 @@ bool OpensKey(TextView path);
 // Runs of "\" inside the path count as one and a trailing one is ignored; nothing for a path that opens no
 // key.
 std::optional<TParsedKeyPath> ParseKeyPath(TextView path);
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace corvalt {
+
 char16_t UpperUnit(char16_t unit) {
   return SystemLetterCase().Upper[unit];
 }
@@ -44,3 +46,5 @@ int CompareIgnoringCase(TextView a, TextView b) {
     return 0;
   return a.size() < b.size() ? -1 : 1;
 }
+
+}  // namespace corvalt

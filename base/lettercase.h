@@ -7,6 +7,8 @@
 
 #include "base/text.h"
 
+namespace corvalt {
+
 struct TLetterCaseTable {
   std::array<char16_t, 0x10000> Upper;
   std::array<char16_t, 0x10000> Lower;
@@ -33,3 +35,5 @@ struct TLessIgnoringCase {
     return CompareIgnoringCase(a, b) < 0;
   }
 };
+
+}  // namespace corvalt

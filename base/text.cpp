@@ -2,6 +2,8 @@
 
 #include <limits>
 
+namespace corvalt {
+
 namespace {
 
 constexpr char16_t kBlank = u' ';
@@ -215,3 +217,5 @@ std::string EncodeUtf8(TextView text) {
 Text FromAscii(std::string_view ascii) {
   return Text(ascii.begin(), ascii.end());
 }
+
+}  // namespace corvalt

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+namespace corvalt {
+
 using Text = std::u16string;
 using TextView = std::u16string_view;
 
@@ -61,3 +63,5 @@ std::string EncodeUtf8(TextView text);
 
 // Widens the 7-bit characters of a literal or a decoded technical text. Expects bytes below 128.
 Text FromAscii(std::string_view ascii);
+
+}  // namespace corvalt

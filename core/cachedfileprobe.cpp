@@ -4,6 +4,8 @@
 
 #include "base/lettercase.h"
 
+namespace corvalt {
+
 namespace {
 
 // Longer paths, the terminating NUL included, fail in the system's own way.
@@ -217,3 +219,5 @@ void TCachedFileProbe::AddEntry(const Text& name, TEntryKind kind, TFolder& fold
   if (!added && entry->second != kind)
     entry->second = TEntryKind::AskPlainly;
 }
+
+}  // namespace corvalt

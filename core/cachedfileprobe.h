@@ -7,6 +7,8 @@
 
 #include "system/filesystemprobe.h"
 
+namespace corvalt {
+
 // Answers FileExists and DirectoryExists as the probe below it would, mostly without asking it. Made for one
 // scan: what changes on the disk meanwhile may be missed. For the thread that made it alone.
 //
@@ -109,3 +111,5 @@ class TCachedFileProbe : public FileSystemProbe {
   Text m_upper;
   std::vector<TFolderEntry> m_listing;
 };
+
+}  // namespace corvalt

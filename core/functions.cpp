@@ -4,6 +4,8 @@
 
 #include "base/lettercase.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kProgramExtension = u".exe";
@@ -179,3 +181,5 @@ Text FormatSize(std::int64_t size, TLocale& locale) {
 bool ShowFileProperties(TextView path, Shell& shell) {
   return shell.ShowProperties(path, kShowPropertiesMask);
 }
+
+}  // namespace corvalt

@@ -11,6 +11,8 @@
 #include "system/shell.h"
 #include "system/systemlocale.h"
 
+namespace corvalt {
+
 // The mask of ShowFileProperties (shellapi.h): invoke-id-list, no-close-process, no error interface.
 inline constexpr std::uint32_t kShowPropertiesMask = 0x44C;
 
@@ -26,7 +28,7 @@ class TPathChecks {
   }
 
   Text ExpandPathVariables(TextView text) const {
-    return ::ExpandPathVariables(text, m_vars);
+    return corvalt::ExpandPathVariables(text, m_vars);
   }
 
   // True for a path that is not on a fixed drive; otherwise whether the file, or without filesOnly the
@@ -68,3 +70,5 @@ Text FormatSize(std::int64_t size, TLocale& locale);
 
 // The shell's properties sheet of a file; true when the call succeeds.
 bool ShowFileProperties(TextView path, Shell& shell);
+
+}  // namespace corvalt

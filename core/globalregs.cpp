@@ -4,6 +4,8 @@
 #include "formats/inflate.h"
 #include "formats/textfile.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kDefaultBackupCount = 30;
@@ -77,3 +79,5 @@ void SaveCleanerSettings(TSystem& system, const TGlobalReg& reg) {
   store->WriteInteger(kBackupCountValue, reg.BackupCount);
   store->CloseKey();
 }
+
+}  // namespace corvalt

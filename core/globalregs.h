@@ -8,6 +8,8 @@
 #include "core/globals.h"
 #include "system/system.h"
 
+namespace corvalt {
+
 struct TGlobalReg {
   std::vector<Text> BuiltInExclusions;
   std::vector<Text>
@@ -27,3 +29,5 @@ std::vector<Text> LoadIgnoreList(TSystem& system);
 
 // Writes the backup settings back, at the program's end. Failures are silent.
 void SaveCleanerSettings(TSystem& system, const TGlobalReg& reg);
+
+}  // namespace corvalt

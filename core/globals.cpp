@@ -4,6 +4,8 @@
 #include "core/settingskeys.h"
 #include "formats/inifile.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::size_t kSystemDirectoryBuffer = 261;
@@ -199,3 +201,5 @@ void FillGlobalVars(TSystem& system, TGlobalVars& vars) {
   FillSkin(system, vars);
   FillSuiteSettings(system, vars);
 }
+
+}  // namespace corvalt

@@ -9,6 +9,8 @@
 #include "core/languagetexts.h"
 #include "system/system.h"
 
+namespace corvalt {
+
 struct TGlobalVars {
   // Folders end with "\".
   Text AppDataFolder;
@@ -49,3 +51,5 @@ Text WindowsVersionNameOf(const TSystemVersion& version);
 // fixed drives, language, suite settings. Missing settings are written with their defaults. Throws
 // TSystemException with code kErrorOutOfMemory when the drive list does not fit.
 void FillGlobalVars(TSystem& system, TGlobalVars& vars);
+
+}  // namespace corvalt

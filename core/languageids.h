@@ -9,6 +9,8 @@
 #include <array>
 #include <cstdint>
 
+namespace corvalt {
+
 enum class TextId : std::int32_t {
   // Shared by the suite
   MenuFile = 10001,
@@ -289,3 +291,5 @@ inline constexpr std::array<TTextEntry, 120> kTextIds{{
     {TextId::ActionCheckRow, 0},
     {TextId::ActionUncheckRow, 0},
 }};
+
+}  // namespace corvalt

@@ -4,6 +4,8 @@
 #include "core/settingskeys.h"
 #include "formats/textfile.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kEnglishFile = u"english.lng";
@@ -71,3 +73,5 @@ Text LoadLanguage(TSystem& system, TextView programFolder, TLanguageTexts& texts
   texts.Selected = LoadTable(system, languagesFolder + name);
   return name;
 }
+
+}  // namespace corvalt

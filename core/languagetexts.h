@@ -9,6 +9,8 @@
 #include "core/languageids.h"
 #include "system/system.h"
 
+namespace corvalt {
+
 // The lines of one language file.
 class TLanguageTable {
  public:
@@ -45,3 +47,5 @@ Text PlainText(TextView text);
 // Reads the user's language from the suite's settings, writes "english.lng" back where it is missing or its
 // file is, and loads both tables. Answers the language file's name. A missing file leaves its table empty.
 Text LoadLanguage(TSystem& system, TextView programFolder, TLanguageTexts& texts);
+
+}  // namespace corvalt

@@ -3,6 +3,8 @@
 
 #include "base/text.h"
 
+namespace corvalt {
+
 // The suite's, which its other modules read and write too.
 inline constexpr TextView kSuiteKey = u"\\SOFTWARE\\TessalySoft\\Tessaly Utilities";
 inline constexpr TextView kLanguageValue = u"Language";
@@ -16,3 +18,5 @@ inline constexpr TextView kCleanerSettingsKey =
     u"\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\Settings";
 inline constexpr TextView kIgnoreListKey = u"\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\IgnoreList";
 inline constexpr TextView kSectionsKey = u"\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\Sections";
+
+}  // namespace corvalt

@@ -1,5 +1,7 @@
 #include "core/workerthread.h"
 
+namespace corvalt {
+
 TWorkerThread::~TWorkerThread() {
   if (!m_thread.joinable())
     return;
@@ -50,3 +52,5 @@ void TWorkerThread::Synchronize(const std::function<void()>& routine) {
   if (!m_uiThread.Send(routine))
     Terminate();
 }
+
+}  // namespace corvalt

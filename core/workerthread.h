@@ -12,6 +12,8 @@
 
 #include "system/uithread.h"
 
+namespace corvalt {
+
 class TWorkerThread {
  public:
   // Runs on the user-interface thread after Execute has ended, also when Execute threw.
@@ -79,3 +81,5 @@ class TWorkerThread {
   bool m_abandoned = false;
   std::thread m_thread;
 };
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 
+namespace corvalt {
+
 namespace {
 
 // The stream's state, freed on every path out.
@@ -66,3 +68,5 @@ std::optional<std::vector<std::uint8_t>> InflateDataFile(std::span<const std::ui
       return content;
   }
 }
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 #include <span>
 #include <vector>
 
+namespace corvalt {
+
 // Bytes before the zlib stream of a data file; the reader skips them without looking.
 inline constexpr std::size_t kDataFilePrefix = 2;
 
@@ -16,3 +18,5 @@ inline constexpr std::size_t kLargestInflated = std::size_t{64} * 1024 * 1024;
 // short, not zlib, cut off, damaged, or inflates to more than kLargestInflated. Bytes after the stream's end
 // are ignored.
 std::optional<std::vector<std::uint8_t>> InflateDataFile(std::span<const std::uint8_t> file);
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 #include "base/lettercase.h"
 #include "formats/textfile.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kLineEnd = u"\r\n";
@@ -188,3 +190,5 @@ std::vector<std::uint8_t> TIniFile::ToBytes(TLocale& locale) const {
   }
   return result;
 }
+
+}  // namespace corvalt

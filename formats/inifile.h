@@ -10,6 +10,8 @@
 #include "base/text.h"
 #include "system/systemlocale.h"
 
+namespace corvalt {
+
 // One ini file in memory. Lines that say nothing (comments, blanks, damaged ones) are kept where they are.
 // Section and key names compare without regard to case; of two with one name the first counts.
 class TIniFile {
@@ -59,3 +61,5 @@ class TIniFile {
   TEncoding m_encoding = TEncoding::Ansi;
   std::vector<TLine> m_lines;
 };
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "formats/regfilereader.h"
 #include "formats/regfilewriter.h"
 
+namespace corvalt {
+
 namespace {
 
 TExportResult ExportResultOf(TRawResult result) {
@@ -43,7 +45,7 @@ Text SubKeyPath(TextView keyPath, TextView name) {
 // Keys that the registry keeps open between calls would hold up somebody else's deletion.
 class TKeysReleased {
  public:
-  explicit TKeysReleased(RawRegistry& registry) : m_registry(registry) {
+  explicit TKeysReleased(TRawRegistry& registry) : m_registry(registry) {
   }
   ~TKeysReleased() {
     m_registry.ReleaseKeys();
@@ -52,10 +54,10 @@ class TKeysReleased {
   TKeysReleased& operator=(const TKeysReleased&) = delete;
 
  private:
-  RawRegistry& m_registry;
+  TRawRegistry& m_registry;
 };
 
-TRawResult Replay(RawRegistry& registry, const TRegFileEntry& entry, TImportResult& result) {
+TRawResult Replay(TRawRegistry& registry, const TRegFileEntry& entry, TImportResult& result) {
   switch (entry.Kind) {
     case TRegFileEntry::TKind::Key: {
       const TRawResult created = registry.CreateKey(entry.RootKey, entry.KeyPath);
@@ -81,7 +83,7 @@ bool IsDeletion(const TRegFileEntry& entry) {
 
 }  // namespace
 
-TIORegistry::TIORegistry(RawRegistry& registry, TLocale& locale) : m_registry(registry), m_locale(locale) {
+TIORegistry::TIORegistry(TRawRegistry& registry, TLocale& locale) : m_registry(registry), m_locale(locale) {
   Clear();
 }
 
@@ -179,3 +181,5 @@ TImportResult TIORegistry::Import(std::span<const std::uint8_t> bytes) {
   result.LinesSkipped = reader.LinesSkipped();
   return result;
 }
+
+}  // namespace corvalt

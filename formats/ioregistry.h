@@ -9,6 +9,8 @@
 #include "system/rawregistry.h"
 #include "system/systemlocale.h"
 
+namespace corvalt {
+
 class TRegFileWriter;
 
 enum class TExportResult {
@@ -32,7 +34,7 @@ struct TImportResult {
 class TIORegistry {
  public:
   // Both must outlive this object.
-  TIORegistry(RawRegistry& registry, TLocale& locale);
+  TIORegistry(TRawRegistry& registry, TLocale& locale);
 
   // Forgets what was exported; what is left is the text of no export, the header alone.
   void Clear();
@@ -67,8 +69,10 @@ class TIORegistry {
   TExportResult AppendTree(TRootKey rootKey, Text keyPath);
   void AppendKey(TRegFileWriter& writer, TExportedKey key);
 
-  RawRegistry& m_registry;
+  TRawRegistry& m_registry;
   TLocale& m_locale;
   TBytes m_text;
   std::vector<TExportedKey> m_exported;
 };
+
+}  // namespace corvalt

@@ -3,6 +3,8 @@
 #include <pugixml.hpp>
 #include <utility>
 
+namespace corvalt {
+
 namespace {
 
 pugi::xml_node NodeOf(void* node) {
@@ -83,3 +85,5 @@ TNativeXml::~TNativeXml() = default;
 TXmlElement TNativeXml::Root() const {
   return TXmlElement(m_document->Xml.document_element().internal_object());
 }
+
+}  // namespace corvalt

@@ -8,6 +8,8 @@
 
 #include "base/text.h"
 
+namespace corvalt {
+
 // One element, good as long as its document. An element that does not exist is false.
 class TXmlElement {
  public:
@@ -52,3 +54,5 @@ class TNativeXml {
 
   std::unique_ptr<TDocument> m_document;
 };
+
+}  // namespace corvalt

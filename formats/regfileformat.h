@@ -17,6 +17,8 @@
 #include "base/text.h"
 #include "system/rawregistry.h"
 
+namespace corvalt {
+
 // REGEDIT4 holds the data of these types in the ANSI code page.
 inline bool IsTextType(std::uint32_t type) {
   return type == kRegSz || type == kRegExpandSz || type == kRegMultiSz;
@@ -32,3 +34,5 @@ inline constexpr TextView kExactKey = u"key=";
 inline constexpr TextView kExactValue = u"value=";
 inline constexpr char16_t kExactSeparator = u':';
 inline constexpr char16_t kExactGoesOn = u'+';
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace corvalt {
+
 TRegFileLines::TRegFileLines(std::span<const std::uint8_t> bytes, TLocale& locale)
     : m_bytes(reinterpret_cast<const char*>(bytes.data()), bytes.size()), m_locale(locale) {
 }
@@ -34,3 +36,5 @@ TextView TRegFileLines::LineEnd() const {
     return {};
   return m_bytes[m_end] == '\r' ? u"\r" : u"\n";
 }
+
+}  // namespace corvalt

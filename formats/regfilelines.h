@@ -9,6 +9,8 @@
 #include "base/text.h"
 #include "system/systemlocale.h"
 
+namespace corvalt {
+
 class TRegFileLines {
  public:
   // Both must outlive this object.
@@ -40,3 +42,5 @@ class TRegFileLines {
   std::size_t m_next = 0;  // begin of the next line
   Text m_line;
 };
+
+}  // namespace corvalt

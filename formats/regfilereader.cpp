@@ -6,6 +6,8 @@
 #include "base/lettercase.h"
 #include "formats/regfileformat.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::uint8_t kNoDigit = 0xFF;
@@ -435,3 +437,5 @@ TRegFileReader::TStringEnd TRegFileReader::TakeString(Text& text) {
       return TStringEnd::Malformed;
   }
 }
+
+}  // namespace corvalt

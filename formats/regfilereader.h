@@ -10,6 +10,8 @@
 #include "system/rawregistry.h"
 #include "system/systemlocale.h"
 
+namespace corvalt {
+
 struct TRegFileEntry {
   enum class TKind { Key, Value, DeleteKey, DeleteValue };
 
@@ -87,3 +89,5 @@ class TRegFileReader {
   Text m_string;                // the buffer of the string being read
   TRegFileEntry m_entry;
 };
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 
 #include "formats/regfileformat.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
@@ -224,3 +226,5 @@ void TRegFileWriter::FlushLine() {
   m_line.clear();
   m_lastFold = 0;
 }
+
+}  // namespace corvalt

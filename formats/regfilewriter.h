@@ -7,6 +7,8 @@
 #include "system/rawregistry.h"
 #include "system/systemlocale.h"
 
+namespace corvalt {
+
 // Appends to the bytes that it is given. Values belong to the key written before them.
 class TRegFileWriter {
  public:
@@ -44,3 +46,5 @@ class TRegFileWriter {
   Text m_units;                // the buffer of the text being written
   bool m_keyIsExact = false;
 };
+
+}  // namespace corvalt

@@ -1,5 +1,7 @@
 #include "formats/textfile.h"
 
+namespace corvalt {
+
 namespace {
 
 Text DecodeUtf16(std::string_view bytes, std::size_t lowByte) {
@@ -34,3 +36,5 @@ Text DecodeTextFile(std::span<const std::uint8_t> bytes, TLocale& locale) {
   std::optional<Text> text = DecodeUtf8(characters);
   return text ? *std::move(text) : locale.DecodeAnsi(characters);
 }
+
+}  // namespace corvalt

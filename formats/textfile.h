@@ -7,6 +7,8 @@
 #include "base/text.h"
 #include "system/systemlocale.h"
 
+namespace corvalt {
+
 // What the bytes say. A byte order mark (UTF-8, UTF-16 LE or BE) decides and is not part of the text; without
 // one the bytes are UTF-8 when they are valid UTF-8, else they are in the ANSI code page. An odd last byte of
 // UTF-16 is dropped.
@@ -19,3 +21,5 @@ inline constexpr std::string_view kUtf16BigEndianMark = "\xFE\xFF";
 
 std::string_view AsCharacters(std::span<const std::uint8_t> bytes);
 Text DecodeUtf16LittleEndian(std::string_view bytes);
+
+}  // namespace corvalt

@@ -8,6 +8,8 @@
 #include "formats/textfile.h"
 #include "platform/memory/memorydisk.h"
 
+namespace corvalt {
+
 namespace {
 
 // Longer texts say nothing new and cost the square of their length.
@@ -60,3 +62,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   return 0;
 }
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "platform/memory/memorysystem.h"
 #include "repair/backupstore.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kFolder = u"C:\\Ann\\TessalySoft\\Tessaly Utilities\\Backups\\";
@@ -75,3 +77,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Expect(CountPrecious(memory.Disk) == before);
   return 0;
 }
+
+}  // namespace corvalt

@@ -3,9 +3,13 @@
 
 #include <cstdlib>
 
+namespace corvalt {
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto content = InflateDataFile({data, size});
   if (content && content->size() > kLargestInflated)
     std::abort();
   return 0;
 }
+
+}  // namespace corvalt

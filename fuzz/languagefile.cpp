@@ -4,6 +4,8 @@
 #include "core/languagetexts.h"
 #include "platform/memory/memorysystem.h"
 
+namespace corvalt {
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   TMemoryLocale locale;
   const TLanguageTable table = TLanguageTable::FromFile({data, size}, locale);
@@ -20,3 +22,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   return 0;
 }
+
+}  // namespace corvalt

@@ -4,6 +4,8 @@
 #include "formats/ioregistry.h"
 #include "platform/memory/memorysystem.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TRootKey kRoots[] = {kHkeyClassesRoot, kHkeyCurrentUser,   kHkeyLocalMachine,
@@ -49,3 +51,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Expect(ExportOf(second) == text);
   return 0;
 }
+
+}  // namespace corvalt

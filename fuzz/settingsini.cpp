@@ -5,6 +5,8 @@
 #include "formats/inifile.h"
 #include "platform/memory/memorysystem.h"
 
+namespace corvalt {
+
 namespace {
 
 void Expect(bool holds) {
@@ -44,3 +46,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   ChangeAndReadBack({data, size});
   return 0;
 }
+
+}  // namespace corvalt

@@ -15,6 +15,8 @@
 #include "ui/resultstree.h"
 #include "ui/sectionstree.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kAdwareAndSpyware = 100;
@@ -35,7 +37,7 @@ void FillRegistry(TMemoryRegistry& registry) {
 void CheckProblem(TMemorySystem& system, const ScanProblem& problem) {
   const std::unique_ptr<RegistryStore> registry = system.Registry.CreateStore(TRegistryAccess::Read);
   registry->SetRootKey(problem.RootKey);
-  const bool isValue = problem.Kind == kKindValue;
+  const bool isValue = problem.Kind == TProblemKind::Value;
   if (!problem.Description.starts_with(u' ') || !registry->OpenKey(problem.KeyPath, false))
     std::abort();
   if (isValue ? !registry->ValueExists(problem.ValueName) : !problem.ValueName.empty())
@@ -88,3 +90,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CheckProblem(memory, node->Problem);
   return 0;
 }
+
+}  // namespace corvalt

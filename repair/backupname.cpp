@@ -8,6 +8,8 @@
 
 #include "base/lettercase.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr int kSignificantDigits = 15;
@@ -66,3 +68,5 @@ bool IsPlainFileName(TextView name) {
   });
   return isPlain && !EqualIgnoringCase(name, kIndexName);
 }
+
+}  // namespace corvalt

@@ -8,6 +8,8 @@
 #include "core/languagetexts.h"
 #include "repair/backupname.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kIndexName = u"index.ini";
@@ -263,3 +265,5 @@ TSystemError BackupStore::DeleteStoreFile(TextView name) {
   const TSystemError error = m_system.Files.DeleteFile(BackupFilePath(name));
   return SaysMissing(error) ? TSystemError{} : error;
 }
+
+}  // namespace corvalt

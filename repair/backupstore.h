@@ -13,6 +13,8 @@
 #include "repair/deletionright.h"
 #include "system/system.h"
 
+namespace corvalt {
+
 // The module id that this program's backups carry in the index: the number of its own title.
 inline constexpr TextView kCleanerModuleId = u"11001";
 
@@ -86,3 +88,5 @@ class BackupStore {
   TIORegistry m_exporter;
   TDeletionRight m_collected;
 };
+
+}  // namespace corvalt

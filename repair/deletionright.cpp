@@ -4,6 +4,8 @@
 #include "core/globals.h"
 #include "core/settingskeys.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kBackupSetting = u"RegistryCleaner";
@@ -57,3 +59,5 @@ void TDeletionRight::AddKey(TRootKey rootKey, TextView keyPath) {
 void TDeletionRight::AddValue(TRootKey rootKey, TextView keyPath, TextView valueName) {
   m_values.insert(CanonicalValue(rootKey, keyPath, valueName));
 }
+
+}  // namespace corvalt

@@ -9,6 +9,8 @@
 #include "base/keypaths.h"
 #include "system/system.h"
 
+namespace corvalt {
+
 // Whether the suite's setting wants backups of this module's repairs. Only a stored false says no.
 bool BackupsAreOn(TSystem& system);
 
@@ -32,3 +34,5 @@ class TDeletionRight {
   std::set<Text> m_keys;
   std::set<Text> m_values;
 };
+
+}  // namespace corvalt

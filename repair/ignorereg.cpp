@@ -6,6 +6,8 @@
 #include "base/lettercase.h"
 #include "core/settingskeys.h"
 
+namespace corvalt {
+
 namespace {
 
 bool IsOff(TextView entry) {
@@ -79,3 +81,5 @@ void SaveIgnoreList(TSystem& system, TGlobalReg& reg, std::vector<Text> entries)
     store->WriteBool(StoredName(entry), true);
   store->CloseKey();
 }
+
+}  // namespace corvalt

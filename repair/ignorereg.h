@@ -8,6 +8,8 @@
 #include "scan/scanproblem.h"
 #include "system/system.h"
 
+namespace corvalt {
+
 // Root name, key path, "\" and value name; the entry of a key ends in "\".
 Text IgnoreEntryOf(const ScanProblem& problem);
 
@@ -24,3 +26,5 @@ inline constexpr char16_t kOffMark = u';';
 // Puts the entries into the list in memory, and writes the whole list anew in the registry. What other copies
 // of the program have stored since this one read the list stays, and joins the list in memory.
 void SaveIgnoreList(TSystem& system, TGlobalReg& reg, std::vector<Text> entries);
+
+}  // namespace corvalt

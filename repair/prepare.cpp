@@ -6,6 +6,8 @@
 #include "repair/backupstore.h"
 #include "system/systemerror.h"
 
+namespace corvalt {
+
 TPrepare::TPrepare(TPrepareContext context) : TWorkerThread(context.UiThread), m_context(std::move(context)) {
   Start();
 }
@@ -25,3 +27,5 @@ void MaintainBackups(TSystem& system, const TGlobalVars& vars, const std::functi
   store.MigrateLegacyBackups();
   store.PruneBackups(stop);
 }
+
+}  // namespace corvalt

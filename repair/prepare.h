@@ -5,6 +5,8 @@
 #include "core/workerthread.h"
 #include "system/system.h"
 
+namespace corvalt {
+
 // Everything must outlive the thread.
 struct TPrepareContext {
   TSystem& System;
@@ -27,3 +29,5 @@ class TPrepare final : public TWorkerThread {
 
 // What the thread does, for programs that have nothing to do meanwhile. Failures throw as the store says.
 void MaintainBackups(TSystem& system, const TGlobalVars& vars, const std::function<bool()>& stop);
+
+}  // namespace corvalt

@@ -4,6 +4,8 @@
 
 #include "base/lettercase.h"
 
+namespace corvalt {
+
 namespace {
 
 // Pictures that mark the two kinds of problems whose repair does more. Scanners give these pictures to
@@ -56,13 +58,13 @@ TProblemPlace::TProblemPlace(const ScanProblem& problem)
 void BackUpProblem(BackupStore& store, const ScanProblem& problem) {
   const TProblemPlace place(problem);
   const Text rootName = RootKeyName(place.RootKey);
-  if (problem.Kind == kKindValue) {
+  if (problem.Kind == TProblemKind::Value) {
     store.AddValueToBackup(rootName, place.KeyPath, place.ValueName);
     if (problem.ImageIndex == kMruImage)
       store.AddValueToBackup(rootName, place.KeyPath, kMruList);
   }
   // A whole root can't be deleted, and is not worth a backup.
-  if (problem.Kind == kKindKey && NamesAKey(place.KeyPath)) {
+  if (problem.Kind == TProblemKind::Key && NamesAKey(place.KeyPath)) {
     store.AddKeyToBackup(rootName, place.KeyPath);
     if (problem.ImageIndex == kStartMenuImage) {
       for (const Text& menuKey : MenuKeysUpward(place.KeyPath)) {
@@ -82,11 +84,11 @@ TProblemDeleter::TProblemDeleter(TSystem& system, TDeletionRight right)
 
 TDeletionResult TProblemDeleter::Delete(const ScanProblem& problem) {
   switch (problem.Kind) {
-    case kKindKey:
+    case TProblemKind::Key:
       return DeleteKey(problem);
-    case kKindValue:
+    case TProblemKind::Value:
       return DeleteValue(problem);
-    case kKindFile:
+    case TProblemKind::File:
       return DeleteFile(problem);
     default:
       return {};
@@ -173,3 +175,5 @@ TRawResult TProblemDeleter::AskForValue(const TProblemPlace& place) {
   m_system.Raw.ReleaseKeys();
   return result;
 }
+
+}  // namespace corvalt

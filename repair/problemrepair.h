@@ -9,6 +9,8 @@
 #include "scan/scanproblem.h"
 #include "system/system.h"
 
+namespace corvalt {
+
 // Adds the problem's key or value to the backup, and what else its deletion may change: the emptied keys
 // above a Start Menu key, the order of an MRU list. What can't be read whole is left out.
 void BackUpProblem(BackupStore& store, const ScanProblem& problem);
@@ -56,3 +58,5 @@ class TProblemDeleter {
   std::unique_ptr<RegistryStore> m_registry;
   TDeletionRight m_right;
 };
+
+}  // namespace corvalt

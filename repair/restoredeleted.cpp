@@ -5,6 +5,8 @@
 #include "base/lettercase.h"
 #include "core/languagetexts.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kLineEnd = u"\r\n";
@@ -72,3 +74,5 @@ Text DescribeRestore(const TRestoreOutcome& outcome, TextView rowCaption, const 
          CountText(vars.Texts, TextId::LinesSkipped, outcome.Import.LinesSkipped) +
          CountText(vars.Texts, TextId::EntriesNotWritten, outcome.Import.WritesFailed);
 }
+
+}  // namespace corvalt

@@ -9,6 +9,8 @@
 #include "repair/backupstore.h"
 #include "system/system.h"
 
+namespace corvalt {
+
 // This module's backups, newest first. Throws as the store does.
 std::vector<TBackup> BackupsNewestFirst(TSystem& system, const TGlobalVars& vars);
 
@@ -35,3 +37,5 @@ TRestoreOutcome RestoreBackup(TSystem& system, const TGlobalVars& vars, TextView
 // What the user is told about it, as a message box shows it; rowCaption names the backup.
 Text DescribeRestore(const TRestoreOutcome& outcome, TextView rowCaption, const TGlobalVars& vars,
                      TLocale& locale);
+
+}  // namespace corvalt

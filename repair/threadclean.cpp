@@ -5,6 +5,8 @@
 #include "core/languagetexts.h"
 #include "system/systemerror.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kBackupStatus = u"Backup ...";
@@ -85,7 +87,7 @@ void TCleaning::BackUp(const ScanProblem& problem, std::size_t done) {
 }
 
 void TCleaning::DeleteProblems(TProblemDeleter& deleter) {
-  ResultsTree& results = m_context.Results;
+  TResultsTree& results = m_context.Results;
   for (TResultsNode* header = results.FirstRoot(); header != nullptr && !Terminated();
        header = results.NextSibling(header)) {
     if (IsChecked(header)) {
@@ -97,7 +99,7 @@ void TCleaning::DeleteProblems(TProblemDeleter& deleter) {
 }
 
 void TCleaning::DeleteChecked(TResultsNode* header, TProblemDeleter& deleter) {
-  ResultsTree& results = m_context.Results;
+  TResultsTree& results = m_context.Results;
   for (TResultsNode* node = results.FirstChild(header); node != nullptr && !Terminated();
        node = results.NextSibling(node)) {
     if (!IsChecked(node))
@@ -123,9 +125,9 @@ void TCleaning::DeleteProblem(TResultsNode* node, TProblemDeleter& deleter) {
 }
 
 Text TCleaning::ItemTextOf(const ScanProblem& problem, const TDeletionResult& result) const {
-  if (problem.Kind == kKindKey)
+  if (problem.Kind == TProblemKind::Key)
     return Say(TextId::DeletingKey) + u" ";
-  if (problem.Kind == kKindFile)
+  if (problem.Kind == TProblemKind::File)
     return Say(TextId::DeletingFile) + u" " + problem.KeyPath;
   if (!result.KeyOpened)
     return {};
@@ -154,7 +156,7 @@ void TCleaning::UpdateItem() {
 }
 
 void TCleaning::ForEachProblem(const std::function<void(TResultsNode*)>& visit) {
-  ResultsTree& results = m_context.Results;
+  TResultsTree& results = m_context.Results;
   for (TResultsNode* header = results.FirstRoot(); header != nullptr; header = results.NextSibling(header)) {
     for (TResultsNode* node = results.FirstChild(header); node != nullptr; node = results.NextSibling(node))
       visit(node);
@@ -168,3 +170,5 @@ bool TCleaning::IsChecked(TResultsNode* node) {
 Text TCleaning::Say(TextId id) const {
   return PlainText(LanguageText(m_context.Vars.Texts, id));
 }
+
+}  // namespace corvalt

@@ -14,12 +14,14 @@
 #include "scan/scantrees.h"
 #include "system/system.h"
 
+namespace corvalt {
+
 // What a repair works on. Everything must outlive the thread; the tree's nodes and check states do not change
 // while it runs.
 struct TCleaningContext {
   TSystem& System;
   const TGlobalVars& Vars;
-  ResultsTree& Results;
+  TResultsTree& Results;
   TUiThread& UiThread;
   TWorkerThread::TEndHandler OnFinished;  // runs on the user-interface thread when the repair has ended
   bool MayGoWithoutBackup = true;         // false: a backup is made also where the setting wants none
@@ -77,3 +79,5 @@ class TCleaning final : public TWorkerThread {
   std::size_t m_deletions = 0;
   TCleaningOutcome m_outcome;
 };
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "base/lettercase.h"
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kUninstall = u"\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
@@ -56,3 +58,5 @@ void TScan::CheckUninstallEntry(RegistryStore& registry, TextView keyPath) {
   }
   registry.CloseKey();
 }
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 #include "scan/threadscan.h"
 #include "system/systemerror.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kServices = u"\\SYSTEM\\CurrentControlSet\\Services\\";
@@ -25,7 +27,7 @@ TRootedPath SplitRoot(TextView path) {
           Text(end == TextView::npos ? TextView() : path.substr(end + 1))};
 }
 
-std::optional<TNativeXml> LoadCatalogue(FileStore& files, TextView path) {
+std::optional<TNativeXml> LoadCatalogue(TFileStore& files, TextView path) {
   std::vector<std::uint8_t> file;
   if (files.ReadFile(path, file).Failed())
     return std::nullopt;
@@ -105,3 +107,5 @@ void TScan::CheckValueTrace(TRootKey root, TextView keyPath, TextView valueName,
     return;
   ReportValue(root, keyPath, valueName, {}, description);
 }
+
+}  // namespace corvalt

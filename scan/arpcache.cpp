@@ -2,6 +2,8 @@
 
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kCache = u"\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Management\\ARPCache";
@@ -25,3 +27,5 @@ void TScan::ScanArpCache(const TSection& section) {
   }
   FinishSection();
 }
+
+}  // namespace corvalt

@@ -4,6 +4,8 @@
 
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 namespace {
 
 // The adware section has the largest code and runs fifth.
@@ -65,3 +67,5 @@ Text ScanningLine(const TLanguageTexts& texts, TextView progressName) {
 bool IsFilesAndFolders(const TSection& section) {
   return section.Scanner == &TScan::ScanFilesAndFolders;
 }
+
+}  // namespace corvalt

@@ -8,6 +8,8 @@
 #include "base/keypaths.h"
 #include "core/languagetexts.h"
 
+namespace corvalt {
+
 class TScan;
 struct TSection;
 
@@ -41,3 +43,5 @@ inline constexpr TSectionGroup kFilesAndFolders = {2, u"Files and Folders", 1};
 
 // Whether the section stands below "Files and Folders" in the Sections tree.
 bool IsFilesAndFolders(const TSection& section);
+
+}  // namespace corvalt

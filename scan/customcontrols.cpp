@@ -4,6 +4,8 @@
 #include "base/lettercase.h"
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kServerKeys[] = {u"\\InprocServer", u"\\InprocServer32"};
@@ -163,3 +165,5 @@ bool TScan::IsComponentFileValid(TextView originalText) {
   return m_paths.CommandLineFileExists(TextView(text).substr(begin, extension + kExtensionLength - begin),
                                        false);
 }
+
+}  // namespace corvalt

@@ -3,6 +3,8 @@
 
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 void TScan::ScanDeviceDrivers(const TSection& section) {
   constexpr std::size_t kSteps = 101;
   AddHeader(section);
@@ -13,3 +15,5 @@ void TScan::ScanDeviceDrivers(const TSection& section) {
   }
   FinishSection();
 }
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "base/lettercase.h"
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kHandlersKey = u"\\shellex\\ContextMenuHandlers";
@@ -162,3 +164,5 @@ bool TScan::IsShellTargetValid(TextView text) {
     return m_paths.CommandLineFileExists(text, true);
   return m_paths.CommandLineFileExists(m_paths.ExpandPathVariables(text), true);
 }
+
+}  // namespace corvalt

@@ -3,6 +3,8 @@
 #include "base/lettercase.h"
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kFileExts = u"\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts";
@@ -38,3 +40,5 @@ void TScan::ScanFileExtensions(const TSection& section) {
   }
   FinishSection();
 }
+
+}  // namespace corvalt

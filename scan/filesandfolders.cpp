@@ -3,6 +3,8 @@
 #include "base/lettercase.h"
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kUserShellFolders =
@@ -130,3 +132,5 @@ void TScan::ScanKeyTree(RegistryStore& registry, TRootKey root, double fraction,
     ScanKeyTree(registry, root, fraction, exclusions, Text(keyPath) + u"\\" + name);
   }
 }
+
+}  // namespace corvalt

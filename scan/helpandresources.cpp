@@ -2,6 +2,8 @@
 
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 void TScan::ScanHelpAndResources(const TSection& section) {
   AddHeader(section);
   const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyLocalMachine);
@@ -25,3 +27,5 @@ void TScan::CheckHelpKey(RegistryStore& registry, TextView keyPath, double start
   }
   registry.CloseKey();
 }
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kOpenSaveMru =
@@ -36,3 +38,5 @@ void TScan::CheckMruList(RegistryStore& registry, TextView keyPath) {
   }
   registry.CloseKey();
 }
+
+}  // namespace corvalt

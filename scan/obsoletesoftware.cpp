@@ -3,6 +3,8 @@
 #include "base/lettercase.h"
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 void TScan::ScanObsoleteSoftware(const TSection& section) {
   AddHeader(section);
   CheckVendorKeys(kHkeyCurrentUser, 0);
@@ -23,3 +25,5 @@ void TScan::CheckVendorKeys(TRootKey root, double start) {
       ReportKey(root, key, {}, Say(TextId::EmptyKey));
   }
 }
+
+}  // namespace corvalt

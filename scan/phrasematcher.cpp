@@ -1,5 +1,7 @@
 #include "scan/phrasematcher.h"
 
+namespace corvalt {
+
 // All phrases grow together, one unit a round: what a new state's failure leads to is shallower, and so
 // complete.
 TPhraseMatcher::TPhraseMatcher(const std::vector<Text>& phrases) : m_states(1), m_slots(16, kNone) {
@@ -82,3 +84,5 @@ void TPhraseMatcher::DoubleSlots() {
   for (TState state = kRoot + 1; state < m_states.size(); ++state)
     m_slots[SlotOf(m_states[state].Parent, m_states[state].Unit)] = state;
 }
+
+}  // namespace corvalt

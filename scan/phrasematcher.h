@@ -8,6 +8,8 @@
 
 #include "base/text.h"
 
+namespace corvalt {
+
 // An automaton after Aho and Corasick over 16-bit units. Exact letter case: callers fold both sides.
 class TPhraseMatcher {
  public:
@@ -39,3 +41,5 @@ class TPhraseMatcher {
   std::vector<TStateData> m_states;
   std::vector<TState> m_slots;  // the states by parent and unit, open addressing; the size is a power of two
 };
+
+}  // namespace corvalt

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <numeric>
 
+namespace corvalt {
+
 namespace {
 
 // Suffixes are told apart by this many units, more than the name of a key has: it bounds the cost of sorting
@@ -75,3 +77,5 @@ void TReportedClassIds::SortSuffixes() {
     return text.substr(a, kSortedUnits) < text.substr(b, kSortedUnits);
   });
 }
+
+}  // namespace corvalt

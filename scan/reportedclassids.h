@@ -7,6 +7,8 @@
 
 #include "base/text.h"
 
+namespace corvalt {
+
 // An identifier counts as broken when it occurs anywhere in the list's whole text, all entries joined by line
 // breaks (CR LF): a substring, letter case counts. The list grows while the classes are scanned and is then
 // asked once for each link to a class; neither costs more with a longer list than a search in a sorted one.
@@ -36,3 +38,5 @@ class TReportedClassIds {
   bool m_isSorted = true;                 // m_entries, by their texts
   std::vector<std::uint32_t> m_suffixes;  // starts in m_wholeText, sorted; made when first needed
 };
+
+}  // namespace corvalt

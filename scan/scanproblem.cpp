@@ -1,5 +1,7 @@
 #include "scan/scanproblem.h"
 
+namespace corvalt {
+
 Text FullKeyText(const ScanProblem& problem) {
   const bool hasSeparator = problem.KeyPath.empty() || problem.KeyPath.front() == u'\\';
   return RootKeyName(problem.RootKey) + (hasSeparator ? u"" : u"\\") + problem.KeyPath;
@@ -8,3 +10,5 @@ Text FullKeyText(const ScanProblem& problem) {
 bool IsDefaultValueName(TextView valueName) {
   return valueName.empty() || valueName == TextView(u"\0", 1);
 }
+
+}  // namespace corvalt

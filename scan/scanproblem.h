@@ -6,12 +6,17 @@
 #include "base/keypaths.h"
 #include "base/text.h"
 
-inline constexpr std::int32_t kKindKey = 1;    // the whole key is the problem
-inline constexpr std::int32_t kKindValue = 2;  // one value of the key is; section headers carry it too
-inline constexpr std::int32_t kKindFile = 3;   // the file whose path stands in KeyPath is
+namespace corvalt {
 
-inline constexpr std::int32_t kCheckMarkRepair = 1;
-inline constexpr std::int32_t kCheckMarkSkip = 2;
+// The numbers stand in the console's JSON.
+enum class TProblemKind : std::int32_t {
+  Key = 1,    // the whole key is the problem
+  Value = 2,  // one value of the key is; section headers carry it too
+  File = 3,   // the file whose path is in KeyPath is
+};
+
+// The numbers stand in the console's JSON, and are the choices of a row's drop-down list plus one.
+enum class TCheckMark : std::int32_t { Repair = 1, Skip = 2 };
 
 inline constexpr std::int32_t kNoImage = -1;
 
@@ -21,11 +26,11 @@ struct ScanProblem {
   Text ValueData;  // what was found bad
   TRootKey RootKey = kNoRootKey;
   Text Description;  // what is wrong, for the user
-  std::int32_t Kind = kKindValue;
+  TProblemKind Kind = TProblemKind::Value;
   Text SectionCaption;  // on headers; empty on problems
   std::uint32_t ChildCount = 0;
   std::int32_t ImageIndex = kNoImage;
-  std::int32_t CheckMark = kCheckMarkRepair;
+  TCheckMark CheckMark = TCheckMark::Repair;
   Text Extra;
   bool StateFlag1 = false;  // the selected row, shown on three lines
   bool StateFlag2 = false;  // removed by the repair
@@ -38,3 +43,5 @@ Text FullKeyText(const ScanProblem& problem);
 // Whether a value name means the key's default value: the empty name, and one NUL, which the MRU scanner
 // reads it by.
 bool IsDefaultValueName(TextView valueName);
+
+}  // namespace corvalt

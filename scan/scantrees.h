@@ -7,6 +7,8 @@
 #include "base/text.h"
 #include "scan/scanproblem.h"
 
+namespace corvalt {
+
 enum class TCheckState { Unchecked, Checked, Mixed };
 
 // A node of the results tree, good until it is deleted or the tree is cleared. The tree alone knows what it
@@ -15,9 +17,9 @@ struct TResultsNode;
 
 // Two levels: section headers at the root, problems below them. Changes on the user-interface thread only,
 // but for Clear.
-class ResultsTree {
+class TResultsTree {
  public:
-  virtual ~ResultsTree() = default;
+  virtual ~TResultsTree() = default;
 
   // Removes every node. The scan thread calls it directly at the start of its run, when nobody else changes
   // the tree.
@@ -46,9 +48,9 @@ class ResultsTree {
 struct TSectionsNode;
 
 // The Sections tree as the scan reads it: the user's choice of sections. Not changed while a scan runs.
-class SectionsTree {
+class TSectionsTree {
  public:
-  virtual ~SectionsTree() = default;
+  virtual ~TSectionsTree() = default;
 
   virtual TSectionsNode* FirstRoot() = 0;
   virtual TSectionsNode* FirstChild(TSectionsNode* node) = 0;
@@ -67,3 +69,5 @@ class TProgressDialog {
   virtual void SetOverallPosition(std::int32_t position) = 0;
   virtual void SetSectionPosition(std::int32_t position) = 0;
 };
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kSharedDlls = u"\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\SharedDLLs";
@@ -33,3 +35,5 @@ void TScan::ScanSharedPrograms(const TSection& section) {
   }
   FinishSection();
 }
+
+}  // namespace corvalt

@@ -3,6 +3,8 @@
 #include "base/lettercase.h"
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kAppPaths = u"\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths";
@@ -29,3 +31,5 @@ void TScan::ScanSoftwareLocations(const TSection& section) {
   }
   FinishSection();
 }
+
+}  // namespace corvalt

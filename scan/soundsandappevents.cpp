@@ -2,6 +2,8 @@
 
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 void TScan::ScanSoundsAndAppevents(const TSection& section) {
   AddHeader(section);
   const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyCurrentUser);
@@ -9,3 +11,5 @@ void TScan::ScanSoundsAndAppevents(const TSection& section) {
   ScanKeyTree(*registry, kHkeyCurrentUser, 0, TPhraseMatcher({}), u"\\AppEvents\\Schemes\\Apps");
   FinishSection();
 }
+
+}  // namespace corvalt

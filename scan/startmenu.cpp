@@ -2,6 +2,8 @@
 
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kProgramsOrder =
@@ -39,3 +41,5 @@ void TScan::CheckMenuFolders(RegistryStore& registry, TextView keyPath) {
     }
   }
 }
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kRun = u"\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
@@ -31,3 +33,5 @@ void TScan::CheckRunKey(TRootKey root, double start) {
     ReportValue(root, kRun, names[i], command, Say(TextId::MissingStartupProgram, names[i], command));
   }
 }
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 
 #include "base/lettercase.h"
 
+namespace corvalt {
+
 namespace {
 
 // Room beside the longest text of a row: the check box, the lines of the tree and the margins, in pixels.
@@ -98,7 +100,7 @@ void TScan::Execute() {
 }
 
 Text TScan::CollectEnabledSections(TSectionsNode* node) {
-  SectionsTree& sections = m_context.Sections;
+  TSectionsTree& sections = m_context.Sections;
   Text enabled;
   for (; node != nullptr; node = sections.NextSibling(node)) {
     TSectionsNode* child = sections.FirstChild(node);
@@ -131,7 +133,7 @@ void TScan::ShowSection() {
 void TScan::EndSection() {
   if (ParentNode == nullptr)
     return;
-  ResultsTree& results = m_context.Results;
+  TResultsTree& results = m_context.Results;
   const std::size_t count = results.ChildCount(ParentNode);
   results.Data(ParentNode).ChildCount = static_cast<std::uint32_t>(count);
   if (count == 0)
@@ -140,7 +142,7 @@ void TScan::EndSection() {
 
 void TScan::AddProblem(TResultsNode* parentNode, TRootKey rootKey, TextView sectionCaption,
                        std::int32_t imageIndex, TextView keyPath, TextView valueName, TextView valueData,
-                       TextView extra, TextView description, std::int32_t checkMark, std::int32_t kind) {
+                       TextView extra, TextView description, TCheckMark checkMark, TProblemKind kind) {
   ParentNode = parentNode;
   Pending.KeyPath = keyPath;
   Pending.ValueName = valueName;
@@ -157,7 +159,7 @@ void TScan::AddProblem(TResultsNode* parentNode, TRootKey rootKey, TextView sect
 void TScan::AddProblemNode() {
   if (IsIgnored())
     return;
-  ResultsTree& results = m_context.Results;
+  TResultsTree& results = m_context.Results;
   const int textWidth =
       std::max(results.MeasureText(Pending.KeyPath), results.MeasureText(Pending.Description));
   if (textWidth + kColumnRoom > results.ColumnWidth())
@@ -176,7 +178,7 @@ bool TScan::IsIgnored() const {
 
 void TScan::AddHeader(const TSection& section) {
   AddProblem(nullptr, section.HeaderRoot, section.HeaderCaption, section.HeaderImage, {}, {}, {}, {}, {},
-             kCheckMarkRepair, kKindValue);
+             TCheckMark::Repair, TProblemKind::Value);
   Synchronize([this] { AddProblemNode(); });
 }
 
@@ -187,14 +189,14 @@ void TScan::FinishSection() {
 void TScan::ReportKey(TRootKey rootKey, TextView keyPath, TextView valueData, TextView description,
                       std::int32_t imageIndex, TextView valueName) {
   AddProblem(ParentNode, rootKey, {}, imageIndex, keyPath, valueName, valueData, {}, description,
-             kCheckMarkRepair, kKindKey);
+             TCheckMark::Repair, TProblemKind::Key);
   Synchronize([this] { AddProblemNode(); });
 }
 
 void TScan::ReportValue(TRootKey rootKey, TextView keyPath, TextView valueName, TextView valueData,
                         TextView description) {
   AddProblem(ParentNode, rootKey, {}, kNoImage, keyPath, valueName, valueData, {}, description,
-             kCheckMarkRepair, kKindValue);
+             TCheckMark::Repair, TProblemKind::Value);
   Synchronize([this] { AddProblemNode(); });
 }
 
@@ -266,3 +268,5 @@ bool TScan::CommandPathExists(TextView originalText) {
     text = CutBelowModule(text, module);
   return m_paths.CommandLineFileExists(text, true) || m_paths.CommandLineFileExists(CutAt(u"(", text), true);
 }
+
+}  // namespace corvalt

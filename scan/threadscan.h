@@ -23,14 +23,16 @@
 #include "scan/scantrees.h"
 #include "system/system.h"
 
+namespace corvalt {
+
 // What a scan works on. Everything must outlive the thread; nothing of it changes while the scan runs, but
 // for the results tree, which the scan itself fills.
 struct TScanContext {
   TSystem& System;
   const TGlobalVars& Vars;
   const TGlobalReg& Reg;
-  SectionsTree& Sections;
-  ResultsTree& Results;
+  TSectionsTree& Sections;
+  TResultsTree& Results;
   TUiThread& UiThread;
   TWorkerThread::TEndHandler OnFinished;  // runs on the user-interface thread when the scan has ended
 };
@@ -82,7 +84,7 @@ class TScan final : public TWorkerThread {
   // to the tree on the user-interface thread unless it is ignored.
   void AddProblem(TResultsNode* parentNode, TRootKey rootKey, TextView sectionCaption,
                   std::int32_t imageIndex, TextView keyPath, TextView valueName, TextView valueData,
-                  TextView extra, TextView description, std::int32_t checkMark, std::int32_t kind);
+                  TextView extra, TextView description, TCheckMark checkMark, TProblemKind kind);
   void AddProblemNode();
   bool IsIgnored() const;
 
@@ -176,3 +178,5 @@ std::vector<Text> SubKeyNames(RegistryStore& registry, TextView keyPath);
 
 // A key's default value as text; nothing when the key does not open. The store is left with no key open.
 std::optional<Text> DefaultValue(RegistryStore& registry, TextView keyPath);
+
+}  // namespace corvalt

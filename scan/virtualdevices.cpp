@@ -2,6 +2,8 @@
 
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 void TScan::ScanVirtualDevices(const TSection& section) {
   AddHeader(section);
   const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyLocalMachine);
@@ -13,3 +15,5 @@ void TScan::ScanVirtualDevices(const TSection& section) {
   }
   FinishSection();
 }
+
+}  // namespace corvalt

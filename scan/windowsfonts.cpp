@@ -2,6 +2,8 @@
 
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 namespace {
 
 // Two versions alone keep their fonts below the NT key here; on the others the section normally finds no key.
@@ -32,3 +34,5 @@ void TScan::ScanWindowsFonts(const TSection& section) {
   }
   FinishSection();
 }
+
+}  // namespace corvalt

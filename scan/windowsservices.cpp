@@ -2,6 +2,8 @@
 
 #include "scan/threadscan.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kServices = u"\\SYSTEM\\CurrentControlSet\\Services";
@@ -36,3 +38,5 @@ void TScan::CheckServiceImage(RegistryStore& registry, TextView keyPath, std::si
     return;
   ReportKey(kHkeyLocalMachine, keyPath, image, Say(TextId::MissingServiceFile, image), kNoImage, kImagePath);
 }
+
+}  // namespace corvalt

@@ -8,6 +8,8 @@
 #include "base/text.h"
 #include "system/systemerror.h"
 
+namespace corvalt {
+
 struct TFileInfo {
   bool Exists = false;
   bool IsFolder = false;
@@ -17,9 +19,9 @@ struct TFileInfo {
 };
 
 // A failing operation leaves its outputs, and the files, as they were.
-class FileStore {
+class TFileStore {
  public:
-  virtual ~FileStore() = default;
+  virtual ~TFileStore() = default;
 
   // The whole file.
   virtual TSystemError ReadFile(TextView path, std::vector<std::uint8_t>& bytes) = 0;
@@ -38,3 +40,5 @@ class FileStore {
   // About the name itself: a link is not followed.
   virtual TFileInfo Info(TextView path) = 0;
 };
+
+}  // namespace corvalt

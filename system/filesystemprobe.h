@@ -8,6 +8,8 @@
 
 #include "base/text.h"
 
+namespace corvalt {
+
 // GetDriveType's answer for a fixed drive (DRIVE_FIXED, winbase.h).
 inline constexpr std::uint32_t kDriveFixed = 3;
 
@@ -79,3 +81,5 @@ class TRedirectionOff {
   FileSystemProbe& m_probe;
   bool m_switched;
 };
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 
 #include "base/text.h"
 
+namespace corvalt {
+
 // Held for its lifetime.
 class THeldLock {
  public:
@@ -20,3 +22,5 @@ class TInterprocess {
   // has up to 250 units. nullptr when the system can't make it.
   virtual std::unique_ptr<THeldLock> Lock(TextView name) = 0;
 };
+
+}  // namespace corvalt

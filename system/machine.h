@@ -6,6 +6,8 @@
 
 #include "base/text.h"
 
+namespace corvalt {
+
 struct TSystemVersion {
   std::uint32_t Major = 0;
   std::uint32_t Minor = 0;
@@ -27,3 +29,5 @@ class TMachine {
 
 // The folder of a file path, with its trailing separator; empty when the path names none.
 Text FolderOf(TextView filePath);
+
+}  // namespace corvalt

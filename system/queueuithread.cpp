@@ -2,6 +2,8 @@
 
 #include <utility>
 
+namespace corvalt {
+
 bool TQueueUiThread::Send(const std::function<void()>& routine) {
   TSender sender;
   std::unique_lock<std::mutex> lock(m_mutex);
@@ -99,3 +101,5 @@ void TQueueUiThread::Answer(TSender& sender, bool hasRun, std::exception_ptr exc
   sender.Answered = true;
   m_answered.notify_all();
 }
+
+}  // namespace corvalt

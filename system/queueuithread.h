@@ -10,6 +10,8 @@
 
 #include "system/uithread.h"
 
+namespace corvalt {
+
 class TQueueUiThread : public TUiThread {
  public:
   bool Send(const std::function<void()>& routine) override;
@@ -55,3 +57,5 @@ class TQueueUiThread : public TUiThread {
   std::deque<TEntry> m_queue;
   bool m_shut = false;
 };
+
+}  // namespace corvalt

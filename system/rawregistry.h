@@ -7,6 +7,8 @@
 #include "base/keypaths.h"
 #include "base/text.h"
 
+namespace corvalt {
+
 // Registry value types (winnt.h). Any other number is carried as it is.
 inline constexpr std::uint32_t kRegNone = 0;
 inline constexpr std::uint32_t kRegSz = 1;
@@ -45,9 +47,9 @@ enum class TRawResult {
 // Every path is absolute: it begins with "\" and names no root. A link inside the path above the key is
 // followed, as the system does for "CurrentControlSet"; the key itself is opened as the link it is and
 // answers Link. A failing operation leaves its outputs as they were.
-class RawRegistry {
+class TRawRegistry {
  public:
-  virtual ~RawRegistry() = default;
+  virtual ~TRawRegistry() = default;
 
   // All of one key, read until it is complete even when it changes meanwhile.
   virtual TRawResult ReadKey(TRootKey rootKey, TextView keyPath, TRawKey& key) = 0;
@@ -66,3 +68,5 @@ class RawRegistry {
   // Drops key handles kept between calls, so that another store's deletion is not held up by them.
   virtual void ReleaseKeys() = 0;
 };
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include "system/rawregistry.h"
 
+namespace corvalt {
+
 TDataType DataTypeOf(std::uint32_t type) {
   switch (type) {
     case kRegSz:
@@ -23,3 +25,5 @@ std::int32_t ReadOrWriteInteger(RegistryStore& store, TextView name, std::int32_
   store.WriteInteger(name, defaultValue);
   return defaultValue;
 }
+
+}  // namespace corvalt

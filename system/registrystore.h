@@ -8,6 +8,8 @@
 #include "base/keypaths.h"
 #include "base/text.h"
 
+namespace corvalt {
+
 enum class TDataType { Unknown, String, ExpandString, Integer, Binary };
 
 // Of one of the system's types of values (REG_SZ, ...).
@@ -77,3 +79,5 @@ class TRegistryFactory {
 // Writes a value where it is missing, and answers what is stored afterwards; the default too where it could
 // not be written.
 std::int32_t ReadOrWriteInteger(RegistryStore& store, TextView name, std::int32_t defaultValue);
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 
 #include "base/text.h"
 
+namespace corvalt {
+
 enum class TMessageKind {
   Question,     // Yes and No, the warning icon
   Information,  // OK, the information icon
@@ -60,3 +62,5 @@ class Shell {
   // "\".
   virtual bool OpensWithFullAccess(std::uint32_t rootKey, TextView subKey) = 0;
 };
+
+}  // namespace corvalt

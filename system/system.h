@@ -11,14 +11,18 @@
 #include "system/systemclock.h"
 #include "system/systemlocale.h"
 
+namespace corvalt {
+
 struct TSystem {
   TRegistryFactory& Registry;
-  RawRegistry& Raw;
+  TRawRegistry& Raw;
   FileSystemProbe& Probe;
-  FileStore& Files;
+  TFileStore& Files;
   TMachine& Machine;
   TLocale& Locale;
   TClock& Clock;
   Shell& TheShell;
   TInterprocess& Interprocess;
 };
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 
 #include "system/systemlocale.h"
 
+namespace corvalt {
+
 class TClock {
  public:
   virtual ~TClock() = default;
@@ -14,3 +16,5 @@ class TClock {
 
   virtual void Sleep(std::chrono::milliseconds duration) = 0;
 };
+
+}  // namespace corvalt

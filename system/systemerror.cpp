@@ -1,5 +1,7 @@
 #include "system/systemerror.h"
 
+namespace corvalt {
+
 Text DescribeException(const std::exception_ptr& exception, TLocale& locale) {
   if (!exception)
     return {};
@@ -16,3 +18,5 @@ Text DescribeException(const std::exception_ptr& exception, TLocale& locale) {
     return {};
   }
 }
+
+}  // namespace corvalt

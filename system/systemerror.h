@@ -8,6 +8,8 @@
 #include "base/text.h"
 #include "system/systemlocale.h"
 
+namespace corvalt {
+
 // A Windows error code (winerror.h); 0 is success. TLocale::SystemMessage says it in words.
 struct TSystemError {
   std::uint32_t Code = 0;
@@ -63,3 +65,5 @@ class TProgramException : public std::runtime_error {
 // What to tell the user about a captured exception: the system's own message with its subject before it, the
 // program's own words, or what() of anything else. Empty for null.
 Text DescribeException(const std::exception_ptr& exception, TLocale& locale);
+
+}  // namespace corvalt

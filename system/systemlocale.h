@@ -8,6 +8,8 @@
 
 #include "base/text.h"
 
+namespace corvalt {
+
 // Local date and time as a day count: whole days since 30 December 1899, the fraction is the time of day.
 using TDateTime = double;
 
@@ -32,3 +34,5 @@ class TLocale {
   // The system's own words for a Windows error code, without a line end.
   virtual Text SystemMessage(std::uint32_t code) = 0;
 };
+
+}  // namespace corvalt

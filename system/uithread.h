@@ -3,6 +3,8 @@
 
 #include <functional>
 
+namespace corvalt {
+
 // The user-interface thread as the workers see it. Implemented over the Windows message loop and over a
 // queue.
 class TUiThread {
@@ -23,3 +25,5 @@ class TUiThread {
   // answer false, and refuses everything from then on.
   virtual void Shut() = 0;
 };
+
+}  // namespace corvalt

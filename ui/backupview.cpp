@@ -4,6 +4,8 @@
 
 #include "formats/textfile.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr char16_t kSymbolForNul = 0x2400;
@@ -32,3 +34,5 @@ int CenteredLeft(int windowWidth, int buttonWidth) {
   // The default rounding mode rounds a half to the even neighbour.
   return static_cast<int>(std::nearbyint((windowWidth - buttonWidth) / 2.0));
 }
+
+}  // namespace corvalt

@@ -7,6 +7,8 @@
 #include "base/text.h"
 #include "system/systemlocale.h"
 
+namespace corvalt {
+
 struct TBackupView {
   Text Caption;
   Text Content;
@@ -18,3 +20,5 @@ Text BackupViewText(std::span<const std::uint8_t> bytes, TLocale& locale);
 
 // Where the Close button stands in a window of this width; pixels.
 int CenteredLeft(int windowWidth, int buttonWidth);
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include "repair/ignorereg.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::size_t kLongestOffCaption = 1000;  // units
@@ -31,3 +33,5 @@ void TIgnoreListModel::Save(TSystem& system, TGlobalReg& reg) const {
     entries.push_back((row.Checked ? Text() : Text(1, kOffMark)) + row.Caption);
   SaveIgnoreList(system, reg, std::move(entries));
 }
+
+}  // namespace corvalt

@@ -7,6 +7,8 @@
 #include "core/globalregs.h"
 #include "system/system.h"
 
+namespace corvalt {
+
 struct TIgnoreRow {
   Text Caption;
   bool Checked = true;  // off: the entry is kept and not applied
@@ -31,3 +33,5 @@ class TIgnoreListModel {
  private:
   std::vector<TIgnoreRow> m_rows;
 };
+
+}  // namespace corvalt

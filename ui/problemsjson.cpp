@@ -1,5 +1,7 @@
 #include "ui/problemsjson.h"
 
+namespace corvalt {
+
 namespace {
 
 // Those of ASCII and those above it, which a terminal may obey too.
@@ -30,9 +32,10 @@ std::string ProblemJson(const ScanProblem& problem) {
   return "{\"rootKey\":" + RootKeyJson(problem.RootKey) + ",\"keyPath\":" + JsonString(problem.KeyPath) +
          ",\"valueName\":" + JsonString(problem.ValueName) +
          ",\"valueData\":" + JsonString(problem.ValueData) +
-         ",\"description\":" + JsonString(problem.Description) + ",\"kind\":" + std::to_string(problem.Kind) +
+         ",\"description\":" + JsonString(problem.Description) +
+         ",\"kind\":" + std::to_string(static_cast<std::int32_t>(problem.Kind)) +
          ",\"imageIndex\":" + std::to_string(problem.ImageIndex) + ",\"extra\":" + JsonString(problem.Extra) +
-         ",\"checkMark\":" + std::to_string(problem.CheckMark) + "}";
+         ",\"checkMark\":" + std::to_string(static_cast<std::int32_t>(problem.CheckMark)) + "}";
 }
 
 std::string HeaderJson(const ScanProblem& header) {
@@ -59,7 +62,7 @@ std::string JsonString(TextView text) {
   return json + "\"";
 }
 
-std::string ProblemsJson(ResultsTree& results) {
+std::string ProblemsJson(TResultsTree& results) {
   std::string json = "{\"sections\":[";
   for (TResultsNode* header = results.FirstRoot(); header != nullptr; header = results.NextSibling(header)) {
     json += (header == results.FirstRoot() ? "\n" : ",\n") + HeaderJson(results.Data(header));
@@ -70,3 +73,5 @@ std::string ProblemsJson(ResultsTree& results) {
   }
   return json + "]}\n";
 }
+
+}  // namespace corvalt

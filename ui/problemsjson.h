@@ -5,11 +5,15 @@
 
 #include "scan/scantrees.h"
 
+namespace corvalt {
+
 // {"sections":[{"caption","rootKey","imageIndex","childCount","problems":[{"rootKey","keyPath","valueName",
 // "valueData","description","kind","imageIndex","extra","checkMark"}]}]} in tree order, one problem a line,
 // each line ended by LF. A root key is its full name, or null for none. UTF-8 in which a control character
 // and a lone surrogate are \u escapes, so that every text can be read back unit by unit.
-std::string ProblemsJson(ResultsTree& results);
+std::string ProblemsJson(TResultsTree& results);
 
 // A text as a JSON string, with its quotes.
 std::string JsonString(TextView text);
+
+}  // namespace corvalt

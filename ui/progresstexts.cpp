@@ -3,6 +3,8 @@
 #include "scan/catalogue.h"
 #include "ui/summary.h"
 
+namespace corvalt {
+
 Text ProgressCaption(TProgressMode mode, const TLanguageTexts& texts) {
   const TextId id = mode == TProgressMode::Scan ? TextId::ScanningSection : TextId::RepairingSection;
   return LanguageText(texts, id) + u" ...";
@@ -31,3 +33,5 @@ std::vector<Text> OutcomeMessages(const TLanguageTexts& texts) {
   return {PlainText(ProgressOutcome(TProgressMode::Scan, widest.FinalMessage, widest.Total, texts).Message),
           PlainText(LanguageText(texts, TextId::RepairFinalMessage))};
 }
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 
 #include "core/languagetexts.h"
 
+namespace corvalt {
+
 enum class TProgressMode { Scan = 1, Repair = 2 };
 
 Text ProgressCaption(TProgressMode mode, const TLanguageTexts& texts);
@@ -24,3 +26,5 @@ TProgressOutcome ProgressOutcome(TProgressMode mode, TextView message, std::size
 // the messages at the end with the largest of counts.
 std::vector<Text> SectionLines(const TLanguageTexts& texts);
 std::vector<Text> OutcomeMessages(const TLanguageTexts& texts);
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "base/lettercase.h"
 #include "core/functions.h"
 
+namespace corvalt {
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -166,11 +168,13 @@ void JumpToKey(TextView fullKey, TextView valueName, TextView windowsVersionName
 }
 
 void OpenProblem(const ScanProblem& problem, TextView windowsVersionName, TSystem& system) {
-  if (problem.Kind == kKindFile) {
+  if (problem.Kind == TProblemKind::File) {
     if (!FolderOf(problem.KeyPath).empty())
       ShowFileProperties(problem.KeyPath, system.TheShell);
     return;
   }
-  const Text valueName = problem.Kind == kKindValue ? EditorValueName(problem.ValueName) : Text();
+  const Text valueName = problem.Kind == TProblemKind::Value ? EditorValueName(problem.ValueName) : Text();
   JumpToKey(FullKeyText(problem), valueName, windowsVersionName, system);
 }
+
+}  // namespace corvalt

@@ -8,6 +8,8 @@
 #include "scan/scanproblem.h"
 #include "system/system.h"
 
+namespace corvalt {
+
 // The code of the root that the full key text (root name and key path) begins with, in any letter case: 1
 // classes, 2 user, 3 machine, 4 configuration, 5 users, 6 dynamic data. 0 when it begins with none, or when
 // the key does not open with full access: then no jump is made.
@@ -20,3 +22,5 @@ void JumpToKey(TextView fullKey, TextView valueName, TextView windowsVersionName
 
 // The registry editor for a key or value problem, the file's properties for a file problem.
 void OpenProblem(const ScanProblem& problem, TextView windowsVersionName, TSystem& system);
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "ui/regjump.h"
 #include "ui/report.h"
 
+namespace corvalt {
+
 // The dialog is remembered as long as it is open. However it goes, the thread that it shows is told to stop
 // before it has gone, and so never reaches it again.
 class TRegMain::TOpenDialog {
@@ -200,3 +202,5 @@ bool TRegMain::ConfirmIgnore() {
 Text TRegMain::Say(TextId id, TextView argument) const {
   return PlainText(LanguageText(m_vars.Texts, id, argument));
 }
+
+}  // namespace corvalt

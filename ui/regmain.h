@@ -18,6 +18,8 @@
 #include "ui/sectionstree.h"
 #include "ui/summary.h"
 
+namespace corvalt {
+
 // The modal progress dialog as the main window's work sees it.
 class TProgressView : public TProgressDialog {
  public:
@@ -148,3 +150,5 @@ class TRegMain {
   // The last run was a scan that came to its end.
   bool m_scanned = false;
 };
+
+}  // namespace corvalt

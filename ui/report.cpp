@@ -2,6 +2,8 @@
 
 #include "base/lettercase.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::size_t kRuleLength = 70;
@@ -33,7 +35,7 @@ TextView ExtensionOf(TextView fileName) {
 
 }  // namespace
 
-std::vector<Text> ReportLines(ResultsTree& results, TClock& clock, TLocale& locale) {
+std::vector<Text> ReportLines(TResultsTree& results, TClock& clock, TLocale& locale) {
   std::vector<Text> lines = {
       u"Report created on " + locale.FormatShortDate(clock.Now()) + u" by Tessaly Utilities.",
       {},
@@ -53,7 +55,7 @@ std::vector<Text> ReportLines(ResultsTree& results, TClock& clock, TLocale& loca
   return lines;
 }
 
-std::string ReportBytes(ResultsTree& results, TClock& clock, TLocale& locale) {
+std::string ReportBytes(TResultsTree& results, TClock& clock, TLocale& locale) {
   std::string bytes;
   for (const Text& line : ReportLines(results, clock, locale))
     bytes += locale.EncodeAnsi(line) + "\r\n";
@@ -63,3 +65,5 @@ std::string ReportBytes(ResultsTree& results, TClock& clock, TLocale& locale) {
 Text ReportFileName(TextView typed) {
   return Text(typed) + (UpperCase(ExtensionOf(typed)) == u".TXT" ? u"" : u".txt");
 }
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "repair/restoredeleted.h"
 #include "system/systemerror.h"
 
+namespace corvalt {
+
 TRestoreModel::TRestoreModel(TSystem& system, const TGlobalVars& vars)
     : m_system(system), m_vars(vars), m_store(system, vars) {
 }
@@ -69,3 +71,5 @@ void TRestoreModel::ShowFailure(TextView text) {
 Text TRestoreModel::Say(TextId id, TextView arg1, TextView arg2) const {
   return PlainText(LanguageText(m_vars.Texts, id, arg1, arg2));
 }
+
+}  // namespace corvalt

@@ -10,6 +10,8 @@
 #include "system/system.h"
 #include "ui/backupview.h"
 
+namespace corvalt {
+
 struct TRestoreRow {
   Text Caption;
   Text SizeText;
@@ -44,3 +46,5 @@ class TRestoreModel {
   BackupStore m_store;
   std::vector<TRestoreRow> m_rows;
 };
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include "repair/ignorereg.h"
 
+namespace corvalt {
+
 namespace {
 
 bool IsHeader(const TResultsNode& node) {
@@ -11,10 +13,10 @@ bool IsHeader(const TResultsNode& node) {
 // Keeps the mark in step with the check box.
 void FollowCheckBox(TTreeNode& node) {
   auto& problem = static_cast<TResultsNode&>(node).Problem;
-  if (node.State == TCheckState::Unchecked && problem.CheckMark == kCheckMarkRepair) {
-    problem.CheckMark = kCheckMarkSkip;
-  } else if (node.State == TCheckState::Checked && problem.CheckMark == kCheckMarkSkip) {
-    problem.CheckMark = kCheckMarkRepair;
+  if (node.State == TCheckState::Unchecked && problem.CheckMark == TCheckMark::Repair) {
+    problem.CheckMark = TCheckMark::Skip;
+  } else if (node.State == TCheckState::Checked && problem.CheckMark == TCheckMark::Skip) {
+    problem.CheckMark = TCheckMark::Repair;
   }
 }
 
@@ -40,7 +42,7 @@ std::vector<TRowLine> TResultsRows::Lines(const TResultsNode& node) const {
     return {{problem.SectionCaption + ending, true, false}};
   }
   const Text location =
-      problem.Kind == kKindFile ? problem.KeyPath : RootKeyName(problem.RootKey) + problem.KeyPath;
+      problem.Kind == TProblemKind::File ? problem.KeyPath : RootKeyName(problem.RootKey) + problem.KeyPath;
   const bool isSelected = problem.StateFlag1;
   std::vector<TRowLine> lines = {{Plain(TextId::RowLocation) + u" " + location, false, false},
                                  {PlainText(problem.Description), false, !isSelected}};
@@ -83,8 +85,8 @@ void TResultsRows::ForgetSelection() {
 TRowControls TResultsRows::Controls() const {
   const ScanProblem& problem = SelectedProblem()->Problem;
   TRowControls controls;
-  controls.Choice = problem.CheckMark - 1;
-  if (problem.Kind == kKindFile) {
+  controls.Choice = static_cast<std::int32_t>(problem.CheckMark) - 1;
+  if (problem.Kind == TProblemKind::File) {
     controls.Choices = {Plain(TextId::ChoiceRepairFile), Plain(TextId::ChoiceDoNotRepairFile)};
     controls.ButtonCaption = Plain(TextId::ButtonProperties);
     controls.ButtonTip = Plain(TextId::TipProperties);
@@ -116,8 +118,8 @@ void TResultsRows::Choose(std::int32_t choice) {
     if (m_host.ConfirmIgnore() && SelectedProblem() == node)
       IgnoreSelected();
   } else {
-    node->Problem.CheckMark = choice + 1;
-    m_tree.Model().SetChecked(node, node->Problem.CheckMark != kCheckMarkSkip);
+    node->Problem.CheckMark = static_cast<TCheckMark>(choice + 1);
+    m_tree.Model().SetChecked(node, node->Problem.CheckMark != TCheckMark::Skip);
   }
   m_host.SummaryChanged();
 }
@@ -151,3 +153,5 @@ void TResultsRows::DropRemoved() {
 Text TResultsRows::Plain(TextId id, TextView argument) const {
   return PlainText(LanguageText(m_texts, id, argument));
 }
+
+}  // namespace corvalt

@@ -10,6 +10,8 @@
 #include "ui/resultstree.h"
 #include "ui/tree/row.h"
 
+namespace corvalt {
+
 // The choices of the selected problem's drop-down list, by place.
 inline constexpr std::int32_t kChoiceRepair = 0;
 inline constexpr std::int32_t kChoiceSkip = 1;
@@ -74,3 +76,5 @@ class TResultsRows {
   const TLanguageTexts& m_texts;
   THost m_host;
 };
+
+}  // namespace corvalt

@@ -1,5 +1,7 @@
 #include "ui/resultstree.h"
 
+namespace corvalt {
+
 TResultsTreeModel::TResultsTreeModel(std::function<int(TextView)> measure) : m_measure(std::move(measure)) {
 }
 
@@ -64,3 +66,5 @@ void TResultsTreeModel::SetColumnWidth(int width) {
   if (OnColumnWidth)
     OnColumnWidth();
 }
+
+}  // namespace corvalt

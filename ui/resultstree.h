@@ -5,11 +5,13 @@
 
 #include "ui/tree/treemodel.h"
 
+namespace corvalt {
+
 struct TResultsNode : TTreeNode {
   ScanProblem Problem;
 };
 
-class TResultsTreeModel : public ResultsTree {
+class TResultsTreeModel : public TResultsTree {
  public:
   // Measures a text's width in pixels in the tree's font; without one every text is 0 wide.
   explicit TResultsTreeModel(std::function<int(TextView)> measure = {});
@@ -45,3 +47,5 @@ class TResultsTreeModel : public ResultsTree {
   std::function<int(TextView)> m_measure;
   int m_columnWidth = 300;  // pixels at 96 dpi
 };
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 #include "core/settingskeys.h"
 #include "scan/catalogue.h"
 
+namespace corvalt {
+
 namespace {
 
 Text TokenOf(TextView code) {
@@ -122,3 +124,5 @@ void TSectionsTreeModel::RecomputeParents() {
   }
   root->State = StateOfGroup(*root);
 }
+
+}  // namespace corvalt

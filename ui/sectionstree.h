@@ -7,13 +7,15 @@
 #include "system/system.h"
 #include "ui/tree/treemodel.h"
 
+namespace corvalt {
+
 struct TSectionsNode : TTreeNode {
   std::int32_t NodeCode = 0;
   Text Caption;
   std::int32_t ImageIndex = 0;
 };
 
-class TSectionsTreeModel : public SectionsTree {
+class TSectionsTreeModel : public TSectionsTree {
  public:
   // Every section ticked.
   TSectionsTreeModel();
@@ -44,3 +46,5 @@ class TSectionsTreeModel : public SectionsTree {
 
   TTreeModel m_model;
 };
+
+}  // namespace corvalt

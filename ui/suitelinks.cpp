@@ -2,6 +2,8 @@
 
 #include <optional>
 
+namespace corvalt {
+
 namespace {
 
 // Pages of the suite's maker, enciphered so that the program file does not show them as plain text.
@@ -73,3 +75,5 @@ void RecommendToFriends(Shell& shell) {
 void StartSuiteTool(TSuiteTool tool, Shell& shell, const TGlobalVars& vars) {
   shell.Execute(u"open", vars.ProgramFolder + u"\\" + Text(ProgramFileOf(tool)));
 }
+
+}  // namespace corvalt

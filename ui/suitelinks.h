@@ -6,6 +6,8 @@
 #include "core/globals.h"
 #include "system/shell.h"
 
+namespace corvalt {
+
 enum class TSuiteTool { DiskCleanup, StartupManager, UninstallManager, ProcessManager };
 
 void OpenHelp(Shell& shell, const TGlobalVars& vars);
@@ -19,3 +21,5 @@ void StartSuiteTool(TSuiteTool tool, Shell& shell, const TGlobalVars& vars);
 
 // The link that an enciphered literal of hexadecimal digits stands for; empty for anything else.
 Text DecodeLink(std::string_view enciphered);
+
+}  // namespace corvalt

@@ -1,5 +1,7 @@
 #include "ui/summary.h"
 
+namespace corvalt {
+
 namespace {
 
 Text CountText(const TLanguageTexts& texts, std::size_t count, TextId none, TextId one, TextId several) {
@@ -23,7 +25,7 @@ void SayCounts(TSummary& summary, const TLanguageTexts& texts) {
 
 }  // namespace
 
-TSummary Summarize(ResultsTree& tree, const TLanguageTexts& texts) {
+TSummary Summarize(TResultsTree& tree, const TLanguageTexts& texts) {
   TSummary summary;
   for (TResultsNode* header = tree.FirstRoot(); header != nullptr; header = tree.NextSibling(header)) {
     for (TResultsNode* node = tree.FirstChild(header); node != nullptr; node = tree.NextSibling(node)) {
@@ -44,3 +46,5 @@ TSummary WidestSummary(const TLanguageTexts& texts) {
   SayCounts(summary, texts);
   return summary;
 }
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 #include "core/languagetexts.h"
 #include "scan/scantrees.h"
 
+namespace corvalt {
+
 struct TSummary {
   std::size_t Total = 0;
   std::size_t Selected = 0;
@@ -15,7 +17,9 @@ struct TSummary {
   Text FinalMessage;  // for the progress dialog
 };
 
-TSummary Summarize(ResultsTree& tree, const TLanguageTexts& texts);
+TSummary Summarize(TResultsTree& tree, const TLanguageTexts& texts);
 
 // With the largest of counts: what a window must have room for in this language.
 TSummary WidestSummary(const TLanguageTexts& texts);
+
+}  // namespace corvalt

@@ -16,6 +16,8 @@
 
 #include "bench/support/memoryscan.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::array<std::size_t, 3> kSizes = {1000, 10000, 100000};
@@ -193,9 +195,7 @@ void PrintTimes(const TCase& growth) {
   std::printf("   x %.2f\n", last / first);
 }
 
-}  // namespace
-
-int main() {
+int RunBenchmark() {
   std::printf("Peak memory of a scan, beyond what stood in memory before it\n");
   for (const TCase& growth : kCases)
     RunApart([&growth] { PrintMemory(growth); });
@@ -203,4 +203,13 @@ int main() {
               kSizes[2]);
   for (const TCase& growth : kCases)
     RunApart([&growth] { PrintTimes(growth); });
+  return 0;
+}
+
+}  // namespace
+
+}  // namespace corvalt
+
+int main() {
+  return corvalt::RunBenchmark();
 }

@@ -5,6 +5,8 @@
 
 #include "tests/support/silentdialog.h"
 
+namespace corvalt {
+
 namespace {
 
 // Descriptions of about the length that the shipped ones have.
@@ -71,3 +73,5 @@ std::size_t TMemoryScan::TextBytes() {
   }
   return bytes;
 }
+
+}  // namespace corvalt

@@ -11,6 +11,8 @@
 #include "ui/resultstree.h"
 #include "ui/sectionstree.h"
 
+namespace corvalt {
+
 class TMemoryScan {
  public:
   // A machine with the usual folders on its fixed drive C: and nothing in its registry.
@@ -32,3 +34,5 @@ class TMemoryScan {
   TResultsTreeModel Results;
   TQueueUiThread UiThread;
 };
+
+}  // namespace corvalt

@@ -12,13 +12,15 @@
 #include "formats/ioregistry.h"
 #include "platform/windows/windowssystem.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr int kRounds = 5;  // unless the command line says another number
 constexpr TextView kTopPath = u"\\Software\\CorvaltRegFileSpeed";
 
 // 58,000 keys with 100,000 values, as names and data go in a user's classes.
-void BuildKeys(RawRegistry& registry) {
+void BuildKeys(TRawRegistry& registry) {
   constexpr std::int64_t kKeys = 58000;
   constexpr std::int64_t kValues = 100000;
   constexpr std::int64_t kKeysAGroup = 240;
@@ -153,12 +155,18 @@ class TComparison {
   TMedian m_bareDeletions;
 };
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int RunBenchmark(int argc, char** argv) {
   TComparison comparison;
   if (comparison.Run(argc > 1 ? std::atoi(argv[1]) : kRounds))
     return 0;
   std::puts("A step failed.");
   return 1;
+}
+
+}  // namespace
+
+}  // namespace corvalt
+
+int main(int argc, char** argv) {
+  return corvalt::RunBenchmark(argc, argv);
 }

@@ -16,6 +16,8 @@
 #include "ui/resultstree.h"
 #include "ui/sectionstree.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::size_t kKeys = 58000;
@@ -342,9 +344,7 @@ void MeasureChecks(TWindowsSystem& windows) {
       kChecks, kFolders, plainFound, cachedFound, plain, cached);
 }
 
-}  // namespace
-
-int main() {
+int RunBenchmark() {
   TWindowsSystem windows;
   DeleteHive(windows);
   WriteHive();
@@ -352,4 +352,12 @@ int main() {
   DeleteHive(windows);
   MeasureChecks(windows);
   return 0;
+}
+
+}  // namespace
+
+}  // namespace corvalt
+
+int main() {
+  return corvalt::RunBenchmark();
 }

@@ -14,6 +14,8 @@
 #include "ui/windows/backupview.h"
 #include "ui/windows/treecontrol.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr int kRounds = 3;
@@ -125,7 +127,7 @@ class TOurTree : private TTreeControlOwner {
     problem.RootKey = kHkeyCurrentUser;
     problem.KeyPath = keyPath;
     problem.Description = kDescription;
-    problem.Kind = kKindKey;
+    problem.Kind = TProblemKind::Key;
   }
 
   Text TreeName() const override {
@@ -337,12 +339,18 @@ bool MeasureViewer() {
   return true;
 }
 
-}  // namespace
-
-int main() {
+int RunBenchmark() {
   MeasureTrees();
   if (MeasureViewer())
     return 0;
   std::puts("The backup could not be written.");
   return 1;
+}
+
+}  // namespace
+
+}  // namespace corvalt
+
+int main() {
+  return corvalt::RunBenchmark();
 }

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+namespace corvalt {
+
 class TJournal {
  public:
   void Add(std::string entry) {
@@ -19,3 +21,5 @@ class TJournal {
  private:
   std::vector<std::string> m_entries;
 };
+
+}  // namespace corvalt

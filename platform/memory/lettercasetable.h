@@ -8,6 +8,8 @@
 
 #include "base/lettercase.h"
 
+namespace corvalt {
+
 // Every Stride-th unit from First to Last maps to itself plus Delta.
 struct TLetterCaseRange {
   char16_t First;
@@ -363,3 +365,5 @@ constexpr std::array<char16_t, 0x10000> ExpandLetterCase(std::span<const TLetter
   }
   return mapped;
 }
+
+}  // namespace corvalt

@@ -4,6 +4,8 @@
 
 #include "system/machine.h"
 
+namespace corvalt {
+
 namespace {
 
 bool IsDeviceName(TextView name) {
@@ -358,3 +360,5 @@ TFileInfo TMemoryDisk::Info(TextView path) {
   info.Size = static_cast<std::int64_t>(file->Bytes.size());
   return info;
 }
+
+}  // namespace corvalt

@@ -13,6 +13,8 @@
 #include "system/filestore.h"
 #include "system/filesystemprobe.h"
 
+namespace corvalt {
+
 struct TMemoryFile {
   Text Name;
   Text ShortName;
@@ -25,7 +27,7 @@ struct TMemoryFile {
 
 // As Windows takes paths: letter case does not count, doubled separators and "/" are separators, dots and
 // blanks at the end of a name are dropped. Paths without a drive and network paths lead nowhere.
-class TMemoryDisk : public FileSystemProbe, public FileStore {
+class TMemoryDisk : public FileSystemProbe, public TFileStore {
  public:
   // Begins with the fixed drive "C:\".
   TMemoryDisk();
@@ -97,7 +99,7 @@ class TMemoryDisk : public FileSystemProbe, public FileStore {
   std::int64_t FileSize(TextView path) override;
   TListing ListFolder(TextView folder, std::vector<TFolderEntry>& entries) override;
 
-  // FileStore
+  // TFileStore
   TSystemError ReadFile(TextView path, std::vector<std::uint8_t>& bytes) override;
   TSystemError ReplaceFile(TextView path, std::span<const std::uint8_t> bytes) override;
   TSystemError MoveFile(TextView from, TextView to) override;
@@ -133,3 +135,5 @@ class TMemoryDisk : public FileSystemProbe, public FileStore {
   bool m_corruptWrites = false;
   TJournal* m_journal = nullptr;
 };
+
+}  // namespace corvalt

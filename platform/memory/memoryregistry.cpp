@@ -5,6 +5,8 @@
 
 #include "base/lettercase.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::size_t kLongestKeyName = 255;      // units, winreg.h
@@ -555,3 +557,5 @@ TRawResult TMemoryRawRegistry::DeleteValue(TRootKey rootKey, TextView keyPath, T
   m_registry.Note("delete value", name);
   return TRawResult::Done;
 }
+
+}  // namespace corvalt

@@ -12,6 +12,8 @@
 #include "system/rawregistry.h"
 #include "system/registrystore.h"
 
+namespace corvalt {
+
 // The order in which a platform enumerates names.
 enum class TNameOrder {
   Windows,  // subkeys by upper case, values as they were created
@@ -92,7 +94,7 @@ class TMemoryRegistry : public TRegistryFactory {
 };
 
 // The raw bytes of a memory registry.
-class TMemoryRawRegistry : public RawRegistry {
+class TMemoryRawRegistry : public TRawRegistry {
  public:
   explicit TMemoryRawRegistry(TMemoryRegistry& registry) : m_registry(registry) {
   }
@@ -121,3 +123,5 @@ TBytes UnitBytes(TextView text);
 // Whether a link stands at or below the key; whether access is denied at or below it.
 bool HoldsLink(const TMemoryKey& key);
 bool HoldsDenied(const TMemoryKey& key);
+
+}  // namespace corvalt

@@ -4,6 +4,8 @@
 #include <array>
 #include <cmath>
 
+namespace corvalt {
+
 namespace {
 
 // What code page 1252 says with the bytes 0x80 to 0x9F; 0 where it says nothing, and Windows takes the
@@ -242,3 +244,5 @@ void TMemorySystem::KeepJournal(TJournal& journal) {
   Registry.SetJournal(&journal);
   Disk.SetJournal(&journal);
 }
+
+}  // namespace corvalt

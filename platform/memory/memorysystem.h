@@ -11,6 +11,8 @@
 #include "platform/memory/memoryregistry.h"
 #include "system/system.h"
 
+namespace corvalt {
+
 class TMemoryMachine : public TMachine {
  public:
   TSystemVersion GetVersion() override {
@@ -123,3 +125,5 @@ class TMemorySystem {
   TMemoryShell Shell;
   TMemoryInterprocess Interprocess;
 };
+
+}  // namespace corvalt

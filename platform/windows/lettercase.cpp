@@ -4,6 +4,8 @@
 
 #include "platform/windows/windowsapi.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::size_t kFirstSurrogate = 0xD800;
@@ -33,3 +35,5 @@ const TLetterCaseTable& SystemLetterCase() {
   static const TLetterCaseTable table = AskSystem();
   return table;
 }
+
+}  // namespace corvalt

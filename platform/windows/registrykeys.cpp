@@ -5,6 +5,8 @@
 
 #include "base/lettercase.h"
 
+namespace corvalt {
+
 namespace {
 
 // A text passed to the system may have 32,767 units; keys nested deeper than that are reached step by step.
@@ -428,3 +430,5 @@ TRawResult RawResultOf(LSTATUS status) {
       return TRawResult::Failed;
   }
 }
+
+}  // namespace corvalt

@@ -11,6 +11,8 @@
 #include "platform/windows/windowsapi.h"
 #include "system/rawregistry.h"
 
+namespace corvalt {
+
 // The value that makes a key a link (winnt.h says the type, the documentation the name).
 inline constexpr TextView kLinkValueName = u"SymbolicLinkValue";
 
@@ -171,3 +173,5 @@ std::optional<TextView> SystemValueName(TextView name);
 TRawResult DeleteWholeKey(TRegistryCalls& calls, HKEY parent, TextView path);
 
 TRawResult RawResultOf(LSTATUS status);
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+namespace corvalt {
+
 namespace {
 
 // A file time counts 100 nanoseconds from 1 January 1601; the day count starts on 30 December 1899.
@@ -35,3 +37,5 @@ TDateTime DateTimeOf(const SYSTEMTIME& time) {
   const std::int64_t milliseconds = ticks / kTicksAMillisecond - kDaysFrom1601 * kMillisecondsADay;
   return static_cast<double>(milliseconds) / static_cast<double>(kMillisecondsADay);
 }
+
+}  // namespace corvalt

@@ -6,8 +6,12 @@
 #include "platform/windows/windowsapi.h"
 #include "system/systemlocale.h"
 
+namespace corvalt {
+
 // To the millisecond. Nothing for what the system's calendar can't say: before 1601, after 30827, no number.
 std::optional<SYSTEMTIME> SystemTimeOf(TDateTime time);
 
 // Expects a valid time.
 TDateTime DateTimeOf(const SYSTEMTIME& time);
+
+}  // namespace corvalt

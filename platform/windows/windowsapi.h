@@ -44,6 +44,8 @@
 #include "base/text.h"
 #include "system/systemerror.h"
 
+namespace corvalt {
+
 // A unit of ours and a unit of the system's are the same 16 bits.
 static_assert(sizeof(wchar_t) == sizeof(char16_t));
 
@@ -182,3 +184,5 @@ using TOwnedFind = TOwned<TFindTraits>;
 using TOwnedObject = TOwned<TObjectTraits>;
 using TOwnedModule = TOwned<TModuleTraits>;
 using TOwnedLocalMemory = TOwned<TLocalMemoryTraits>;
+
+}  // namespace corvalt

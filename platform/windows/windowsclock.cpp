@@ -4,6 +4,8 @@
 
 #include "platform/windows/systemtimes.h"
 
+namespace corvalt {
+
 TDateTime TWindowsClock::Now() {
   SYSTEMTIME time = {};
   GetLocalTime(&time);
@@ -13,3 +15,5 @@ TDateTime TWindowsClock::Now() {
 void TWindowsClock::Sleep(std::chrono::milliseconds duration) {
   std::this_thread::sleep_for(duration);
 }
+
+}  // namespace corvalt

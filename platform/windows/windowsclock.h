@@ -3,8 +3,12 @@
 
 #include "system/systemclock.h"
 
+namespace corvalt {
+
 class TWindowsClock : public TClock {
  public:
   TDateTime Now() override;
   void Sleep(std::chrono::milliseconds duration) override;
 };
+
+}  // namespace corvalt

@@ -4,6 +4,8 @@
 
 #include "system/machine.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr DWORD kLongestPath = 260;                       // characters, of a long path name
@@ -317,3 +319,5 @@ TFileInfo TWindowsFiles::Info(TextView path) {
   info.Size = SizeOf(data.nFileSizeHigh, data.nFileSizeLow);
   return info;
 }
+
+}  // namespace corvalt

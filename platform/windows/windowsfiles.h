@@ -9,6 +9,8 @@
 #include "system/filestore.h"
 #include "system/filesystemprobe.h"
 
+namespace corvalt {
+
 class TWindowsProbe : public FileSystemProbe {
  public:
   TWindowsProbe();
@@ -38,7 +40,7 @@ class TWindowsProbe : public FileSystemProbe {
   std::map<DWORD, std::vector<PVOID>> m_switchedOff;
 };
 
-class TWindowsFiles : public FileStore {
+class TWindowsFiles : public TFileStore {
  public:
   TSystemError ReadFile(TextView path, std::vector<std::uint8_t>& bytes) override;
   TSystemError ReplaceFile(TextView path, std::span<const std::uint8_t> bytes) override;
@@ -47,3 +49,5 @@ class TWindowsFiles : public FileStore {
   TSystemError MakeFolders(TextView path) override;
   TFileInfo Info(TextView path) override;
 };
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 
 #include <sddl.h>
 
+namespace corvalt {
+
 namespace {
 
 class TMutexLock : public THeldLock {
@@ -66,3 +68,5 @@ std::unique_ptr<THeldLock> TWindowsInterprocess::Lock(TextView name) {
     return nullptr;
   return std::make_unique<TMutexLock>(std::move(mutex));
 }
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "platform/windows/systemtimes.h"
 #include "platform/windows/windowsapi.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr int kLocaleTextUnits = 80;  // the longest that the system allows, winnls.h
@@ -89,3 +91,5 @@ Text TWindowsLocale::SystemMessage(std::uint32_t code) {
     return DecimalText(code);
   return Trim(FromWide(message, length));
 }
+
+}  // namespace corvalt

@@ -3,6 +3,8 @@
 
 #include "system/systemlocale.h"
 
+namespace corvalt {
+
 class TWindowsLocale : public TLocale {
  public:
   Text DecimalSeparator() override;
@@ -14,3 +16,5 @@ class TWindowsLocale : public TLocale {
   std::optional<std::string> EncodeAnsiExact(TextView text) override;
   Text SystemMessage(std::uint32_t code) override;
 };
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include "platform/windows/windowsapi.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::size_t kFirstPathUnits = 260;
@@ -37,3 +39,5 @@ Text TWindowsMachine::ProgramFile() {
   }
   return {};
 }
+
+}  // namespace corvalt

@@ -3,6 +3,8 @@
 
 #include "system/machine.h"
 
+namespace corvalt {
+
 class TWindowsMachine : public TMachine {
  public:
   // As the system tells it to a program with this manifest.
@@ -10,3 +12,5 @@ class TWindowsMachine : public TMachine {
   Text GetSystemDirectory(std::size_t bufferLength) override;
   Text ProgramFile() override;
 };
+
+}  // namespace corvalt

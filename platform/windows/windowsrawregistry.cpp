@@ -5,6 +5,8 @@
 
 #include "base/lettercase.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr REGSAM kReadAccess = KEY_READ;
@@ -252,3 +254,5 @@ void TWindowsRawRegistry::ReleaseKeys() {
   const std::lock_guard<std::mutex> hold(m_mutex);
   m_chain.Clear();
 }
+
+}  // namespace corvalt

@@ -6,8 +6,10 @@
 #include "platform/windows/registrykeys.h"
 #include "system/rawregistry.h"
 
+namespace corvalt {
+
 // Keeps the key it used last and that key's parents open until ReleaseKeys. May be called from any thread.
-class TWindowsRawRegistry : public RawRegistry {
+class TWindowsRawRegistry : public TRawRegistry {
  public:
   TRawResult ReadKey(TRootKey rootKey, TextView keyPath, TRawKey& key) override;
   TRawResult ReadValue(TRootKey rootKey, TextView keyPath, TextView name, TRawValue& value) override;
@@ -40,3 +42,5 @@ class TWindowsRawRegistry : public RawRegistry {
   TKeyChain m_chain{m_calls};
   TValueBuffer m_buffer;
 };
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 
 #include "base/lettercase.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr DWORD kLargestKeptData = 65536;                                // bytes of one value
@@ -269,3 +271,5 @@ bool TWindowsRegistryStore::DeleteValue(TextView name) {
   Forget();
   return m_calls.DeleteValue(m_open->Key.Get(), Text(*systemName)) == ERROR_SUCCESS;
 }
+
+}  // namespace corvalt

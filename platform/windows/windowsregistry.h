@@ -9,6 +9,8 @@
 #include "platform/windows/registrykeys.h"
 #include "system/registrystore.h"
 
+namespace corvalt {
+
 // The values of the open key as GetValueNames met them, so that the questions that follow cost no call.
 class TValueSnapshot {
  public:
@@ -114,3 +116,5 @@ class TWindowsRegistry : public TRegistryFactory {
     return std::make_unique<TWindowsRegistryStore>(access);
   }
 };
+
+}  // namespace corvalt

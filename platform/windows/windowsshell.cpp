@@ -4,6 +4,8 @@
 
 #include "base/lettercase.h"
 
+namespace corvalt {
+
 namespace {
 
 // htmlhelp.h
@@ -157,3 +159,5 @@ bool TWindowsShell::OpensWithFullAccess(std::uint32_t rootKey, TextView subKey) 
   RegCloseKey(key);
   return true;
 }
+
+}  // namespace corvalt

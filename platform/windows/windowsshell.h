@@ -4,6 +4,8 @@
 #include "platform/windows/windowsapi.h"
 #include "system/shell.h"
 
+namespace corvalt {
+
 class TWindowsShell : public Shell {
  public:
   TWindowsShell() = default;
@@ -39,3 +41,5 @@ class TWindowsShell : public Shell {
   TWindowHandle m_owner = 0;
   TOwnedModule m_htmlHelp;  // held while help windows may be open
 };
+
+}  // namespace corvalt

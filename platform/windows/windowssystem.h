@@ -11,6 +11,8 @@
 #include "platform/windows/windowsshell.h"
 #include "system/system.h"
 
+namespace corvalt {
+
 class TWindowsSystem {
  public:
   // Good as long as this object.
@@ -28,3 +30,5 @@ class TWindowsSystem {
   TWindowsShell TheShell;
   TWindowsInterprocess Interprocess;
 };
+
+}  // namespace corvalt

@@ -1,5 +1,7 @@
 #include "platform/windows/windowsuithread.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr wchar_t kClassName[] = L"CorvaltUiThread";
@@ -67,3 +69,5 @@ LRESULT CALLBACK TWindowsUiThread::WindowProcedure(HWND window, UINT message, WP
   }
   return DefWindowProcW(window, message, wParam, lParam);
 }
+
+}  // namespace corvalt

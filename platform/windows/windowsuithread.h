@@ -8,6 +8,8 @@
 #include "platform/windows/windowsapi.h"
 #include "system/queueuithread.h"
 
+namespace corvalt {
+
 class TWindowsUiThread : public TQueueUiThread {
  public:
   // Told of an exception that a posted routine throws, on the user-interface thread.
@@ -31,3 +33,5 @@ class TWindowsUiThread : public TQueueUiThread {
   HWND m_window = nullptr;
   DWORD m_thread = 0;
 };
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 
 #include "tests/contract/subject.h"
 
+namespace corvalt {
+
 namespace {
 
 class EnvironmentContract : public ::testing::Test {
@@ -109,3 +111,5 @@ TEST_F(EnvironmentContract, ALockIsGivenUpByAThreadThatEnds) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

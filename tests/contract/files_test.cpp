@@ -4,6 +4,8 @@
 
 #include "tests/contract/subject.h"
 
+namespace corvalt {
+
 namespace {
 
 using TBytes = std::vector<std::uint8_t>;
@@ -246,3 +248,5 @@ TEST_F(FileProbeContract, WithoutRedirectionThereIsNothingToSwitch) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

@@ -3,6 +3,8 @@
 
 #include "tests/contract/registrycontract.h"
 
+namespace corvalt {
+
 namespace {
 
 class RawRegistryContract : public TRegistryContract {
@@ -246,3 +248,5 @@ TEST_F(RawRegistryContract, TheRootItselfIsNeverDeleted) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

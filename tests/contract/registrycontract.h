@@ -6,6 +6,8 @@
 #include "platform/memory/memoryregistry.h"
 #include "tests/contract/subject.h"
 
+namespace corvalt {
+
 class TRegistryContract : public ::testing::Test {
  protected:
   // A path below the scratch key.
@@ -38,3 +40,5 @@ class TRegistryContract : public ::testing::Test {
   const std::unique_ptr<TSubject> m_subject = MakeSubject();
   TSystem m_system = m_subject->System();
 };
+
+}  // namespace corvalt

@@ -3,6 +3,8 @@
 #include "base/lettercase.h"
 #include "tests/contract/registrycontract.h"
 
+namespace corvalt {
+
 namespace {
 
 using RegistryStoreContract = TRegistryContract;
@@ -498,3 +500,5 @@ TEST_F(RegistryStoreContract, AWalkMeetsEveryKeyAndValueOnce) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

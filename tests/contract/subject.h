@@ -8,6 +8,8 @@
 #include "system/system.h"
 #include "system/uithread.h"
 
+namespace corvalt {
+
 enum class TPlatform {
   Windows,  // subkeys by upper case, values as they were created
   Wine,     // both by lower case
@@ -41,3 +43,5 @@ class TSubject {
 inline constexpr TRootKey kScratchRoot = kHkeyCurrentUser;
 
 std::unique_ptr<TSubject> MakeSubject();
+
+}  // namespace corvalt

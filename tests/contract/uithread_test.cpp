@@ -7,6 +7,8 @@
 #include "core/workerthread.h"
 #include "tests/contract/subject.h"
 
+namespace corvalt {
+
 namespace {
 
 class UiThreadContract : public ::testing::Test {
@@ -142,3 +144,5 @@ TEST_F(UiThreadContract, TheProgramCanCloseWhileAWorkerWaitsForIt) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

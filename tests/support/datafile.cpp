@@ -2,6 +2,8 @@
 
 #include <zlib.h>
 
+namespace corvalt {
+
 std::vector<std::uint8_t> PackDataFile(std::string_view content) {
   uLongf size = compressBound(static_cast<uLong>(content.size()));
   std::vector<std::uint8_t> file(2 + size, 0);
@@ -10,3 +12,5 @@ std::vector<std::uint8_t> PackDataFile(std::string_view content) {
   file.resize(2 + size);
   return file;
 }
+
+}  // namespace corvalt

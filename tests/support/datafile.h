@@ -5,5 +5,9 @@
 #include <string_view>
 #include <vector>
 
+namespace corvalt {
+
 // Two leading bytes, then the content as a zlib stream.
 std::vector<std::uint8_t> PackDataFile(std::string_view content);
+
+}  // namespace corvalt

@@ -4,6 +4,8 @@
 
 #include "core/settingskeys.h"
 
+namespace corvalt {
+
 namespace {
 
 Text NumberedKey(int number) {
@@ -161,3 +163,5 @@ void TMainRig::ResultsChanged() {
 void TMainRig::ActionsChanged() {
   ++ActionsChanges;
 }
+
+}  // namespace corvalt

@@ -11,6 +11,8 @@
 #include "tests/support/scanrig.h"
 #include "ui/regmain.h"
 
+namespace corvalt {
+
 // A message box during which something may happen.
 class TListeningShell : public TMemoryShell {
  public:
@@ -88,3 +90,5 @@ class TMainRig : private TRegMainView {
   void ResultsChanged() override;
   void ActionsChanged() override;
 };
+
+}  // namespace corvalt

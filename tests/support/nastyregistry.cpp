@@ -8,6 +8,8 @@
 #include "base/lettercase.h"
 #include "platform/memory/memoryregistry.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::size_t kValuesAKey = 12;     // on average
@@ -175,3 +177,5 @@ class TNastyMaker {
 std::vector<TNastyKey> MakeNastyTree(std::uint64_t seed, std::size_t values, TextView topPath) {
   return TNastyMaker(seed).Tree(values, topPath);
 }
+
+}  // namespace corvalt

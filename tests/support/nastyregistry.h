@@ -7,6 +7,8 @@
 
 #include "system/rawregistry.h"
 
+namespace corvalt {
+
 struct TNastyKey {
   Text Path;  // begins with "\"; its parent comes before it
   std::vector<TRawValue> Values;
@@ -15,3 +17,5 @@ struct TNastyKey {
 // A tree below a key, which comes first, with this number of values. No name occurs twice in a key, whatever
 // the letter case.
 std::vector<TNastyKey> MakeNastyTree(std::uint64_t seed, std::size_t values, TextView topPath);
+
+}  // namespace corvalt

@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <sstream>
 
+namespace corvalt {
+
 namespace {
 
-ScanProblem Problem(std::int32_t kind, TRootKey rootKey, TextView keyPath, TextView valueName,
+ScanProblem Problem(TProblemKind kind, TRootKey rootKey, TextView keyPath, TextView valueName,
                     TextView valueData, TextView description) {
   ScanProblem problem;
   problem.KeyPath = keyPath;
@@ -18,7 +20,7 @@ ScanProblem Problem(std::int32_t kind, TRootKey rootKey, TextView keyPath, TextV
   problem.Kind = kind;
   problem.ChildCount = 0;
   problem.ImageIndex = -1;
-  problem.CheckMark = 1;
+  problem.CheckMark = TCheckMark::Repair;
   return problem;
 }
 
@@ -26,7 +28,7 @@ ScanProblem Problem(std::int32_t kind, TRootKey rootKey, TextView keyPath, TextV
 
 ScanProblem SectionHeader(TextView caption, std::int32_t imageIndex, TRootKey rootKey,
                           std::uint32_t childCount) {
-  ScanProblem header = Problem(2, rootKey, {}, {}, {}, {});
+  ScanProblem header = Problem(TProblemKind::Value, rootKey, {}, {}, {}, {});
   header.SectionCaption = caption;
   header.ImageIndex = imageIndex;
   header.ChildCount = childCount;
@@ -35,12 +37,12 @@ ScanProblem SectionHeader(TextView caption, std::int32_t imageIndex, TRootKey ro
 
 ScanProblem KeyProblem(TRootKey rootKey, TextView keyPath, TextView valueName, TextView valueData,
                        TextView description) {
-  return Problem(1, rootKey, keyPath, valueName, valueData, description);
+  return Problem(TProblemKind::Key, rootKey, keyPath, valueName, valueData, description);
 }
 
 ScanProblem ValueProblem(TRootKey rootKey, TextView keyPath, TextView valueName, TextView valueData,
                          TextView description) {
-  return Problem(2, rootKey, keyPath, valueName, valueData, description);
+  return Problem(TProblemKind::Value, rootKey, keyPath, valueName, valueData, description);
 }
 
 Text NumberedName(TextView prefix, int number) {
@@ -85,10 +87,10 @@ std::string FieldsOf(const ScanProblem& problem) {
   for (const Text& field : {problem.KeyPath, problem.ValueName, problem.ValueData, problem.Description}) {
     line << " | " << EncodeUtf8(field);
   }
-  line << " | kind " << problem.Kind << ", image " << problem.ImageIndex << ", check " << problem.CheckMark
-       << ", extra [" << EncodeUtf8(problem.Extra) << "], caption [" << EncodeUtf8(problem.SectionCaption)
-       << "], children " << problem.ChildCount << ", flags " << problem.StateFlag1 << " "
-       << problem.StateFlag2;
+  line << " | kind " << static_cast<int>(problem.Kind) << ", image " << problem.ImageIndex << ", check "
+       << static_cast<int>(problem.CheckMark) << ", extra [" << EncodeUtf8(problem.Extra) << "], caption ["
+       << EncodeUtf8(problem.SectionCaption) << "], children " << problem.ChildCount << ", flags "
+       << problem.StateFlag1 << " " << problem.StateFlag2;
   return line.str();
 }
 
@@ -109,3 +111,5 @@ std::string HeaderFields(const std::string& root, const std::string& caption, in
   return root + " |  |  |  |  | kind 2, image " + std::to_string(image) + ", check 1, extra [], caption [" +
          caption + "], children " + std::to_string(children) + ", flags 0 0";
 }
+
+}  // namespace corvalt

@@ -7,6 +7,8 @@
 #include "scan/scanproblem.h"
 #include "tests/support/scanrig.h"
 
+namespace corvalt {
+
 // A section header as a finished section leaves it.
 ScanProblem SectionHeader(TextView caption, std::int32_t imageIndex, TRootKey rootKey,
                           std::uint32_t childCount);
@@ -45,3 +47,5 @@ std::vector<std::string> Usual(std::vector<std::string> lines);
 
 // A section header's line.
 std::string HeaderFields(const std::string& root, const std::string& caption, int image, int children);
+
+}  // namespace corvalt

@@ -3,6 +3,8 @@
 #include "repair/restoredeleted.h"
 #include "system/systemerror.h"
 
+namespace corvalt {
+
 namespace {
 
 class TWatchedDialog : public TRecordingDialog {
@@ -29,7 +31,7 @@ ScanProblem KeyProblem(TRootKey rootKey, TextView keyPath, std::int32_t imageInd
   ScanProblem problem;
   problem.RootKey = rootKey;
   problem.KeyPath = keyPath;
-  problem.Kind = kKindKey;
+  problem.Kind = TProblemKind::Key;
   problem.ImageIndex = imageIndex;
   return problem;
 }
@@ -37,14 +39,14 @@ ScanProblem KeyProblem(TRootKey rootKey, TextView keyPath, std::int32_t imageInd
 ScanProblem ValueProblem(TRootKey rootKey, TextView keyPath, TextView valueName, std::int32_t imageIndex) {
   ScanProblem problem = KeyProblem(rootKey, keyPath, imageIndex);
   problem.ValueName = valueName;
-  problem.Kind = kKindValue;
+  problem.Kind = TProblemKind::Value;
   return problem;
 }
 
 ScanProblem FileProblem(TextView path) {
   ScanProblem problem;
   problem.KeyPath = path;
-  problem.Kind = kKindFile;
+  problem.Kind = TProblemKind::File;
   return problem;
 }
 
@@ -113,3 +115,5 @@ void TRepairRig::RestoreTheBackup() {
   TSystem system = System.Bundle();
   RestoreBackup(system, Vars, Backups().at(0).Name);
 }
+
+}  // namespace corvalt

@@ -9,6 +9,8 @@
 #include "repair/threadclean.h"
 #include "tests/support/scanrig.h"
 
+namespace corvalt {
+
 ScanProblem KeyProblem(TRootKey rootKey, TextView keyPath, std::int32_t imageIndex = kNoImage);
 ScanProblem ValueProblem(TRootKey rootKey, TextView keyPath, TextView valueName,
                          std::int32_t imageIndex = kNoImage);
@@ -40,3 +42,5 @@ class TRepairRig : public TScanRig {
   std::vector<std::string> Updates;
   std::string FailureText;  // empty after a normal end
 };
+
+}  // namespace corvalt

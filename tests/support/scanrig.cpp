@@ -4,6 +4,8 @@
 
 #include <stdexcept>
 
+namespace corvalt {
+
 namespace {
 
 std::string LineOf(const ScanProblem& problem) {
@@ -132,3 +134,5 @@ std::string PackDataFile(std::string_view content) {
   }
   return "\x01\x02" + stream.substr(0, length);
 }
+
+}  // namespace corvalt

@@ -14,6 +14,8 @@
 #include "ui/resultstree.h"
 #include "ui/sectionstree.h"
 
+namespace corvalt {
+
 // One line an update: "section: ...", "item: ...", "overall: 50", "bar: 12".
 class TRecordingDialog : public TProgressDialog {
  public:
@@ -71,3 +73,5 @@ class TScanRig {
 
 // The bytes of a data file with this content: two bytes and a zlib stream.
 std::string PackDataFile(std::string_view content);
+
+}  // namespace corvalt

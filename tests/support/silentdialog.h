@@ -3,6 +3,8 @@
 
 #include "scan/scantrees.h"
 
+namespace corvalt {
+
 class TSilentDialog : public TProgressDialog {
  public:
   void SetSectionLabel(TextView) override {
@@ -14,3 +16,5 @@ class TSilentDialog : public TProgressDialog {
   void SetSectionPosition(std::int32_t) override {
   }
 };
+
+}  // namespace corvalt

@@ -1,5 +1,7 @@
 #include "tests/support/testconsole.h"
 
+namespace corvalt {
+
 TSystemError TTestConsole::Write(std::string_view utf8) {
   if (WriteFailure != 0)
     return TSystemError{WriteFailure};
@@ -45,3 +47,5 @@ std::string TConsoleRig::Told() const {
     told += line + "\n";
   return told;
 }
+
+}  // namespace corvalt

@@ -9,6 +9,8 @@
 #include "tests/support/scanrig.h"
 #include "ui/console/consoleprogram.h"
 
+namespace corvalt {
+
 class TTestConsole : public TConsole {
  public:
   TSystemError Write(std::string_view utf8) override;
@@ -41,3 +43,5 @@ class TConsoleRig {
   TTestConsole Console;
   int Starts = 0;  // how often the start sequence ran
 };
+
+}  // namespace corvalt

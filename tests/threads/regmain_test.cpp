@@ -5,6 +5,8 @@
 
 #include "tests/support/mainrig.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr int kRounds = 100;
@@ -112,3 +114,5 @@ TEST(MainWindowThreads, TheWindowMayGoInTheMiddleOfAnything) {
     ExpectNothingLeftBehind(rig);
   }
 }
+
+}  // namespace corvalt

@@ -10,6 +10,8 @@
 #include "repair/restoredeleted.h"
 #include "tests/support/repairrig.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kCurrentUserFiles = 22;
@@ -122,3 +124,5 @@ TEST(RepairThread, TwoCopiesOfTheProgramLoseNoBackupOfEachOther) {
   other.join();
   EXPECT_EQ(rig.Backups().size(), 2U * kBackups);
 }
+
+}  // namespace corvalt

@@ -11,6 +11,8 @@
 
 #include "system/queueuithread.h"
 
+namespace corvalt {
+
 namespace {
 
 // What a test learns of a thread that frees itself.
@@ -237,3 +239,5 @@ TEST_F(WorkerThread, ClosingDuringABusyThreadEndsItEveryTime) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

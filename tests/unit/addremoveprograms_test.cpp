@@ -2,6 +2,8 @@
 
 #include "tests/support/problemfields.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kCode = 11;
@@ -208,3 +210,5 @@ TEST(AddRemovePrograms, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   ListManyPrograms(rig);
   ExpectConsistentWhereverCancelled(rig, kCode);
 }
+
+}  // namespace corvalt

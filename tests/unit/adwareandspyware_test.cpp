@@ -3,6 +3,8 @@
 #include "formats/inflate.h"
 #include "tests/support/problemfields.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kCode = 100;
@@ -438,3 +440,5 @@ TEST(AdwareAndSpyware, ABrokenCatalogueKeepsEarlierSectionsAndAnUnfinishedHeader
                        SectionHeader(u"Adware and Spyware", 22, kNoRootKey, 0)}));
   EXPECT_EQ(rig.Problems().size(), 1u);
 }
+
+}  // namespace corvalt

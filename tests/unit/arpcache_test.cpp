@@ -2,6 +2,8 @@
 
 #include "tests/support/problemfields.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kCode = 19;
@@ -125,3 +127,5 @@ TEST(ArpCache, ACancelledScanLooksAtNoItem) {
 
   EXPECT_TRUE(rig.Headers().empty());
 }
+
+}  // namespace corvalt

@@ -9,6 +9,8 @@
 #include "system/filestore.h"
 #include "tests/support/scanrig.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kFolder = u"C:\\Users\\Ann\\AppData\\TessalySoft\\Tessaly Utilities\\Backups\\";
@@ -86,9 +88,9 @@ class TStoreRig {
 using TNames = std::vector<std::string>;
 
 // Notes each reading and each replacement of a file, and can make the second reading of a file fail.
-class TNotingFiles : public FileStore {
+class TNotingFiles : public TFileStore {
  public:
-  TNotingFiles(FileStore& files, TJournal& journal) : m_files(files), m_journal(journal) {
+  TNotingFiles(TFileStore& files, TJournal& journal) : m_files(files), m_journal(journal) {
   }
   TSystemError ReadFile(TextView path, std::vector<std::uint8_t>& bytes) override {
     m_journal.Add("read file " + EncodeUtf8(path));
@@ -111,7 +113,7 @@ class TNotingFiles : public FileStore {
   }
 
  private:
-  FileStore& m_files;
+  TFileStore& m_files;
   TJournal& m_journal;
 };
 
@@ -760,3 +762,5 @@ TEST(PruningByCount, StopsBetweenTwoBackups) {
   rig.Store().PruneBackups([&asked] { return ++asked > 4; });
   EXPECT_EQ(rig.Listed(), TNames({"46340", "46341"}));
 }
+
+}  // namespace corvalt

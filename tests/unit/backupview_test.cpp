@@ -6,6 +6,8 @@
 
 #include "platform/memory/memorysystem.h"
 
+namespace corvalt {
+
 namespace {
 
 Text Shown(std::string_view file) {
@@ -51,3 +53,5 @@ TEST(BackupView, CentersItsButton) {
   EXPECT_EQ(CenteredLeft(402, 75), 164);  // 163.5
   EXPECT_EQ(CenteredLeft(401, 75), 163);
 }
+
+}  // namespace corvalt

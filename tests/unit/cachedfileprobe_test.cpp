@@ -6,6 +6,8 @@
 
 #include "platform/memory/memorydisk.h"
 
+namespace corvalt {
+
 namespace {
 
 class CachedProbe : public testing::Test {
@@ -346,3 +348,5 @@ TEST(CachedProbeComparison, CachedAndPlainAgreeOnRandomPaths) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

@@ -7,6 +7,8 @@
 #include "ui/console/arguments.h"
 #include "ui/console/problemlisting.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kShellFolders =
@@ -285,7 +287,7 @@ TEST(ProblemListing, SaysPathValueAndDescriptionOfEachKind) {
   TResultsTreeModel results;
   TResultsNode* header = results.AddNode(nullptr);
   header->Problem.SectionCaption = u"Lists";
-  const auto add = [&](std::int32_t kind, TextView keyPath, TextView valueName) {
+  const auto add = [&](TProblemKind kind, TextView keyPath, TextView valueName) {
     ScanProblem& problem = results.AddNode(header)->Problem;
     problem.RootKey = kHkeyLocalMachine;
     problem.Kind = kind;
@@ -293,11 +295,11 @@ TEST(ProblemListing, SaysPathValueAndDescriptionOfEachKind) {
     problem.ValueName = valueName;
     problem.Description = u"Salt && Pepper";
   };
-  add(kKindKey, u"\\Key", u"ImagePath");
-  add(kKindValue, u"\\Key", u"Name");
-  add(kKindValue, u"\\Key", {});
-  add(kKindValue, u"\\Key", TextView(u"\0", 1));
-  add(kKindFile, u"C:\\a.txt", {});
+  add(TProblemKind::Key, u"\\Key", u"ImagePath");
+  add(TProblemKind::Value, u"\\Key", u"Name");
+  add(TProblemKind::Value, u"\\Key", {});
+  add(TProblemKind::Value, u"\\Key", TextView(u"\0", 1));
+  add(TProblemKind::File, u"C:\\a.txt", {});
 
   EXPECT_EQ(ProblemListing(results),
             "Lists (5)\n"
@@ -335,3 +337,5 @@ TEST(SectionCodes, AreSeparatedByCommas) {
   EXPECT_EQ(ParseSectionCodes(u"1"), (std::vector<std::int32_t>{1}));
   EXPECT_EQ(ParseSectionCodes(u"100,21,1"), (std::vector<std::int32_t>{100, 21, 1}));
 }
+
+}  // namespace corvalt

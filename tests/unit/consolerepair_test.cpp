@@ -6,6 +6,8 @@
 
 #include "tests/support/testconsole.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kShellFolders =
@@ -254,3 +256,5 @@ TEST_F(ConsoleRepair, IgnoreSaysWhenTheListCannotBeStored) {
   m_rig.Scan.System.Registry.Deny(kIgnored);
   EXPECT_EQ(Run({u"ignore", u"add", u"x"}), 3);
 }
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "tests/support/problemfields.h"
 #include "tests/support/scanrig.h"
 
+namespace corvalt {
+
 namespace {
 
 using TStrings = std::vector<std::string>;
@@ -25,7 +27,7 @@ TStrings Found(TScanRig& rig) {
   TStrings lines;
   for (const ScanProblem& problem : rig.Problems()) {
     EXPECT_EQ(problem.RootKey, kHkeyClassesRoot);
-    EXPECT_EQ(problem.Kind, 1);
+    EXPECT_EQ(problem.Kind, TProblemKind::Key);
     EXPECT_EQ(problem.ImageIndex, -1);
     EXPECT_EQ(problem.ValueName, u"");
     lines.push_back(EncodeUtf8(problem.KeyPath + u" | " + problem.ValueData + u" | " + problem.Description));
@@ -535,3 +537,5 @@ TEST(CustomControls, EveryProblemOfALargerRegistry) {
       }));
   EXPECT_EQ(AllFields(rig.Headers()), TStrings{HeaderFields("0", "Custom Controls", 6, 15)});
 }
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include "tests/support/problemfields.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kCode = 16;
@@ -89,3 +91,5 @@ TEST(DeviceDrivers, ItsStepsCountForTheSectionsThatFollow) {
   expected.insert(expected.end(), {"item: SYSTEM\\CurrentControlSet\\Services\\VxD\\Value", "bar: 0"});
   EXPECT_EQ(rig.Dialog.Updates, expected);
 }
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "tests/support/problemfields.h"
 #include "tests/support/scanrig.h"
 
+namespace corvalt {
+
 namespace {
 
 using TStrings = std::vector<std::string>;
@@ -41,7 +43,7 @@ TStrings Found(TScanRig& rig, const std::vector<std::int32_t>& sections = {kAsso
   TStrings lines;
   for (const ScanProblem& problem : rig.ProblemsOf(u"File Associations")) {
     EXPECT_EQ(problem.RootKey, kHkeyClassesRoot);
-    EXPECT_EQ(problem.Kind, 1);
+    EXPECT_EQ(problem.Kind, TProblemKind::Key);
     lines.push_back(EncodeUtf8(problem.KeyPath + u" | " + problem.ValueName + u" | " + problem.ValueData +
                                u" | " + problem.Description + u" | " + DecimalText(problem.ImageIndex)));
   }
@@ -592,3 +594,5 @@ TEST(FileAssociations, EveryProblemOfALargerRegistry) {
   ASSERT_EQ(rig.Headers().size(), 2u);
   EXPECT_EQ(FieldsOf(rig.Headers()[1]), HeaderFields("80000000", "File Associations", 8, 18));
 }
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include "tests/support/problemfields.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kCode = 5;
@@ -147,3 +149,5 @@ TEST(FileExtensions, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   AddManyExtensions(rig);
   ExpectConsistentWhereverCancelled(rig, kCode);
 }
+
+}  // namespace corvalt

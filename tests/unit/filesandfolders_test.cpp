@@ -5,6 +5,8 @@
 #include "tests/support/problemfields.h"
 #include "tests/support/scanrig.h"
 
+namespace corvalt {
+
 namespace {
 
 using TStrings = std::vector<std::string>;
@@ -513,3 +515,5 @@ TEST(FilesAndFolders, EveryProblemOfALargerRegistry) {
   EXPECT_EQ(AllFields(rig.Headers()),
             TStrings{HeaderFields("80000002", "HKEY_LOCAL_MACHINE - Files and Folders", 1, 6)});
 }
+
+}  // namespace corvalt

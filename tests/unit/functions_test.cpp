@@ -6,6 +6,8 @@
 
 #include "platform/memory/memorysystem.h"
 
+namespace corvalt {
+
 namespace {
 
 // A machine with the fixed drive C and an optical drive E.
@@ -390,3 +392,5 @@ TEST(FileSize, IsThatOfTheFirstMatch) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

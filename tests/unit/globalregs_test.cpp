@@ -5,6 +5,8 @@
 #include "platform/memory/memorysystem.h"
 #include "tests/support/datafile.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kIgnoreList =
@@ -144,3 +146,5 @@ TEST_F(CleanerSettings, WritingBackWithoutAccessIsSilent) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "core/settingskeys.h"
 #include "platform/memory/memorysystem.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kUserShellFolders =
@@ -358,3 +360,5 @@ TEST_F(Environment, FillingAgainAnswersTheSame) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include "tests/support/problemfields.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kCode = 13;
@@ -144,3 +146,5 @@ TEST(HelpAndResources, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   RegisterManyFiles(rig);
   ExpectConsistentWhereverCancelled(rig, kCode);
 }
+
+}  // namespace corvalt

@@ -7,6 +7,8 @@
 #include "platform/memory/memorysystem.h"
 #include "ui/ignorelistmodel.h"
 
+namespace corvalt {
+
 namespace {
 
 const Text kListKey = u"HKEY_CURRENT_USER" + Text(kIgnoreListKey);
@@ -48,7 +50,7 @@ TEST(IgnoreEntry, OfAKeyEndsInABackslash) {
   ScanProblem problem;
   problem.RootKey = kHkeyLocalMachine;
   problem.KeyPath = u"\\Software\\Example\\Old";
-  problem.Kind = kKindKey;
+  problem.Kind = TProblemKind::Key;
   EXPECT_EQ(IgnoreEntryOf(problem), u"HKEY_LOCAL_MACHINE\\Software\\Example\\Old\\");
 }
 
@@ -204,3 +206,5 @@ TEST(IgnoreListManager, ChangesTheListInMemoryWhenTheKeyIsDenied) {
   EXPECT_TRUE(rig.Reg.IgnoreList.empty());
   EXPECT_TRUE(rig.System.Registry.HasValue(kListKey, u"a"));
 }
+
+}  // namespace corvalt

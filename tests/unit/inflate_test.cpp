@@ -6,6 +6,8 @@
 
 #include "tests/support/datafile.h"
 
+namespace corvalt {
+
 namespace {
 
 using TBytes = std::vector<std::uint8_t>;
@@ -80,3 +82,5 @@ TEST(InflateDataFile, TheLargestContentIsReadAndOneByteMoreIsNot) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

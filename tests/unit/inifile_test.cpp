@@ -6,6 +6,8 @@
 
 #include "platform/memory/memorysystem.h"
 
+namespace corvalt {
+
 namespace {
 
 using TTexts = std::vector<Text>;
@@ -200,3 +202,5 @@ TEST_F(IniFile, WhatIsWrittenIsReadBackWhateverTheFileHeld) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

@@ -7,6 +7,8 @@
 #include "platform/memory/memorysystem.h"
 #include "tests/support/nastyregistry.h"
 
+namespace corvalt {
+
 namespace {
 
 using TLines = std::vector<std::string>;
@@ -483,3 +485,5 @@ TEST_F(IORegistry, AnythingComesBackByteForByte) {
   EXPECT_EQ(values, kValues);
   ExpectRoundTrip();
 }
+
+}  // namespace corvalt

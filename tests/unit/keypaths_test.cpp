@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace corvalt {
+
 namespace {
 
 using TNames = std::vector<Text>;
@@ -87,3 +89,5 @@ TEST(ParseKeyPath, TheEmptyPathAndTheSeparatorAloneNameNoKeyBelow) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

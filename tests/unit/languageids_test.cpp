@@ -17,6 +17,8 @@
 #include "base/text.h"
 #include "tests/support/sourcefolder.h"
 
+namespace corvalt {
+
 namespace {
 
 std::string BytesOfSource(const std::string& path) {
@@ -148,3 +150,5 @@ TEST(TextTable, PromisesNoneOneOrTwoPlaceholders) {
     EXPECT_LE(entry.Placeholders, 2) << Number(entry.Id);
   }
 }
+
+}  // namespace corvalt

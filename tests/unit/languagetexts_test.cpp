@@ -6,6 +6,8 @@
 #include "core/settingskeys.h"
 #include "platform/memory/memorysystem.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kSuite = u"HKEY_CURRENT_USER\\Software\\TessalySoft\\Tessaly Utilities";
@@ -191,3 +193,5 @@ TEST_F(LoadedLanguage, WithoutAnyFileAllTextsAreEmpty) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

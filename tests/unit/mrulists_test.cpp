@@ -2,6 +2,8 @@
 
 #include "tests/support/problemfields.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kCode = 15;
@@ -210,3 +212,5 @@ TEST(MruLists, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   RememberManyFiles(rig);
   ExpectConsistentWhereverCancelled(rig, kCode);
 }
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace corvalt {
+
 namespace {
 
 std::optional<TNativeXml> Parse(std::string_view xml) {
@@ -137,3 +139,5 @@ TEST(NativeXml, TheDocumentMayBeMoved) {
   EXPECT_EQ(root.ElementText(), u"text");
   EXPECT_EQ(moved.Root().Name(), u"r");
 }
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include "tests/support/problemfields.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kCode = 3;
@@ -154,3 +156,5 @@ TEST(ObsoleteSoftware, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   AddManyVendors(rig);
   ExpectConsistentWhereverCancelled(rig, kCode);
 }
+
+}  // namespace corvalt

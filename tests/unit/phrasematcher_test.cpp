@@ -4,6 +4,8 @@
 
 #include <random>
 
+namespace corvalt {
+
 namespace {
 
 bool NaivelyOccurs(const std::vector<Text>& phrases, TextView text) {
@@ -104,3 +106,5 @@ TEST(PhraseMatcher, AgreesWithAPlainSearchOverManyLongPhrases) {
   EXPECT_GT(hits, 250);
   EXPECT_LT(hits, 500);
 }
+
+}  // namespace corvalt

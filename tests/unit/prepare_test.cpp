@@ -6,6 +6,8 @@
 #include "system/systemerror.h"
 #include "tests/support/scanrig.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kFolder = u"C:\\Backups\\";
@@ -82,3 +84,5 @@ TEST(Maintenance, OfAnEmptyDiskChangesNothing) {
   EXPECT_EQ(rig.Index(), "(none)");
   EXPECT_EQ(rig.FailureText, "");
 }
+
+}  // namespace corvalt

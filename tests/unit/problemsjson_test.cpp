@@ -6,6 +6,8 @@
 
 #include "ui/resultstree.h"
 
+namespace corvalt {
+
 namespace {
 
 ScanProblem Header(TextView caption, TRootKey rootKey, std::int32_t imageIndex, std::uint32_t childCount) {
@@ -46,10 +48,10 @@ TEST(ProblemsJson, SaysEveryFieldOfHeadersAndProblemsInTreeOrder) {
   first.ValueData = u"C:\\a \"b\".ttf";
   first.Description = u"It is && was";
   first.Extra = u"more";
-  first.CheckMark = kCheckMarkSkip;
+  first.CheckMark = TCheckMark::Skip;
   Add(results, fonts, first);
   ScanProblem second = Problem(kHkeyUsers, u"\\.DEFAULT");
-  second.Kind = kKindKey;
+  second.Kind = TProblemKind::Key;
   second.ImageIndex = 0;
   Add(results, fonts, second);
   Add(results, nullptr, Header(u"Start Menu", kHkeyCurrentUser, 9, 0));
@@ -91,3 +93,5 @@ TEST(JsonString, LoneSurrogatesBecomeEscapes) {
   EXPECT_EQ(JsonString(lowAlone), R"("\udc00a")");
   EXPECT_EQ(JsonString(lowBeforeHigh), "\"\\udfff\xF0\x9F\x98\x80\"");
 }
+
+}  // namespace corvalt

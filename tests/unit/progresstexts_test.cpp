@@ -8,6 +8,8 @@
 
 #include "tests/support/scanrig.h"
 
+namespace corvalt {
+
 TEST(ProgressTexts, TheCaptionSaysWhatRuns) {
   const TLanguageTexts texts = NumberedTexts();
   EXPECT_EQ(ProgressCaption(TProgressMode::Scan, texts), u"11035 ...");
@@ -57,3 +59,5 @@ TEST(ProgressTexts, TheOutcomesAreTheInvitationWithLargeCountsAndTheRepairsEnd) 
   EXPECT_EQ(messages[0], u"11013(1000000),11015(1000000).\r\n\r\n11033");
   EXPECT_EQ(messages[1], u"11008");
 }
+
+}  // namespace corvalt

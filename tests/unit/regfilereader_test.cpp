@@ -6,6 +6,8 @@
 
 #include "platform/memory/memorysystem.h"
 
+namespace corvalt {
+
 namespace {
 
 // What a file says: one line an entry, "key \Foo", "value \Foo name 1:4100..", "delete key \Foo",
@@ -410,3 +412,5 @@ TEST_F(RegFileReaderHugeFile, OfBrackets) {
 TEST_F(RegFileReaderHugeFile, OfOneValueOfOurOwn) {
   EXPECT_EQ(ReadBelowKey(";TIORegistry value=:3:" + std::string(kMany, '0')).Skipped, 0U);
 }
+
+}  // namespace corvalt

@@ -7,6 +7,8 @@
 #include "platform/memory/memorysystem.h"
 #include "tests/support/repairrig.h"
 
+namespace corvalt {
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -315,3 +317,5 @@ TEST_F(RegistryEditorJump, AFileWithoutFolderShowsNothing) {
   Open(FileProblem(u"Old.lnk"));
   EXPECT_EQ(Calls(), TLines());
 }
+
+}  // namespace corvalt

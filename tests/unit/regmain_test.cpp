@@ -11,6 +11,8 @@
 
 #include "tests/support/mainrig.h"
 
+namespace corvalt {
+
 namespace {
 
 using TLines = std::vector<std::string>;
@@ -781,3 +783,5 @@ TEST(MainWindowRegistryEditor, OpensTheSelectedProblemAsTheWindowsVersionWantsIt
   rig.Main.OpenSelected();
   EXPECT_EQ(rig.Shell.Calls, TLines({"start RunAs regedit.exe"}));
 }
+
+}  // namespace corvalt

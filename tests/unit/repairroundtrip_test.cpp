@@ -8,6 +8,8 @@
 #include "scan/catalogue.h"
 #include "tests/support/repairrig.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::string_view kCatalogue =
@@ -148,7 +150,7 @@ TEST_P(RepairRoundTrip, LeavesOnlyWhatTheDeletionsMadeEmpty) {
   Rig.Repair();
   Rig.Run(AllSections());
   for (const ScanProblem& problem : Rig.Problems()) {
-    EXPECT_EQ(problem.Kind, kKindKey) << EncodeUtf8(problem.KeyPath);
+    EXPECT_EQ(problem.Kind, TProblemKind::Key) << EncodeUtf8(problem.KeyPath);
     EXPECT_EQ(problem.Description, u"11044") << EncodeUtf8(problem.KeyPath);
   }
 }
@@ -163,3 +165,5 @@ TEST_P(RepairRoundTrip, DeletesNothingWhenTheDiskIsFull) {
 }
 
 INSTANTIATE_TEST_SUITE_P(NameOrders, RepairRoundTrip, testing::Values(TNameOrder::Windows, TNameOrder::Wine));
+
+}  // namespace corvalt

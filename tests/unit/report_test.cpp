@@ -7,6 +7,8 @@
 #include "platform/memory/memorysystem.h"
 #include "ui/resultstree.h"
 
+namespace corvalt {
+
 namespace {
 
 class Report : public testing::Test {
@@ -153,3 +155,5 @@ TEST(ReportFileName, GetsTheExtensionAppendedOtherwise) {
 TEST(ReportFileName, ADotInAFolderNameIsNoExtension) {
   EXPECT_EQ(ReportFileName(u"C:\\logs.txt\\report"), u"C:\\logs.txt\\report.txt");
 }
+
+}  // namespace corvalt

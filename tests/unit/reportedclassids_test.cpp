@@ -4,6 +4,8 @@
 
 #include <random>
 
+namespace corvalt {
+
 namespace {
 
 Text Joined(const std::vector<Text>& identifiers) {
@@ -113,3 +115,5 @@ TEST(ReportedClassIds, AgreesWithAPlainSearchOverRandomLists) {
     }
   }
 }
+
+}  // namespace corvalt

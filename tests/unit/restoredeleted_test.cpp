@@ -6,6 +6,8 @@
 #include "tests/support/scanrig.h"
 #include "ui/restoremodel.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kFolder = u"C:\\Backups\\";
@@ -264,3 +266,5 @@ TEST(ViewingABackup, SaysThatItsFileIsMissing) {
   EXPECT_FALSE(model.View(0));
   EXPECT_EQ(rig.System.Shell.Calls, TLines({"failure 40001 | 40010(11039 - 11/15/2026 12:00:00 PM)"}));
 }
+
+}  // namespace corvalt

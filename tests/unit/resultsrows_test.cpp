@@ -7,6 +7,8 @@
 #include "tests/support/repairrig.h"
 #include "ui/tree/treelayout.h"
 
+namespace corvalt {
+
 namespace {
 
 using TLines = std::vector<std::string>;
@@ -261,11 +263,11 @@ TEST_F(ResultsRows, UncheckingARowMarksItAsSkippedAndCheckingAsRepaired) {
   TResultsNode* node = AddProblem(header);
   TResultsNode* sibling = AddProblem(header);
   Uncheck(node);
-  EXPECT_EQ(node->Problem.CheckMark, 2);
-  EXPECT_EQ(sibling->Problem.CheckMark, 1);
+  EXPECT_EQ(node->Problem.CheckMark, TCheckMark::Skip);
+  EXPECT_EQ(sibling->Problem.CheckMark, TCheckMark::Repair);
   EXPECT_EQ(header->State, TCheckState::Mixed);
   Check(node);
-  EXPECT_EQ(node->Problem.CheckMark, 1);
+  EXPECT_EQ(node->Problem.CheckMark, TCheckMark::Repair);
   EXPECT_EQ(header->State, TCheckState::Checked);
 }
 
@@ -276,19 +278,19 @@ TEST_F(ResultsRows, UncheckingAHeaderMarksEveryChildAsSkippedAndCheckingAsRepair
   TResultsNode* elsewhere = AddProblem(AddHeader(u"B"));
   Uncheck(first);
   Uncheck(header);
-  EXPECT_EQ(first->Problem.CheckMark, 2);
-  EXPECT_EQ(second->Problem.CheckMark, 2);
-  EXPECT_EQ(elsewhere->Problem.CheckMark, 1);
+  EXPECT_EQ(first->Problem.CheckMark, TCheckMark::Skip);
+  EXPECT_EQ(second->Problem.CheckMark, TCheckMark::Skip);
+  EXPECT_EQ(elsewhere->Problem.CheckMark, TCheckMark::Repair);
   Check(header);
-  EXPECT_EQ(first->Problem.CheckMark, 1);
-  EXPECT_EQ(second->Problem.CheckMark, 1);
+  EXPECT_EQ(first->Problem.CheckMark, TCheckMark::Repair);
+  EXPECT_EQ(second->Problem.CheckMark, TCheckMark::Repair);
 }
 
 TEST_F(ResultsRows, AHeadersOwnMarkDoesNotFollowItsCheckBox) {
   TResultsNode* header = AddHeader(u"A");
   AddProblem(header);
   Uncheck(header);
-  EXPECT_EQ(header->Problem.CheckMark, 1);
+  EXPECT_EQ(header->Problem.CheckMark, TCheckMark::Repair);
 }
 
 TEST_F(ResultsRows, EachCheckUpdatesTheSummaryOnce) {
@@ -309,7 +311,7 @@ TEST_F(ResultsRows, ChoosingNotToRepairUnchecksTheRow) {
   AddProblem(header);
   Rows.Select(node);
   Rows.Choose(kChoiceSkip);
-  EXPECT_EQ(node->Problem.CheckMark, 2);
+  EXPECT_EQ(node->Problem.CheckMark, TCheckMark::Skip);
   EXPECT_EQ(node->State, TCheckState::Unchecked);
   EXPECT_EQ(header->State, TCheckState::Mixed);
   EXPECT_EQ(SummaryChanges, 1);
@@ -323,7 +325,7 @@ TEST_F(ResultsRows, ChoosingForTheOnlyRowGivesItsHeaderTheSameState) {
   Rows.Choose(kChoiceSkip);
   EXPECT_EQ(header->State, TCheckState::Unchecked);
   Rows.Choose(kChoiceRepair);
-  EXPECT_EQ(node->Problem.CheckMark, 1);
+  EXPECT_EQ(node->Problem.CheckMark, TCheckMark::Repair);
   EXPECT_EQ(node->State, TCheckState::Checked);
   EXPECT_EQ(header->State, TCheckState::Checked);
 }
@@ -488,9 +490,11 @@ TEST_F(ResultsRows, AChoiceThatTheListDoesNotHaveChangesNothing) {
   }
   Rows.Choose(kChoiceIgnore);
   for (const TResultsNode* node : {key, file}) {
-    EXPECT_EQ(node->Problem.CheckMark, kCheckMarkRepair);
+    EXPECT_EQ(node->Problem.CheckMark, TCheckMark::Repair);
     EXPECT_EQ(node->State, TCheckState::Checked);
   }
   EXPECT_EQ(Questions, 0);
   EXPECT_EQ(SummaryChanges, 0);
 }
+
+}  // namespace corvalt

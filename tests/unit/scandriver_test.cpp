@@ -7,6 +7,8 @@
 #include "tests/support/problemfields.h"
 #include "tests/support/scanrig.h"
 
+namespace corvalt {
+
 namespace {
 
 using TStrings = std::vector<std::string>;
@@ -433,3 +435,5 @@ TEST(Cancelling, AScanAfterACancelledOneFindsEverything) {
   rig.Run(AllCodes());
   EXPECT_EQ(rig.Lines(), all);
 }
+
+}  // namespace corvalt

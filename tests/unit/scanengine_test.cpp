@@ -7,6 +7,8 @@
 #include "tests/support/problemfields.h"
 #include "tests/support/scanrig.h"
 
+namespace corvalt {
+
 namespace {
 
 using TStrings = std::vector<std::string>;
@@ -671,3 +673,5 @@ TEST(Progress, NoSectionBearsTheNameThatIsNeverThrottled) {
   for (const TSection& section : SectionCatalogue())
     EXPECT_NE(section.ProgressName, u"ShortCuts");
 }
+
+}  // namespace corvalt

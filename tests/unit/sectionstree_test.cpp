@@ -6,6 +6,8 @@
 #include "core/globalregs.h"
 #include "platform/memory/memorysystem.h"
 
+namespace corvalt {
+
 namespace {
 
 using TStrings = std::vector<std::string>;
@@ -239,3 +241,5 @@ TEST(SectionsTree, CheckOnlyPassesOverUnknownCodes) {
   tree.CheckOnly({5, 2, 0, 77});
   EXPECT_EQ(Ticked(tree), std::vector<std::int32_t>{5});
 }
+
+}  // namespace corvalt

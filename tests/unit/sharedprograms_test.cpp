@@ -2,6 +2,8 @@
 
 #include "tests/support/problemfields.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kCode = 9;
@@ -149,3 +151,5 @@ TEST(SharedPrograms, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   CountManyFiles(rig);
   ExpectConsistentWhereverCancelled(rig, kCode);
 }
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include "tests/support/problemfields.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kCode = 10;
@@ -214,3 +216,5 @@ TEST(SoftwareLocations, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   RegisterManyPrograms(rig);
   ExpectConsistentWhereverCancelled(rig, kCode);
 }
+
+}  // namespace corvalt

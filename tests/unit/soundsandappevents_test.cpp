@@ -2,6 +2,8 @@
 
 #include "tests/support/problemfields.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kCode = 14;
@@ -113,3 +115,5 @@ TEST(SoundsAndAppevents, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   AssignManySounds(rig);
   ExpectConsistentWhereverCancelled(rig, kCode);
 }
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include "tests/support/problemfields.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kCode = 7;
@@ -218,3 +220,5 @@ TEST(StartMenu, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   StoreManyOrders(rig);
   ExpectConsistentWhereverCancelled(rig, kCode);
 }
+
+}  // namespace corvalt

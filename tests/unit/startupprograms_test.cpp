@@ -2,6 +2,8 @@
 
 #include "tests/support/problemfields.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kCode = 8;
@@ -150,3 +152,5 @@ TEST(StartupPrograms, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   RegisterManyPrograms(rig);
   ExpectConsistentWhereverCancelled(rig, kCode);
 }
+
+}  // namespace corvalt

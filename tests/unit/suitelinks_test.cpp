@@ -8,6 +8,8 @@
 
 #include "platform/memory/memorysystem.h"
 
+namespace corvalt {
+
 namespace {
 
 using TLines = std::vector<std::string>;
@@ -114,3 +116,5 @@ TEST(LinkDecoder, GivesNothingForSmallDigitsAsTheLiteralsHaveNone) {
   EXPECT_EQ(DecodeLink("3b"), u"");
   EXPECT_NE(DecodeLink("3B"), u"");
 }
+
+}  // namespace corvalt

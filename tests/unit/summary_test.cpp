@@ -6,6 +6,8 @@
 
 #include "tests/support/scanrig.h"
 
+namespace corvalt {
+
 namespace {
 
 // A tree of checked headers, and what is said about it.
@@ -90,13 +92,15 @@ TEST(Summary, HeadersAreNoProblemsWhateverTheyCarry) {
 TEST(Summary, TheCheckBoxCountsAndNotTheMark) {
   TTree tree;
   TResultsNode* node = tree.AddProblem(tree.AddHeader());
-  node->Problem.CheckMark = kCheckMarkSkip;
+  node->Problem.CheckMark = TCheckMark::Skip;
   EXPECT_EQ(tree.Summary().Selected, 1u);
   tree.Results.Model().SetChecked(node, false);
-  node->Problem.CheckMark = kCheckMarkRepair;
+  node->Problem.CheckMark = TCheckMark::Repair;
   EXPECT_EQ(tree.Summary().Selected, 0u);
 }
 
 TEST(Summary, TheWidestLabelHasTheLargestCounts) {
   EXPECT_EQ(WidestSummary(NumberedTexts()).Label, u"11011 (11013(1000000),11015(1000000))");
 }
+
+}  // namespace corvalt

@@ -4,6 +4,8 @@
 
 #include "platform/memory/memorysystem.h"
 
+namespace corvalt {
+
 namespace {
 
 template <typename TException>
@@ -36,3 +38,5 @@ TEST(DescribeException, NoneIsEmpty) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "base/lettercase.h"
 #include "system/machine.h"
 
+namespace corvalt {
+
 namespace {
 
 using TLines = std::vector<Text>;
@@ -159,3 +161,5 @@ TEST(LetterCase, ComparesByUpperCasedUnits) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

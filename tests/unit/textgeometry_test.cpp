@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+namespace corvalt {
+
 namespace {
 
 int WidthOf(TextView text) {
@@ -141,3 +143,5 @@ TEST(TextGeometry, WhatIsTooFarToTheRightLiesAtTheEndOfTheWorld) {
   EXPECT_EQ(geometry.LeftOf(9999), kFarthest);
   EXPECT_EQ(geometry.LeftOf(100), 100000000);
 }
+
+}  // namespace corvalt

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+namespace corvalt {
+
 namespace {
 
 constexpr bool kExtend = true;
@@ -159,3 +161,5 @@ TEST(TextCursor, ADoubleClickSelectsTheWordOrTheBlanksThatItHits) {
   EXPECT_EQ(selected(10), u"three");
   EXPECT_EQ(selected(17), u"");
 }
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 
 #include "tests/support/repairrig.h"
 
+namespace corvalt {
+
 namespace {
 
 using TLines = std::vector<std::string>;
@@ -265,7 +267,7 @@ TEST(Repair, LeavesAProblemOfUnknownKind) {
   TRepairRig rig;
   rig.System.Registry.AddKey(kOld);
   ScanProblem problem = KeyProblem(kHkeyCurrentUser, u"\\Software\\Old");
-  problem.Kind = 4;
+  problem.Kind = static_cast<TProblemKind>(4);
   rig.AddProblem(rig.AddSection(u"Odd"), problem);
   rig.Repair();
   EXPECT_TRUE(rig.System.Registry.HasKey(kOld));
@@ -583,3 +585,5 @@ TEST(MruRepair, LooksAtTheProblemsOwnPictureNotAtItsSections) {
   EXPECT_EQ(rig.System.Registry.FindValue(kRecent, u"MRUList")->Data, StringBytes(u"a"));
   EXPECT_FALSE(Holds(rig.BackupText(), "MRUList"));
 }
+
+}  // namespace corvalt

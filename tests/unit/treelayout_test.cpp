@@ -4,6 +4,8 @@
 
 #include "ui/tree/treekeys.h"
 
+namespace corvalt {
+
 namespace {
 
 // Rows of 10 pixels, leaves of 20.
@@ -239,3 +241,5 @@ TEST(TreeKeys, OneLetterAgainAndAgainGoesRound) {
   EXPECT_EQ(tree.Type(keys, u"a", 5100), u"Apple");
   EXPECT_EQ(tree.Type(keys, u"a", 5200), u"Alpha");
 }
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 
 #include "ui/resultstree.h"
 
+namespace corvalt {
+
 namespace {
 
 // Two roots; the first has three children, the second of which has two of its own.
@@ -143,7 +145,7 @@ TEST(ResultsTree, ANewNodeIsACheckedProblemAsTheScanLeavesIt) {
   TResultsNode* node = tree.AddNode(nullptr);
   EXPECT_EQ(tree.CheckState(node), TCheckState::Checked);
   const ScanProblem& problem = tree.Data(node);
-  EXPECT_EQ(problem.CheckMark, 1);
+  EXPECT_EQ(problem.CheckMark, TCheckMark::Repair);
   EXPECT_EQ(problem.ChildCount, 0u);
   EXPECT_FALSE(problem.StateFlag1);
   EXPECT_FALSE(problem.StateFlag2);
@@ -184,3 +186,5 @@ TEST(ResultsTree, ItsColumnBeginsThreeHundredPixelsWide) {
   tree.SetColumnWidth(512);
   EXPECT_EQ(tree.ColumnWidth(), 512);
 }
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include "tests/support/problemfields.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kCode = 18;
@@ -122,3 +124,5 @@ TEST(VirtualDevices, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   RegisterManyDrivers(rig);
   ExpectConsistentWhereverCancelled(rig, kCode);
 }
+
+}  // namespace corvalt

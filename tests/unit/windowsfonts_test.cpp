@@ -2,6 +2,8 @@
 
 #include "tests/support/problemfields.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kCode = 12;
@@ -162,3 +164,5 @@ TEST(WindowsFonts, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   RegisterManyFonts(rig);
   ExpectConsistentWhereverCancelled(rig, kCode);
 }
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include "tests/support/problemfields.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::int32_t kCode = 17;
@@ -148,3 +150,5 @@ TEST(WindowsServices, NoServicesLeaveNoHeader) {
 
   EXPECT_TRUE(rig.Headers().empty());
 }
+
+}  // namespace corvalt

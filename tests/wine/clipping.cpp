@@ -21,6 +21,8 @@
 
 #include "platform/windows/windowsapi.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr int kTries = 300;
@@ -160,9 +162,7 @@ int Click(HWND window, const wchar_t* childClass, int x, int y) {
   return 0;
 }
 
-}  // namespace
-
-int wmain(int argc, wchar_t** argv) {
+int RunTool(int argc, wchar_t** argv) {
   const HWND window = argc < 2 ? nullptr : WaitForWindow(argv[1]);
   if (window == nullptr) {
     std::puts("no such window");
@@ -176,4 +176,12 @@ int wmain(int argc, wchar_t** argv) {
   clipping.Check(window);
   std::printf("captions: %d, cut off: %d\n", clipping.Captions, clipping.Faults);
   return clipping.Captions == 0 || clipping.Faults != 0;
+}
+
+}  // namespace
+
+}  // namespace corvalt
+
+int wmain(int argc, wchar_t** argv) {
+  return corvalt::RunTool(argc, argv);
 }

@@ -9,6 +9,8 @@
 
 #include "platform/windows/windowsapi.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr int kTextNeverCame = 100;
@@ -78,9 +80,7 @@ int Run(HANDLE screen, TextView wanted, const PROCESS_INFORMATION& process) {
   return came ? static_cast<int>(code) : kTextNeverCame;
 }
 
-}  // namespace
-
-int wmain(int count, wchar_t** arguments) {
+int RunTool(int count, wchar_t** arguments) {
   const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
   FreeConsole();
   if (count < 3 || !AllocConsole())
@@ -100,4 +100,12 @@ int wmain(int count, wchar_t** arguments) {
   DWORD written = 0;
   WriteFile(output, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
   return code;
+}
+
+}  // namespace
+
+}  // namespace corvalt
+
+int wmain(int count, wchar_t** arguments) {
+  return corvalt::RunTool(count, arguments);
 }

@@ -8,6 +8,8 @@
 
 #include "platform/windows/windowsapi.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr int kDone = 0;
@@ -176,13 +178,19 @@ int Fill(int count) {
   return kDone;
 }
 
-}  // namespace
-
-int wmain(int count, wchar_t** arguments) {
+int RunTool(int count, wchar_t** arguments) {
   const std::wstring mode = count > 2 ? arguments[1] : L"";
   if (mode == L"dump")
     return DumpAll(count - 2, arguments + 2);
   if (mode == L"fill")
     return Fill(std::stoi(arguments[2]));
   return kWrongUsage;
+}
+
+}  // namespace
+
+}  // namespace corvalt
+
+int wmain(int count, wchar_t** arguments) {
+  return corvalt::RunTool(count, arguments);
 }

@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+namespace corvalt {
+
 namespace {
 
 constexpr int kDone = 0;
@@ -726,9 +728,7 @@ int Run(const TProgram& program, const std::vector<Text>& words) {
   return found->second();
 }
 
-}  // namespace
-
-int wmain(int count, wchar_t** arguments) {
+int RunTool(int count, wchar_t** arguments) {
   std::vector<Text> words;
   for (int i = 1; i < count; ++i)
     words.emplace_back(FromWide(arguments[i]));
@@ -751,4 +751,12 @@ int wmain(int count, wchar_t** arguments) {
   }
   CoUninitialize();
   return code;
+}
+
+}  // namespace
+
+}  // namespace corvalt
+
+int wmain(int count, wchar_t** arguments) {
+  return corvalt::RunTool(count, arguments);
 }

@@ -4,6 +4,8 @@
 
 #include "scan/catalogue.h"
 
+namespace corvalt {
+
 namespace {
 
 bool LooksLikeOption(TextView argument) {
@@ -72,3 +74,5 @@ std::vector<std::int32_t> ParseSectionCodes(TextView list) {
     list.remove_prefix(comma + 1);
   }
 }
+
+}  // namespace corvalt

@@ -11,6 +11,8 @@
 #include "base/text.h"
 #include "system/systemerror.h"
 
+namespace corvalt {
+
 // Wrong usage; the message is the line that the user is told.
 class TUsageError : public TProgramException {
  public:
@@ -50,3 +52,5 @@ class TArguments {
 
 // The codes of "1,21,100". Throws TUsageError for what is no section's code.
 std::vector<std::int32_t> ParseSectionCodes(TextView list);
+
+}  // namespace corvalt

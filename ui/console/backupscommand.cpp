@@ -7,6 +7,8 @@
 #include "ui/console/commands.h"
 #include "ui/console/output.h"
 
+namespace corvalt {
+
 namespace {
 
 TExitCode ListBackups(TConsoleContext& context) {
@@ -30,3 +32,5 @@ TCommandRun PrepareBackups(const std::vector<Text>& arguments) {
   TArguments(arguments, {}).RefusePlain();
   return ListBackups;
 }
+
+}  // namespace corvalt

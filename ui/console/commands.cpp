@@ -2,6 +2,8 @@
 
 #include <array>
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::array kCommands = std::to_array<TCommand>({
@@ -23,3 +25,5 @@ constexpr std::array kCommands = std::to_array<TCommand>({
 std::span<const TCommand> Commands() {
   return kCommands;
 }
+
+}  // namespace corvalt

@@ -8,6 +8,8 @@
 
 #include "ui/console/console.h"
 
+namespace corvalt {
+
 using TCommandRun = std::function<TExitCode(TConsoleContext&)>;
 
 struct TCommand {
@@ -27,3 +29,5 @@ TCommandRun PrepareRepair(const std::vector<Text>& arguments);
 TCommandRun PrepareBackups(const std::vector<Text>& arguments);
 TCommandRun PrepareRestore(const std::vector<Text>& list);
 TCommandRun PrepareIgnore(const std::vector<Text>& list);
+
+}  // namespace corvalt

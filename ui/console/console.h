@@ -10,6 +10,8 @@
 #include "system/queueuithread.h"
 #include "system/system.h"
 
+namespace corvalt {
+
 class TConsole {
  public:
   virtual ~TConsole() = default;
@@ -45,3 +47,5 @@ struct TConsoleContext {
   TConsole& Console;
   TQueueUiThread& UiThread;
 };
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "ui/console/arguments.h"
 #include "ui/console/commands.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kHelpOption = u"--help";
@@ -95,3 +97,5 @@ TExitCode RunConsoleProgram(const std::vector<Text>& arguments, const TConsolePr
     return TExitCode::Failed;
   }
 }
+
+}  // namespace corvalt

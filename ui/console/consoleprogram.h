@@ -6,6 +6,8 @@
 
 #include "ui/console/console.h"
 
+namespace corvalt {
+
 struct TConsoleProgram {
   TSystem& System;
   TConsole& Console;
@@ -17,3 +19,5 @@ struct TConsoleProgram {
 
 // Runs what the arguments, the program's own name not among them, ask for on the calling thread.
 TExitCode RunConsoleProgram(const std::vector<Text>& arguments, const TConsoleProgram& program);
+
+}  // namespace corvalt

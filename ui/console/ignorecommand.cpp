@@ -9,6 +9,8 @@
 #include "ui/console/output.h"
 #include "ui/ignorelistmodel.h"
 
+namespace corvalt {
+
 namespace {
 
 TExitCode ListEntries(TConsoleContext& context) {
@@ -74,3 +76,5 @@ TCommandRun PrepareIgnore(const std::vector<Text>& list) {
     return [entry = words[1]](TConsoleContext& context) { return Remove(context, entry); };
   throw TUsageError(u"ignore needs \"list\", \"add ENTRY\" or \"remove ENTRY\".");
 }
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace corvalt {
+
 namespace {
 
 constexpr char16_t kReplacement = 0xFFFD;
@@ -39,3 +41,5 @@ std::string LineText(TextView text) {
   std::replace_if(line.begin(), line.end(), IsControl, kReplacement);
   return EncodeUtf8(line);
 }
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 
 #include "ui/console/console.h"
 
+namespace corvalt {
+
 // Writes data to standard output. False after a failure.
 bool WriteData(TConsoleContext& context, std::string_view utf8);
 
@@ -18,3 +20,5 @@ void TellReason(TConsoleContext& context, TextId id, TextView reason);
 // A text on one line of a listing, in UTF-8: what a line can't show, control characters and lone surrogates,
 // becomes U+FFFD.
 std::string LineText(TextView text);
+
+}  // namespace corvalt

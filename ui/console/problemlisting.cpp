@@ -4,10 +4,13 @@
 #include "ui/console/output.h"
 #include "ui/problemsjson.h"
 
+namespace corvalt {
+
 namespace {
 
 Text PathOf(const ScanProblem& problem) {
-  return problem.Kind == kKindFile ? problem.KeyPath : RootKeyName(problem.RootKey) + problem.KeyPath;
+  return problem.Kind == TProblemKind::File ? problem.KeyPath
+                                            : RootKeyName(problem.RootKey) + problem.KeyPath;
 }
 
 // A name of one NUL means the default value too.
@@ -16,13 +19,13 @@ Text ValueOf(const ScanProblem& problem) {
   return isDefault ? u"(default)" : problem.ValueName;
 }
 
-std::string Block(ResultsTree& results, TResultsNode* header) {
+std::string Block(TResultsTree& results, TResultsNode* header) {
   std::string block = LineText(results.Data(header).SectionCaption) + " (" +
                       std::to_string(results.ChildCount(header)) + ")\n";
   for (TResultsNode* node = results.FirstChild(header); node != nullptr; node = results.NextSibling(node)) {
     const ScanProblem& problem = results.Data(node);
     block += "  " + LineText(PathOf(problem)) + "\n";
-    if (problem.Kind == kKindValue)
+    if (problem.Kind == TProblemKind::Value)
       block += "    Value: " + LineText(ValueOf(problem)) + "\n";
     block += "    " + LineText(PlainText(problem.Description)) + "\n";
   }
@@ -31,7 +34,7 @@ std::string Block(ResultsTree& results, TResultsNode* header) {
 
 }  // namespace
 
-std::string ProblemListing(ResultsTree& results) {
+std::string ProblemListing(TResultsTree& results) {
   std::string listing;
   for (TResultsNode* header = results.FirstRoot(); header != nullptr; header = results.NextSibling(header)) {
     listing += (listing.empty() ? "" : "\n") + Block(results, header);
@@ -39,14 +42,16 @@ std::string ProblemListing(ResultsTree& results) {
   return listing;
 }
 
-std::size_t ProblemCount(ResultsTree& results) {
+std::size_t ProblemCount(TResultsTree& results) {
   std::size_t count = 0;
   for (TResultsNode* header = results.FirstRoot(); header != nullptr; header = results.NextSibling(header))
     count += results.ChildCount(header);
   return count;
 }
 
-bool WriteJson(TConsoleContext& context, const Text& target, ResultsTree& results) {
+bool WriteJson(TConsoleContext& context, const Text& target, TResultsTree& results) {
   const std::string json = ProblemsJson(results);
   return target == kStandardOutput ? WriteData(context, json) : WriteWholeFile(context, target, json);
 }
+
+}  // namespace corvalt

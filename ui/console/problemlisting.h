@@ -6,15 +6,19 @@
 #include "scan/scantrees.h"
 #include "ui/console/console.h"
 
+namespace corvalt {
+
 // The file name that stands for standard output.
 inline constexpr TextView kStandardOutput = u"-";
 
 // One block a section: its caption with the number of its problems, then of each problem the full path, the
 // value where one is meant, and the description. UTF-8, lines ended by LF, an empty line between blocks.
-std::string ProblemListing(ResultsTree& results);
+std::string ProblemListing(TResultsTree& results);
 
 // The number of problems, headers not counted.
-std::size_t ProblemCount(ResultsTree& results);
+std::size_t ProblemCount(TResultsTree& results);
 
 // Writes the tree as JSON to a file or to standard output. False after a failure, which is told.
-bool WriteJson(TConsoleContext& context, const Text& target, ResultsTree& results);
+bool WriteJson(TConsoleContext& context, const Text& target, TResultsTree& results);
+
+}  // namespace corvalt

@@ -1,5 +1,7 @@
 #include "ui/console/progressline.h"
 
+namespace corvalt {
+
 void TProgressLine::SetSectionLabel(TextView text) {
   m_section = text;
   Show();
@@ -24,3 +26,5 @@ void TProgressLine::Show() {
   if (!m_quiet)
     m_console.ShowProgress(DecimalText(m_position) + u"%  " + m_section + u"  " + m_item);
 }
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 #include "scan/scantrees.h"
 #include "ui/console/console.h"
 
+namespace corvalt {
+
 // The progress dialog as one line: "45%  Scanning File Extensions...  .abc".
 class TProgressLine : public TProgressDialog {
  public:
@@ -47,3 +49,5 @@ class TInterruptHandler {
  private:
   TConsole& m_console;
 };
+
+}  // namespace corvalt

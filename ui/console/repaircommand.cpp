@@ -15,6 +15,8 @@
 #include "ui/resultstree.h"
 #include "ui/sectionstree.h"
 
+namespace corvalt {
+
 namespace {
 
 struct TRepairOptions {
@@ -126,3 +128,5 @@ TExitCode Repair(TConsoleContext& context, const TRepairOptions& options) {
 TCommandRun PrepareRepair(const std::vector<Text>& arguments) {
   return [options = ParseOptions(arguments)](TConsoleContext& context) { return Repair(context, options); };
 }
+
+}  // namespace corvalt

@@ -2,7 +2,9 @@
 
 #include "ui/console/progressline.h"
 
-TRepairOutcome RunRepair(TConsoleContext& context, ResultsTree& results, bool mayGoWithoutBackup) {
+namespace corvalt {
+
+TRepairOutcome RunRepair(TConsoleContext& context, TResultsTree& results, bool mayGoWithoutBackup) {
   TProgressLine line(context.Console, false);
   TRepairOutcome outcome;
   TCleaning* cleaning = nullptr;
@@ -27,3 +29,5 @@ TRepairOutcome RunRepair(TConsoleContext& context, ResultsTree& results, bool ma
   line.Clear();
   return outcome;
 }
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 #include "repair/threadclean.h"
 #include "ui/console/console.h"
 
+namespace corvalt {
+
 struct TRepairOutcome {
   TCleaningOutcome Cleaning;
   std::exception_ptr Failure;  // what ended the repair early; null after a normal end
@@ -13,4 +15,6 @@ struct TRepairOutcome {
 
 // Repairs what is checked in results, to the end or until the interrupt key cancels it. Shows its progress on
 // the console.
-TRepairOutcome RunRepair(TConsoleContext& context, ResultsTree& results, bool mayGoWithoutBackup);
+TRepairOutcome RunRepair(TConsoleContext& context, TResultsTree& results, bool mayGoWithoutBackup);
+
+}  // namespace corvalt

@@ -8,6 +8,8 @@
 #include "ui/console/arguments.h"
 #include "ui/console/commands.h"
 
+namespace corvalt {
+
 namespace {
 
 TExitCode CodeOf(TRestoreEnd end) {
@@ -46,3 +48,5 @@ TCommandRun PrepareRestore(const std::vector<Text>& list) {
     throw TUsageError(u"restore needs the name of one backup; \"corvaltc backups\" lists them.");
   return [name = arguments.Plain().front()](TConsoleContext& context) { return Restore(context, name); };
 }
+
+}  // namespace corvalt

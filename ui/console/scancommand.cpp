@@ -11,6 +11,8 @@
 #include "ui/resultstree.h"
 #include "ui/sectionstree.h"
 
+namespace corvalt {
+
 namespace {
 
 struct TScanOptions {
@@ -35,7 +37,7 @@ TScanOptions ParseOptions(const std::vector<Text>& list) {
 }
 
 // Everything that was asked for, also when a part of it fails. False when one did.
-bool WriteFindings(TConsoleContext& context, const TScanOptions& options, ResultsTree& results) {
+bool WriteFindings(TConsoleContext& context, const TScanOptions& options, TResultsTree& results) {
   bool complete = true;
   if (options.Report) {
     const std::string report = ReportBytes(results, context.System.Clock, context.System.Locale);
@@ -66,3 +68,5 @@ TExitCode Scan(TConsoleContext& context, const TScanOptions& options) {
 TCommandRun PrepareScan(const std::vector<Text>& arguments) {
   return [options = ParseOptions(arguments)](TConsoleContext& context) { return Scan(context, options); };
 }
+
+}  // namespace corvalt

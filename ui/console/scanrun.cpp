@@ -4,7 +4,9 @@
 #include "ui/console/output.h"
 #include "ui/console/progressline.h"
 
-TScanOutcome RunScan(TConsoleContext& context, SectionsTree& sections, ResultsTree& results, bool quiet) {
+namespace corvalt {
+
+TScanOutcome RunScan(TConsoleContext& context, TSectionsTree& sections, TResultsTree& results, bool quiet) {
   TProgressLine line(context.Console, quiet);
   TScanOutcome outcome;
   TScan* scan = nullptr;
@@ -38,3 +40,5 @@ void TellOutcome(TConsoleContext& context, const TScanOutcome& outcome) {
     context.Console.Tell(u"Scan cancelled: only what was found until then is reported.");
   }
 }
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "ui/console/commands.h"
 #include "ui/console/output.h"
 
+namespace corvalt {
+
 namespace {
 
 TExitCode ListSections(TConsoleContext& context) {
@@ -20,3 +22,5 @@ TCommandRun PrepareSections(const std::vector<Text>& arguments) {
   TArguments(arguments, {}).RefusePlain();
   return ListSections;
 }
+
+}  // namespace corvalt

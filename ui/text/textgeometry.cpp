@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 
+namespace corvalt {
+
 namespace {
 
 constexpr std::size_t kPieceLength = 256;
@@ -109,3 +111,5 @@ std::vector<int> TTextGeometry::MeasurePieces(std::size_t line) const {
 int TTextGeometry::Measure(std::size_t start, std::size_t end) const {
   return m_measure(TextView(m_lines.Content()).substr(start, end - start));
 }
+
+}  // namespace corvalt

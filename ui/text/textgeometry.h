@@ -9,6 +9,8 @@
 
 #include "ui/text/textlines.h"
 
+namespace corvalt {
+
 // A part of a line that is drawn at once; Start and End are places in the text.
 struct TTextPiece {
   std::size_t Start = 0;
@@ -53,3 +55,5 @@ class TTextGeometry {
   std::map<std::size_t, std::vector<int>> m_lefts;  // of the lines of more than one piece
   int m_widest = 0;
 };
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kLineEnd = u"\r\n";
@@ -140,3 +142,5 @@ void TTextCursor::SelectWord(std::size_t place) {
   m_anchor = m_lines.StartOf(line) + start;
   m_caret = m_lines.StartOf(line) + end;
 }
+
+}  // namespace corvalt

@@ -7,6 +7,8 @@
 
 #include "base/text.h"
 
+namespace corvalt {
+
 // Whether a place lies between the two units of a surrogate pair.
 bool CutsPair(TextView text, std::size_t place);
 
@@ -74,3 +76,5 @@ class TTextCursor {
   std::size_t m_anchor = 0;
   std::size_t m_caret = 0;
 };
+
+}  // namespace corvalt

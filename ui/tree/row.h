@@ -6,6 +6,8 @@
 #include "base/text.h"
 #include "scan/scanproblem.h"
 
+namespace corvalt {
+
 // One line of a row.
 struct TRowLine {
   Text Content;
@@ -18,3 +20,5 @@ struct TRowLook {
   std::vector<TRowLine> Lines;
   int ControlsHeight = 0;  // of the controls that ride on the third line
 };
+
+}  // namespace corvalt

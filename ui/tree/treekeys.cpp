@@ -4,6 +4,8 @@
 
 #include "base/lettercase.h"
 
+namespace corvalt {
+
 namespace {
 
 // Letters typed within this time belong together.
@@ -111,3 +113,5 @@ void TTreeKeys::OpenBelow(TTreeNode* node) {
   for (const auto& child : node->Children)
     OpenBelow(child.get());
 }
+
+}  // namespace corvalt

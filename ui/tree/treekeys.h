@@ -6,6 +6,8 @@
 
 #include "ui/tree/treelayout.h"
 
+namespace corvalt {
+
 enum class TTreeKey { Up, Down, Left, Right, Home, End, PageUp, PageDown, Open, Close, OpenAll };
 
 class TTreeKeys {
@@ -35,3 +37,5 @@ class TTreeKeys {
   Text m_typed;
   std::uint64_t m_lastTyped = 0;
 };
+
+}  // namespace corvalt

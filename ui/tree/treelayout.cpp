@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace corvalt {
+
 namespace {
 
 bool IsOpen(const TTreeNode& node) {
@@ -149,3 +151,5 @@ const TTreeLayout::TSums& TTreeLayout::SumsOf(TTreeNode* parent) {
 const std::vector<std::unique_ptr<TTreeNode>>& TTreeLayout::ChildrenOf(const TTreeNode* parent) const {
   return parent == nullptr ? m_model.Roots() : parent->Children;
 }
+
+}  // namespace corvalt

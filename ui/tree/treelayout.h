@@ -8,6 +8,8 @@
 
 #include "ui/tree/treemodel.h"
 
+namespace corvalt {
+
 struct TTreeRow {
   TTreeNode* Node = nullptr;
   std::int64_t Top = 0;  // pixels from the first row's top
@@ -51,3 +53,5 @@ class TTreeLayout {
   TTreeModel& m_model;
   std::function<int(const TTreeNode&)> m_heightOf;
 };
+
+}  // namespace corvalt

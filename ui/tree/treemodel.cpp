@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace corvalt {
+
 namespace {
 
 void SetAll(TTreeNode& node, TCheckState state) {
@@ -116,3 +118,5 @@ void TTreeModel::Forget(const TTreeNode& node) {
 std::vector<std::unique_ptr<TTreeNode>>& TTreeModel::SiblingsOf(TTreeNode* parent) {
   return parent == nullptr ? m_roots : parent->Children;
 }
+
+}  // namespace corvalt

@@ -10,6 +10,8 @@
 
 #include "scan/scantrees.h"
 
+namespace corvalt {
+
 // Rows from a parent's first child on.
 struct TRowSum {
   std::int64_t Height = 0;  // pixels
@@ -92,3 +94,5 @@ class TTreeModel {
   std::size_t m_totalCount = 0;
   TTreeNode* m_selected = nullptr;
 };
+
+}  // namespace corvalt

@@ -1,5 +1,7 @@
 #include "ui/windows/accessible.h"
 
+namespace corvalt {
+
 LRESULT TAccessible::Answer(TAccessible* object, WPARAM wParam) {
   const LRESULT result = LresultFromObject(__uuidof(IAccessible), wParam, object);
   object->Release();
@@ -174,3 +176,5 @@ STDMETHODIMP TAccessible::put_accName(VARIANT, BSTR) {
 STDMETHODIMP TAccessible::put_accValue(VARIANT, BSTR) {
   return E_NOTIMPL;
 }
+
+}  // namespace corvalt

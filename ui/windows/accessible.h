@@ -7,6 +7,8 @@
 #include "base/text.h"
 #include "ui/windows/controlsapi.h"
 
+namespace corvalt {
+
 class TAccessible : public IAccessible {
  public:
   // The answer to WM_GETOBJECT for the control's client object. Takes over the object.
@@ -67,3 +69,5 @@ class TAccessible : public IAccessible {
   std::atomic<ULONG> m_references = 1;
   HWND m_window;
 };
+
+}  // namespace corvalt

@@ -4,6 +4,8 @@
 
 #include "core/languagetexts.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr SIZE kInside = {560, 400};
@@ -39,3 +41,5 @@ void Tfrmbackupview::OnSize() {
   MoveWindow(m_closeButton, CenteredLeft(width, m_buttonWidth), height - (row + buttonHeight) / 2,
              m_buttonWidth, buttonHeight, TRUE);
 }
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 #include "ui/windows/modalwindow.h"
 #include "ui/windows/textview.h"
 
+namespace corvalt {
+
 class Tfrmbackupview : public TModalWindow {
  public:
   Tfrmbackupview(TBackupView view, const TGlobalVars& vars, HWND owner);
@@ -20,3 +22,5 @@ class Tfrmbackupview : public TModalWindow {
   HWND m_closeButton = nullptr;
   int m_buttonWidth = 0;
 };
+
+}  // namespace corvalt

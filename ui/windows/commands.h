@@ -1,6 +1,8 @@
 // The commands of the main window, in menus, toolbar, links and keys alike, and their pictures.
 #pragma once
 
+namespace corvalt {
+
 inline constexpr int kCmdScan = 1001;
 inline constexpr int kCmdRepair = 1002;
 inline constexpr int kCmdRestore = 1003;
@@ -36,3 +38,5 @@ inline constexpr int kImageStartupManager = 17;
 inline constexpr int kImageUninstallManager = 18;
 inline constexpr int kImageProcessManager = 19;
 inline constexpr int kImageUpgrade = 20;
+
+}  // namespace corvalt

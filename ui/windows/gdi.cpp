@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+namespace corvalt {
+
 namespace {
 
 constexpr int kUnknownWidth = -1;
@@ -102,3 +104,5 @@ std::optional<int> TTextMeter::WidthOfUnit(char16_t unit) const {
     width = static_cast<int>(MeasureTextIn(m_dc.Get(), {&unit, 1}).cx);
   return width == kUnknownWidth ? std::nullopt : std::optional(width);
 }
+
+}  // namespace corvalt

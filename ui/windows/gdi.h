@@ -6,6 +6,8 @@
 
 #include "ui/windows/controlsapi.h"
 
+namespace corvalt {
+
 struct TGdiObjectTraits {
   using THandle = HGDIOBJ;
   static HGDIOBJ None() {
@@ -136,3 +138,5 @@ class TTextMeter {
   // By unit, as far as they are known.
   mutable std::vector<int> m_widths;
 };
+
+}  // namespace corvalt

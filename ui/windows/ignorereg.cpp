@@ -4,6 +4,8 @@
 
 #include "core/languagetexts.h"
 
+namespace corvalt {
+
 namespace {
 
 // Sizes at 96 dots per inch; the rest follows the texts.
@@ -152,3 +154,5 @@ void Tfrmignorereg::RemoveSelected() {
   UpdateButtons();
   SetFocus(m_list);
 }
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "ui/windows/controlsapi.h"
 #include "ui/windows/modalwindow.h"
 
+namespace corvalt {
+
 class Tfrmignorereg : public TModalWindow {
  public:
   // Everything must outlive the dialog.
@@ -28,3 +30,5 @@ class Tfrmignorereg : public TModalWindow {
   HWND m_list = nullptr;
   bool m_filling = true;
 };
+
+}  // namespace corvalt

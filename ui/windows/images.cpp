@@ -5,6 +5,8 @@
 
 #include "ui/windows/window.h"
 
+namespace corvalt {
+
 int DrawnSize(int wanted) {
   constexpr std::array<int, 4> kSizes = {16, 20, 24, 32};
   const auto above = std::upper_bound(kSizes.begin(), kSizes.end(), wanted);
@@ -25,3 +27,5 @@ TImageList LoadImages(int first, int count, int size) {
   }
   return list;
 }
+
+}  // namespace corvalt

@@ -3,6 +3,8 @@
 
 #include "ui/windows/controlsapi.h"
 
+namespace corvalt {
+
 // Resource numbers of the icons; each holds every size that a display may want.
 inline constexpr int kProgramIcon = 1;
 inline constexpr int kFirstSectionIcon = 100;  // and one for each picture of the section list, 26 in all
@@ -43,3 +45,5 @@ struct TIconTraits {
 using TIcon = TOwned<TIconTraits>;
 
 TIcon LoadPicture(int number, int size);
+
+}  // namespace corvalt

@@ -4,6 +4,8 @@
 
 #include "core/languagetexts.h"
 
+namespace corvalt {
+
 namespace {
 
 // Keeps the window within the work area of the screen that its owner is on.
@@ -151,3 +153,5 @@ LRESULT TModalWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   }
   return Default(message, wParam, lParam);
 }
+
+}  // namespace corvalt

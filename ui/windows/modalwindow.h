@@ -6,6 +6,8 @@
 #include "ui/windows/gdi.h"
 #include "ui/windows/window.h"
 
+namespace corvalt {
+
 class TModalWindow : public TWindow {
  public:
   // Shows the window over its owner and answers when it has been closed. The owner takes no input meanwhile.
@@ -60,3 +62,5 @@ class TModalWindow : public TWindow {
   int m_defaultButton = 0;
   bool m_closed = false;
 };
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "core/languagetexts.h"
 #include "ui/windows/images.h"
 
+namespace corvalt {
+
 namespace {
 
 // Sizes at 96 dots per inch.
@@ -179,3 +181,5 @@ void TNavigationPane::DrawLink(const DRAWITEMSTRUCT& item) {
   if ((item.itemState & ODS_FOCUS) != 0)
     DrawFocusRect(item.hDC, &item.rcItem);
 }
+
+}  // namespace corvalt

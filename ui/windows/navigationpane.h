@@ -7,6 +7,8 @@
 #include "ui/windows/gdi.h"
 #include "ui/windows/window.h"
 
+namespace corvalt {
+
 struct TTaskLink {
   int Command = 0;  // sent to the pane's parent as WM_COMMAND
   int Image = 0;
@@ -50,3 +52,5 @@ class TNavigationPane : public TWindow {
   std::vector<HWND> m_buttons;
   HWND m_content = nullptr;
 };
+
+}  // namespace corvalt

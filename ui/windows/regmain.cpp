@@ -11,6 +11,8 @@
 #include "ui/windows/ignorereg.h"
 #include "ui/windows/restoredeleted.h"
 
+namespace corvalt {
+
 namespace {
 
 // Sizes at 96 dots per inch.
@@ -851,3 +853,5 @@ Text TfrmRegMain::Say(TextId id, TextView argument) const {
 Text TfrmRegMain::Plain(TextId id, TextView argument) const {
   return PlainText(Say(id, argument));
 }
+
+}  // namespace corvalt

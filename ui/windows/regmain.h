@@ -10,6 +10,8 @@
 #include "ui/windows/treecontrol.h"
 #include "ui/windows/window.h"
 
+namespace corvalt {
+
 class TfrmRegMain : public TWindow, private TRegMainView {
  public:
   // Everything must outlive the window.
@@ -107,3 +109,5 @@ class TfrmRegMain : public TWindow, private TRegMainView {
   int m_toolbarWidth = 0;  // of all buttons in one row
   bool m_dragging = false;
 };
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 #include "core/languagetexts.h"
 #include "ui/windows/backupview.h"
 
+namespace corvalt {
+
 namespace {
 
 // Sizes at 96 dots per inch; the width and the place of the rest follow the texts.
@@ -174,3 +176,5 @@ void TfrmRestore::ViewSelected() {
   Tfrmbackupview viewer(std::move(*view), m_vars, Handle());
   viewer.RunModal();
 }
+
+}  // namespace corvalt

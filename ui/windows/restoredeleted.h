@@ -5,6 +5,8 @@
 #include "ui/windows/controlsapi.h"
 #include "ui/windows/modalwindow.h"
 
+namespace corvalt {
+
 class TfrmRestore : public TModalWindow {
  public:
   // Everything must outlive the dialog.
@@ -27,3 +29,5 @@ class TfrmRestore : public TModalWindow {
   HWND m_instruction = nullptr;
   HWND m_list = nullptr;
 };
+
+}  // namespace corvalt

@@ -1,5 +1,7 @@
 #include "ui/windows/scrolling.h"
 
+namespace corvalt {
+
 int WantedScrollPosition(HWND window, int bar, int request, int line) {
   SCROLLINFO info = {};
   info.cbSize = sizeof info;
@@ -35,3 +37,5 @@ int TWheel::Distance(WPARAM wParam, int line, int page) {
   m_rest -= distance * WHEEL_DELTA;
   return distance;
 }
+
+}  // namespace corvalt

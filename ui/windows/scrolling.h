@@ -3,6 +3,8 @@
 
 #include "ui/windows/controlsapi.h"
 
+namespace corvalt {
+
 // The position that a message of the window's scroll bar asks for (SB_VERT, SB_HORZ; request is the low word
 // of WM_VSCROLL, WM_HSCROLL), not yet kept to the bar's range. A line is so many positions.
 int WantedScrollPosition(HWND window, int bar, int request, int line);
@@ -17,3 +19,5 @@ class TWheel {
  private:
   int m_rest = 0;
 };
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace corvalt {
+
 namespace {
 
 // Sizes at 96 dots per inch. The controls stand where they always did; a language with long texts widens the
@@ -131,3 +133,5 @@ void TfrmScan::OnRepair() {
   m_main.Repair();
   Close();
 }
+
+}  // namespace corvalt

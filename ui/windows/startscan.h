@@ -6,6 +6,8 @@
 #include "ui/windows/images.h"
 #include "ui/windows/modalwindow.h"
 
+namespace corvalt {
+
 class TfrmScan : public TModalWindow, public TProgressView {
  public:
   // Everything must outlive the dialog.
@@ -41,3 +43,5 @@ class TfrmScan : public TModalWindow, public TProgressView {
   HWND m_repairButton = nullptr;
   HWND m_closeButton = nullptr;
 };
+
+}  // namespace corvalt

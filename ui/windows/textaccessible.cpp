@@ -1,5 +1,7 @@
 #include "ui/windows/textaccessible.h"
 
+namespace corvalt {
+
 LRESULT TTextAccessible::Answer(HWND window, WPARAM wParam) {
   return TAccessible::Answer(new TTextAccessible(window), wParam);
 }
@@ -31,3 +33,5 @@ STDMETHODIMP TTextAccessible::get_accState(VARIANT child, VARIANT* state) {
   SetNumber(state, STATE_SYSTEM_READONLY | FocusStates());
   return S_OK;
 }
+
+}  // namespace corvalt

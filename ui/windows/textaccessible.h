@@ -4,6 +4,8 @@
 
 #include "ui/windows/accessible.h"
 
+namespace corvalt {
+
 class TTextAccessible final : public TAccessible {
  public:
   // The answer to WM_GETOBJECT for the window's client object.
@@ -17,3 +19,5 @@ class TTextAccessible final : public TAccessible {
  private:
   using TAccessible::TAccessible;
 };
+
+}  // namespace corvalt

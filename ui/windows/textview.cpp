@@ -4,6 +4,8 @@
 
 #include "ui/windows/textaccessible.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr int kMargin = 4;  // at 96 dots per inch
@@ -299,3 +301,5 @@ void TTextView::Copy() const {
     memory.Release();
   CloseClipboard();
 }
+
+}  // namespace corvalt

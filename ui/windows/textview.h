@@ -7,6 +7,8 @@
 #include "ui/windows/scrolling.h"
 #include "ui/windows/window.h"
 
+namespace corvalt {
+
 class TTextView : public TWindow {
  public:
   explicit TTextView(Text content);
@@ -44,3 +46,5 @@ class TTextView : public TWindow {
   int m_topLine = 0;
   TWheel m_wheel;
 };
+
+}  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include "ui/windows/treecontrol.h"
 
+namespace corvalt {
+
 LRESULT TTreeAccessible::Answer(TTreeControl& control, WPARAM wParam) {
   return TAccessible::Answer(new TTreeAccessible(control.Handle()), wParam);
 }
@@ -190,3 +192,5 @@ STDMETHODIMP TTreeAccessible::accDoDefaultAction(VARIANT child) {
   Control()->ToggleCheck(row);
   return S_OK;
 }
+
+}  // namespace corvalt

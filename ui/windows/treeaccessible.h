@@ -4,6 +4,8 @@
 
 #include "ui/windows/accessible.h"
 
+namespace corvalt {
+
 struct TTreeNode;
 class TTreeControl;
 
@@ -38,3 +40,5 @@ class TTreeAccessible final : public TAccessible {
   TTreeNode* RowOf(const VARIANT& child) const;
   LONG NumberOf(const TTreeNode* node) const;
 };
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "base/rounding.h"
 #include "ui/windows/treeaccessible.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kClassName = u"TessalyTree";
@@ -738,3 +740,5 @@ void TTreeControl::AnnounceRows() {
 void TTreeControl::Announce(DWORD event, const TTreeNode* node) {
   NotifyWinEvent(event, Handle(), OBJID_CLIENT, static_cast<LONG>(m_layout.NumberOfRow(node)) + 1);
 }
+
+}  // namespace corvalt

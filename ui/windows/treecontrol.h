@@ -15,6 +15,8 @@
 #include "ui/windows/scrolling.h"
 #include "ui/windows/window.h"
 
+namespace corvalt {
+
 class TTreeAccessible;
 
 // What the control asks of its owner, and tells it.
@@ -188,3 +190,5 @@ class TTreeControl : public TWindow {
   bool m_refreshIsDue = false;
   std::int64_t m_announcedRows = 0;
 };
+
+}  // namespace corvalt

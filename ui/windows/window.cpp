@@ -1,5 +1,7 @@
 #include "ui/windows/window.h"
 
+namespace corvalt {
+
 namespace {
 
 void RegisterOnce(TextView className, UINT classStyle, WNDPROC procedure) {
@@ -97,3 +99,5 @@ LRESULT CALLBACK TWindow::Procedure(HWND window, UINT message, WPARAM wParam, LP
   }
   return result;
 }
+
+}  // namespace corvalt

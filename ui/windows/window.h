@@ -5,6 +5,8 @@
 
 #include "ui/windows/controlsapi.h"
 
+namespace corvalt {
+
 class TWindow {
  public:
   TWindow() = default;
@@ -58,3 +60,5 @@ class TWindow {
 
 // The module that holds the program's resources.
 HINSTANCE ProgramInstance();
+
+}  // namespace corvalt

@@ -3,6 +3,8 @@
 #include "platform/memory/memorysystem.h"
 #include "system/queueuithread.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kScratchKey = u"\\Software\\Contract";
@@ -60,3 +62,5 @@ class TMemorySubject : public TSubject {
 std::unique_ptr<TSubject> MakeSubject() {
   return std::make_unique<TMemorySubject>();
 }
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "platform/windows/windowsapi.h"
 #include "platform/windows/windowsmachine.h"
 
+namespace corvalt {
+
 int RunTestInChild(TextView testName) {
   TWindowsMachine machine;
   Text commandLine = u"\"" + machine.ProgramFile() +
@@ -24,3 +26,5 @@ int RunTestInChild(TextView testName) {
   GetExitCodeProcess(process.hProcess, &code);
   return static_cast<int>(code & 0xFF);
 }
+
+}  // namespace corvalt

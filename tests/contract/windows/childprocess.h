@@ -3,5 +3,9 @@
 
 #include "base/text.h"
 
+namespace corvalt {
+
 // The exit code's low 8 bits: 0 when the test passed.
 int RunTestInChild(TextView testName);
+
+}  // namespace corvalt

@@ -3,6 +3,8 @@
 #include "platform/windows/windowsapi.h"
 #include "tests/contract/subject.h"
 
+namespace corvalt {
+
 namespace {
 
 TEST(WindowsFiles, AFileThatAnotherProgramHoldsKeepsItsContent) {
@@ -53,3 +55,5 @@ TEST(WindowsFiles, ShortNamesAreAnsweredAsTheSystemDoes) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

@@ -9,6 +9,8 @@
 #include "platform/memory/memorysystem.h"
 #include "tests/support/scanrig.h"
 
+namespace corvalt {
+
 namespace {
 
 using TEntries = std::vector<Text>;
@@ -163,3 +165,5 @@ TEST_F(IgnoreListWindow, CancelChangesNothing) {
   EXPECT_EQ(m_reg.IgnoreList, TEntries({u"a"}));
   EXPECT_EQ(Stored(), TEntries({u"a"}));
 }
+
+}  // namespace corvalt

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+namespace corvalt {
+
 TEST(Pictures, SmallOnesAreDrawnForEveryUsualScale) {
   EXPECT_EQ(DrawnSize(16), 16);
   EXPECT_EQ(DrawnSize(20), 20);
@@ -19,3 +21,5 @@ TEST(Pictures, BetweenTwoSizesTheSmallerOneIsTaken) {
 TEST(Pictures, NoneIsSmallerThanTheSmallest) {
   EXPECT_EQ(DrawnSize(12), 16);
 }
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "platform/windows/windowsapi.h"
 #include "platform/windows/windowsinterprocess.h"
 
+namespace corvalt {
+
 namespace {
 
 TEST(WindowsLock, IsOneForAllSessionsOfTheUser) {
@@ -24,3 +26,5 @@ TEST(WindowsLock, RefusesANameThatHoldsANul) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

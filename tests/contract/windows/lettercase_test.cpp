@@ -3,6 +3,8 @@
 #include "base/lettercase.h"
 #include "platform/memory/lettercasetable.h"
 
+namespace corvalt {
+
 namespace {
 
 TEST(LetterCaseContract, TheTableOfTheDoublesIsTheSystemsForAllUnits) {
@@ -22,3 +24,5 @@ TEST(LetterCaseContract, SurrogatesHaveNoCase) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

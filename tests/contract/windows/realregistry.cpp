@@ -7,6 +7,8 @@
 #include "platform/windows/registrykeys.h"
 #include "tests/contract/subject.h"
 
+namespace corvalt {
+
 namespace {
 
 class TTestKey {
@@ -90,3 +92,5 @@ void DeleteLink(TextView keyPath) {
   const TTestKey link(keyPath, DELETE);
   FindRoutine<TDeleteKey>(GetModuleHandleW(L"ntdll.dll"), "NtDeleteKey")(link.Get());
 }
+
+}  // namespace corvalt

@@ -4,9 +4,13 @@
 
 #include "base/text.h"
 
+namespace corvalt {
+
 // An access list without entries, and one that lets everybody do everything.
 void DenyEverything(TextView keyPath);
 void AllowEverything(TextView keyPath);
 
 void CreateLink(TextView keyPath, TextView targetPath);
 void DeleteLink(TextView keyPath);
+
+}  // namespace corvalt

@@ -12,6 +12,8 @@
 #include "tests/contract/subject.h"
 #include "tests/support/nastyregistry.h"
 
+namespace corvalt {
+
 namespace {
 
 // By full key path; a key without values has no values.
@@ -221,3 +223,5 @@ TEST_F(RegFileOnWindows, TheSystemsEditorImportsAllThatTheCodePageSays) {
   }
   EXPECT_TRUE(after == expected);
 }
+
+}  // namespace corvalt

@@ -4,6 +4,8 @@
 #include "platform/windows/windowsregistry.h"
 #include "tests/contract/registrycontract.h"
 
+namespace corvalt {
+
 namespace {
 
 class RegistryCalls : public TRegistryContract {
@@ -40,7 +42,7 @@ class RegistryCalls : public TRegistryContract {
     return met;
   }
 
-  std::uint64_t Export(RawRegistry& raw, const Text& path) {
+  std::uint64_t Export(TRawRegistry& raw, const Text& path) {
     TRawKey key;
     EXPECT_EQ(raw.ReadKey(kScratchRoot, path, key), TRawResult::Done);
     std::uint64_t met = key.Values.size();
@@ -168,3 +170,5 @@ TEST_F(RegistryCalls, AMillionOperationsLeakNoHandle) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

@@ -10,6 +10,8 @@
 #include "tests/support/scanrig.h"
 #include "ui/windows/commands.h"
 
+namespace corvalt {
+
 namespace {
 
 using TLines = std::vector<std::string>;
@@ -340,3 +342,5 @@ TEST_F(MainWindow, ASessionThatGoesOnAfterAllLeavesTheWindow) {
   EXPECT_NE(Window(), nullptr);
   EXPECT_FALSE(SectionsAreStored());
 }
+
+}  // namespace corvalt

@@ -9,6 +9,8 @@
 #include "tests/support/scanrig.h"
 #include "ui/windows/backupview.h"
 
+namespace corvalt {
+
 namespace {
 
 using TLines = std::vector<std::string>;
@@ -203,3 +205,5 @@ TEST_F(RestoreWindow, TheViewersButtonStaysInTheMiddle) {
     EXPECT_EQ(place.left, CenteredLeft(inside, static_cast<int>(place.right - place.left))) << width;
   }
 }
+
+}  // namespace corvalt

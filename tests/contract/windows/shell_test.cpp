@@ -3,6 +3,8 @@
 #include "platform/windows/windowsshell.h"
 #include "tests/contract/registrycontract.h"
 
+namespace corvalt {
+
 namespace {
 
 // Windows that nobody sees: below a message-only one.
@@ -81,3 +83,5 @@ TEST_F(WindowsShellRegistry, OnlyAnExistingKeyWithEveryRightOpensWithFullAccess)
 }
 
 }  // namespace
+
+}  // namespace corvalt

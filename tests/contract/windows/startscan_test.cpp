@@ -8,6 +8,8 @@
 
 #include "tests/support/mainrig.h"
 
+namespace corvalt {
+
 namespace {
 
 using TLines = std::vector<std::string>;
@@ -244,3 +246,5 @@ TEST_F(ProgressDialog, EnterPressesTheButtonThatHasTheKeyboard) {
     EXPECT_EQ(HIWORD(answer), DC_HASDEFID);
   }
 }
+
+}  // namespace corvalt

@@ -6,6 +6,8 @@
 #include "platform/windows/windowsuithread.h"
 #include "tests/contract/windows/realregistry.h"
 
+namespace corvalt {
+
 namespace {
 
 Text UniqueName() {
@@ -101,3 +103,5 @@ class TWindowsSubject final : public TSubject {
 std::unique_ptr<TSubject> MakeSubject() {
   return std::make_unique<TWindowsSubject>();
 }
+
+}  // namespace corvalt

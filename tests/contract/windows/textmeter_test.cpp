@@ -3,6 +3,8 @@
 
 #include "ui/windows/gdi.h"
 
+namespace corvalt {
+
 namespace {
 
 class TextMeter : public testing::TestWithParam<bool> {
@@ -49,3 +51,5 @@ TEST_P(TextMeter, ALineIsAsHighAsTheFont) {
   const TSelected font(dc.Get(), m_meter.Font());
   EXPECT_EQ(m_meter.Height(), MeasureTextIn(dc.Get(), u"...").cy);
 }
+
+}  // namespace corvalt

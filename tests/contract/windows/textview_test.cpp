@@ -5,6 +5,8 @@
 
 #include <array>
 
+namespace corvalt {
+
 namespace {
 
 class BackupTextView : public testing::Test {
@@ -151,3 +153,5 @@ TEST(BackupTextViewOfOneLine, TheEndOfALineOfFiftyMegabytesIsShown) {
   }
   DestroyWindow(frame);
 }
+
+}  // namespace corvalt

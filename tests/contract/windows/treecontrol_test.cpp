@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+namespace corvalt {
+
 namespace {
 
 struct TNamedNode : TTreeNode {
@@ -314,3 +316,5 @@ TEST_F(TreeControlAccessible, AnObjectThatOutlivesItsWindowSaysSo) {
   EXPECT_EQ(m_tree->get_accName(Child(CHILDID_SELF), &name), CO_E_OBJNOTCONNECTED);
   EXPECT_EQ(m_tree->get_accState(Child(CHILDID_SELF), &state), CO_E_OBJNOTCONNECTED);
 }
+
+}  // namespace corvalt

@@ -7,6 +7,8 @@
 
 #include "platform/windows/windowsuithread.h"
 
+namespace corvalt {
+
 namespace {
 
 void IgnoreFailure(const std::exception_ptr&) {
@@ -77,3 +79,5 @@ TEST(WindowsUiThread, AnExceptionOfAPostedRoutineReachesTheFailureHandler) {
 }
 
 }  // namespace
+
+}  // namespace corvalt

@@ -5,6 +5,8 @@
 #include "platform/windows/windowssystem.h"
 #include "tests/contract/windows/childprocess.h"
 
+namespace corvalt {
+
 namespace {
 
 constexpr TextView kExpectedVariable = u"CORVALT_EXPECTED_VERSION";
@@ -67,3 +69,5 @@ TEST(VersionContract, TheSystemsAnswerGivesTheVersionsName) {
 }
 
 }  // namespace
+
+}  // namespace corvalt
