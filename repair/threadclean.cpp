@@ -146,12 +146,13 @@ void TCleaning::UpdateStatus() {
 
 void TCleaning::UpdateItem() {
   Synchronize([this] {
+    // What is deleted is deleted, also after Cancel; the labels and bars alone stand still then.
+    if (CurrentNode != nullptr)
+      m_context.Results.Data(CurrentNode).StateFlag2 = true;
     if (Terminated())
       return;
     OwnerDialog.SetItemLabel(ItemText);
     OwnerDialog.SetSectionPosition(Percent);
-    if (CurrentNode != nullptr)
-      m_context.Results.Data(CurrentNode).StateFlag2 = true;
   });
 }
 

@@ -446,6 +446,20 @@ TEST(CancellingARepair, StopsBeforeTheNextSection) {
   EXPECT_FALSE(Holds(rig.Updates.back(), "Next"));
 }
 
+TEST(CancellingARepair, MarksWhatWasDeletedWhileItWasCancelled) {
+  TSmallRepair rig;
+  rig.Repair([&rig](const std::string& update, TWorkerThread& thread) {
+    if (update == "section: 11036 Broken...")
+      rig.System.Registry.OnRead = [&thread] { thread.Terminate(); };
+  });
+  rig.System.Registry.OnRead = nullptr;
+  EXPECT_FALSE(rig.System.Registry.HasValue(u"HKEY_LOCAL_MACHINE\\Software\\Run", u"Updater"));
+  EXPECT_TRUE(rig.Value->Problem.StateFlag2);
+  EXPECT_EQ(rig.Outcome.Deleted.size(), 2U);
+  // Labels and bars show the problem before it.
+  EXPECT_EQ(rig.Updates.back(), "bar: 25");
+}
+
 TEST(StartMenuRepair, DeletesTheEmptiedKeysUpToTheProgramsKey) {
   TRepairRig rig;
   rig.System.Registry.Set(Text(kPrograms), u"Order", u"p");
