@@ -1,7 +1,8 @@
 #include "base/keypaths.h"
 
 #include <array>
-#include <optional>
+
+#include "base/lettercase.h"
 
 namespace corvalt {
 
@@ -63,6 +64,24 @@ std::optional<TParsedKeyPath> ParseKeyPath(TextView path) {
     path.remove_prefix(end == TextView::npos ? path.size() : end + 1);
   }
   return parsed;
+}
+
+std::optional<TKeyPath> TKeyPath::Parse(TRootKey rootKey, TextView path) {
+  const std::optional<TParsedKeyPath> parsed = ParseKeyPath(path);
+  if (!parsed)
+    return std::nullopt;
+  Text fromRoot;
+  for (const Text& name : parsed->Names)
+    fromRoot.append(u"\\").append(name);
+  return TKeyPath(RootKeyFromName(RootKeyName(rootKey)), fromRoot.empty() ? Text(u"\\") : fromRoot);
+}
+
+TKeyPath TKeyPath::SubKey(TextView name) const {
+  return TKeyPath(m_rootKey, (IsRoot() ? u"" : m_path) + Text(u"\\").append(name));
+}
+
+Text TKeyPath::Comparable() const {
+  return RootKeyName(m_rootKey) + UpperCase(m_path);
 }
 
 }  // namespace corvalt

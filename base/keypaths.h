@@ -3,6 +3,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <utility>
+#include <vector>
 
 #include "base/text.h"
 
@@ -41,5 +44,40 @@ bool OpensKey(TextView path);
 // Runs of "\" inside the path count as one and a trailing one is ignored; nothing for a path that opens no
 // key.
 std::optional<TParsedKeyPath> ParseKeyPath(TextView path);
+
+// The place of a key: a root and a path below it, parsed once where the text comes in and not checked again.
+class TKeyPath {
+ public:
+  // A path that lacks its leading "\" is taken from the root too. A handle that is none of the six roots
+  // counts as HKEY_CURRENT_USER, as RootKeyName has it. nullopt for a path that opens no key.
+  static std::optional<TKeyPath> Parse(TRootKey rootKey, TextView path);
+
+  TRootKey RootKey() const {
+    return m_rootKey;
+  }
+
+  // One "\" before each name; "\" and no more for the root itself.
+  const Text& Path() const {
+    return m_path;
+  }
+
+  bool IsRoot() const {
+    return m_path.size() == 1;
+  }
+
+  // The key of this name directly below. The name holds no "\".
+  TKeyPath SubKey(TextView name) const;
+
+  // The root's name and the path in upper case: equal for two places exactly when they are the same, because
+  // the registry compares names without regard to letter case.
+  Text Comparable() const;
+
+ private:
+  TKeyPath(TRootKey rootKey, Text path) : m_rootKey(rootKey), m_path(std::move(path)) {
+  }
+
+  TRootKey m_rootKey;
+  Text m_path;
+};
 
 }  // namespace corvalt

@@ -31,6 +31,13 @@ struct TImportResult {
   }
 };
 
+// A key as it was read for an export.
+struct TExportedKey {
+  TRootKey RootKey = kNoRootKey;
+  Text KeyPath;  // begins with "\"
+  std::vector<TRawValue> Values;
+};
+
 class TIORegistry {
  public:
   // Both must outlive this object.
@@ -49,6 +56,11 @@ class TIORegistry {
     return m_text;
   }
 
+  // The keys in the text, in its order; of a value's export the key with that value.
+  std::span<const TExportedKey> Exported() const {
+    return m_exported;
+  }
+
   // Whether these bytes, read as Import reads them, say exactly the keys and values that were taken from the
   // registry since the last Clear, in their order and nothing else. Doesn't look at ExportedText.
   bool SaysWhatWasExported(std::span<const std::uint8_t> bytes) const;
@@ -59,13 +71,6 @@ class TIORegistry {
   TImportResult Import(std::span<const std::uint8_t> bytes);
 
  private:
-  // A key as it was read, kept for comparison.
-  struct TExportedKey {
-    TRootKey RootKey = kNoRootKey;
-    Text KeyPath;
-    std::vector<TRawValue> Values;
-  };
-
   TExportResult AppendTree(TRootKey rootKey, Text keyPath);
   void AppendKey(TRegFileWriter& writer, TExportedKey key);
 

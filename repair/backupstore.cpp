@@ -58,24 +58,33 @@ Text BackupStore::BeginBackup() {
   return BackupNameOf(m_system.Clock.Now(), m_system.Locale.DecimalSeparator());
 }
 
-TExportResult BackupStore::AddKeyToBackup(TextView rootName, TextView keyPath) {
-  const TRootKey rootKey = RootKeyFromName(rootName);
-  const TExportResult result = m_exporter.ExportKey(rootKey, keyPath);
+TExportResult BackupStore::AddKeyToBackup(const TKeyPath& key) {
+  const std::size_t keysBefore = m_exporter.Exported().size();
+  const TExportResult result = m_exporter.ExportKey(key.RootKey(), key.Path());
   if (result == TExportResult::Done)
-    m_collected.AddKey(rootKey, keyPath);
+    m_collected.CoverKey(key);
+  CollectContent(keysBefore);
   return result;
 }
 
-TExportResult BackupStore::AddValueToBackup(TextView rootName, TextView keyPath, TextView valueName) {
-  const TRootKey rootKey = RootKeyFromName(rootName);
-  const TExportResult result = m_exporter.ExportValue(rootKey, keyPath, valueName);
+TExportResult BackupStore::AddValueToBackup(const TKeyPath& key, TextView valueName) {
+  const std::size_t keysBefore = m_exporter.Exported().size();
+  const TExportResult result = m_exporter.ExportValue(key.RootKey(), key.Path(), valueName);
   if (result == TExportResult::Done)
-    m_collected.AddValue(rootKey, keyPath, valueName);
+    m_collected.CoverValue(key, valueName);
+  CollectContent(keysBefore);
   return result;
 }
 
-bool BackupStore::HoldsKey(TextView rootName, TextView keyPath) const {
-  return m_collected.CoversKey(RootKeyFromName(rootName), keyPath);
+void BackupStore::CollectContent(std::size_t keysBefore) {
+  for (const TExportedKey& exported : m_exporter.Exported().subspan(keysBefore)) {
+    if (const std::optional<TKeyPath> key = TKeyPath::Parse(exported.RootKey, exported.KeyPath))
+      m_collected.AddContent(*key, exported.Values);
+  }
+}
+
+bool BackupStore::HoldsKey(const TKeyPath& key) const {
+  return m_collected.CoversKey(key);
 }
 
 TDeletionRight BackupStore::CommitBackup(TextView name) {

@@ -36,12 +36,12 @@ class BackupStore {
   // the current time. Two backups of one tick have one name, and the second replaces the first.
   Text BeginBackup();
 
-  // Key paths may lack their leading "\". What is not Done is not in the backup.
-  TExportResult AddKeyToBackup(TextView rootName, TextView keyPath);
-  TExportResult AddValueToBackup(TextView rootName, TextView keyPath, TextView valueName);
+  // What is not Done is not in the backup.
+  TExportResult AddKeyToBackup(const TKeyPath& key);
+  TExportResult AddValueToBackup(const TKeyPath& key, TextView valueName);
 
   // Whether the key itself was added to the backup since it began.
-  bool HoldsKey(TextView rootName, TextView keyPath) const;
+  bool HoldsKey(const TKeyPath& key) const;
 
   // Writes the backup's file, reads it back, compares it with what was exported, and then lists it in the
   // index. The right to delete what it holds.
@@ -65,6 +65,8 @@ class BackupStore {
   void PruneBackups(const std::function<bool()>& stop);
 
  private:
+  // What the exporter has taken since it held this number of keys.
+  void CollectContent(std::size_t keysBefore);
   // Another folder is another store with a lock of its own.
   Text LockName() const;
   std::unique_ptr<THeldLock> LockStore();

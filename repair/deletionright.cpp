@@ -1,5 +1,8 @@
 #include "repair/deletionright.h"
 
+#include <algorithm>
+#include <array>
+
 #include "base/lettercase.h"
 #include "core/globals.h"
 #include "core/settingskeys.h"
@@ -10,20 +13,20 @@ namespace {
 
 constexpr TextView kBackupSetting = u"RegistryCleaner";
 
-// One spelling for all spellings of a key. A path that opens no key has none that another path could share.
-Text CanonicalKey(TRootKey rootKey, TextView keyPath) {
-  Text canonical = RootKeyName(rootKey);
-  const std::optional<TParsedKeyPath> parsed = ParseKeyPath(keyPath);
-  if (!parsed)
-    return canonical + u"\\" + Text(keyPath);
-  for (const Text& name : parsed->Names)
-    canonical += u"\\" + UpperCase(name);
-  return canonical;
+// A key path holds no run of "\", so that what follows one can only be a value's name.
+Text ComparableValue(const TKeyPath& key, TextView valueName) {
+  return key.Comparable() + u"\\\\" + UpperCase(valueName);
 }
 
-// A key path holds no run of "\", so that what follows one can only be a value's name.
-Text CanonicalValue(TRootKey rootKey, TextView keyPath, TextView valueName) {
-  return CanonicalKey(rootKey, keyPath) + u"\\\\" + UpperCase(valueName);
+// Of the type and the bytes.
+TDigest ContentOf(const TRawValue& value) {
+  TDigester digester;
+  std::array<std::uint8_t, sizeof(value.Type)> type{};
+  for (std::size_t i = 0; i < type.size(); ++i)
+    type[i] = static_cast<std::uint8_t>(value.Type >> (8 * i));
+  digester.Add(type);
+  digester.Add(value.Data);
+  return digester.Finish();
 }
 
 }  // namespace
@@ -32,7 +35,7 @@ bool BackupsAreOn(TSystem& system) {
   TRawValue value;
   const TRawResult read = system.Raw.ReadValue(kHkeyCurrentUser, kAvailableModulesKey, kBackupSetting, value);
   system.Raw.ReleaseKeys();
-  // A value of another type or size says nothing.
+  // A value of another type or size is no answer.
   return read != TRawResult::Done || value.Type != kRegDword || value.Data != TBytes(4, 0);
 }
 
@@ -44,20 +47,44 @@ std::optional<TDeletionRight> TDeletionRight::WithoutBackup(TSystem& system) {
   return right;
 }
 
-bool TDeletionRight::CoversKey(TRootKey rootKey, TextView keyPath) const {
-  return m_everything || m_keys.count(CanonicalKey(rootKey, keyPath)) != 0;
+bool TDeletionRight::CoversKey(const TKeyPath& key) const {
+  return m_everything || m_keys.contains(key.Comparable());
 }
 
-bool TDeletionRight::CoversValue(TRootKey rootKey, TextView keyPath, TextView valueName) const {
-  return m_everything || m_values.count(CanonicalValue(rootKey, keyPath, valueName)) != 0;
+bool TDeletionRight::CoversValue(const TKeyPath& key, TextView valueName) const {
+  return m_everything || m_values.contains(ComparableValue(key, valueName));
 }
 
-void TDeletionRight::AddKey(TRootKey rootKey, TextView keyPath) {
-  m_keys.insert(CanonicalKey(rootKey, keyPath));
+bool TDeletionRight::WouldBringBack(const TKeyPath& key, std::span<const TRawValue> values) const {
+  if (m_everything)
+    return true;
+  const auto saved = m_content.find(key.Comparable());
+  if (saved == m_content.end())
+    return false;
+  const TDigests& digests = saved->second;
+  return std::all_of(values.begin(), values.end(), [&digests](const TRawValue& value) {
+    const auto digest = digests.find(UpperCase(value.Name));
+    return digest != digests.end() && digest->second == ContentOf(value);
+  });
 }
 
-void TDeletionRight::AddValue(TRootKey rootKey, TextView keyPath, TextView valueName) {
-  m_values.insert(CanonicalValue(rootKey, keyPath, valueName));
+void TDeletionRight::NoteWritten(const TKeyPath& key, const TRawValue& value) {
+  if (!m_everything)
+    AddContent(key, {&value, 1});
+}
+
+void TDeletionRight::CoverKey(const TKeyPath& key) {
+  m_keys.insert(key.Comparable());
+}
+
+void TDeletionRight::CoverValue(const TKeyPath& key, TextView valueName) {
+  m_values.insert(ComparableValue(key, valueName));
+}
+
+void TDeletionRight::AddContent(const TKeyPath& key, std::span<const TRawValue> values) {
+  TDigests& digests = m_content[key.Comparable()];
+  for (const TRawValue& value : values)
+    digests.insert_or_assign(UpperCase(value.Name), ContentOf(value));
 }
 
 }  // namespace corvalt

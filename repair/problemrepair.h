@@ -18,7 +18,7 @@ void BackUpProblem(BackupStore& store, const ScanProblem& problem);
 enum class TDeletion {
   Deleted,    // it is gone; perhaps it was before
   Failed,     // it may be deleted, and the system did not
-  NotCovered  // it exists and the right does not cover it: nothing was touched
+  NotCovered  // it exists, and a restore would not bring it back as it is: nothing was touched
 };
 
 struct TDeletionResult {
@@ -26,33 +26,26 @@ struct TDeletionResult {
   bool KeyOpened = false;  // of a value: whether its key opened
 };
 
-// A problem's place as the registry takes it.
-struct TProblemPlace {
-  explicit TProblemPlace(const ScanProblem& problem);
-
-  TRootKey RootKey;
-  Text KeyPath;    // begins with "\"
-  Text ValueName;  // empty for the unnamed value
-};
-
-// Deletes what the right covers and nothing else.
+// Deletes what the right covers and nothing else. What is there is read once more before each deletion and
+// must be what the backup holds, or a part of it.
 class TProblemDeleter {
  public:
   // The system must outlive the deleter.
   TProblemDeleter(TSystem& system, TDeletionRight right);
 
-  TDeletionResult Delete(const ScanProblem& problem);
+  [[nodiscard]] TDeletionResult Delete(const ScanProblem& problem);
 
  private:
   TDeletionResult DeleteKey(const ScanProblem& problem);
   TDeletionResult DeleteValue(const ScanProblem& problem);
   TDeletionResult DeleteFile(const ScanProblem& problem);
-  void KeepMruListRight(const ScanProblem& problem, const TProblemPlace& place);
-  void DeleteEmptyMenuKeys(const TProblemPlace& place);
-  bool HasSubKeys(TextView keyPath);
-  void RewriteMruList();
-  bool KeyExists(const TProblemPlace& place);
-  TRawResult AskForValue(const TProblemPlace& place);
+  TDeletion DeleteCoveredKey(const TKeyPath& key);
+  void DeleteEmptyMenuKeys(const TKeyPath& key);
+  void KeepMruListRight(const ScanProblem& problem, const TKeyPath& key);
+  void RewriteMruList(const TKeyPath& key);
+  TRawResult CompareTree(const TKeyPath& key, bool& changed);
+  bool HasSubKeys(const TKeyPath& key);
+  TRawResult ReadValue(const TKeyPath& key, TextView name, TRawValue& value);
 
   TSystem m_system;
   std::unique_ptr<RegistryStore> m_registry;

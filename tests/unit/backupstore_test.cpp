@@ -7,6 +7,7 @@
 #include "platform/memory/memorysystem.h"
 #include "repair/backupname.h"
 #include "system/filestore.h"
+#include "tests/support/keyat.h"
 #include "tests/support/scanrig.h"
 
 namespace corvalt {
@@ -77,7 +78,7 @@ class TStoreRig {
     System.Registry.Set(kKey, u"Path", u"C:\\gone.exe");
     BackupStore store = Store();
     const Text name = store.BeginBackup();
-    store.AddValueToBackup(u"HKEY_CURRENT_USER", u"\\Software\\Old", u"Path");
+    store.AddValueToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"), u"Path");
     return store.CommitBackup(name);
   }
 
@@ -263,9 +264,9 @@ TEST(MakingABackup, TwiceWithOneStoreBeginsWithNothingExported) {
   rig.System.Registry.AddKey(kKey);
   BackupStore store = rig.Store();
   store.BeginBackup();
-  store.AddKeyToBackup(u"HKEY_CURRENT_USER", u"\\Software\\Old");
+  store.AddKeyToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"));
   const TDeletionRight right = store.CommitBackup(store.BeginBackup());
-  EXPECT_FALSE(right.CoversKey(kHkeyCurrentUser, u"\\Software\\Old"));
+  EXPECT_FALSE(right.CoversKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")));
 }
 
 TEST(MakingABackup, WritesThenVerifiesThenListsIt) {
@@ -279,7 +280,7 @@ TEST(MakingABackup, WritesThenVerifiesThenListsIt) {
                     plain.Clock,    plain.TheShell, plain.Interprocess};
   BackupStore store(system, rig.Vars);
   const Text name = store.BeginBackup();
-  store.AddKeyToBackup(u"HKEY_CURRENT_USER", u"\\Software\\Old");
+  store.AddKeyToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"));
   store.CommitBackup(name);
   const std::string folder = EncodeUtf8(kFolder);
   EXPECT_EQ(journal.Entries(),
@@ -294,12 +295,12 @@ TEST(TheRightToDelete, CoversExactlyWhatTheBackupHolds) {
   rig.System.Registry.Set(kKey, u"Other", u"y");
   BackupStore store = rig.Store();
   const Text name = store.BeginBackup();
-  store.AddValueToBackup(u"HKEY_CURRENT_USER", u"Software\\Old", u"Path");
+  store.AddValueToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"), u"Path");
   const TDeletionRight right = store.CommitBackup(name);
-  EXPECT_TRUE(right.CoversValue(kHkeyCurrentUser, u"\\software\\\\OLD\\", u"path"));
-  EXPECT_FALSE(right.CoversValue(kHkeyCurrentUser, u"\\Software\\Old", u"Other"));
-  EXPECT_FALSE(right.CoversValue(kHkeyLocalMachine, u"\\Software\\Old", u"Path"));
-  EXPECT_FALSE(right.CoversKey(kHkeyCurrentUser, u"\\Software\\Old"));
+  EXPECT_TRUE(right.CoversValue(KeyAt(u"HKEY_CURRENT_USER\\software\\\\OLD\\"), u"path"));
+  EXPECT_FALSE(right.CoversValue(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"), u"Other"));
+  EXPECT_FALSE(right.CoversValue(KeyAt(u"HKEY_LOCAL_MACHINE\\Software\\Old"), u"Path"));
+  EXPECT_FALSE(right.CoversKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")));
 }
 
 TEST(TheRightToDelete, OfAKeyIsNeitherThatOfTheKeyAboveNorThatOfItsValues) {
@@ -307,12 +308,12 @@ TEST(TheRightToDelete, OfAKeyIsNeitherThatOfTheKeyAboveNorThatOfItsValues) {
   rig.System.Registry.Set(kKey, u"Path", u"x");
   BackupStore store = rig.Store();
   const Text name = store.BeginBackup();
-  store.AddKeyToBackup(u"HKEY_CURRENT_USER", u"\\Software\\Old");
+  store.AddKeyToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"));
   const TDeletionRight right = store.CommitBackup(name);
-  EXPECT_TRUE(right.CoversKey(kHkeyCurrentUser, u"\\Software\\Old"));
-  EXPECT_FALSE(right.CoversKey(kHkeyCurrentUser, u"\\Software"));
-  EXPECT_FALSE(right.CoversKey(kHkeyCurrentUser, u"\\Software\\Old\\Below"));
-  EXPECT_FALSE(right.CoversValue(kHkeyCurrentUser, u"\\Software\\Old", u"Path"));
+  EXPECT_TRUE(right.CoversKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")));
+  EXPECT_FALSE(right.CoversKey(KeyAt(u"HKEY_CURRENT_USER\\Software")));
+  EXPECT_FALSE(right.CoversKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old\\Below")));
+  EXPECT_FALSE(right.CoversValue(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"), u"Path"));
 }
 
 TEST(TheRightToDelete, LeavesOutWhatIsMissingOrUnreadable) {
@@ -320,11 +321,11 @@ TEST(TheRightToDelete, LeavesOutWhatIsMissingOrUnreadable) {
   rig.System.Registry.Deny(kKey);
   BackupStore store = rig.Store();
   const Text name = store.BeginBackup();
-  EXPECT_EQ(store.AddKeyToBackup(u"HKEY_CURRENT_USER", u"\\Software\\Old"), TExportResult::Unreadable);
-  EXPECT_EQ(store.AddKeyToBackup(u"HKEY_CURRENT_USER", u"\\Software\\Gone"), TExportResult::Missing);
+  EXPECT_EQ(store.AddKeyToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")), TExportResult::Unreadable);
+  EXPECT_EQ(store.AddKeyToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Gone")), TExportResult::Missing);
   const TDeletionRight right = store.CommitBackup(name);
-  EXPECT_FALSE(right.CoversKey(kHkeyCurrentUser, u"\\Software\\Old"));
-  EXPECT_FALSE(right.CoversKey(kHkeyCurrentUser, u"\\Software\\Gone"));
+  EXPECT_FALSE(right.CoversKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")));
+  EXPECT_FALSE(right.CoversKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Gone")));
 }
 
 TEST(TheRightToDelete, WithoutABackupExistsOnlyWhereTheSettingSaysFalse) {
@@ -346,7 +347,7 @@ TEST(TheRightToDelete, WithoutABackupExistsOnlyWhereTheSettingSaysFalse) {
   EXPECT_FALSE(TDeletionRight::WithoutBackup(bundle));
   system.Registry.SetInteger(kModules, u"RegistryCleaner", 0);
   EXPECT_FALSE(BackupsAreOn(bundle));
-  EXPECT_TRUE(TDeletionRight::WithoutBackup(bundle)->CoversKey(kHkeyCurrentUser, u"\\Any"));
+  EXPECT_TRUE(TDeletionRight::WithoutBackup(bundle)->CoversKey(KeyAt(u"HKEY_CURRENT_USER\\Any")));
 }
 
 TEST(AFailedBackup, ThrowsWhenTheFolderCannotBeMade) {

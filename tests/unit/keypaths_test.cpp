@@ -88,6 +88,38 @@ TEST(ParseKeyPath, TheEmptyPathAndTheSeparatorAloneNameNoKeyBelow) {
   EXPECT_TRUE(ParseKeyPath(u"\\")->FromRoot);
 }
 
+TEST(KeyPath, HasOneSeparatorBeforeEachName) {
+  EXPECT_EQ(TKeyPath::Parse(kHkeyUsers, u"\\Software\\\\Foo\\")->Path(), u"\\Software\\Foo");
+  EXPECT_EQ(TKeyPath::Parse(kHkeyUsers, u"Software\\Foo")->Path(), u"\\Software\\Foo");
+  EXPECT_EQ(TKeyPath::Parse(kHkeyUsers, u"Software")->RootKey(), kHkeyUsers);
+}
+
+TEST(KeyPath, OfAPathThatOpensNoKeyThereIsNone) {
+  EXPECT_FALSE(TKeyPath::Parse(kHkeyUsers, u"\\\\Software"));
+}
+
+TEST(KeyPath, TakesAnUnknownRootForTheCurrentUser) {
+  EXPECT_EQ(TKeyPath::Parse(kNoRootKey, u"\\Software")->RootKey(), kHkeyCurrentUser);
+}
+
+TEST(KeyPath, OfARootHasSubKeysToo) {
+  const TKeyPath root = *TKeyPath::Parse(kHkeyUsers, u"");
+  EXPECT_TRUE(root.IsRoot());
+  EXPECT_EQ(root.Path(), u"\\");
+  EXPECT_EQ(root.SubKey(u"Software").Path(), u"\\Software");
+  EXPECT_EQ(root.SubKey(u"Software").SubKey(u"Foo").Path(), u"\\Software\\Foo");
+  EXPECT_FALSE(root.SubKey(u"Software").IsRoot());
+}
+
+TEST(KeyPath, ComparesWithoutRegardToLetterCase) {
+  const auto comparable = [](TRootKey rootKey, TextView path) {
+    return TKeyPath::Parse(rootKey, path)->Comparable();
+  };
+  EXPECT_EQ(comparable(kHkeyUsers, u"\\Software\\Foo"), comparable(kHkeyUsers, u"software\\\\FOO\\"));
+  EXPECT_NE(comparable(kHkeyUsers, u"\\Software\\Foo"), comparable(kHkeyCurrentUser, u"\\Software\\Foo"));
+  EXPECT_NE(comparable(kHkeyUsers, u"\\Software\\Foo"), comparable(kHkeyUsers, u"\\Software\\Fo\\o"));
+}
+
 }  // namespace
 
 }  // namespace corvalt
