@@ -1,11 +1,15 @@
 #!/usr/bin/env python3
 """Checks the sources of the program's two data files and packs them.
 
-    pack.py exclusions exclusions.txt registry.dat
-    pack.py traces adware-traces.tsv xdata.dat
+    pack.py exclusions exclusions.txt typicalproblems.txt registry.dat
+    pack.py traces adware-traces.tsv healthy.reg xdata.dat
+    pack.py --explain exclusions.txt problems.expected...
 
 A packed file is two bytes that mean nothing, then one zlib stream. A source that breaks a rule of README.md is
 refused: every finding is printed as "file:line: what is wrong", nothing is written, and the exit code is 1.
+
+--explain prints for every exclusion which of the written-down problems it shields, by section and text, and ends with 1
+when one shields none and does not say why it stays.
 """
 
 import os
@@ -14,6 +18,9 @@ import sys
 import zlib
 from typing import NamedTuple
 from xml.sax.saxutils import escape
+
+import problems
+from healthyregistry import HealthyRegistry
 
 PREFIX = b"CV"
 
@@ -62,45 +69,15 @@ SHARED_KEYS = frozenset(
     )
 )
 
-# Where each section of the scan begins to look; a section's own row in the results is tested too, as its bare root.
-SECTION_PLACES = (
-    ("the section headers", "HKEY_CURRENT_USER\\"),
-    ("the section headers", "HKEY_LOCAL_MACHINE\\"),
-    ("the section headers", "HKEY_CLASSES_ROOT\\"),
-    ("the section headers", "HKEY_USERS\\"),
-    ("Registry Integrity", r"HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\User Shell Folders"),
-    ("Registry Integrity", r"HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\Shell Folders"),
-    ("Files and Folders", r"HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion"),
-    ("Files and Folders", r"HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows NT\CurrentVersion"),
-    ("Files and Folders", r"HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion"),
-    ("Files and Folders", r"HKEY_USERS\.DEFAULT\Software\Microsoft\Windows\CurrentVersion"),
-    ("Adware and Spyware", r"HKEY_LOCAL_MACHINE\Software\Microsoft\Windows\CurrentVersion\Explorer\Browser Helper Objects"),
-    ("Adware and Spyware", r"HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Internet Explorer\Toolbar"),
-    ("Obsolete Software", r"HKEY_CURRENT_USER\Software"),
-    ("Obsolete Software", r"HKEY_LOCAL_MACHINE\SOFTWARE"),
-    ("Custom Controls", r"HKEY_CLASSES_ROOT\CLSID"),
-    ("Custom Controls", r"HKEY_CLASSES_ROOT\TypeLib"),
-    ("Custom Controls", r"HKEY_CLASSES_ROOT\Interface"),
-    ("File Extensions", r"HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\FileExts"),
-    ("File Associations", r"HKEY_CLASSES_ROOT"),
-    ("Start Menu", r"HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\MenuOrder\Start Menu2\Programs"),
-    ("Startup Programs", r"HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Run"),
-    ("Startup Programs", r"HKEY_LOCAL_MACHINE\Software\Microsoft\Windows\CurrentVersion\Run"),
-    ("Shared Programs", r"HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\SharedDLLs"),
-    ("Software Locations", r"HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\App Paths"),
-    ("Add/Remove Programs", r"HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\Uninstall"),
-    ("Windows Fonts", r"HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\fonts"),
-    ("Windows Fonts", r"HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows NT\CurrentVersion\fonts"),
-    ("Help and Resources", r"HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\Help"),
-    ("Help and Resources", r"HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\Html Help"),
-    ("Sounds and Appevents", r"HKEY_CURRENT_USER\AppEvents\Schemes\Apps"),
-    ("MRU and History Lists", r"HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\ComDlg32\OpenSaveMRU"),
-    ("Windows Services", r"HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Services"),
-    ("Virtual Devices", r"HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Services\VxD"),
-    ("Virtual Devices", r"HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\VirtualDeviceDrivers"),
-    ("ARP Cache", r"HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\App Management\ARPCache"),
-)
+# The texts of the section headers, which the exclusions are compared with too.
+HEADERS = tuple(root.lower() + "\\\\" for root in problems.ROOTS.values())
 
+# What says nothing of a program: names that many programs bear, and identifiers that nobody made.
+GENERIC_NAMES = frozenset(
+    ("agent", "antivirus", "avscan", "pagent", "pcapp", "sentry", "smartsecurity", "update", "updater", "winnet")
+)
+SHORTEST_NAME = 4
+ALL_ZEROS = re.compile(r"\{0{8}-0{4}-0{4}-0{4}-0{12}\}")
 
 class Exclusion(NamedTuple):
     line: int
@@ -135,8 +112,9 @@ def raise_if_any(found):
 # --- exclusions ---
 
 
-def read_exclusions(text):
-    """The entries of the source in its order; raises Findings for what the reader in the program would misread."""
+def read_exclusions(text, typical=()):
+    """The entries of the source in its order; raises Findings for what the reader in the program would misread, and for
+    an entry that shields one of the typical problems."""
     found, exclusions = [], []
     for number, line in numbered_lines(text):
         if line.strip() == "" or line.startswith(";"):
@@ -147,14 +125,14 @@ def read_exclusions(text):
         elif entry == "":
             found.append((number, "the entry is empty"))
         else:
-            found.extend((number, message) for message in exclusion_faults(entry))
+            found.extend((number, message) for message in exclusion_faults(entry, typical))
             exclusions.append(Exclusion(number, entry, reason))
     found.extend(exclusion_clashes(exclusions))
     raise_if_any(found)
     return exclusions
 
 
-def exclusion_faults(entry):
+def exclusion_faults(entry, typical):
     if entry != entry.strip():
         yield "the entry begins or ends with a blank"
     if "//" in entry:
@@ -163,9 +141,11 @@ def exclusion_faults(entry):
         yield "the entry is not in lower case"
     if CONTROL_CHARACTER.search(entry) or "\t" in entry:
         yield "the entry holds a control character"
-    for section, place in SECTION_PLACES:
-        if entry in place.lower() + "\\":
-            yield f"the entry would silence the whole section {section}"
+    if any(entry in header for header in HEADERS):
+        yield "the entry would silence the headers of sections"
+    for problem in typical:
+        if entry in problem.probe:
+            yield f"the entry would silence what the section {problem.section} is for, such as {problem.place}"
             break
 
 
@@ -184,8 +164,9 @@ def exclusion_clashes(exclusions):
 # --- traces ---
 
 
-def read_traces(text):
-    """The traces of the source in its order; raises Findings for every line that the scan could not use."""
+def read_traces(text, healthy=HealthyRegistry("")):
+    """The traces of the source in its order; raises Findings for every line that the scan could not use, and for a
+    trace that it would find on a healthy machine."""
     lines = list(numbered_lines(text))
     found, traces = [], []
     if lines[0][1].split("\t") != list(HEADER):
@@ -205,6 +186,7 @@ def read_traces(text):
             found.append((number, f"the kind '{kind}' is none of {', '.join(KINDS)}"))
             continue
         found.extend((number, message) for message in trace_faults(kind, trace))
+        found.extend((number, message) for message in innocence(kind, trace, healthy))
         traces.append(Trace(number, program, kind, trace))
     found.extend(trace_clashes(traces))
     raise_if_any(found)
@@ -249,6 +231,28 @@ def registry_place_faults(kind, trace):
         yield "write HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes as HKEY_CLASSES_ROOT"
 
 
+def innocence(kind, trace, healthy):
+    """Why the trace proves nothing of an unwanted program."""
+    if healthy.holds(kind, trace):
+        yield "a healthy machine holds this too"
+    if ALL_ZEROS.search(trace):
+        yield "the identifier of zeros is nobody's"
+    name = own_name(kind, trace)
+    if name is not None and (name.lower() in GENERIC_NAMES or len(name) < SHORTEST_NAME):
+        yield f"the name '{name}' says too little; many programs could bear it"
+
+
+def own_name(kind, trace):
+    """The name that alone makes the trace: of a value in a Run key, or of a key right below Software."""
+    *key, name = trace.split("\\")
+    place = "\\".join(key[1:]).lower()
+    if kind == "REGVALUE" and place.endswith("\\currentversion\\run"):
+        return name
+    if kind == "REGKEY" and place in ("software", "software\\wow6432node"):
+        return name
+    return None
+
+
 def is_shared_key(trace):
     """Whether the key is one that many programs share, or an ancestor of one."""
     return any(shared == trace or shared.startswith(trace + "\\") for shared in SHARED_KEYS)
@@ -259,6 +263,7 @@ def sort_key(trace):
 
 
 def trace_clashes(traces):
+    yield from ancestor_clashes(traces)
     lines, spellings = {}, {}
     for previous, trace in zip([None, *traces], traces):
         place = (trace.kind, trace.trace.casefold())
@@ -270,6 +275,17 @@ def trace_clashes(traces):
             yield trace.line, f"the program is spelled '{spelling}' elsewhere"
         if previous and sort_key(previous) > sort_key(trace):
             yield trace.line, "the traces are not sorted by program, kind and trace"
+
+
+def ancestor_clashes(traces):
+    """A repair deletes a traced key with all that is below it; what is below must be the same program's."""
+    keys = {trace.trace.lower(): trace for trace in traces if trace.kind == "REGKEY"}
+    for trace in traces:
+        names = trace.trace.lower().split("\\") if trace.kind in ("REGKEY", "REGVALUE") else []
+        for count in range(2, len(names)):
+            above = keys.get("\\".join(names[:count]))
+            if above and above.program != trace.program:
+                yield above.line, f"the key lies above a trace of {trace.program} in line {trace.line}"
 
 
 def as_xml(traces):
@@ -293,13 +309,13 @@ def packed(text):
     return PREFIX + zlib.compress(text.encode("utf-8"), 9)
 
 
-def pack_exclusions(text):
-    read_exclusions(text)
+def pack_exclusions(text, typical=""):
+    read_exclusions(text, problems.read_problems(typical))
     return packed(text)
 
 
-def pack_traces(text):
-    return packed(as_xml(read_traces(text)))
+def pack_traces(text, healthy=""):
+    return packed(as_xml(read_traces(text, HealthyRegistry(healthy))))
 
 
 PACKERS = {"exclusions": pack_exclusions, "traces": pack_traces}
@@ -320,13 +336,28 @@ def write_whole(path, content):
     os.replace(temporary, path)
 
 
+def pack(what, source, against, target):
+    write_whole(target, PACKERS[what](read_source(source), read_source(against)))
+    return 0
+
+
+def explain(source, *paths):
+    written_down = [problem for path in paths for problem in problems.read_problems(read_source(path))]
+    lines, idle = problems.explained(read_exclusions(read_source(source)), written_down)
+    print("\n".join(lines))
+    for exclusion in idle:
+        print(f"{source}:{exclusion.line}: '{exclusion.entry}' shields nothing that is written down", file=sys.stderr)
+    return 1 if idle else 0
+
+
 def main(arguments):
-    if len(arguments) != 3 or arguments[0] not in PACKERS:
-        print(__doc__, file=sys.stderr)
-        return 2
-    what, source, target = arguments
+    what, *paths = arguments or [""]
+    source = paths[0] if paths else ""
     try:
-        write_whole(target, PACKERS[what](read_source(source)))
+        if what == "--explain" and len(paths) > 1:
+            return explain(*paths)
+        if what in PACKERS and len(paths) == 3:
+            return pack(what, *paths)
     except Findings as findings:
         for line, message in findings.found:
             print(f"{source}:{line}: {message}", file=sys.stderr)
@@ -334,7 +365,8 @@ def main(arguments):
     except UnicodeDecodeError as error:
         print(f"{source}:1: not UTF-8: {error}", file=sys.stderr)
         return 1
-    return 0
+    print(__doc__, file=sys.stderr)
+    return 2
 
 
 if __name__ == "__main__":

@@ -6,6 +6,7 @@ Runs from the top of the project: python3 -m unittest discover -s tests/data
 import contextlib
 import io
 import os
+import re
 import sys
 import tempfile
 import unittest
@@ -16,10 +17,16 @@ TOP = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))
 DATA = os.path.join(TOP, "data")
 sys.path.insert(0, DATA)
 
+import healthyregistry  # noqa: E402
 import pack  # noqa: E402
+import problems  # noqa: E402
 
 EXCLUSIONS = os.path.join(DATA, "exclusions.txt")
+TYPICAL = os.path.join(DATA, "typicalproblems.txt")
 TRACES = os.path.join(DATA, "adware-traces.tsv")
+HEALTHY = os.path.join(TOP, "tests", "healthy", "healthy.reg")
+UNSHIELDED = os.path.join(TOP, "tests", "healthy", "unshielded.expected")
+BROKEN = os.path.join(TOP, "tests", "wine", "brokenregistry.expected")
 HEADER = "program\tkind\ttrace\tsource\tconfidence\n"
 CLASS_ID = "{0123ABCD-4567-89AB-CDEF-0123456789AB}"
 
@@ -74,7 +81,7 @@ class PackedExclusions(unittest.TestCase):
         with open(EXCLUSIONS, encoding="utf-8") as file:
             lines = [line.rstrip("\n") for line in file]
         expected = [line.split(" // ")[0] for line in lines if line and not line.startswith(";")]
-        text = unpacked(pack.pack_exclusions(pack.read_source(EXCLUSIONS)))
+        text = unpacked(pack.pack_exclusions(pack.read_source(EXCLUSIONS), pack.read_source(TYPICAL)))
         self.assertGreater(len(expected), 100)
         self.assertEqual(entries_as_the_program_reads_them(text), expected)
 
@@ -86,7 +93,7 @@ class PackedExclusions(unittest.TestCase):
 class PackedTraces(unittest.TestCase):
     def test_hold_the_traces_of_the_source_in_its_order(self):
         expected = [(program, kind, trace) for program, kind, trace, _, _ in source_columns()]
-        xml = unpacked(pack.pack_traces(pack.read_source(TRACES)))
+        xml = unpacked(pack.pack_traces(pack.read_source(TRACES), pack.read_source(HEALTHY)))
         self.assertGreater(len(expected), 2000)
         self.assertEqual(traces_as_the_program_reads_them(xml), expected)
 
@@ -171,9 +178,17 @@ class MalformedExclusions(Refusals):
     def test_an_entry_out_of_order(self):
         self.assert_exclusion_refused("\\ccc // why | where\n\\bbb // why | where\n", "not sorted", line=3)
 
-    def test_an_entry_that_silences_a_whole_section(self):
+    def test_an_entry_that_silences_what_a_section_is_for(self):
+        typical = problems.read_problems(pack.read_source(TYPICAL))
         for place in (
-            "hkey_current_user\\",
+            "\\imagepath\\",
+            ":\\",
+            "\\fileexts\\.",
+            "\\clsid\\{",
+            ".exe",
+            "{",
+            "\\helpdir\\\\",
+            "\\explorer\\shell folders\\",
             "\\currentversion\\uninstall",
             "\\currentversion\\fonts",
             "\\services\\",
@@ -182,11 +197,73 @@ class MalformedExclusions(Refusals):
             "\\appevents\\schemes",
             "\\opensavemru",
             "arpcache",
+            "%programfiles%",
         ):
             with self.subTest(place):
+                source = place + " // why | where\n"
                 self.assert_refused(
-                    pack.read_exclusions, place + " // why | where\n", 1, "silence the whole section"
+                    lambda text: pack.read_exclusions(text, typical), source, 1, "silence what the section"
                 )
+
+    def test_an_entry_that_silences_the_headers_of_sections(self):
+        for entry in ("hkey_current_user", "hkey_users\\\\", "\\\\"):
+            with self.subTest(entry):
+                self.assert_refused(pack.read_exclusions, entry + " // why | where\n", 1, "headers")
+
+
+class TypicalProblems(unittest.TestCase):
+    def test_name_every_section_that_reports_anything(self):
+        typical = {problem.section for problem in problems.read_problems(pack.read_source(TYPICAL))}
+        with open(os.path.join(TOP, "scan", "catalogue.cpp"), encoding="utf-8") as file:
+            rows = re.findall(r'\{\d+, u"[^"]*", \d+, u"[^"]*",\s*u"([^"]*)"', file.read())
+        self.assertEqual(len(rows), 22)
+        self.assertEqual(typical, set(rows) - {"Device Drivers"})
+
+
+class Explanation(unittest.TestCase):
+    SOURCE = "\\aaa // shields | here\n\\bbb // nothing | here | stays: as a guard\n\\ccc // nothing | here\n"
+    PROBLEMS = (
+        "# remark\n[Obsolete software | null | 5]\n"
+        "key -1 HKLM\\software\\AAA | | | 11044\nkey -1 HKCU\\software\\AAAB | | | 11044\n"
+    )
+
+    def test_names_section_text_and_number_of_what_an_entry_shields(self):
+        lines, idle = problems.explained(pack.read_exclusions(self.SOURCE), problems.read_problems(self.PROBLEMS))
+        self.assertEqual(
+            lines,
+            [
+                "\\aaa",
+                "    Obsolete software, text 11044: 2, such as HKLM\\software\\AAA",
+                "\\bbb",
+                "    stays: as a guard",
+                "\\ccc",
+                "    matches nothing",
+            ],
+        )
+        self.assertEqual([exclusion.entry for exclusion in idle], ["\\ccc"])
+
+    def test_reads_a_place_with_and_without_its_separator_an_escape_and_a_text_of_its_own(self):
+        value = "value 0 HKCU Run | a\\u0000 | C:\\X | 11042($name|$data)\n"
+        text = "[S | null | 1]\n" + value + 'key 0 HKCR\\* | | | " name (x)"\n'
+        first, second = problems.read_problems(text)
+        self.assertEqual((first.probe, first.text), ("hkey_current_userrun\\a\0\\c:\\x", "11042"))
+        self.assertEqual(second.probe, "hkey_classes_root\\*\\\\")
+
+    def test_finds_no_idle_entry_in_the_shipped_list(self):
+        written_down = [
+            problem for path in (UNSHIELDED, BROKEN) for problem in problems.read_problems(pack.read_source(path))
+        ]
+        _lines, idle = problems.explained(pack.read_exclusions(pack.read_source(EXCLUSIONS)), written_down)
+        self.assertEqual(idle, [])
+
+    def test_no_shipped_entry_shields_what_is_broken(self):
+        broken = problems.read_problems(pack.read_source(BROKEN))
+        shielded = [
+            (exclusion.entry, found[0].place)
+            for exclusion, found in problems.explanation(pack.read_exclusions(pack.read_source(EXCLUSIONS)), broken)
+            if found
+        ]
+        self.assertEqual(shielded, [])
 
 
 class MalformedTraces(Refusals):
@@ -201,7 +278,7 @@ class MalformedTraces(Refusals):
             f"A\t{kind}\t{trace}\tseen\thigh\n"
             for kind, trace in (
                 ("SERVICE", "aservice"),
-                ("REGKEY", "HKEY_CURRENT_USER\\Software\\A"),
+                ("REGKEY", "HKEY_CURRENT_USER\\Software\\Adware"),
                 ("REGVALUE", "HKEY_CURRENT_USER\\Software\\A\\name"),
                 ("BHO", CLASS_ID),
                 ("TOOLBAR", CLASS_ID),
@@ -284,19 +361,77 @@ class MalformedTraces(Refusals):
         self.assert_refused(pack.read_traces, text, 3, "not sorted")
 
 
+class InnocentTraces(Refusals):
+    """Traces that a machine without any unwanted program would have."""
+
+    def assert_innocent(self, kind, trace, part_of_message):
+        healthy = healthyregistry.HealthyRegistry(pack.read_source(HEALTHY))
+        line = "\t".join(("A", kind, trace, "seen", "high"))
+        self.assert_refused(lambda text: pack.read_traces(text, healthy), HEADER + line + "\n", 2, part_of_message)
+
+    def test_what_every_windows_holds(self):
+        for kind, trace in (
+            ("SERVICE", "RpcSs"),
+            ("SERVICE", "rpcss"),
+            ("REGVALUE", "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon\\Userinit"),
+            ("REGKEY", "HKEY_CLASSES_ROOT\\exefile"),
+            ("REGKEY", "HKEY_CLASSES_ROOT\\exefile\\shell"),
+            ("REGKEY", "HKEY_CURRENT_USER\\Environment"),
+            ("REGKEY", "HKEY_LOCAL_MACHINE\\SYSTEM\\Setup"),
+            ("REGKEY", "HKEY_CLASSES_ROOT\\CLSID\\{86CA1AA0-34AA-4E8B-A509-50C905BAE2A2}"),
+            ("BHO", "{1FD49718-1D00-4B19-AF5F-070AF6D5D54C}"),
+            ("TOOLBAR", "{2318C2B1-4965-11D4-9B18-009027A5CD4F}"),
+        ):
+            with self.subTest(trace):
+                self.assert_innocent(kind, trace, "a healthy machine holds this")
+
+    def test_an_identifier_of_zeros(self):
+        for kind in ("BHO", "TOOLBAR"):
+            self.assert_innocent(kind, "{00000000-0000-0000-0000-000000000000}", "zeros")
+        self.assert_innocent("REGKEY", "HKEY_CLASSES_ROOT\\CLSID\\{00000000-0000-0000-0000-000000000000}", "zeros")
+
+    def test_a_name_that_many_programs_could_bear(self):
+        run = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run\\"
+        for kind, trace in (
+            ("REGVALUE", run + "Sentry"),
+            ("REGVALUE", run + "winnet"),
+            ("REGKEY", "HKEY_CURRENT_USER\\Software\\PAV"),
+            ("REGKEY", "HKEY_LOCAL_MACHINE\\SOFTWARE\\AV1"),
+            ("REGKEY", "HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Node\\IST"),
+        ):
+            with self.subTest(trace):
+                self.assert_innocent(kind, trace, "says too little")
+
+    def test_a_key_above_another_programs_trace(self):
+        text = HEADER + "".join(
+            f"{program}\t{kind}\tHKEY_CURRENT_USER\\Software\\{trace}\tseen\thigh\n"
+            for program, kind, trace in (("A", "REGKEY", "Vendor"), ("B", "REGVALUE", "Vendor\\Deep\\name"))
+        )
+        self.assert_refused(pack.read_traces, text, 2, "above a trace of B in line 3")
+
+    def test_a_key_above_a_trace_of_its_own_program_passes(self):
+        text = HEADER + "".join(
+            f"A\tREGKEY\tHKEY_CURRENT_USER\\Software\\{trace}\tseen\thigh\n" for trace in ("Vendor", "Vendor\\Deep")
+        )
+        self.assertEqual(len(pack.read_traces(text)), 2)
+
+
 class CommandLine(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.source = os.path.join(folder.name, "source.txt")
         self.target = os.path.join(folder.name, "target.dat")
+        self.against = os.path.join(folder.name, "against.txt")
+        with open(self.against, "w", encoding="utf-8") as file:
+            file.write("[Obsolete software]\nkey -1 HKCU\\software\\Gone Tool | | | 11044\n")
 
     def run_packer(self, content, what="exclusions"):
         with open(self.source, "wb") as file:
             file.write(content)
         errors = io.StringIO()
         with contextlib.redirect_stderr(errors):
-            code = pack.main([what, self.source, self.target])
+            code = pack.main([what, self.source, self.against, self.target])
         return code, errors.getvalue()
 
     def test_writes_two_bytes_and_a_zlib_stream(self):
@@ -319,9 +454,25 @@ class CommandLine(unittest.TestCase):
                 self.assertIn(f"{self.source}:1: ", errors)
                 self.assertFalse(os.path.exists(self.target))
 
+    def test_holds_the_exclusions_against_the_typical_problems(self):
+        code, errors = self.run_packer(b"gone tool // why | where\n")
+        self.assertEqual(code, 1)
+        self.assertIn(f"{self.source}:1: the entry would silence what the section Obsolete software is for", errors)
+
+    def test_explains_what_each_entry_shields_and_fails_for_an_idle_one(self):
+        for entry, code in ((b"gone", 0), (b"\\idle", 1)):
+            with open(self.source, "wb") as file:
+                file.write(entry + b" // why | where\n")
+            output, errors = io.StringIO(), io.StringIO()
+            with contextlib.redirect_stdout(output), contextlib.redirect_stderr(errors):
+                self.assertEqual(pack.main(["--explain", self.source, self.against]), code)
+            self.assertEqual("Obsolete software, text 11044: 1" in output.getvalue(), code == 0)
+            self.assertEqual("shields nothing that is written down" in errors.getvalue(), code == 1)
+
     def test_wrong_usage(self):
-        with contextlib.redirect_stderr(io.StringIO()):
-            self.assertEqual(pack.main(["pictures", self.source, self.target]), 2)
+        for arguments in ([], ["pictures", "a", "b", "c"], ["exclusions", "a", "b"], ["--explain", "a"]):
+            with contextlib.redirect_stderr(io.StringIO()):
+                self.assertEqual(pack.main(arguments), 2)
 
 
 if __name__ == "__main__":

@@ -1,0 +1,52 @@
+"""The names in the registry of a healthy machine (tests/healthy/healthy.reg), which no trace of adware may be."""
+
+import re
+
+HELPER_OBJECTS = "hkey_local_machine\\software\\microsoft\\windows\\currentversion\\explorer\\browser helper objects\\"
+TOOLBAR = "hkey_local_machine\\software\\microsoft\\internet explorer\\toolbar\\"
+SERVICES = "hkey_local_machine\\system\\currentcontrolset\\services\\"
+CLASSES = (
+    ("hkey_local_machine\\software\\classes\\", "hkey_classes_root\\"),
+    ("hkey_current_user\\software\\classes\\", "hkey_classes_root\\"),
+)
+QUOTED = re.compile(r'"((?:[^"\\]|\\.)*)"')
+
+
+def unquoted(text):
+    """The text between the quotes at the beginning, without its escapes."""
+    return re.sub(r"\\(.)", r"\1", QUOTED.match(text).group(1))
+
+
+def with_parents(path):
+    names = path.split("\\")
+    return {"\\".join(names[:count]) for count in range(1, len(names) + 1)}
+
+
+class HealthyRegistry:
+    def __init__(self, text):
+        self.keys, self.values = set(), set()
+        key = ""
+        for line in text.split("\n"):
+            if line.startswith("["):
+                key = self._as_classes(line[1:-1].lower())
+                self.keys |= with_parents(key)
+            elif line.startswith('"'):
+                self.values.add(key + "\\" + unquoted(line).lower())
+
+    @staticmethod
+    def _as_classes(path):
+        for beginning, root in CLASSES:
+            if path.startswith(beginning):
+                return root + path[len(beginning) :]
+        return path
+
+    def holds(self, kind, trace):
+        """Whether the trace would be found on the machine."""
+        place = self._as_classes(trace.lower())
+        if kind == "SERVICE":
+            return SERVICES + place in self.keys
+        if kind == "BHO":
+            return HELPER_OBJECTS + place in self.keys
+        if kind == "TOOLBAR":
+            return TOOLBAR + place in self.values
+        return place in (self.keys if kind == "REGKEY" else self.values)
