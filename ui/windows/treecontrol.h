@@ -4,15 +4,18 @@
 
 #include <cstdint>
 #include <functional>
-#include <vector>
+#include <optional>
 
 #include "ui/tree/row.h"
+#include "ui/tree/treegeometry.h"
 #include "ui/tree/treekeys.h"
 #include "ui/tree/treelayout.h"
 #include "ui/tree/treemodel.h"
 #include "ui/windows/controlsapi.h"
 #include "ui/windows/gdi.h"
 #include "ui/windows/scrolling.h"
+#include "ui/windows/tip.h"
+#include "ui/windows/treepainter.h"
 #include "ui/windows/window.h"
 
 namespace corvalt {
@@ -87,10 +90,10 @@ class TTreeControl : public TWindow {
 
   // In the tree's font, of one line.
   int MeasureText(TextView text) const {
-    return m_meter.Width(text);
+    return m_painter.Meter().Width(text);
   }
   HFONT Font() const {
-    return m_meter.Font();
+    return m_painter.Meter().Font();
   }
 
   // For assistive technology.
@@ -117,8 +120,7 @@ class TTreeControl : public TWindow {
  private:
   struct THit {
     TTreeNode* Node = nullptr;
-    bool OnButton = false;
-    bool OnCheckBox = false;
+    TTreePart Part = TTreePart::Outside;
   };
 
   void OnCreate();
@@ -134,58 +136,32 @@ class TTreeControl : public TWindow {
   LRESULT OnNotify(const NMHDR* notice);
 
   void Draw(HDC dc, const RECT& area);
-  void DrawHint(HDC dc);
-  void DrawRow(HDC dc, const TTreeRow& row, const RECT& rect);
-  void DrawLines(HDC dc, const TTreeRow& row, const RECT& rect);
-  void DrawButton(HDC dc, const TTreeNode& node, const RECT& place);
-  void DrawCheckBox(HDC dc, TCheckState state, const RECT& place);
-  void PaintCheckBox(HDC dc, TCheckState state, bool isEnabled, const RECT& place) const;
-  void DrawRowText(HDC dc, const TTreeRow& row, const RECT& rect, const TRowLook& look);
   // The row's lines where one of them is cut off at the right; empty when all can be read.
   Text TipOf(const TTreeRow& row) const;
-  void CreateTip();
-  void SetTip(Text tip);
-  COLORREF TextColour(const TRowLine& line, bool isFocused) const;
 
-  // Geometry of a row, in client coordinates of its rectangle.
-  RECT ButtonPlace(const TTreeRow& row, const RECT& rect) const;
-  RECT CheckBoxPlace(const TTreeRow& row, const RECT& rect) const;
-  RECT RectOf(const TTreeRow& row) const;
-  RECT RowsArea() const;
+  std::optional<TTreeRow> RowUnder(POINT point);
   THit HitTest(POINT point);
 
   void UpdateScrollBars();
+  void PlaceHeader();
   void ScrollTo(int left, std::int64_t top);
   void BringIntoSight(TTreeNode* node);
   void MoveSelection(TTreeNode* node);
   void SetOpen(TTreeNode* node, bool open);
-  void OpenThemes();
   void Announce(DWORD event, const TTreeNode* node);
   void AnnounceRows();
 
   TTreeModel& m_model;
   TTreeControlOwner& m_owner;
   TTreeOptions m_options;
-  TScale m_scale;
+  TTreePainter m_painter;
+  TTreeGeometry m_geometry;
   TTreeLayout m_layout;
   TTreeKeys m_keys;
-  TTextMeter m_meter;
-  TTextMeter m_boldMeter;
-  TGdiObject m_dots;
-  TTheme m_treeTheme;
-  TTheme m_buttonTheme;
   TPaintBuffer m_buffer;
-  // Every look of a check box, side by side.
-  TPaintBuffer m_checkBoxes;
-  bool m_checkBoxesArePainted = false;
-  HIMAGELIST m_images = nullptr;
+  TTip m_tip;
   HWND m_header = nullptr;
-  HWND m_tip = nullptr;
-  const TTreeNode* m_tipNode = nullptr;  // never followed: the row may have gone
-  bool m_isHighContrast = false;
-  int m_rowUnit = 0;
-  int m_scrollLeft = 0;
-  std::int64_t m_scrollTop = 0;
+  const TTreeNode* m_tipNode = nullptr;  // only compared: the row may have gone
   TWheel m_wheel;
   bool m_refreshIsDue = false;
   std::int64_t m_announcedRows = 0;
