@@ -7,17 +7,17 @@
 
 namespace corvalt {
 
-// The dialog is remembered as long as it is open. However it goes, the thread that it shows is told to stop
-// before it has gone, and so never reaches it again.
+// The dialog is remembered as long as it is open. However it is left, the thread that it shows is told to
+// stop before the dialog goes, and so never reaches it again. The thread runs on to its next check; nobody
+// waits for it.
 class TRegMain::TOpenDialog {
  public:
   TOpenDialog(TRegMain& main, TProgressView& dialog) : m_main(main) {
     m_main.m_progress = &dialog;
   }
   ~TOpenDialog() {
-    // Also after a second dialog that this one opened, and that has been forgotten already.
     m_main.m_progress = nullptr;
-    m_main.ProgressClosing();
+    m_main.StopRun();
     m_main.ActionsChanged();
   }
   TOpenDialog(const TOpenDialog&) = delete;
@@ -81,7 +81,8 @@ void TRegMain::Scan() {
   m_results.Clear();
   ActionsChanged();
   m_view.ResultsChanged();
-  RunWithProgress(TProgressMode::Scan);
+  if (RunWithProgress(TProgressMode::Scan) == TProgressEnd::RepairWanted)
+    Repair();
 }
 
 void TRegMain::Repair() {
@@ -92,7 +93,7 @@ void TRegMain::Repair() {
   RunWithProgress(TProgressMode::Repair);
 }
 
-void TRegMain::RunWithProgress(TProgressMode mode) {
+TProgressEnd TRegMain::RunWithProgress(TProgressMode mode) {
   const std::unique_ptr<TProgressView> progress = m_view.CreateProgress(mode);
   const TOpenDialog open(*this, *progress);
   m_scanned = false;
@@ -108,10 +109,10 @@ void TRegMain::RunWithProgress(TProgressMode mode) {
     m_cleaning = &TWorkerThread::Launch<TCleaning>(context, *progress);
   }
   ActionsChanged();
-  progress->ShowModal();
+  return progress->ShowModal();
 }
 
-void TRegMain::ProgressClosing() {
+void TRegMain::StopRun() {
   if (m_scan != nullptr)
     m_scan->Terminate();
   if (m_cleaning != nullptr)

@@ -20,17 +20,20 @@
 
 namespace corvalt {
 
+// How the user left the progress dialog.
+enum class TProgressEnd { Closed, RepairWanted };
+
 // The modal progress dialog as the main window's work sees it.
 class TProgressView : public TProgressDialog {
  public:
-  // Shows the dialog and answers when it has been closed. The dialog calls TRegMain::ProgressClosing then,
-  // and TRegMain::Repair for its Repair button.
-  virtual void ShowModal() = 0;
+  // Shows the dialog; returns when it has been left, whether its thread has ended or not.
+  virtual TProgressEnd ShowModal() = 0;
 
   // The run has ended with this message and this many problems left to repair.
   virtual void ShowResult(TextView message, std::size_t problemCount) = 0;
 
-  // Whether the Repair button does anything now. Said whenever it changes, also while there is no button yet.
+  // Whether the Repair button may be pressed now. Called whenever it changes, also while the button is not
+  // shown yet.
   virtual void EnableRepair(bool enabled) = 0;
 };
 
@@ -100,10 +103,6 @@ class TRegMain {
   void Scan();
   void Repair();
 
-  // The progress dialog is closing: the thread that it shows is told to stop. Nothing is left to tell after
-  // its end.
-  void ProgressClosing();
-
   void UpdateSummary();
 
   // What stands in the results tree while it has no rows.
@@ -121,7 +120,9 @@ class TRegMain {
  private:
   class TOpenDialog;
 
-  void RunWithProgress(TProgressMode mode);
+  TProgressEnd RunWithProgress(TProgressMode mode);
+  // Tells the thread that the progress dialog shows to stop, if it still runs.
+  void StopRun();
   void ScanFinished(TWorkerThread& thread);
   void CleaningFinished(TWorkerThread& thread);
   void MaintenanceFinished(TWorkerThread& thread);

@@ -35,7 +35,7 @@ class TMainRig::TDialog : public TProgressView {
     m_record->IsThere = false;
   }
 
-  void ShowModal() override {
+  TProgressEnd ShowModal() override {
     if (m_rig.Users.empty()) {
       m_rig.WaitForTheEnd();
     } else {
@@ -45,8 +45,7 @@ class TMainRig::TDialog : public TProgressView {
     }
     if (m_rig.DialogThrows)
       throw std::runtime_error("the dialog is gone");
-    if (!m_rig.DialogGoesSilently)
-      m_rig.Main.ProgressClosing();
+    return m_record->End;
   }
   void ShowResult(TextView message, std::size_t problemCount) override {
     m_record->Results.push_back(EncodeUtf8(message) + "|" + std::to_string(problemCount));

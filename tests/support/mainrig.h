@@ -28,6 +28,7 @@ struct TDialogRecord {
   std::vector<std::string> Updates;  // labels and bars, as TRecordingDialog words them
   std::vector<std::string> Results;  // "message|count"
   bool MayRepair = false;
+  TProgressEnd End = TProgressEnd::Closed;
 };
 
 class TMainRig : private TRegMainView {
@@ -45,8 +46,8 @@ class TMainRig : private TRegMainView {
   void BreakMany(int count);
   bool IsBroken(int number) const;
 
-  // What the user does with the next dialogs, each while it is open; it closes when the routine ends. Where
-  // nothing is said the user waits for the thread's end.
+  // What the user does with the next dialogs, each while it is open; it closes when the routine ends, as its
+  // record says then. Without a routine the user waits for the thread's end.
   using TUser = std::function<void(TDialogRecord&)>;
   std::deque<TUser> Users;
 
@@ -77,10 +78,9 @@ class TMainRig : private TRegMainView {
   std::vector<TSummary> Summaries;
   int ResultsChanges = 0;
   int ActionsChanges = 0;
-  // The dialog can't be made, goes as if it had thrown, or without a word to the main window.
+  // The dialog can't be made, or throws while it is shown.
   bool NoDialog = false;
   bool DialogThrows = false;
-  bool DialogGoesSilently = false;
 
  private:
   class TDialog;

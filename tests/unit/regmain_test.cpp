@@ -361,15 +361,6 @@ TEST(MainWindowScan, ClosedAtItsVeryStartFindsNothing) {
   EXPECT_EQ(rig.Enabled(), "scan restore");
 }
 
-TEST(MainWindowScan, ClosedTwiceIsClosedOnce) {
-  TMainRig rig;
-  rig.BreakMany(20);
-  rig.Users.push_back([&](TDialogRecord&) { rig.Main.ProgressClosing(); });
-  rig.Main.Scan();
-  rig.WaitForTheEnd();
-  EXPECT_EQ(rig.Enabled(), "scan restore");
-}
-
 TEST(MainWindowScan, ASecondOneDoesNotStartBeforeTheFirstHasEnded) {
   TMainRig rig;
   rig.BreakMany(20);
@@ -382,18 +373,6 @@ TEST(MainWindowScan, ASecondOneDoesNotStartBeforeTheFirstHasEnded) {
   rig.Main.Scan();
   EXPECT_EQ(rig.Dialogs.size(), 2u);
   EXPECT_EQ(rig.RowCount(), 20u);
-}
-
-TEST(MainWindowScan, ADialogThatGoesWithoutAWordStopsTheScan) {
-  TMainRig rig;
-  rig.BreakMany(200);
-  rig.DialogGoesSilently = true;
-  rig.Users.push_back([&](TDialogRecord&) { rig.PumpUntil([&] { return rig.RowCount() == 5; }); });
-  rig.Main.Scan();
-  const std::size_t updates = rig.Dialogs[0].Updates.size();
-  rig.WaitForTheEnd();
-  EXPECT_LT(rig.RowCount(), 200u);
-  EXPECT_EQ(rig.Dialogs[0].Updates.size(), updates);
 }
 
 TEST(MainWindowScan, ADialogThatThrowsIsForgottenAndStopsTheScan) {
@@ -566,23 +545,26 @@ TEST(MainWindowRepair, IsDoneWithTheWindowWhenItSaysAFailure) {
 
 // From the scan's dialog on
 
-TEST(MainWindowRepair, FromTheScansDialogRunsInADialogOfItsOwn) {
+TEST(MainWindowRepair, FromTheScansDialogRunsInADialogOfItsOwnOnceTheFirstIsClosed) {
   TMainRig rig;
   rig.BreakMany(3);
-  bool scanDialogIsThere = false;
+  bool scanDialogIsThere = true;
   rig.Users.push_back([&](TDialogRecord& scan) {
     rig.WaitForTheEnd();
-    rig.Main.Repair();
-    scanDialogIsThere = scan.IsThere;
+    scan.End = TProgressEnd::RepairWanted;
+  });
+  rig.Users.push_back([&](TDialogRecord&) {
+    scanDialogIsThere = rig.Dialogs[0].IsThere;
+    rig.WaitForTheEnd();
   });
   rig.Main.Scan();
-  ASSERT_EQ(rig.Dialogs.size(), 2u);
-  EXPECT_TRUE(scanDialogIsThere);
+  ASSERT_EQ(rig.Dialogs.size(), 2U);
+  EXPECT_FALSE(scanDialogIsThere);
   EXPECT_EQ(rig.Dialogs[1].Mode, TProgressMode::Repair);
-  // The hidden dialog is told nothing of the repair.
+  // The scan's dialog is told nothing of the repair.
   EXPECT_EQ(rig.Dialogs[0].Results, TLines({"11013(3),11015(3).|3"}));
   EXPECT_EQ(rig.Dialogs[1].Results, TLines({"11016,11017.|0", "11008|0"}));
-  EXPECT_EQ(rig.RowCount(), 0u);
+  EXPECT_EQ(rig.RowCount(), 0U);
   EXPECT_FALSE(rig.Main.AnyThreadRuns());
   EXPECT_EQ(rig.Enabled(), "scan restore");
 }
@@ -590,34 +572,28 @@ TEST(MainWindowRepair, FromTheScansDialogRunsInADialogOfItsOwn) {
 TEST(MainWindowRepair, FromTheScansDialogClosedInTheMiddleReachesNeitherDialog) {
   TMainRig rig;
   rig.BreakMany(50);
-  rig.Users.push_back([&](TDialogRecord&) {
+  rig.Users.push_back([&](TDialogRecord& scan) {
     rig.WaitForTheEnd();
-    rig.Main.Repair();
+    scan.End = TProgressEnd::RepairWanted;
   });
   rig.Users.push_back(
       [&](TDialogRecord& repair) { rig.PumpUntil([&] { return repair.Updates.size() > 3; }); });
   rig.Main.Scan();
   EXPECT_TRUE(rig.Main.WorkerRuns());
   rig.WaitForTheEnd();
-  EXPECT_EQ(rig.Dialogs[0].Results.size(), 1u);
+  EXPECT_EQ(rig.Dialogs[0].Results.size(), 1U);
   EXPECT_EQ(rig.Dialogs[1].Results, TLines());
-  EXPECT_EQ(rig.RowCount(), 50u);
+  EXPECT_EQ(rig.RowCount(), 50U);
   EXPECT_EQ(rig.Enabled(), "scan repair restore export");
 }
 
-TEST(MainWindowRepair, EndingWhileTheScansDialogIsStillThereReachesNeitherDialog) {
+TEST(MainWindowRepair, FromADialogWhoseScanStillRunsDoesNotBegin) {
   TMainRig rig;
   rig.BreakMany(50);
-  rig.Users.push_back([&](TDialogRecord&) {
-    rig.WaitForTheEnd();
-    rig.Main.Repair();
-    rig.WaitForTheEnd();
-  });
-  rig.Users.push_back([](TDialogRecord&) {});
+  rig.Users.push_back([](TDialogRecord& scan) { scan.End = TProgressEnd::RepairWanted; });
   rig.Main.Scan();
-  EXPECT_EQ(rig.Dialogs[0].Results.size(), 1u);
-  EXPECT_EQ(rig.Dialogs[1].Results, TLines());
-  EXPECT_EQ(rig.Enabled(), "scan repair restore export");
+  EXPECT_EQ(rig.Dialogs.size(), 1U);
+  rig.WaitForTheEnd();
 }
 
 // Maintenance, and the end of the window

@@ -28,11 +28,8 @@ constexpr DWORD kLabelStyle = SS_NOPREFIX;
 
 }  // namespace
 
-TfrmScan::TfrmScan(TRegMain& main, const TLanguageTexts& texts, HWND owner, TProgressMode mode)
-    : m_main(main),
-      m_texts(texts),
-      m_mode(mode),
-      m_picture(LoadPicture(kProgressIcon, DrawnSize(Scale()(kPictureSize)))) {
+TfrmScan::TfrmScan(const TLanguageTexts& texts, HWND owner, TProgressMode mode)
+    : m_texts(texts), m_mode(mode), m_picture(LoadPicture(kProgressIcon, DrawnSize(Scale()(kPictureSize)))) {
   CreateModal(u"TfrmScan", PlainText(ProgressCaption(mode, texts)), owner, kInside, 0);
   m_sectionLabel = AddControl(u"STATIC", {}, kLabelStyle | SS_ENDELLIPSIS, 0, 0, 0, 0, 0);
   m_overallBar = AddControl(kProgressClass, {}, 0, 0, 0, 0, 0, 0);
@@ -79,8 +76,9 @@ void TfrmScan::Layout() {
   Place(m_closeButton, closeLeft, lineTop + Scale()(8), closeWidth, height);
 }
 
-void TfrmScan::ShowModal() {
+TProgressEnd TfrmScan::ShowModal() {
   RunModal();
+  return m_end;
 }
 
 void TfrmScan::ShowResult(TextView message, std::size_t problemCount) {
@@ -119,19 +117,11 @@ void TfrmScan::SetSectionPosition(std::int32_t position) {
 
 LRESULT TfrmScan::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_COMMAND && LOWORD(wParam) == kRepairId) {
-    OnRepair();
+    m_end = TProgressEnd::RepairWanted;
+    Close();
     return 0;
   }
-  // However it is closed: the thread runs on to its next check, and the dialog does not wait for it.
-  if (message == WM_CLOSE)
-    m_main.ProgressClosing();
   return TModalWindow::OnMessage(message, wParam, lParam);
-}
-
-void TfrmScan::OnRepair() {
-  Hide();
-  m_main.Repair();
-  Close();
 }
 
 }  // namespace corvalt

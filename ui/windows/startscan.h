@@ -10,10 +10,10 @@ namespace corvalt {
 
 class TfrmScan : public TModalWindow, public TProgressView {
  public:
-  // Everything must outlive the dialog.
-  TfrmScan(TRegMain& main, const TLanguageTexts& texts, HWND owner, TProgressMode mode);
+  // The texts must outlive the dialog.
+  TfrmScan(const TLanguageTexts& texts, HWND owner, TProgressMode mode);
 
-  void ShowModal() override;
+  TProgressEnd ShowModal() override;
   void ShowResult(TextView message, std::size_t problemCount) override;
   void EnableRepair(bool enabled) override;
   void SetSectionLabel(TextView text) override;
@@ -28,9 +28,7 @@ class TfrmScan : public TModalWindow, public TProgressView {
   void Layout();
   // Pixels between the margins that the dialog's own texts want.
   int ContentWidth() const;
-  void OnRepair();
 
-  TRegMain& m_main;
   const TLanguageTexts& m_texts;
   TProgressMode m_mode;
   TIcon m_picture;
@@ -42,6 +40,7 @@ class TfrmScan : public TModalWindow, public TProgressView {
   HWND m_image = nullptr;
   HWND m_repairButton = nullptr;
   HWND m_closeButton = nullptr;
+  TProgressEnd m_end = TProgressEnd::Closed;
 };
 
 }  // namespace corvalt

@@ -6,7 +6,7 @@
 
 #include <optional>
 
-#include "tests/support/mainrig.h"
+#include "tests/support/scanrig.h"
 
 namespace corvalt {
 
@@ -59,7 +59,7 @@ class ProgressDialog : public testing::Test {
   }
 
   TfrmScan& Open(TProgressMode mode) {
-    return m_dialog.emplace(m_rig.Main, m_rig.Vars.Texts, m_owner, mode);
+    return m_dialog.emplace(m_rig.Vars.Texts, m_owner, mode);
   }
   HWND Control(int number) const {
     HWND control = GetWindow(m_dialog->Handle(), GW_CHILD);
@@ -86,7 +86,7 @@ class ProgressDialog : public testing::Test {
   static constexpr int kRepairButton = 6;
   static constexpr int kCloseButton = 7;
 
-  TMainRig m_rig;
+  TScanRig m_rig;
   HWND m_owner = CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, 100, 100, 800, 600, nullptr, nullptr,
                                  ProgramInstance(), nullptr);
   std::optional<TfrmScan> m_dialog;
@@ -172,47 +172,26 @@ TEST_F(ProgressDialog, ItsOwnerTakesNoInputWhileItIsOpen) {
 
 // However it is closed
 
-TEST_F(ProgressDialog, EveryWayOfClosingItStopsTheScan) {
-  constexpr int kProblems = 200;
-  m_rig.BreakMany(kProblems);
+TEST_F(ProgressDialog, EveryWayOfClosingItIsNoWishForARepair) {
   const std::vector<std::function<void()>> ways = {
       [this] { ::PostMessageW(Control(kCloseButton), BM_CLICK, 0, 0); },
       [this] { ::PostMessageW(Control(kCloseButton), WM_KEYDOWN, VK_ESCAPE, 1); },
       [this] { ::PostMessageW(m_dialog->Handle(), WM_SYSCOMMAND, SC_CLOSE, 0); }};
   for (const std::function<void()>& close : ways) {
-    m_rig.Users = {[this, &close](TDialogRecord&) {
-      m_rig.PumpUntil([this] { return m_rig.RowCount() == 5; });
-      TfrmScan& dialog = Open(TProgressMode::Scan);
-      close();
-      dialog.ShowModal();
-      EXPECT_TRUE(m_rig.Main.WorkerRuns());
-      m_rig.WaitForTheEnd();
-    }};
-    m_rig.Main.Scan();
-    EXPECT_GE(m_rig.RowCount(), 5U);
-    EXPECT_LT(m_rig.RowCount(), static_cast<std::size_t>(kProblems));
+    TfrmScan& dialog = Open(TProgressMode::Scan);
+    close();
+    EXPECT_EQ(dialog.ShowModal(), TProgressEnd::Closed);
+    EXPECT_FALSE(IsWindowVisible(dialog.Handle()));
   }
 }
 
-TEST_F(ProgressDialog, ItsRepairButtonHidesItRunsTheRepairAndClosesIt) {
-  m_rig.BreakMany(3);
-  bool wasHidden = false;
-  m_rig.Users.push_back([this](TDialogRecord&) {
-    m_rig.WaitForTheEnd();
-    TfrmScan& dialog = Open(TProgressMode::Scan);
-    dialog.ShowResult(u"11013(3),11015(3).", 3);
-    ::PostMessageW(Control(kRepairButton), BM_CLICK, 0, 0);
-    dialog.ShowModal();
-  });
-  m_rig.Users.push_back([this, &wasHidden](TDialogRecord&) {
-    wasHidden = !IsWindowVisible(m_dialog->Handle());
-    m_rig.WaitForTheEnd();
-  });
-  m_rig.Main.Scan();
-  ASSERT_EQ(m_rig.Dialogs.size(), 2U);
-  EXPECT_TRUE(wasHidden);
-  EXPECT_EQ(m_rig.Dialogs[1].Mode, TProgressMode::Repair);
-  EXPECT_EQ(m_rig.RowCount(), 0U);
+TEST_F(ProgressDialog, ItsRepairButtonClosesItAndSaysWhatIsWanted) {
+  TfrmScan& dialog = Open(TProgressMode::Scan);
+  dialog.ShowResult(u"11013(3),11015(3).", 3);
+  ::PostMessageW(Control(kRepairButton), BM_CLICK, 0, 0);
+  EXPECT_EQ(dialog.ShowModal(), TProgressEnd::RepairWanted);
+  EXPECT_FALSE(IsWindowVisible(dialog.Handle()));
+  EXPECT_TRUE(IsWindowEnabled(m_owner));
 }
 
 TEST_F(ProgressDialog, ItsRepairButtonWaitsUntilARepairMayBegin) {
