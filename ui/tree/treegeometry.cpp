@@ -20,8 +20,8 @@ constexpr int kHeaderHeight = 20;
 constexpr int kButtonReach = 3;
 constexpr int kCheckBoxReach = 1;
 
-// The height of a row's line is this many times the height of its text; the second line is drawn closer to the
-// first.
+// The height of a row's line is this many times the height of its text; the second line is drawn closer to
+// the first.
 constexpr double kUnitsPerTextHeight = 1.7;
 constexpr double kLineStep = 0.9;
 
@@ -88,7 +88,8 @@ TBox TTreeGeometry::Centred(int left, int size, const TBox& place) const {
 
 TBox TTreeGeometry::ButtonPlace(const TTreeRow& row) const {
   const TBox place = PlaceOf(row);
-  const int left = place.Left + m_measures.Indent * row.Level + (m_measures.Indent - m_measures.ButtonSize) / 2;
+  const int left =
+      place.Left + m_measures.Indent * row.Level + (m_measures.Indent - m_measures.ButtonSize) / 2;
   return Centred(left, m_measures.ButtonSize, place);
 }
 
@@ -97,7 +98,8 @@ TBox TTreeGeometry::CheckBoxPlace(const TTreeRow& row) const {
   return Centred(place.Left + m_measures.Indent * (row.Level + 1), m_measures.CheckBoxSize, place);
 }
 
-TBox TTreeGeometry::LinePlace(const TTreeRow& row, std::size_t line, bool hasImage, int controlsHeight) const {
+TBox TTreeGeometry::LinePlace(const TTreeRow& row, std::size_t line, bool hasImage,
+                              int controlsHeight) const {
   TBox place = PlaceOf(row);
   place.Left += TextLeft(row.Level) + (hasImage ? m_measures.ImageRoom : 0);
   place.Right -= m_measures.TextMargin + 1;

@@ -1,5 +1,5 @@
-// Where the parts of a tree's rows lie in its window, and how far the window is scrolled. Arithmetic in pixels,
-// without a window.
+// Where the parts of a tree's rows lie in its window, and how far the window is scrolled. Arithmetic in
+// pixels, without a window.
 #pragma once
 
 #include <cstddef>
@@ -42,8 +42,8 @@ struct TTreeMeasures {
   int CheckBoxReach = 0;
 };
 
-// The measures on a display of this resolution, where a line of text has this height in pixels. A tree without
-// a header has one column that is as wide as its window.
+// The measures on a display of this resolution, where a line of text has this height in pixels. A tree
+// without a header has one column that is as wide as its window.
 TTreeMeasures MeasureTree(int dotsPerInch, int textHeight, bool hasHeader);
 
 enum class TTreePart { Outside, Button, CheckBox, Row };

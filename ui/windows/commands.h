@@ -1,4 +1,4 @@
-// The commands of the main window, in menus, toolbar, links and keys alike, and their pictures.
+// The numbers of the main window's commands, of its controls and of its actions' pictures.
 #pragma once
 
 namespace corvalt {
@@ -28,15 +28,17 @@ inline constexpr int kCmdRemoveEntry = 1020;
 inline constexpr int kCmdShowCommandLine = 1021;
 inline constexpr int kCmdRefresh = 1022;
 
+inline constexpr int kSectionsTreeId = 2001;
+inline constexpr int kResultsTreeId = 2002;
+inline constexpr int kChooserId = 2003;
+inline constexpr int kToolbarId = 2004;
+inline constexpr int kSummaryId = 2005;
+
 // Places in the list of action pictures.
+inline constexpr int kNoPicture = -1;
 inline constexpr int kImageScan = 5;
 inline constexpr int kImageRestore = 6;
 inline constexpr int kImageIgnoreList = 9;
 inline constexpr int kImageRepair = 10;
-inline constexpr int kImageDiskCleanup = 16;
-inline constexpr int kImageStartupManager = 17;
-inline constexpr int kImageUninstallManager = 18;
-inline constexpr int kImageProcessManager = 19;
-inline constexpr int kImageUpgrade = 20;
 
 }  // namespace corvalt

@@ -24,10 +24,9 @@ TTreeControl::TTreeControl(TTreeModel& model, TTreeControlOwner& owner, TTreeOpt
       m_options(options),
       m_painter(model, options.HighlightText),
       m_geometry(MeasureTree(m_painter.DotsPerInch(), m_painter.Meter().Height(), options.HasHeader)),
-      m_layout(model,
-               [this](const TTreeNode& node) {
-                 return m_owner.RowUnits(node) * m_geometry.Measures().RowUnit;
-               }),
+      m_layout(
+          model,
+          [this](const TTreeNode& node) { return m_owner.RowUnits(node) * m_geometry.Measures().RowUnit; }),
       m_keys(model, m_layout, options.NodesClose) {
 }
 
@@ -191,8 +190,7 @@ void TTreeControl::Draw(HDC dc, const RECT& area) {
     TTreeNode* next = m_layout.NextRow(row->Node);
     if (next == nullptr)
       return;
-    row =
-        TTreeRow{next, row->Top + row->Height, m_owner.RowUnits(*next) * unit, TTreeLayout::LevelOf(*next)};
+    row = TTreeRow{next, row->Top + row->Height, m_owner.RowUnits(*next) * unit, TTreeLayout::LevelOf(*next)};
   }
 }
 

@@ -60,7 +60,8 @@ void TTreeControl::ColumnChanged() {
 
 void TTreeControl::UpdateScrollBars() {
   const std::int64_t height = m_layout.TotalHeight();
-  m_geometry.SetContent(m_options.HasHeader ? m_owner.ColumnWidth() : 0, height);
+  // Without rows there is no text to be scrolled to, however wide the column was made for earlier ones.
+  m_geometry.SetContent(m_options.HasHeader && height > 0 ? m_owner.ColumnWidth() : 0, height);
   SCROLLINFO info = {};
   info.cbSize = sizeof info;
   info.fMask = SIF_RANGE | SIF_PAGE;
@@ -95,8 +96,7 @@ void TTreeControl::ScrollTo(int left, std::int64_t top) {
 }
 
 void TTreeControl::OnScroll(int bar, WPARAM wParam) {
-  const int position =
-      WantedScrollPosition(Handle(), bar, LOWORD(wParam), m_geometry.Measures().RowUnit);
+  const int position = WantedScrollPosition(Handle(), bar, LOWORD(wParam), m_geometry.Measures().RowUnit);
   if (bar == SB_HORZ)
     ScrollTo(position, m_geometry.ScrollTop());
   else

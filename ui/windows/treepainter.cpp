@@ -90,7 +90,8 @@ void TTreePainter::DrawLines(HDC dc, const TTreeGeometry& geometry, const TTreeR
 void TTreePainter::DrawButton(HDC dc, bool isOpen, const RECT& place) const {
   FillRect(dc, &place, GetSysColorBrush(COLOR_WINDOW));
   if (m_treeTheme) {
-    DrawThemeBackground(m_treeTheme.Get(), dc, TVP_GLYPH, isOpen ? GLPS_OPENED : GLPS_CLOSED, &place, nullptr);
+    DrawThemeBackground(m_treeTheme.Get(), dc, TVP_GLYPH, isOpen ? GLPS_OPENED : GLPS_CLOSED, &place,
+                        nullptr);
     return;
   }
   FrameRect(dc, &place, GetSysColorBrush(COLOR_BTNSHADOW));
@@ -105,7 +106,8 @@ void TTreePainter::DrawButton(HDC dc, bool isOpen, const RECT& place) const {
   FillRect(dc, &down, GetSysColorBrush(COLOR_WINDOWTEXT));
 }
 
-// Painting a check box of the theme takes longer than the rest of a row: every look is painted once and copied.
+// Painting a check box of the theme takes longer than the rest of a row: every look is painted once and
+// copied.
 void TTreePainter::DrawCheckBox(HDC dc, TCheckState state, bool isEnabled, const RECT& place) {
   const LONG size = place.right - place.left;
   const auto leftOf = [size](TCheckState look, bool enabled) {

@@ -16,10 +16,6 @@ namespace {
 
 using TLines = std::vector<std::string>;
 
-constexpr int kSectionsTree = 2001;
-constexpr int kResultsTree = 2002;
-constexpr int kToolbar = 2004;
-
 std::string TextOf(HWND window) {
   wchar_t text[1000] = {};
   GetWindowTextW(window, text, 1000);
@@ -72,7 +68,7 @@ class MainWindow : public testing::Test {
     return m_window->Handle();
   }
   HWND Results() const {
-    return GetDlgItem(Window(), kResultsTree);
+    return GetDlgItem(Window(), kResultsTreeId);
   }
   HWND Navigation() const {
     return ChildOf(Window(), L"TessalyNavigationPane");
@@ -163,7 +159,7 @@ TEST_F(MainWindow, ItsMenusHoldWhatIsOfferedAndNothingHidden) {
 }
 
 TEST_F(MainWindow, ItsToolbarHasFourButtonsWithCaptionAndPicture) {
-  const HWND toolbar = GetDlgItem(Window(), kToolbar);
+  const HWND toolbar = GetDlgItem(Window(), kToolbarId);
   TLines buttons;
   const auto count = static_cast<int>(::SendMessageW(toolbar, TB_BUTTONCOUNT, 0, 0));
   for (int i = 0; i < count; ++i) {
@@ -192,7 +188,7 @@ TEST_F(MainWindow, TheSectionsTreeFillsTheNavigationPaneBelowTheTasks) {
   constexpr int kBelow = 25;
   const SIZE pane = SizeOf(Navigation());
   EXPECT_EQ(pane.cx, 230);
-  const HWND tree = GetDlgItem(Navigation(), kSectionsTree);
+  const HWND tree = GetDlgItem(Navigation(), kSectionsTreeId);
   EXPECT_EQ(SizeOf(tree).cx, pane.cx);
   EXPECT_EQ(SizeOf(tree).cy, pane.cy - kTasks - 2 * kGroupHeader - kBelow);
   SetWindowPos(Window(), nullptr, 0, 0, 900, 700, SWP_NOMOVE | SWP_NOZORDER);
@@ -220,6 +216,17 @@ TEST_F(MainWindow, TheStatusBarHasTwoPartsTheFirst200WideAndAHiddenProgressBar) 
   EXPECT_EQ(GetWindowLongPtrW(bar, GWL_STYLE) & WS_VISIBLE, 0);
 }
 
+TEST_F(MainWindow, TheSummaryIsALabelOverTheResults) {
+  const HWND summary = GetDlgItem(Window(), kSummaryId);
+  EXPECT_EQ(TextOf(summary), "11011");
+  RECT place = {};
+  RECT tree = {};
+  GetWindowRect(summary, &place);
+  GetWindowRect(Results(), &tree);
+  EXPECT_EQ(place.bottom, tree.top);
+  EXPECT_EQ(place.left, tree.left + 8);
+}
+
 TEST_F(MainWindow, ClaimsNoCountsBeforeTheFirstScan) {
   for (const WPARAM part : {0, 1})
     EXPECT_EQ(LOWORD(::SendMessageW(StatusBar(), SB_GETTEXTLENGTHW, part, 0)), 0) << part;
@@ -240,7 +247,7 @@ TEST_F(MainWindow, TheRowControlsArePartsOfTheTreeAndParkedWithoutASelectedProbl
 
 TEST_F(MainWindow, AnEmptyTreeCanNeitherBeRepairedNorExported) {
   const HMENU bar = GetMenu(Window());
-  const HWND toolbar = GetDlgItem(Window(), kToolbar);
+  const HWND toolbar = GetDlgItem(Window(), kToolbarId);
   for (const int command : {kCmdRepair, kCmdExport}) {
     EXPECT_NE(GetMenuState(bar, static_cast<UINT>(command), MF_BYCOMMAND) & MF_GRAYED, 0U) << command;
     Command(command);
