@@ -28,35 +28,31 @@ Text UninstallCommand(RegistryStore& registry) {
   return command.empty() ? registry.ReadString(u"QuietUninstallString") : command;
 }
 
-}  // namespace
-
-void TScan::ScanAddRemovePrograms(const TSection& section) {
-  AddHeader(section);
-  CurrentSectionName = section.ProgressName;
-  SectionPosition = kFixedPosition;
-  ShowSection();
-  const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyLocalMachine);
-  const std::vector<Text> names = SubKeyNames(*registry, kUninstall);
-  for (std::size_t i = 0; i < names.size() && !Terminated(); ++i) {
-    const Text key = Text(kUninstall) + u"\\" + names[i];
-    ReportProgress(ShareOfBar(i, names.size(), 100), WithoutLeadingBackslash(key));
-    CheckUninstallEntry(*registry, key);
-  }
-  FinishSection();
-}
-
-void TScan::CheckUninstallEntry(RegistryStore& registry, TextView keyPath) {
+void CheckUninstallEntry(TScan& scan, RegistryStore& registry, TextView keyPath) {
   if (!registry.OpenKey(keyPath, false))
     return;
   if (NamesUninstaller(registry.GetValueNames())) {
     const Text command = UninstallCommand(registry);
-    if (!command.empty() && !m_paths.CommandLineFileExists(command, true)) {
-      ReportKey(kHkeyLocalMachine, keyPath, {}, Say(TextId::MissingUninstaller, command));
+    if (!command.empty() && !scan.Paths().CommandLineFileExists(command, true)) {
+      scan.ReportKey(kHkeyLocalMachine, keyPath, {}, scan.Say(TextId::MissingUninstaller, command));
     }
   } else if (!registry.HasSubKeys()) {
-    ReportKey(kHkeyLocalMachine, keyPath, {}, Say(TextId::NoUninstaller));
+    scan.ReportKey(kHkeyLocalMachine, keyPath, {}, scan.Say(TextId::NoUninstaller));
   }
   registry.CloseKey();
+}
+
+}  // namespace
+
+void ScanAddRemovePrograms(TScan& scan) {
+  scan.ShowSectionAt(kFixedPosition);
+  const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(kHkeyLocalMachine);
+  const std::vector<Text> names = SubKeyNames(*registry, kUninstall);
+  for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
+    const Text key = Text(kUninstall) + u"\\" + names[i];
+    scan.ReportProgress(ShareOfBar(i, names.size(), 100), WithoutLeadingBackslash(key));
+    CheckUninstallEntry(scan, *registry, key);
+  }
 }
 
 }  // namespace corvalt

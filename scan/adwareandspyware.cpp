@@ -3,6 +3,7 @@
 
 #include "base/lettercase.h"
 #include "formats/inflate.h"
+#include "formats/nativexml.h"
 #include "scan/threadscan.h"
 #include "system/systemerror.h"
 
@@ -42,38 +43,34 @@ std::size_t ChildCountOf(const TXmlElement& element) {
   return count;
 }
 
-}  // namespace
-
-void TScan::ScanAdwareAndSpyware(const TSection& section) {
-  AddHeader(section);
-  const Text path = m_context.Vars.ProgramFolder + u"\\data\\xdata.dat";
-  const std::optional<TNativeXml> catalogue = LoadCatalogue(m_system.Files, path);
-  // The catalogue belongs to the installation: without it the scan can't say that nothing was found.
-  if (!catalogue)
-    throw TProgramException(PlainText(Say(TextId::CatalogueUnreadable, path)));
-  const std::size_t count = ChildCountOf(catalogue->Root());
-  std::size_t i = 0;
-  for (TXmlElement program = catalogue->Root().FirstChild(); program; program = program.NextSibling()) {
-    if (const TXmlElement name = program.FirstChild())
-      ReportProgress(ShareOfBar(i, count, 100), name.ElementText());
-    CheckProgramTraces(program);
-    ++i;
+// The traces of one program of the catalogue.
+class TTraceChecks {
+ public:
+  explicit TTraceChecks(TScan& scan) : m_scan(scan) {
   }
-  FinishSection();
-}
+
+  void CheckProgram(const TXmlElement& program);
+
+ private:
+  void CheckTrace(TextView kind, TextView trace, TextView description);
+  void CheckKeyTrace(TRootKey root, TextView keyPath, TextView description);
+  void CheckValueTrace(TRootKey root, TextView keyPath, TextView valueName, TextView description);
+
+  TScan& m_scan;
+};
 
 // The first element names the program, and is looked at as a trace like every other.
-void TScan::CheckProgramTraces(const TXmlElement& program) {
+void TTraceChecks::CheckProgram(const TXmlElement& program) {
   const TXmlElement name = program.FirstChild();
   if (!name)
     return;
   const Text description = u" " + name.ElementText();
-  for (TXmlElement trace = name; trace && !Terminated(); trace = trace.NextSibling()) {
+  for (TXmlElement trace = name; trace && !m_scan.Terminated(); trace = trace.NextSibling()) {
     CheckTrace(UpperCase(trace.Name()), trace.ElementText(), description);
   }
 }
 
-void TScan::CheckTrace(TextView kind, TextView trace, TextView description) {
+void TTraceChecks::CheckTrace(TextView kind, TextView trace, TextView description) {
   if (kind == u"SERVICE") {
     if (!Trim(trace).empty())
       CheckKeyTrace(kHkeyLocalMachine, Text(kServices) + Text(trace), description);
@@ -96,16 +93,36 @@ void TScan::CheckTrace(TextView kind, TextView trace, TextView description) {
   }
 }
 
-void TScan::CheckKeyTrace(TRootKey root, TextView keyPath, TextView description) {
-  if (OpenRoot(root)->KeyExists(keyPath))
-    ReportKey(root, keyPath, {}, description);
+void TTraceChecks::CheckKeyTrace(TRootKey root, TextView keyPath, TextView description) {
+  if (m_scan.OpenRoot(root)->KeyExists(keyPath))
+    m_scan.ReportKey(root, keyPath, {}, description);
 }
 
-void TScan::CheckValueTrace(TRootKey root, TextView keyPath, TextView valueName, TextView description) {
-  const std::unique_ptr<RegistryStore> registry = OpenRoot(root);
+void TTraceChecks::CheckValueTrace(TRootKey root, TextView keyPath, TextView valueName,
+                                   TextView description) {
+  const std::unique_ptr<RegistryStore> registry = m_scan.OpenRoot(root);
   if (!registry->OpenKey(keyPath, false) || !registry->ValueExists(valueName))
     return;
-  ReportValue(root, keyPath, valueName, {}, description);
+  m_scan.ReportValue(root, keyPath, valueName, {}, description);
+}
+
+}  // namespace
+
+void ScanAdwareAndSpyware(TScan& scan) {
+  const Text path = scan.Vars().ProgramFolder + u"\\data\\xdata.dat";
+  const std::optional<TNativeXml> catalogue = LoadCatalogue(scan.System().Files, path);
+  // The catalogue belongs to the installation: without it the scan can't say that nothing was found.
+  if (!catalogue)
+    throw TProgramException(PlainText(scan.Say(TextId::CatalogueUnreadable, path)));
+  const std::size_t count = ChildCountOf(catalogue->Root());
+  TTraceChecks checks(scan);
+  std::size_t i = 0;
+  for (TXmlElement program = catalogue->Root().FirstChild(); program; program = program.NextSibling()) {
+    if (const TXmlElement name = program.FirstChild())
+      scan.ReportProgress(ShareOfBar(i, count, 100), name.ElementText());
+    checks.CheckProgram(program);
+    ++i;
+  }
 }
 
 }  // namespace corvalt

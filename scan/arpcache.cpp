@@ -11,21 +11,19 @@ constexpr TextView kUninstall = u"\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion
 
 }  // namespace
 
-void TScan::ScanArpCache(const TSection& section) {
-  AddHeader(section);
-  const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyLocalMachine);
+void ScanArpCache(TScan& scan) {
+  const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(kHkeyLocalMachine);
   const std::vector<Text> names = SubKeyNames(*registry, kCache);
-  for (std::size_t i = 0; i < names.size() && !Terminated(); ++i) {
+  for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
     const Text key = Text(kCache) + u"\\" + names[i];
-    ReportProgress(ShareOfBar(i, names.size(), 100), key);
+    scan.ReportProgress(ShareOfBar(i, names.size(), 100), key);
     if (!registry->OpenKey(kUninstall, false))
       continue;
     const bool isInstalled = registry->KeyExists(names[i]);
     registry->CloseKey();
     if (!isInstalled)
-      ReportKey(kHkeyLocalMachine, key, {}, Say(TextId::MissingUninstaller, names[i]));
+      scan.ReportKey(kHkeyLocalMachine, key, {}, scan.Say(TextId::MissingUninstaller, names[i]));
   }
-  FinishSection();
 }
 
 }  // namespace corvalt

@@ -11,9 +11,34 @@
 namespace corvalt {
 
 class TScan;
-struct TSection;
 
-using TScanner = void (TScan::*)(const TSection& section);
+// Examines what its section is about and reports the problems through the scan, which has added the section's
+// header before and ends the section afterwards. A scanner skips what cannot be read, raises nothing but for
+// a damaged adware catalogue, and stops between two items once the scan is told to terminate, but where its
+// file gives another rule. Called on the scan's thread.
+using TScanner = void (*)(TScan& scan);
+
+// One source file each, named like the scanner; the two of filesandfolders.cpp share one.
+void ScanShellFolders(TScan& scan);
+void ScanFilesAndFolders(TScan& scan);
+void ScanAdwareAndSpyware(TScan& scan);
+void ScanObsoleteSoftware(TScan& scan);
+void ScanCustomControls(TScan& scan);
+void ScanFileExtensions(TScan& scan);
+void ScanFileAssociations(TScan& scan);
+void ScanStartMenu(TScan& scan);
+void ScanStartupPrograms(TScan& scan);
+void ScanSharedPrograms(TScan& scan);
+void ScanSoftwareLocations(TScan& scan);
+void ScanAddRemovePrograms(TScan& scan);
+void ScanWindowsFonts(TScan& scan);
+void ScanHelpAndResources(TScan& scan);
+void ScanSoundsAndAppevents(TScan& scan);
+void ScanMruLists(TScan& scan);
+void ScanDeviceDrivers(TScan& scan);
+void ScanWindowsServices(TScan& scan);
+void ScanVirtualDevices(TScan& scan);
+void ScanArpCache(TScan& scan);
 
 struct TSection {
   std::int32_t Code;     // persisted by the main window and named by corvaltc

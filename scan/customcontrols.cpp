@@ -46,124 +46,147 @@ bool IsHollow(const TKeyContent& content, std::size_t fewerThan) {
   return content.Default.empty() && !content.HasSubKeys && content.ValueCount < fewerThan;
 }
 
-}  // namespace
+// The checks of single classes, type libraries and interfaces.
+class TComponentChecks {
+ public:
+  explicit TComponentChecks(TScan& scan) : m_scan(scan), m_registry(scan.OpenRoot(kHkeyClassesRoot)) {
+  }
 
-void TScan::ScanCustomControls(const TSection& section) {
-  AddHeader(section);
-  const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyClassesRoot);
+  void CheckClass(TextView classId);
+  void CheckTypeLibrary(TextView libraryId);
+  void CheckInterface(TextView interfaceId);
 
-  // The names of one pass are gone before the next: there may be many.
-  const auto examine = [&](TextView topKey, double start, const auto& check) {
-    const std::vector<Text> names = SubKeyNames(*registry, u"\\" + Text(topKey));
-    for (std::size_t i = 0; i < names.size() && !Terminated(); ++i) {
-      ReportProgress(ShareOfBar(i, names.size(), 33, start), Text(topKey) + u"\\" + names[i]);
-      check(names[i]);
-    }
-  };
-  examine(u"CLSID", 0, [&](TextView classId) { CheckClass(*registry, classId); });
-  examine(u"Typelib", 33, [&](TextView libraryId) {
-    for (const Text& version : SubKeyNames(*registry, u"\\Typelib\\" + Text(libraryId)))
-      CheckTypeLibraryVersion(*registry, libraryId, version);
-  });
-  examine(u"Interface", 66, [&](TextView interfaceId) { CheckInterface(*registry, interfaceId); });
-  FinishSection();
-}
+ private:
+  void CheckServerKey(TextView classId, TextView suffix, TextId missingText);
+  void CheckTypeLibraryVersion(TextView libraryId, TextView version);
+  void CheckTypeLibraryLocale(TextView libraryId, TextView localePath);
+  bool IsComponentFileValid(TextView originalText);
 
-void TScan::CheckClass(RegistryStore& registry, TextView classId) {
+  TScan& m_scan;
+  std::unique_ptr<RegistryStore> m_registry;
+};
+
+void TComponentChecks::CheckClass(TextView classId) {
   const Text iconKey = u"\\CLSID\\" + Text(classId) + u"\\DefaultIcon";
-  if (const std::optional<Text> icon = DefaultValue(registry, iconKey)) {
+  if (const std::optional<Text> icon = DefaultValue(*m_registry, iconKey)) {
     if (icon->empty()) {
-      ReportKey(kHkeyClassesRoot, iconKey, {}, Say(TextId::EmptyKey));
+      m_scan.ReportKey(kHkeyClassesRoot, iconKey, {}, m_scan.Say(TextId::EmptyKey));
     } else if (!IsComponentFileValid(*icon)) {
-      ReportKey(kHkeyClassesRoot, iconKey, *icon, Say(TextId::MissingIcon, *icon));
+      m_scan.ReportKey(kHkeyClassesRoot, iconKey, *icon, m_scan.Say(TextId::MissingIcon, *icon));
     }
   }
   for (const TextView suffix : kServerKeys)
-    CheckServerKey(registry, classId, suffix, TextId::MissingInProcessServer);
+    CheckServerKey(classId, suffix, TextId::MissingInProcessServer);
   for (const TextView suffix : kLocalServerKeys)
-    CheckServerKey(registry, classId, suffix, TextId::MissingLocalServer);
+    CheckServerKey(classId, suffix, TextId::MissingLocalServer);
 }
 
 // The class is reported, and listed as broken, once for each broken server key.
-void TScan::CheckServerKey(RegistryStore& registry, TextView classId, TextView suffix, TextId missingText) {
+void TComponentChecks::CheckServerKey(TextView classId, TextView suffix, TextId missingText) {
   const Text classKey = u"\\CLSID\\" + Text(classId);
-  const std::optional<TKeyContent> server = ReadContent(registry, classKey + Text(suffix));
+  const std::optional<TKeyContent> server = ReadContent(*m_registry, classKey + Text(suffix));
   if (!server)
     return;
   if (!server->Default.empty() && !IsComponentFileValid(server->Default)) {
-    ReportKey(kHkeyClassesRoot, classKey, server->Default, Say(missingText, server->Default));
-    ReportedClassIds.Append(classId);
+    m_scan.ReportKey(kHkeyClassesRoot, classKey, server->Default, m_scan.Say(missingText, server->Default));
+    m_scan.ReportedClassIds.Append(classId);
   } else if (IsHollow(*server, 1)) {
-    ReportKey(kHkeyClassesRoot, classKey, {}, Say(TextId::EmptyKey));
-    ReportedClassIds.Append(classId);
+    m_scan.ReportKey(kHkeyClassesRoot, classKey, {}, m_scan.Say(TextId::EmptyKey));
+    m_scan.ReportedClassIds.Append(classId);
   }
 }
 
-void TScan::CheckTypeLibraryVersion(RegistryStore& registry, TextView libraryId, TextView version) {
+void TComponentChecks::CheckTypeLibrary(TextView libraryId) {
+  for (const Text& version : SubKeyNames(*m_registry, u"\\Typelib\\" + Text(libraryId)))
+    CheckTypeLibraryVersion(libraryId, version);
+}
+
+void TComponentChecks::CheckTypeLibraryVersion(TextView libraryId, TextView version) {
   const Text versionKey = u"\\Typelib\\" + Text(libraryId) + u"\\" + Text(version);
   const Text helpKey = versionKey + u"\\HELPDIR";
-  if (const std::optional<TKeyContent> help = ReadContent(registry, helpKey)) {
+  if (const std::optional<TKeyContent> help = ReadContent(*m_registry, helpKey)) {
     if (!help->Default.empty() && !IsComponentFileValid(help->Default)) {
-      ReportKey(kHkeyClassesRoot, helpKey, {}, Say(TextId::InvalidTypeLibraryHelpFolder, help->Default));
+      m_scan.ReportKey(kHkeyClassesRoot, helpKey, {},
+                       m_scan.Say(TextId::InvalidTypeLibraryHelpFolder, help->Default));
     } else if (IsHollow(*help, 2)) {
-      ReportKey(kHkeyClassesRoot, helpKey, {}, Say(TextId::EmptyKey));
+      m_scan.ReportKey(kHkeyClassesRoot, helpKey, {}, m_scan.Say(TextId::EmptyKey));
     }
   }
-  for (const Text& locale : SubKeyNames(registry, versionKey)) {
+  for (const Text& locale : SubKeyNames(*m_registry, versionKey)) {
     if (ParseInteger(locale))
-      CheckTypeLibraryLocale(registry, libraryId, versionKey + u"\\" + locale);
+      CheckTypeLibraryLocale(libraryId, versionKey + u"\\" + locale);
   }
 }
 
-void TScan::CheckTypeLibraryLocale(RegistryStore& registry, TextView libraryId, TextView localePath) {
+void TComponentChecks::CheckTypeLibraryLocale(TextView libraryId, TextView localePath) {
   const Text win32Key = Text(localePath) + u"\\win32";
-  const std::optional<TKeyContent> library = ReadContent(registry, win32Key);
+  const std::optional<TKeyContent> library = ReadContent(*m_registry, win32Key);
   if (!library)
     return;
   if (!library->Default.empty() && !IsComponentFileValid(library->Default)) {
-    ReportKey(kHkeyClassesRoot, u"\\Typelib\\" + Text(libraryId), library->Default,
-              Say(TextId::MissingTypeLibraryFile, library->Default));
-    ReportedClassIds.Append(libraryId);
+    m_scan.ReportKey(kHkeyClassesRoot, u"\\Typelib\\" + Text(libraryId), library->Default,
+                     m_scan.Say(TextId::MissingTypeLibraryFile, library->Default));
+    m_scan.ReportedClassIds.Append(libraryId);
   } else if (IsHollow(*library, 2)) {
-    ReportKey(kHkeyClassesRoot, win32Key, {}, Say(TextId::EmptyTypeLibraryKey, win32Key));
-    ReportedClassIds.Append(libraryId);
+    m_scan.ReportKey(kHkeyClassesRoot, win32Key, {}, m_scan.Say(TextId::EmptyTypeLibraryKey, win32Key));
+    m_scan.ReportedClassIds.Append(libraryId);
   }
 }
 
-void TScan::CheckInterface(RegistryStore& registry, TextView interfaceId) {
+void TComponentChecks::CheckInterface(TextView interfaceId) {
   const Text interfaceKey = u"\\Interface\\" + Text(interfaceId);
   // A link that says nothing is as good as one to an intact key.
   const auto isIntact = [&](TextView key, const std::optional<Text>& identifier) {
     return !identifier || identifier->empty() ||
-           (registry.KeyExists(Text(key) + *identifier) && !ReportedClassIds.Holds(*identifier));
+           (m_registry->KeyExists(Text(key) + *identifier) && !m_scan.ReportedClassIds.Holds(*identifier));
   };
-  const std::optional<Text> libraryId = DefaultValue(registry, interfaceKey + u"\\TypeLib");
+  const std::optional<Text> libraryId = DefaultValue(*m_registry, interfaceKey + u"\\TypeLib");
   if (!isIntact(u"\\typelib\\", libraryId)) {
-    ReportKey(kHkeyClassesRoot, interfaceKey, *libraryId, Say(TextId::BrokenTypeLibraryLink, *libraryId));
+    m_scan.ReportKey(kHkeyClassesRoot, interfaceKey, *libraryId,
+                     m_scan.Say(TextId::BrokenTypeLibraryLink, *libraryId));
   }
   for (const TextView suffix : kStubKeys) {
     const Text stubKey = interfaceKey + Text(suffix);
-    const std::optional<Text> classId = DefaultValue(registry, stubKey);
+    const std::optional<Text> classId = DefaultValue(*m_registry, stubKey);
     if (!isIntact(u"\\CLSID\\", classId))
-      ReportKey(kHkeyClassesRoot, stubKey, *classId, Say(TextId::BrokenClassLink, *classId));
+      m_scan.ReportKey(kHkeyClassesRoot, stubKey, *classId, m_scan.Say(TextId::BrokenClassLink, *classId));
   }
 }
 
 // Only a drive-letter path to an .EXE, .DLL, .OCX or .ICO file is ever judged.
-bool TScan::IsComponentFileValid(TextView originalText) {
+bool TComponentChecks::IsComponentFileValid(TextView originalText) {
   Text text = UpperCase(originalText);
   if (Contains(text, u"\\\\") || BeginsWithArgument(text))
     return true;
   if (Contains(text, u"%"))
-    text = m_paths.ExpandPathVariables(text);
+    text = m_scan.Paths().ExpandPathVariables(text);
   const std::size_t colon = text.find(u':');
   const std::size_t extension = FindExtension(text);
   if (colon == Text::npos || extension == Text::npos || colon > extension)
     return true;
   const std::size_t begin = colon == 0 ? 0 : colon - 1;
   constexpr std::size_t kExtensionLength = 4;
-  return m_paths.CommandLineFileExists(TextView(text).substr(begin, extension + kExtensionLength - begin),
-                                       false);
+  return m_scan.Paths().CommandLineFileExists(
+      TextView(text).substr(begin, extension + kExtensionLength - begin), false);
+}
+
+}  // namespace
+
+void ScanCustomControls(TScan& scan) {
+  const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(kHkeyClassesRoot);
+  TComponentChecks checks(scan);
+
+  // The names of one pass are gone before the next: there may be many.
+  const auto examine = [&](TextView topKey, double start, const auto& check) {
+    const std::vector<Text> names = SubKeyNames(*registry, u"\\" + Text(topKey));
+    for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
+      scan.ReportProgress(ShareOfBar(i, names.size(), 33, start), Text(topKey) + u"\\" + names[i]);
+      check(names[i]);
+    }
+  };
+  examine(u"CLSID", 0, [&](TextView classId) { checks.CheckClass(classId); });
+  examine(u"Typelib", 33, [&](TextView libraryId) { checks.CheckTypeLibrary(libraryId); });
+  examine(u"Interface", 66, [&](TextView interfaceId) { checks.CheckInterface(interfaceId); });
 }
 
 }  // namespace corvalt

@@ -5,15 +5,13 @@
 
 namespace corvalt {
 
-void TScan::ScanDeviceDrivers(const TSection& section) {
+void ScanDeviceDrivers(TScan& scan) {
   constexpr std::size_t kSteps = 101;
-  AddHeader(section);
   // Runs to its end whatever the thread is told, and past 100 with its last step.
   for (std::size_t k = 0; k < kSteps; ++k) {
-    ReportProgress(ShareOfBar(k, 100, 100), {});
-    m_system.Clock.Sleep(std::chrono::milliseconds(1));
+    scan.ReportProgress(ShareOfBar(k, 100, 100), {});
+    scan.System().Clock.Sleep(std::chrono::milliseconds(1));
   }
-  FinishSection();
 }
 
 }  // namespace corvalt

@@ -31,138 +31,176 @@ Text DefaultText(RegistryStore& registry, TextView keyPath) {
   return DefaultValue(registry, keyPath).value_or(Text());
 }
 
-}  // namespace
-
-void TScan::ScanFileAssociations(const TSection& section) {
-  AddHeader(section);
-  const std::unique_ptr<RegistryStore> reader = OpenRoot(kHkeyClassesRoot);
-  const std::unique_ptr<RegistryStore> prober = OpenRoot(kHkeyClassesRoot);
-  std::vector<Text> classKeys = SubKeyNames(*reader, u"\\");
-  std::sort(classKeys.begin(), classKeys.end(), TLessIgnoringCase());
-
-  // One line a working extension: the extension, "=" and its program identifier.
-  std::vector<Text> typePairs = {Text(kAllFilesPair)};
-  for (std::size_t i = 0; i < classKeys.size() && !Terminated(); ++i) {
-    ReportProgress(ShareOfBar(i, classKeys.size(), 50), classKeys[i]);
-    if (classKeys[i].starts_with(u'.')) {
-      CheckExtension(*reader, *prober, classKeys[i], typePairs);
-    } else {
-      CheckClassKey(*reader, *prober, classKeys[i]);
-    }
+// The checks of single extensions, classes and file types.
+class TAssociationChecks {
+ public:
+  explicit TAssociationChecks(TScan& scan)
+      : m_scan(scan), m_reader(scan.OpenRoot(kHkeyClassesRoot)), m_prober(scan.OpenRoot(kHkeyClassesRoot)) {
   }
-  for (std::size_t i = 0; i < typePairs.size() && !Terminated(); ++i) {
-    const Text programId = ValuePart(typePairs[i]);
-    ReportProgress(ShareOfBar(i, typePairs.size(), 50, 50), programId);
-    CheckFileType(*reader, *prober, u"\\" + programId);
+
+  // The names of all keys directly below the root, sorted without regard to case.
+  std::vector<Text> ClassKeys();
+
+  void CheckExtension(TextView extension);
+  void CheckClassKey(TextView name);
+  void CheckFileType(TextView base);
+
+  // One line for all files, and one for each extension that CheckExtension found working: the extension, "="
+  // and its program identifier.
+  const std::vector<Text>& TypePairs() const {
+    return m_typePairs;
   }
-  FinishSection();
+
+ private:
+  void CheckClassLink(TextView base);
+  void CheckVerb(TextView base, TextView verb);
+  void CheckHandler(TextView handlersKey, TextView handler, TextView bracedKey, std::int32_t bracedImage);
+  bool IsClassIntact(TextView classId);
+  bool IsShellTargetValid(TextView text);
+
+  TScan& m_scan;
+  std::unique_ptr<RegistryStore> m_reader;
+  std::unique_ptr<RegistryStore>
+      m_prober;  // only asked whether keys exist, so that the reader's key stays open
+  std::vector<Text> m_typePairs = {Text(kAllFilesPair)};
+};
+
+std::vector<Text> TAssociationChecks::ClassKeys() {
+  std::vector<Text> names = SubKeyNames(*m_reader, u"\\");
+  std::sort(names.begin(), names.end(), TLessIgnoringCase());
+  return names;
 }
 
-void TScan::CheckExtension(RegistryStore& registry, RegistryStore& prober, TextView extension,
-                           std::vector<Text>& typePairs) {
+void TAssociationChecks::CheckExtension(TextView extension) {
   const Text key = u"\\" + Text(extension);
-  const Text programId = DefaultText(registry, key);
+  const Text programId = DefaultText(*m_reader, key);
   if (!programId.empty()) {
-    if (!prober.KeyExists(programId)) {
+    if (!m_prober->KeyExists(programId)) {
       const Text fullKey = RootKeyName(kHkeyClassesRoot) + u"\\" + programId;
-      ReportKey(kHkeyClassesRoot, key, programId, Say(TextId::MissingProgId, fullKey), kProblemImage);
+      m_scan.ReportKey(kHkeyClassesRoot, key, programId, m_scan.Say(TextId::MissingProgId, fullKey),
+                       kProblemImage);
     } else {
-      typePairs.push_back(Text(extension) + u"=" + programId);
+      m_typePairs.push_back(Text(extension) + u"=" + programId);
     }
   }
   const Text commandKey = key + u"\\shell\\command";
-  if (IsKeyEmpty(kHkeyClassesRoot, commandKey, true)) {
-    ReportKey(kHkeyClassesRoot, commandKey, {}, Say(TextId::EmptyKey), kProblemImage);
+  if (m_scan.IsKeyEmpty(kHkeyClassesRoot, commandKey, true)) {
+    m_scan.ReportKey(kHkeyClassesRoot, commandKey, {}, m_scan.Say(TextId::EmptyKey), kProblemImage);
   }
 }
 
-void TScan::CheckClassKey(RegistryStore& registry, RegistryStore& prober, TextView name) {
+void TAssociationChecks::CheckClassKey(TextView name) {
   const Text key = u"\\" + Text(name);
-  if (IsKeyEmpty(kHkeyClassesRoot, key, true)) {
-    ReportKey(kHkeyClassesRoot, key, {}, Say(TextId::EmptyKey), kProblemImage);
+  if (m_scan.IsKeyEmpty(kHkeyClassesRoot, key, true)) {
+    m_scan.ReportKey(kHkeyClassesRoot, key, {}, m_scan.Say(TextId::EmptyKey), kProblemImage);
   }
-  CheckClassLink(registry, prober, key);
+  CheckClassLink(key);
 }
 
-void TScan::CheckClassLink(RegistryStore& registry, RegistryStore& prober, TextView base) {
+void TAssociationChecks::CheckClassLink(TextView base) {
   const Text key = Text(base) + u"\\CLSID";
-  const Text classId = DefaultText(registry, key);
-  if (classId.empty() || IsClassIntact(prober, classId))
+  const Text classId = DefaultText(*m_reader, key);
+  if (classId.empty() || IsClassIntact(classId))
     return;
-  ReportKey(kHkeyClassesRoot, key, classId, Say(TextId::BrokenClassLink, classId), kProblemImage);
+  m_scan.ReportKey(kHkeyClassesRoot, key, classId, m_scan.Say(TextId::BrokenClassLink, classId),
+                   kProblemImage);
 }
 
-void TScan::CheckFileType(RegistryStore& registry, RegistryStore& prober, TextView base) {
-  CheckClassLink(registry, prober, base);
+void TAssociationChecks::CheckFileType(TextView base) {
+  CheckClassLink(base);
 
   const Text iconKey = Text(base) + u"\\DefaultIcon";
-  const Text icon = DefaultText(registry, iconKey);
+  const Text icon = DefaultText(*m_reader, iconKey);
   if (!icon.empty() && !IsShellTargetValid(icon)) {
-    ReportKey(kHkeyClassesRoot, iconKey, icon, Say(TextId::MissingIcon, icon), kProblemImage);
+    m_scan.ReportKey(kHkeyClassesRoot, iconKey, icon, m_scan.Say(TextId::MissingIcon, icon), kProblemImage);
   }
-  for (const Text& verb : SubKeyNames(registry, Text(base) + u"\\Shell")) {
-    CheckVerb(registry, prober, base, verb);
+  for (const Text& verb : SubKeyNames(*m_reader, Text(base) + u"\\Shell")) {
+    CheckVerb(base, verb);
   }
   const Text handlersKey = Text(base) + Text(kHandlersKey);
-  for (const Text& handler : SubKeyNames(registry, handlersKey)) {
+  for (const Text& handler : SubKeyNames(*m_reader, handlersKey)) {
     // A braced handler's key is named without a separator, and only there the problem has an image.
-    CheckHandler(registry, prober, handlersKey, handler, handlersKey + handler, kProblemImage);
+    CheckHandler(handlersKey, handler, handlersKey + handler, kProblemImage);
   }
   const Text sheetsKey = Text(base) + Text(kSheetsKey);
-  for (const Text& sheet : SubKeyNames(registry, sheetsKey)) {
-    CheckHandler(registry, prober, sheetsKey, sheet, sheetsKey + u"\\" + sheet, kNoImage);
+  for (const Text& sheet : SubKeyNames(*m_reader, sheetsKey)) {
+    CheckHandler(sheetsKey, sheet, sheetsKey + u"\\" + sheet, kNoImage);
   }
 }
 
-void TScan::CheckVerb(RegistryStore& registry, RegistryStore& prober, TextView base, TextView verb) {
+void TAssociationChecks::CheckVerb(TextView base, TextView verb) {
   const Text verbKey = Text(base) + u"\\Shell\\" + Text(verb);
-  const Text command = DefaultText(registry, verbKey + u"\\Command");
+  const Text command = DefaultText(*m_reader, verbKey + u"\\Command");
   if (!command.empty() && !IsShellTargetValid(command)) {
-    ReportKey(kHkeyClassesRoot, verbKey, command, Say(TextId::BrokenVerb, verb, command), kProblemImage);
+    m_scan.ReportKey(kHkeyClassesRoot, verbKey, command, m_scan.Say(TextId::BrokenVerb, verb, command),
+                     kProblemImage);
   }
-  if (registry.OpenKey(verbKey + u"\\DropTarget", false)) {
+  if (m_reader->OpenKey(verbKey + u"\\DropTarget", false)) {
     // The list of broken classes does not count here.
-    const Text classId = registry.ReadString(u"CLSID");
-    registry.CloseKey();
-    if (!classId.empty() && !prober.KeyExists(u"\\clsid\\" + classId)) {
-      ReportKey(kHkeyClassesRoot, verbKey, classId, Say(TextId::BrokenVerb, verb, classId), kProblemImage);
+    const Text classId = m_reader->ReadString(u"CLSID");
+    m_reader->CloseKey();
+    if (!classId.empty() && !m_prober->KeyExists(u"\\clsid\\" + classId)) {
+      m_scan.ReportKey(kHkeyClassesRoot, verbKey, classId, m_scan.Say(TextId::BrokenVerb, verb, classId),
+                       kProblemImage);
     }
   }
-  if (!prober.KeyExists(verbKey + u"\\command") && !prober.KeyExists(verbKey + u"\\DropTarget")) {
-    ReportKey(kHkeyClassesRoot, verbKey, {}, Say(TextId::VerbWithoutCommand), kProblemImage);
+  if (!m_prober->KeyExists(verbKey + u"\\command") && !m_prober->KeyExists(verbKey + u"\\DropTarget")) {
+    m_scan.ReportKey(kHkeyClassesRoot, verbKey, {}, m_scan.Say(TextId::VerbWithoutCommand), kProblemImage);
   }
 }
 
 // A handler's name is the class identifier itself, in braces, or its default value is.
-void TScan::CheckHandler(RegistryStore& registry, RegistryStore& prober, TextView handlersKey,
-                         TextView handler, TextView bracedKey, std::int32_t bracedImage) {
+void TAssociationChecks::CheckHandler(TextView handlersKey, TextView handler, TextView bracedKey,
+                                      std::int32_t bracedImage) {
   if (IsBracedName(handler)) {
-    if (IsClassIntact(prober, handler))
+    if (IsClassIntact(handler))
       return;
-    ReportKey(kHkeyClassesRoot, bracedKey, {}, Say(TextId::BrokenClassLink, handler), bracedImage);
+    m_scan.ReportKey(kHkeyClassesRoot, bracedKey, {}, m_scan.Say(TextId::BrokenClassLink, handler),
+                     bracedImage);
     return;
   }
   const Text key = Text(handlersKey) + u"\\" + Text(handler);
-  const std::optional<Text> classId = DefaultValue(registry, key);
+  const std::optional<Text> classId = DefaultValue(*m_reader, key);
   if (!classId)
     return;
   if (classId->empty()) {
-    ReportKey(kHkeyClassesRoot, key, {}, Say(TextId::HandlerWithoutClass));
-  } else if (!IsClassIntact(prober, *classId)) {
-    ReportKey(kHkeyClassesRoot, key, *classId, Say(TextId::BrokenClassLink, *classId));
+    m_scan.ReportKey(kHkeyClassesRoot, key, {}, m_scan.Say(TextId::HandlerWithoutClass));
+  } else if (!IsClassIntact(*classId)) {
+    m_scan.ReportKey(kHkeyClassesRoot, key, *classId, m_scan.Say(TextId::BrokenClassLink, *classId));
   }
 }
 
-bool TScan::IsClassIntact(RegistryStore& prober, TextView classId) {
-  return prober.KeyExists(u"\\clsid\\" + Text(classId)) && !ReportedClassIds.Holds(classId);
+bool TAssociationChecks::IsClassIntact(TextView classId) {
+  return m_prober->KeyExists(u"\\clsid\\" + Text(classId)) && !m_scan.ReportedClassIds.Holds(classId);
 }
 
-bool TScan::IsShellTargetValid(TextView text) {
+bool TAssociationChecks::IsShellTargetValid(TextView text) {
   if (Contains(text, u"\\\\") || BeginsWithArgument(text))
     return true;
   if (!Contains(text, u"%"))
-    return m_paths.CommandLineFileExists(text, true);
-  return m_paths.CommandLineFileExists(m_paths.ExpandPathVariables(text), true);
+    return m_scan.Paths().CommandLineFileExists(text, true);
+  return m_scan.Paths().CommandLineFileExists(m_scan.Paths().ExpandPathVariables(text), true);
+}
+
+}  // namespace
+
+void ScanFileAssociations(TScan& scan) {
+  TAssociationChecks checks(scan);
+  const std::vector<Text> classKeys = checks.ClassKeys();
+  for (std::size_t i = 0; i < classKeys.size() && !scan.Terminated(); ++i) {
+    scan.ReportProgress(ShareOfBar(i, classKeys.size(), 50), classKeys[i]);
+    if (classKeys[i].starts_with(u'.')) {
+      checks.CheckExtension(classKeys[i]);
+    } else {
+      checks.CheckClassKey(classKeys[i]);
+    }
+  }
+  const std::vector<Text>& typePairs = checks.TypePairs();
+  for (std::size_t i = 0; i < typePairs.size() && !scan.Terminated(); ++i) {
+    const Text programId = ValuePart(typePairs[i]);
+    scan.ReportProgress(ShareOfBar(i, typePairs.size(), 50, 50), programId);
+    checks.CheckFileType(u"\\" + programId);
+  }
 }
 
 }  // namespace corvalt

@@ -27,18 +27,16 @@ bool IsShellsOwn(TextView name) {
 
 }  // namespace
 
-void TScan::ScanFileExtensions(const TSection& section) {
-  AddHeader(section);
-  const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyCurrentUser);
+void ScanFileExtensions(TScan& scan) {
+  const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(kHkeyCurrentUser);
   const std::vector<Text> names = SubKeyNames(*registry, kFileExts);
-  for (std::size_t i = 0; i < names.size() && !Terminated(); ++i) {
+  for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
     const Text key = Text(kFileExts) + u"\\" + names[i];
-    ReportProgress(ShareOfBar(i, names.size(), 100), WithoutLeadingBackslash(key));
+    scan.ReportProgress(ShareOfBar(i, names.size(), 100), WithoutLeadingBackslash(key));
     if (IsUsed(*registry, key) || IsShellsOwn(names[i]))
       continue;
-    ReportKey(kHkeyCurrentUser, key, {}, Say(TextId::EmptyKey));
+    scan.ReportKey(kHkeyCurrentUser, key, {}, scan.Say(TextId::EmptyKey));
   }
-  FinishSection();
 }
 
 }  // namespace corvalt

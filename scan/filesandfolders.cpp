@@ -37,17 +37,6 @@ constexpr TextView kExaminedElsewhere[] = {
     u"HKEY_LOCAL_MACHINE\\SYSTEM\\",
 };
 
-// Below any key of this name only the control set in use is walked.
-constexpr TextView kSystemKeyEnd = u"\\system";
-constexpr TextView kControlSetInUse = u"CurrentControlSet";
-
-// The 32-bit mirror, at which the walk of a key's subkeys ends.
-constexpr TextView kMirror = u"wow6432node";
-
-bool IsExcluded(TRootKey root, TextView keyPath, const TPhraseMatcher& exclusions) {
-  return exclusions.OccursIn(UpperCase(RootKeyName(root).append(keyPath) + u"\\"));
-}
-
 TPhraseMatcher ExaminedElsewhere() {
   std::vector<Text> keyPaths;
   for (const TextView keyPath : kExaminedElsewhere)
@@ -55,81 +44,43 @@ TPhraseMatcher ExaminedElsewhere() {
   return TPhraseMatcher(keyPaths);
 }
 
-bool EndsInSystem(TextView keyPath) {
-  return keyPath.size() >= kSystemKeyEnd.size() &&
-         LowerCase(keyPath.substr(keyPath.size() - kSystemKeyEnd.size())) == kSystemKeyEnd;
+void CheckShellFolderKey(TScan& scan, TextView keyPath, double scale, double offset) {
+  const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(kHkeyCurrentUser);
+  if (!registry->OpenKey(keyPath, false))
+    return;
+  const std::vector<Text> names = registry->GetValueNames();
+  for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
+    const Text folder = registry->ReadString(names[i]);
+    scan.ReportProgress(ShareOfBar(i, names.size(), scale, scale * offset), LabelOf(keyPath, names[i]));
+    if (!scan.CommandPathExists(folder)) {
+      scan.ReportValue(kHkeyCurrentUser, keyPath, names[i], folder,
+                       scan.Say(TextId::MissingShellFolder, names[i], folder));
+    }
+  }
 }
 
 }  // namespace
 
-void TScan::ScanShellFolders(const TSection& section) {
-  AddHeader(section);
+void ScanShellFolders(TScan& scan) {
   // Both keys fill the upper half of the bar; the lower one is never used.
-  CheckShellFolderKey(kUserShellFolders, 50, 1);
-  if (!Terminated())
-    CheckShellFolderKey(kShellFolders, 50, 1);
-  FinishSection();
+  CheckShellFolderKey(scan, kUserShellFolders, 50, 1);
+  if (!scan.Terminated())
+    CheckShellFolderKey(scan, kShellFolders, 50, 1);
 }
 
-void TScan::CheckShellFolderKey(TextView keyPath, double scale, double offset) {
-  const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyCurrentUser);
-  if (!registry->OpenKey(keyPath, false))
-    return;
-  const std::vector<Text> names = registry->GetValueNames();
-  for (std::size_t i = 0; i < names.size() && !Terminated(); ++i) {
-    const Text folder = registry->ReadString(names[i]);
-    ReportProgress(ShareOfBar(i, names.size(), scale, scale * offset), LabelOf(keyPath, names[i]));
-    if (!CommandPathExists(folder)) {
-      ReportValue(kHkeyCurrentUser, keyPath, names[i], folder,
-                  Say(TextId::MissingShellFolder, names[i], folder));
-    }
-  }
-}
-
-void TScan::ScanFilesAndFolders(const TSection& section) {
-  const TRootKey root = section.HeaderRoot;
-  AddHeader(section);
+void ScanFilesAndFolders(TScan& scan) {
+  const TRootKey root = scan.Section().HeaderRoot;
   const TPhraseMatcher exclusions = ExaminedElsewhere();
-  const std::unique_ptr<RegistryStore> registry = OpenRoot(root);
+  const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(root);
   if (root == kHkeyUsers) {
     const std::vector<Text> hives = SubKeyNames(*registry, u"\\");
-    for (std::size_t i = 0; i < hives.size() && !Terminated(); ++i) {
+    for (std::size_t i = 0; i < hives.size() && !scan.Terminated(); ++i) {
       const double fraction = static_cast<double>(i + 1) / static_cast<double>(hives.size());
-      ScanKeyTree(*registry, root, fraction, exclusions, u"\\" + hives[i]);
+      scan.ScanKeyTree(*registry, root, fraction, exclusions, u"\\" + hives[i]);
     }
   } else {
     // The bar stays at 0 while one whole root is walked; only the label moves.
-    ScanKeyTree(*registry, root, 0, exclusions, {});
-  }
-  FinishSection();
-}
-
-void TScan::ScanKeyTree(RegistryStore& registry, TRootKey root, double fraction,
-                        const TPhraseMatcher& exclusions, TextView keyPath) {
-  if (IsExcluded(root, keyPath, exclusions) || !registry.OpenKey(keyPath, false))
-    return;
-  std::vector<Text> names = registry.GetValueNames();
-  for (const Text& name : names) {
-    if (Terminated())
-      break;
-    const TDataType type = registry.GetDataType(name);
-    if (type != TDataType::String && type != TDataType::ExpandString)
-      continue;
-    const Text data = registry.ReadString(name);
-    // A label costs more than the rest of a call that shows nothing.
-    ReportProgress(RoundHalfToEven(100 * fraction), IsProgressDue() ? LabelOf(keyPath, name) : Text());
-    if (!CommandPathExists(data)) {
-      ReportValue(root, keyPath, name, data, Say(TextId::MissingFileOfValue, name, data));
-    }
-  }
-  names = registry.GetKeyNames();
-  registry.CloseKey();
-  if (EndsInSystem(keyPath))
-    names = {Text(kControlSetInUse)};
-  for (const Text& name : names) {
-    if (Terminated() || EqualIgnoringCase(name, kMirror))
-      return;
-    ScanKeyTree(registry, root, fraction, exclusions, Text(keyPath) + u"\\" + name);
+    scan.ScanKeyTree(*registry, root, 0, exclusions, {});
   }
 }
 

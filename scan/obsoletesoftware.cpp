@@ -5,25 +5,27 @@
 
 namespace corvalt {
 
-void TScan::ScanObsoleteSoftware(const TSection& section) {
-  AddHeader(section);
-  CheckVendorKeys(kHkeyCurrentUser, 0);
-  if (!Terminated())
-    CheckVendorKeys(kHkeyLocalMachine, 50);
-  FinishSection();
-}
+namespace {
 
-void TScan::CheckVendorKeys(TRootKey root, double start) {
-  const std::unique_ptr<RegistryStore> registry = OpenRoot(root);
+void CheckVendorKeys(TScan& scan, TRootKey root, double start) {
+  const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(root);
   const std::vector<Text> names = SubKeyNames(*registry, u"\\SOFTWARE");
-  for (std::size_t i = 0; i < names.size() && !Terminated(); ++i) {
+  for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
     if (EqualIgnoringCase(names[i], u"POLICIES"))
       continue;
-    ReportProgress(ShareOfBar(i, names.size(), 50, start), u"Software\\" + names[i]);
+    scan.ReportProgress(ShareOfBar(i, names.size(), 50, start), u"Software\\" + names[i]);
     const Text key = u"\\software\\" + names[i];
-    if (IsKeyEmpty(root, key, true))
-      ReportKey(root, key, {}, Say(TextId::EmptyKey));
+    if (scan.IsKeyEmpty(root, key, true))
+      scan.ReportKey(root, key, {}, scan.Say(TextId::EmptyKey));
   }
+}
+
+}  // namespace
+
+void ScanObsoleteSoftware(TScan& scan) {
+  CheckVendorKeys(scan, kHkeyCurrentUser, 0);
+  if (!scan.Terminated())
+    CheckVendorKeys(scan, kHkeyLocalMachine, 50);
 }
 
 }  // namespace corvalt

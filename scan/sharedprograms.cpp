@@ -15,25 +15,23 @@ std::int32_t CountOf(RegistryStore& registry, TextView name) {
 
 }  // namespace
 
-void TScan::ScanSharedPrograms(const TSection& section) {
-  AddHeader(section);
-  const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyLocalMachine);
+void ScanSharedPrograms(TScan& scan) {
+  const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(kHkeyLocalMachine);
   std::vector<Text> names;
   if (registry->OpenKey(kSharedDlls, false))
     names = registry->GetValueNames();
-  for (std::size_t i = 0; i < names.size() && !Terminated(); ++i) {
+  for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
     const Text& file = names[i];
-    ReportProgress(ShareOfBar(i, names.size(), 100), LabelOf(kSharedDlls, file));
+    scan.ReportProgress(ShareOfBar(i, names.size(), 100), LabelOf(kSharedDlls, file));
     const std::int32_t count = CountOf(*registry, file);
-    if (!CommandPathExists(file)) {
-      ReportValue(kHkeyLocalMachine, kSharedDlls, file, DecimalText(count),
-                  Say(TextId::MissingSharedFile, file));
+    if (!scan.CommandPathExists(file)) {
+      scan.ReportValue(kHkeyLocalMachine, kSharedDlls, file, DecimalText(count),
+                       scan.Say(TextId::MissingSharedFile, file));
     } else if (count == 0) {
-      ReportValue(kHkeyLocalMachine, kSharedDlls, file, DecimalText(count),
-                  Say(TextId::UnusedSharedFile, file));
+      scan.ReportValue(kHkeyLocalMachine, kSharedDlls, file, DecimalText(count),
+                       scan.Say(TextId::UnusedSharedFile, file));
     }
   }
-  FinishSection();
 }
 
 }  // namespace corvalt

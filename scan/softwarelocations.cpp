@@ -11,11 +11,10 @@ constexpr TextView kAppPaths = u"\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\
 
 }  // namespace
 
-void TScan::ScanSoftwareLocations(const TSection& section) {
-  AddHeader(section);
-  const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyLocalMachine);
+void ScanSoftwareLocations(TScan& scan) {
+  const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(kHkeyLocalMachine);
   const std::vector<Text> names = SubKeyNames(*registry, kAppPaths);
-  for (std::size_t i = 0; i < names.size() && !Terminated(); ++i) {
+  for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
     const Text key = Text(kAppPaths) + u"\\" + names[i];
     if (!registry->OpenKey(key, false))
       continue;
@@ -23,13 +22,12 @@ void TScan::ScanSoftwareLocations(const TSection& section) {
     const Text folder = registry->ReadString(u"Path");
     if (EqualIgnoringCase(target, names[i]) && !folder.empty())
       target = WithTrailingBackslash(folder) + target;
-    ReportProgress(ShareOfBar(i, names.size(), 100), WithoutLeadingBackslash(key));
+    scan.ReportProgress(ShareOfBar(i, names.size(), 100), WithoutLeadingBackslash(key));
     // A target without a drive can't be judged.
-    const bool isMissing = Contains(target, u":") && !m_paths.CommandLineFileExists(target, true);
+    const bool isMissing = Contains(target, u":") && !scan.Paths().CommandLineFileExists(target, true);
     if (isMissing)
-      ReportKey(kHkeyLocalMachine, key, target, Say(TextId::MissingApplicationFile, target));
+      scan.ReportKey(kHkeyLocalMachine, key, target, scan.Say(TextId::MissingApplicationFile, target));
   }
-  FinishSection();
 }
 
 }  // namespace corvalt

@@ -4,12 +4,10 @@
 
 namespace corvalt {
 
-void TScan::ScanSoundsAndAppevents(const TSection& section) {
-  AddHeader(section);
-  const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyCurrentUser);
+void ScanSoundsAndAppevents(TScan& scan) {
+  const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(kHkeyCurrentUser);
   // The bar stays at 0; only the label moves.
-  ScanKeyTree(*registry, kHkeyCurrentUser, 0, TPhraseMatcher({}), u"\\AppEvents\\Schemes\\Apps");
-  FinishSection();
+  scan.ScanKeyTree(*registry, kHkeyCurrentUser, 0, TPhraseMatcher({}), u"\\AppEvents\\Schemes\\Apps");
 }
 
 }  // namespace corvalt

@@ -8,30 +8,29 @@ namespace {
 
 constexpr TextView kRun = u"\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 
-}  // namespace
-
-void TScan::ScanStartupPrograms(const TSection& section) {
-  AddHeader(section);
-  CheckRunKey(kHkeyCurrentUser, 0);
-  if (!Terminated())
-    CheckRunKey(kHkeyLocalMachine, 50);
-  FinishSection();
-}
-
-void TScan::CheckRunKey(TRootKey root, double start) {
-  const std::unique_ptr<RegistryStore> registry = OpenRoot(root);
+void CheckRunKey(TScan& scan, TRootKey root, double start) {
+  const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(root);
   if (!registry->OpenKey(kRun, false))
     return;
   const std::vector<Text> names = registry->GetValueNames();
-  for (std::size_t i = 0; i < names.size() && !Terminated(); ++i) {
+  for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
     Text command = registry->ReadString(names[i]);
-    ReportProgress(ShareOfBar(i, names.size(), 50, start), LabelOf(kRun, names[i]));
+    scan.ReportProgress(ShareOfBar(i, names.size(), 50, start), LabelOf(kRun, names[i]));
     if (Contains(command, u"%"))
-      command = m_paths.ExpandPathVariables(command);
-    if (m_paths.CommandLineFileExists(command, true))
+      command = scan.Paths().ExpandPathVariables(command);
+    if (scan.Paths().CommandLineFileExists(command, true))
       continue;
-    ReportValue(root, kRun, names[i], command, Say(TextId::MissingStartupProgram, names[i], command));
+    scan.ReportValue(root, kRun, names[i], command,
+                     scan.Say(TextId::MissingStartupProgram, names[i], command));
   }
+}
+
+}  // namespace
+
+void ScanStartupPrograms(TScan& scan) {
+  CheckRunKey(scan, kHkeyCurrentUser, 0);
+  if (!scan.Terminated())
+    CheckRunKey(scan, kHkeyLocalMachine, 50);
 }
 
 }  // namespace corvalt

@@ -74,11 +74,10 @@ std::optional<Text> DefaultValue(RegistryStore& registry, TextView keyPath) {
 TScan::TScan(TScanContext context, TProgressDialog& progressDialog)
     : TWorkerThread(context.UiThread),
       m_context(std::move(context)),
-      m_system(m_context.System),
-      m_probe(m_system.Probe),
+      m_probe(m_context.System.Probe),
       m_paths(m_probe, m_context.Vars),
       m_ignored(IgnoredPhrases(m_context.Reg)),
-      Registry(m_system.Registry.CreateStore(TRegistryAccess::Read)),
+      Registry(m_context.System.Registry.CreateStore(TRegistryAccess::Read)),
       ProgressDialog(progressDialog) {
   Start();
 }
@@ -93,10 +92,18 @@ void TScan::Execute() {
     if (!Contains(enabled, TokenOf(section.Code)))
       continue;
     BeginSection(++ordinal, section.ProgressName);
-    (this->*section.Scanner)(section);
+    RunSection(section);
     if (Terminated())
       break;
   }
+}
+
+// A scanner that raises ends the scan, with its section as it was.
+void TScan::RunSection(const TSection& section) {
+  m_section = &section;
+  AddHeader();
+  section.Scanner(*this);
+  Synchronize([this] { EndSection(); });
 }
 
 Text TScan::CollectEnabledSections(TSectionsNode* node) {
@@ -117,6 +124,11 @@ Text TScan::CollectEnabledSections(TSectionsNode* node) {
 void TScan::BeginSection(std::int32_t ordinal, TextView name) {
   SectionPosition = RoundHalfToEven(ordinal * 100.0 / EnabledSectionCount);
   CurrentSectionName = name;
+  ShowSection();
+}
+
+void TScan::ShowSectionAt(std::int32_t position) {
+  SectionPosition = position;
   ShowSection();
 }
 
@@ -144,16 +156,16 @@ void TScan::AddProblem(TResultsNode* parentNode, TRootKey rootKey, TextView sect
                        std::int32_t imageIndex, TextView keyPath, TextView valueName, TextView valueData,
                        TextView extra, TextView description, TCheckMark checkMark, TProblemKind kind) {
   ParentNode = parentNode;
-  Pending.KeyPath = keyPath;
-  Pending.ValueName = valueName;
-  Pending.ValueData = valueData;
-  Pending.RootKey = rootKey;
-  Pending.Description = description;
-  Pending.Kind = kind;
-  Pending.SectionCaption = sectionCaption;
-  Pending.ImageIndex = imageIndex;
-  Pending.CheckMark = checkMark;
-  Pending.Extra = extra;
+  m_pending.KeyPath = keyPath;
+  m_pending.ValueName = valueName;
+  m_pending.ValueData = valueData;
+  m_pending.RootKey = rootKey;
+  m_pending.Description = description;
+  m_pending.Kind = kind;
+  m_pending.SectionCaption = sectionCaption;
+  m_pending.ImageIndex = imageIndex;
+  m_pending.CheckMark = checkMark;
+  m_pending.Extra = extra;
 }
 
 void TScan::AddProblemNode() {
@@ -161,29 +173,25 @@ void TScan::AddProblemNode() {
     return;
   TResultsTree& results = m_context.Results;
   const int textWidth =
-      std::max(results.MeasureText(Pending.KeyPath), results.MeasureText(Pending.Description));
+      std::max(results.MeasureText(m_pending.KeyPath), results.MeasureText(m_pending.Description));
   if (textWidth + kColumnRoom > results.ColumnWidth())
     results.SetColumnWidth(textWidth + kColumnRoom);
   TResultsNode* node = results.AddNode(ParentNode);
-  results.Data(node) = Pending;
+  results.Data(node) = m_pending;
   if (ParentNode == nullptr)
     ParentNode = node;
 }
 
 bool TScan::IsIgnored() const {
-  const Text probe =
-      RootKeyName(Pending.RootKey) + Pending.KeyPath + u"\\" + Pending.ValueName + u"\\" + Pending.ValueData;
+  const Text probe = RootKeyName(m_pending.RootKey) + m_pending.KeyPath + u"\\" + m_pending.ValueName +
+                     u"\\" + m_pending.ValueData;
   return m_ignored.OccursIn(LowerCase(probe));
 }
 
-void TScan::AddHeader(const TSection& section) {
-  AddProblem(nullptr, section.HeaderRoot, section.HeaderCaption, section.HeaderImage, {}, {}, {}, {}, {},
-             TCheckMark::Repair, TProblemKind::Value);
+void TScan::AddHeader() {
+  AddProblem(nullptr, m_section->HeaderRoot, m_section->HeaderCaption, m_section->HeaderImage, {}, {}, {}, {},
+             {}, TCheckMark::Repair, TProblemKind::Value);
   Synchronize([this] { AddProblemNode(); });
-}
-
-void TScan::FinishSection() {
-  Synchronize([this] { EndSection(); });
 }
 
 void TScan::ReportKey(TRootKey rootKey, TextView keyPath, TextView valueData, TextView description,
@@ -227,27 +235,9 @@ void TScan::RefreshProgress() {
 }
 
 std::unique_ptr<RegistryStore> TScan::OpenRoot(TRootKey rootKey) const {
-  std::unique_ptr<RegistryStore> registry = m_system.Registry.CreateStore(TRegistryAccess::Read);
+  std::unique_ptr<RegistryStore> registry = m_context.System.Registry.CreateStore(TRegistryAccess::Read);
   registry->SetRootKey(rootKey);
   return registry;
-}
-
-bool TScan::IsKeyEmpty(TRootKey rootKey, TextView keyPath, bool recursive) {
-  Registry->SetRootKey(rootKey);
-  if (!Registry->OpenKey(keyPath, false))
-    return false;
-  const bool hasValues = !Registry->GetValueNames().empty();
-  std::vector<Text> subKeys;
-  if (!hasValues)
-    subKeys = Registry->GetKeyNames();
-  Registry->CloseKey();
-  if (hasValues || (!subKeys.empty() && !recursive))
-    return false;
-  for (const Text& name : subKeys) {
-    if (!IsKeyEmpty(rootKey, Text(keyPath) + u"\\" + name, true))
-      return false;
-  }
-  return true;
 }
 
 bool TScan::CommandPathExists(TextView originalText) {

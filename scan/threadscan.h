@@ -1,5 +1,5 @@
-// TScan: the worker thread that runs one whole scan. The driver is its body, the scanners are its members,
-// one source file each; what they share is here.
+// TScan: the worker thread that runs one whole scan. The driver is its body; the scanners, one source file
+// each, do their work through its public part.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,6 @@
 #include "core/globals.h"
 #include "core/languagetexts.h"
 #include "core/workerthread.h"
-#include "formats/nativexml.h"
 #include "scan/catalogue.h"
 #include "scan/phrasematcher.h"
 #include "scan/reportedclassids.h"
@@ -42,33 +41,60 @@ class TScan final : public TWorkerThread {
   // Starts at once. The dialog must live until the end handler has run or the thread was told to terminate.
   TScan(TScanContext context, TProgressDialog& progressDialog);
 
-  // The scanners: each adds its header, its problems, and ends its section. They skip what cannot be read,
-  // raise nothing but for a damaged adware catalogue, and stop between two items once the thread is told to
-  // terminate, but where their files say otherwise.
-  void ScanShellFolders(const TSection& section);
-  void ScanFilesAndFolders(const TSection& section);
-  void ScanAdwareAndSpyware(const TSection& section);
-  void ScanObsoleteSoftware(const TSection& section);
-  void ScanCustomControls(const TSection& section);
-  void ScanFileExtensions(const TSection& section);
-  void ScanFileAssociations(const TSection& section);
-  void ScanStartMenu(const TSection& section);
-  void ScanStartupPrograms(const TSection& section);
-  void ScanSharedPrograms(const TSection& section);
-  void ScanSoftwareLocations(const TSection& section);
-  void ScanAddRemovePrograms(const TSection& section);
-  void ScanWindowsFonts(const TSection& section);
-  void ScanHelpAndResources(const TSection& section);
-  void ScanSoundsAndAppevents(const TSection& section);
-  void ScanMruLists(const TSection& section);
-  void ScanDeviceDrivers(const TSection& section);
-  void ScanWindowsServices(const TSection& section);
-  void ScanVirtualDevices(const TSection& section);
-  void ScanArpCache(const TSection& section);
+  // What scanners need, for the scan's own thread.
+
+  const TGlobalVars& Vars() const {
+    return m_context.Vars;
+  }
+  TSystem& System() {
+    return m_context.System;
+  }
+  TPathChecks& Paths() {
+    return m_paths;
+  }
+  // The catalogue's row of the section that runs.
+  const TSection& Section() const {
+    return *m_section;
+  }
+
+  // Adds a problem to the section that runs, unless the ignore lists cover it. ReportKey: the whole key is
+  // the problem, and the repair deletes it, although a value may be named. ReportValue: only the value is.
+  void ReportKey(TRootKey rootKey, TextView keyPath, TextView valueData, TextView description,
+                 std::int32_t imageIndex = kNoImage, TextView valueName = {});
+  void ReportValue(TRootKey rootKey, TextView keyPath, TextView valueName, TextView valueData,
+                   TextView description);
+
+  // A text of the user's language, each "&" doubled, as descriptions are stored.
+  Text Say(TextId id, TextView arg1 = {}, TextView arg2 = {}) const;
+
+  // Shows the section's progress in percent, and the item that is examined. Moves the dialog at most at every
+  // fiftieth call; IsProgressDue tells whether the next one does, for labels that are costly to make.
+  void ReportProgress(std::int32_t percent, TextView label);
+  bool IsProgressDue() const;
+
+  // Shows the section anew with another position of the overall bar, in percent.
+  void ShowSectionAt(std::int32_t position);
+
+  // A store of its own for reading below a root.
+  std::unique_ptr<RegistryStore> OpenRoot(TRootKey rootKey) const;
+
+  // Whether the file exists that a registry text names. True too for every text that can't be judged.
+  bool CommandPathExists(TextView text);
+
+  // Reports every string value at and below a key that names a missing file. exclusions are full key paths
+  // with root name and trailing "\", upper-cased: a key whose path contains one of them is skipped with
+  // everything below it. fraction, from 0 to 1, is the progress to show meanwhile. registry's root must be
+  // root; it is left with no key open.
+  void ScanKeyTree(RegistryStore& registry, TRootKey root, double fraction, const TPhraseMatcher& exclusions,
+                   TextView keyPath);
 
   // Whether a key holds no value, and no subkey or, with recursive, no subkey that is not empty in the same
-  // way. A key that does not open is not empty. For this thread, and for others once the scan has ended.
+  // way. A key that does not open is not empty. For other threads too once the scan has ended.
   bool IsKeyEmpty(TRootKey rootKey, TextView keyPath, bool recursive);
+
+  // The identifiers of every class and type library that Custom Controls reported as broken; File
+  // Associations reads them afterwards.
+  TReportedClassIds ReportedClassIds;
 
  protected:
   void Execute() override;
@@ -76,6 +102,7 @@ class TScan final : public TWorkerThread {
  private:
   // The driver.
   Text CollectEnabledSections(TSectionsNode* node);
+  void RunSection(const TSection& section);
   void BeginSection(std::int32_t ordinal, TextView name);
   void ShowSection();
   void EndSection();
@@ -86,81 +113,27 @@ class TScan final : public TWorkerThread {
                   std::int32_t imageIndex, TextView keyPath, TextView valueName, TextView valueData,
                   TextView extra, TextView description, TCheckMark checkMark, TProblemKind kind);
   void AddProblemNode();
+  void AddHeader();
   bool IsIgnored() const;
 
-  // What the scanners say through them.
-  void AddHeader(const TSection& section);
-  void FinishSection();
-  void ReportKey(TRootKey rootKey, TextView keyPath, TextView valueData, TextView description,
-                 std::int32_t imageIndex = kNoImage, TextView valueName = {});
-  void ReportValue(TRootKey rootKey, TextView keyPath, TextView valueName, TextView valueData,
-                   TextView description);
-  Text Say(TextId id, TextView arg1 = {}, TextView arg2 = {}) const;
-
-  // At most every fiftieth call moves the dialog.
-  void ReportProgress(std::int32_t percent, TextView label);
-  bool IsProgressDue() const;
   void RefreshProgress();
 
-  // What the scanners ask.
-  std::unique_ptr<RegistryStore> OpenRoot(TRootKey rootKey) const;
-  bool CommandPathExists(TextView text);
-
-  // The recursive walk that reports string values naming missing files. exclusions are full key paths with
-  // root name and trailing "\", upper-cased: a key whose path contains one of them is skipped with everything
-  // below it.
-  void ScanKeyTree(RegistryStore& registry, TRootKey root, double fraction, const TPhraseMatcher& exclusions,
-                   TextView keyPath);
-
-  // Pieces of single scanners.
-  void CheckShellFolderKey(TextView keyPath, double scale, double offset);
-  void CheckClass(RegistryStore& registry, TextView classId);
-  void CheckServerKey(RegistryStore& registry, TextView classId, TextView suffix, TextId missingText);
-  void CheckTypeLibraryVersion(RegistryStore& registry, TextView libraryId, TextView version);
-  void CheckTypeLibraryLocale(RegistryStore& registry, TextView libraryId, TextView localePath);
-  void CheckInterface(RegistryStore& registry, TextView interfaceId);
-  bool IsComponentFileValid(TextView text);
-  void CheckExtension(RegistryStore& registry, RegistryStore& prober, TextView extension,
-                      std::vector<Text>& typePairs);
-  void CheckClassKey(RegistryStore& registry, RegistryStore& prober, TextView name);
-  void CheckClassLink(RegistryStore& registry, RegistryStore& prober, TextView base);
-  void CheckFileType(RegistryStore& registry, RegistryStore& prober, TextView base);
-  void CheckVerb(RegistryStore& registry, RegistryStore& prober, TextView base, TextView verb);
-  void CheckHandler(RegistryStore& registry, RegistryStore& prober, TextView handlersKey, TextView handler,
-                    TextView bracedKey, std::int32_t bracedImage);
-  bool IsClassIntact(RegistryStore& prober, TextView classId);
-  bool IsShellTargetValid(TextView text);
-  void CheckVendorKeys(TRootKey root, double start);
-  void CheckRunKey(TRootKey root, double start);
-  void CheckHelpKey(RegistryStore& registry, TextView keyPath, double start);
-  void CheckUninstallEntry(RegistryStore& registry, TextView keyPath);
-  void CheckMenuFolders(RegistryStore& registry, TextView keyPath);
-  void CheckMruList(RegistryStore& registry, TextView keyPath);
-  void CheckServiceImage(RegistryStore& registry, TextView keyPath, std::size_t i, std::size_t count);
-  void CheckProgramTraces(const TXmlElement& program);
-  void CheckTrace(TextView kind, TextView trace, TextView description);
-  void CheckKeyTrace(TRootKey root, TextView keyPath, TextView description);
-  void CheckValueTrace(TRootKey root, TextView keyPath, TextView valueName, TextView description);
-
   TScanContext m_context;
-  TSystem& m_system;
   TCachedFileProbe m_probe;
   TPathChecks m_paths;
   TPhraseMatcher m_ignored;
+  const TSection* m_section = nullptr;
 
   std::unique_ptr<RegistryStore> Registry;
   TProgressDialog& ProgressDialog;
-  // The pending problem; ParentNode doubles as the current section's node.
-  TResultsNode* ParentNode = nullptr;
-  ScanProblem Pending;
+  TResultsNode* ParentNode = nullptr;  // of the pending problem, and the current section's node
+  ScanProblem m_pending;
   Text CurrentSectionName;
   Text ProgressLabel;
   std::int32_t SectionPosition = 0;
   std::int32_t ItemPercent = 0;
   std::int32_t EnabledSectionCount = 0;
   std::int32_t ProgressCounter = 0;
-  TReportedClassIds
-      ReportedClassIds;  // of every class and type library that Custom Controls reported as broken
 };
 
 // The percentage that item i (from 0) of count fills: round((i + 1) x scale / count + start).
@@ -173,10 +146,10 @@ Text LabelOf(TextView keyPath, TextView valueName);
 // quote, and "%1".
 bool BeginsWithArgument(TextView text);
 
-// The names of a key's direct subkeys; none when it does not open. The store is left with no key open.
+// The names of a key's direct subkeys; empty when it does not open. The store is left with no key open.
 std::vector<Text> SubKeyNames(RegistryStore& registry, TextView keyPath);
 
-// A key's default value as text; nothing when the key does not open. The store is left with no key open.
+// A key's default value as text; nullopt when the key does not open. The store is left with no key open.
 std::optional<Text> DefaultValue(RegistryStore& registry, TextView keyPath);
 
 }  // namespace corvalt

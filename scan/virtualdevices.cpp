@@ -4,16 +4,14 @@
 
 namespace corvalt {
 
-void TScan::ScanVirtualDevices(const TSection& section) {
-  AddHeader(section);
-  const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyLocalMachine);
-  ScanKeyTree(*registry, kHkeyLocalMachine, 0, TPhraseMatcher({}),
-              u"\\SYSTEM\\CurrentControlSet\\Services\\VxD");
-  if (!Terminated()) {
-    ScanKeyTree(*registry, kHkeyLocalMachine, 0.5, TPhraseMatcher({}),
-                u"\\SYSTEM\\CurrentControlSet\\Control\\VirtualDeviceDrivers");
+void ScanVirtualDevices(TScan& scan) {
+  const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(kHkeyLocalMachine);
+  scan.ScanKeyTree(*registry, kHkeyLocalMachine, 0, TPhraseMatcher({}),
+                   u"\\SYSTEM\\CurrentControlSet\\Services\\VxD");
+  if (!scan.Terminated()) {
+    scan.ScanKeyTree(*registry, kHkeyLocalMachine, 0.5, TPhraseMatcher({}),
+                     u"\\SYSTEM\\CurrentControlSet\\Control\\VirtualDeviceDrivers");
   }
-  FinishSection();
 }
 
 }  // namespace corvalt

@@ -16,23 +16,22 @@ TextView FontsKeyOf(TextView windowsVersionName) {
 
 }  // namespace
 
-void TScan::ScanWindowsFonts(const TSection& section) {
-  AddHeader(section);
-  const TextView key = FontsKeyOf(m_context.Vars.WindowsVersionName);
-  const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyLocalMachine);
+void ScanWindowsFonts(TScan& scan) {
+  const TextView key = FontsKeyOf(scan.Vars().WindowsVersionName);
+  const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(kHkeyLocalMachine);
   std::vector<Text> names;
   if (registry->OpenKey(key, false))
     names = registry->GetValueNames();
-  for (std::size_t i = 0; i < names.size() && !Terminated(); ++i) {
+  for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
     const Text file = registry->ReadString(names[i]);
-    ReportProgress(ShareOfBar(i, names.size(), 100), WithoutLeadingBackslash(key));
-    if (m_paths.CommandLineFileExists(file, true))
+    scan.ReportProgress(ShareOfBar(i, names.size(), 100), WithoutLeadingBackslash(key));
+    if (scan.Paths().CommandLineFileExists(file, true))
       continue;
-    if (m_paths.CommandLineFileExists(m_context.Vars.WindowsFolder + u"\\fonts\\" + file, true))
+    if (scan.Paths().CommandLineFileExists(scan.Vars().WindowsFolder + u"\\fonts\\" + file, true))
       continue;
-    ReportValue(kHkeyLocalMachine, key, names[i], file, Say(TextId::MissingFontFile, file, names[i]));
+    scan.ReportValue(kHkeyLocalMachine, key, names[i], file,
+                     scan.Say(TextId::MissingFontFile, file, names[i]));
   }
-  FinishSection();
 }
 
 }  // namespace corvalt

@@ -9,20 +9,8 @@ namespace {
 constexpr TextView kServices = u"\\SYSTEM\\CurrentControlSet\\Services";
 constexpr TextView kImagePath = u"ImagePath";
 
-}  // namespace
-
-void TScan::ScanWindowsServices(const TSection& section) {
-  AddHeader(section);
-  const std::unique_ptr<RegistryStore> registry = OpenRoot(kHkeyLocalMachine);
-  const std::vector<Text> names = SubKeyNames(*registry, kServices);
-  // Once begun, the section runs to its end.
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    CheckServiceImage(*registry, Text(kServices) + u"\\" + names[i], i, names.size());
-  }
-  FinishSection();
-}
-
-void TScan::CheckServiceImage(RegistryStore& registry, TextView keyPath, std::size_t i, std::size_t count) {
+void CheckServiceImage(TScan& scan, RegistryStore& registry, TextView keyPath, std::size_t i,
+                       std::size_t count) {
   if (!registry.OpenKey(keyPath, false))
     return;
   const TDataType type = registry.GetDataType(kImagePath);
@@ -32,11 +20,23 @@ void TScan::CheckServiceImage(RegistryStore& registry, TextView keyPath, std::si
     return;
   // The share of one service is scaled twice, so that the bar lags a little behind the plain ratio.
   const double scale = 100.0 / static_cast<double>(count);
-  ReportProgress(ShareOfBar(i, count, scale, scale * static_cast<double>(i)),
-                 WithoutLeadingBackslash(keyPath));
-  if (CommandPathExists(image))
+  scan.ReportProgress(ShareOfBar(i, count, scale, scale * static_cast<double>(i)),
+                      WithoutLeadingBackslash(keyPath));
+  if (scan.CommandPathExists(image))
     return;
-  ReportKey(kHkeyLocalMachine, keyPath, image, Say(TextId::MissingServiceFile, image), kNoImage, kImagePath);
+  scan.ReportKey(kHkeyLocalMachine, keyPath, image, scan.Say(TextId::MissingServiceFile, image), kNoImage,
+                 kImagePath);
+}
+
+}  // namespace
+
+void ScanWindowsServices(TScan& scan) {
+  const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(kHkeyLocalMachine);
+  const std::vector<Text> names = SubKeyNames(*registry, kServices);
+  // Once begun, the section runs to its end.
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    CheckServiceImage(scan, *registry, Text(kServices) + u"\\" + names[i], i, names.size());
+  }
 }
 
 }  // namespace corvalt
