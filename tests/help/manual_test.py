@@ -235,7 +235,7 @@ class Manual(unittest.TestCase):
                 self.assertIn(caption, known, name)
 
     def test_all_sections_are_explained_in_the_order_of_the_tree(self):
-        self.assertEqual(len(sections()), 22)
+        self.assertGreaterEqual(len(sections()), 22)
         page = self.topics["scanning.htm"]
         rows = [row for row in page.cells if row and row[0] in sections().values()]
         self.assertEqual([row[0] for row in rows], list(sections().values()))

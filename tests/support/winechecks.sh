@@ -37,8 +37,19 @@ error_says() {
   grep -qF -- "$1" "$work/err"
 }
 
+# Prints the file that lists the codes and captions of all sections, as the program gives them; it is asked once.
+all_sections() {
+  [[ -s $work/allsections ]] ||
+    run_windows "$folder/corvaltc.exe" sections >"$work/allsections" 2>/dev/null </dev/null
+  echo "$work/allsections"
+}
+
+section_count() {
+  wc -l <"$(all_sections)"
+}
+
 result() {
-  python3 tests/wine/scanresult.py "$@"
+  python3 tests/wine/scanresult.py "$(all_sections)" "$@"
 }
 
 # The number of problems that a scan finds; what it finds is left in found.json.

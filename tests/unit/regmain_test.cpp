@@ -7,8 +7,10 @@
 #include <gtest/gtest.h>
 
 #include <future>
+#include <span>
 #include <stdexcept>
 
+#include "scan/catalogue.h"
 #include "tests/support/mainrig.h"
 
 namespace corvalt {
@@ -28,9 +30,14 @@ constexpr TextView kIgnored =
     u"HKEY_CURRENT_USER\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\IgnoreList";
 
 // The sections that are stored, by code.
-const std::vector<Text> kLeafCodes = {u"1",  u"21", u"22", u"23", u"100", u"3",  u"4",  u"5",
-                                      u"6",  u"7",  u"8",  u"9",  u"10",  u"11", u"12", u"13",
-                                      u"14", u"15", u"16", u"17", u"18",  u"19"};
+std::vector<Text> CodesOf(std::span<const TSection> sections) {
+  std::vector<Text> codes;
+  for (const TSection& section : sections)
+    codes.push_back(DecimalText(section.Code));
+  return codes;
+}
+
+const std::vector<Text> kLeafCodes = CodesOf(SectionCatalogue());
 
 TSectionsNode* SectionOf(TRegMain& main, std::int32_t code) {
   TSectionsTreeModel& tree = main.Sections();

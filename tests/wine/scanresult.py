@@ -1,19 +1,20 @@
-"""Looks at what corvaltc wrote.
+"""Looks at what corvaltc wrote. SECTIONS is what "corvaltc sections" prints: no section may stand before another that it
+lists earlier.
 
-scanresult.py expected FRESH FOUND EXPECTED ENGLISH
+scanresult.py SECTIONS expected FRESH FOUND EXPECTED ENGLISH
     whether FOUND holds the problems of FRESH and exactly those of EXPECTED beside them (JSON, JSON, the format of
     brokenregistry.expected, english.lng)
-scanresult.py same FIRST SECOND
+scanresult.py SECTIONS same FIRST SECOND
     whether two JSON files say the same
-scanresult.py report JSON REPORT
+scanresult.py SECTIONS report JSON REPORT
     whether REPORT is, byte for byte, the report of what JSON says
-scanresult.py listing JSON LISTING
+scanresult.py SECTIONS listing JSON LISTING
     the same for what is listed on standard output
-scanresult.py rows JSON ROWS
+scanresult.py SECTIONS rows JSON ROWS
     whether ROWS, as the window's reader prints them, are the rows of what JSON says
-scanresult.py captions JSON CAPTION...
+scanresult.py SECTIONS captions JSON CAPTION...
     whether JSON has exactly the sections of these captions, in this order
-scanresult.py count JSON
+scanresult.py SECTIONS count JSON
     prints the number of problems
 """
 
@@ -29,35 +30,22 @@ ROOTS = {
     "HKU": "HKEY_USERS",
 }
 KINDS = {"key": 1, "value": 2}
-ORDER = [
-    "Registry Integrity",
-    "HKEY_LOCAL_MACHINE - Files and Folders",
-    "HKEY_CURRENT_USER - Files and Folders",
-    "HKEY_USERS - Files and Folders",
-    "Adware and Spyware",
-    "Obsolete software",
-    "Custom Controls",
-    "File Extensions",
-    "File Associations",
-    "Start Menu",
-    "Startup programs",
-    "Shared Programs",
-    "Software Locations",
-    "Add/Remove Programs",
-    "Windows Fonts",
-    "Help and Resources",
-    "Sounds and Appevents",
-    "MRU and History Lists",
-    "Device Drivers",
-    "Windows Services",
-    "Virtual Devices",
-    "ARP Cache",
-]
 # Order of the fields, as the file must have them.
 SECTION_FIELDS = ["caption", "rootKey", "imageIndex", "childCount", "problems"]
 PROBLEM_FIELDS = [
     "rootKey", "keyPath", "valueName", "valueData", "description", "kind", "imageIndex", "extra", "checkMark"
 ]  # fmt: skip
+
+
+class Order:
+    """The captions of all sections in the order of their run."""
+
+    captions = []
+
+    @classmethod
+    def read(cls, path):
+        lines = open(path, encoding="utf-8").read().splitlines()
+        cls.captions = [line.split("\t")[1] for line in lines]
 
 
 def load(path):
@@ -71,7 +59,7 @@ def load(path):
         for problem in section["problems"]:
             assert list(problem) == PROBLEM_FIELDS, problem
     captions = [section["caption"] for section in sections]
-    assert captions == [caption for caption in ORDER if caption in captions], captions
+    assert captions == [caption for caption in Order.captions if caption in captions], captions
     return sections
 
 
@@ -230,7 +218,8 @@ def check_captions(found, *captions):
 
 
 def main():
-    command, *arguments = sys.argv[1:]
+    sections, command, *arguments = sys.argv[1:]
+    Order.read(sections)
     if command == "count":
         print(sum(len(section["problems"]) for section in load(*arguments)))
         return
