@@ -169,7 +169,7 @@ struct TTextEntry {
 };
 
 // One entry for each TextId, in the same order.
-inline constexpr std::array<TTextEntry, 120> kTextIds{{
+inline constexpr auto kTextIds = std::to_array<TTextEntry>({
     {TextId::MenuFile, 0},
     {TextId::ButtonView, 0},
     {TextId::MenuHelp, 0},
@@ -290,6 +290,6 @@ inline constexpr std::array<TTextEntry, 120> kTextIds{{
     {TextId::ConfirmOverwrite, 1},
     {TextId::ActionCheckRow, 0},
     {TextId::ActionUncheckRow, 0},
-}};
+});
 
 }  // namespace corvalt

@@ -1,6 +1,6 @@
-#include "scan/catalogue.h"
 #include "ui/sectionstree.h"
 #include "core/settingskeys.h"
+#include "scan/catalogue.h"
 
 #include <gtest/gtest.h>
 
