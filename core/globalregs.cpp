@@ -1,5 +1,6 @@
 #include "core/globalregs.h"
 
+#include "core/settings.h"
 #include "core/settingskeys.h"
 #include "formats/inflate.h"
 #include "formats/textfile.h"
@@ -31,7 +32,7 @@ void LoadCleanerSettings(TSystem& system, const TGlobalVars& vars, TGlobalReg& r
   if (!store->OpenKey(kCleanerSettingsKey, true))
     return;
   reg.BackupCount =
-      store->ValueExists(kBackupCountValue) ? store->ReadInteger(kBackupCountValue) : kDefaultBackupCount;
+      StoredInteger(system, kCleanerSettingsKey, kBackupCountValue).value_or(kDefaultBackupCount);
   Text folder = store->ReadString(kBackupFolderValue);
   if (folder.empty())
     folder = vars.AppDataFolder + u"TessalySoft\\Corvalt\\Backups\\";

@@ -1,6 +1,7 @@
 #include "core/globals.h"
 
 #include "base/lettercase.h"
+#include "core/settings.h"
 #include "core/settingskeys.h"
 #include "formats/inifile.h"
 
@@ -10,6 +11,8 @@ namespace {
 
 constexpr std::size_t kSystemDirectoryBuffer = 261;
 constexpr std::size_t kDriveStringsBuffer = 129;
+constexpr TextView kBackupsMaxValue = u"BackupsMax";
+constexpr TextView kBackupsDeleteValue = u"BackupsDelete";
 constexpr std::int32_t kDefaultBackupsMax = 60;
 constexpr std::int32_t kDefaultBackupsDelete = 1;
 constexpr TextView kShellFoldersKey =
@@ -156,13 +159,22 @@ void FillPortableMode(TSystem& system, TGlobalVars& vars, Text& dataPath) {
   dataPath = WithTrailingBackslash(dataPath);
 }
 
+void WriteWhereMissing(RegistryStore& store, TextView name, std::int32_t defaultValue) {
+  if (!store.ValueExists(name))
+    store.WriteInteger(name, defaultValue);
+}
+
 void FillBackupLimits(TSystem& system, TGlobalVars& vars) {
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
   store->SetRootKey(kHkeyCurrentUser);
-  store->OpenKey(kSuiteSettingsKey, true);
-  vars.BackupsMax = ReadOrWriteInteger(*store, u"BackupsMax", kDefaultBackupsMax);
-  vars.BackupsDelete = ReadOrWriteInteger(*store, u"BackupsDelete", kDefaultBackupsDelete);
-  store->CloseKey();
+  if (store->OpenKey(kSuiteSettingsKey, true)) {
+    WriteWhereMissing(*store, kBackupsMaxValue, kDefaultBackupsMax);
+    WriteWhereMissing(*store, kBackupsDeleteValue, kDefaultBackupsDelete);
+    store->CloseKey();
+  }
+  vars.BackupsMax = StoredInteger(system, kSuiteSettingsKey, kBackupsMaxValue).value_or(kDefaultBackupsMax);
+  vars.BackupsDelete =
+      StoredInteger(system, kSuiteSettingsKey, kBackupsDeleteValue).value_or(kDefaultBackupsDelete);
 }
 
 void FillSuiteSettings(TSystem& system, TGlobalVars& vars) {

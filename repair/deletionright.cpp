@@ -4,7 +4,7 @@
 #include <array>
 
 #include "base/lettercase.h"
-#include "core/globals.h"
+#include "core/settings.h"
 #include "core/settingskeys.h"
 
 namespace corvalt {
@@ -32,11 +32,7 @@ TDigest ContentOf(const TRawValue& value) {
 }  // namespace
 
 bool BackupsAreOn(TSystem& system) {
-  TRawValue value;
-  const TRawResult read = system.Raw.ReadValue(kHkeyCurrentUser, kAvailableModulesKey, kBackupSetting, value);
-  system.Raw.ReleaseKeys();
-  // A value of another type or size is no answer.
-  return read != TRawResult::Done || value.Type != kRegDword || value.Data != TBytes(4, 0);
+  return StoredInteger(system, kAvailableModulesKey, kBackupSetting).value_or(1) != 0;
 }
 
 std::optional<TDeletionRight> TDeletionRight::WithoutBackup(TSystem& system) {

@@ -19,11 +19,4 @@ TDataType DataTypeOf(std::uint32_t type) {
   }
 }
 
-std::int32_t ReadOrWriteInteger(RegistryStore& store, TextView name, std::int32_t defaultValue) {
-  if (store.ValueExists(name))
-    return store.ReadInteger(name);
-  store.WriteInteger(name, defaultValue);
-  return defaultValue;
-}
-
 }  // namespace corvalt

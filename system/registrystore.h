@@ -76,8 +76,4 @@ class TRegistryFactory {
   virtual std::unique_ptr<RegistryStore> CreateStore(TRegistryAccess access) = 0;
 };
 
-// Writes a value where it is missing, and answers what is stored afterwards; the default too where it could
-// not be written.
-std::int32_t ReadOrWriteInteger(RegistryStore& store, TextView name, std::int32_t defaultValue);
-
 }  // namespace corvalt

@@ -113,9 +113,18 @@ TEST_F(CleanerSettings, StoredBackupSettingsCount) {
   EXPECT_EQ(Reg.BackupFolder, u"D:\\Old\\");
 }
 
-TEST_F(CleanerSettings, ACountOfAnotherTypeReadsZero) {
+TEST_F(CleanerSettings, ACountOfAnotherTypeOrSizeCountsAsTheDefaultAndStays) {
   System.Registry.Set(kSettings, u"regbackupcount", u"12");
-  EXPECT_EQ(Fill().BackupCount, 0);
+  EXPECT_EQ(Fill().BackupCount, 30);
+  EXPECT_EQ(System.Registry.FindValue(kSettings, u"regbackupcount")->Type, kRegSz);
+  System.Registry.SetRaw(kSettings, {u"regbackupcount", kRegDword, {12, 0}});
+  EXPECT_EQ(Fill().BackupCount, 30);
+  EXPECT_EQ(System.Registry.FindValue(kSettings, u"regbackupcount")->Data, (TBytes{12, 0}));
+}
+
+TEST_F(CleanerSettings, AFolderOfAnotherTypeCountsAsTheDefault) {
+  System.Registry.SetInteger(kSettings, u"regbackupfolder", 12);
+  EXPECT_EQ(Fill().BackupFolder, u"C:\\AppData\\TessalySoft\\Corvalt\\Backups\\");
 }
 
 TEST_F(CleanerSettings, WithoutAccessTheyKeepTheirInitialValues) {

@@ -283,6 +283,25 @@ TEST_F(Environment, StoredLimitsCountAndStay) {
   EXPECT_EQ(StoredInteger(u"BackupsMax"), 0);
 }
 
+// As text "200" they would read 0, and the next start would remove every backup.
+TEST_F(Environment, LimitsOfAnotherTypeOrSizeCountAsTheirDefaultsAndStay) {
+  const std::vector<TRawValue> wrong = {{u"", kRegSz, StringBytes(u"200")},
+                                        {u"", kRegDword, {0, 0}},
+                                        {u"", kRegDword, {}},
+                                        {u"", kRegDword, {9, 0, 0, 0, 0}},
+                                        {u"", kRegBinary, {9, 0, 0, 0}},
+                                        {u"", kRegDwordBigEndian, {0, 0, 0, 9}}};
+  for (const TRawValue& value : wrong) {
+    for (const TextView name : {u"BackupsMax", u"BackupsDelete"})
+      System.Registry.SetRaw(kSettings, {Text(name), value.Type, value.Data});
+    Fill();
+    EXPECT_EQ(Vars.BackupsMax, 60) << value.Type;
+    EXPECT_EQ(Vars.BackupsDelete, 1) << value.Type;
+    EXPECT_EQ(System.Registry.FindValue(kSettings, u"BackupsMax")->Data, value.Data);
+    EXPECT_EQ(System.Registry.FindValue(kSettings, u"BackupsMax")->Type, value.Type);
+  }
+}
+
 TEST_F(Environment, LimitsThatCannotBeStoredCountWithTheirDefaults) {
   System.Registry.AddKey(kSettings);
   System.Registry.Deny(kSettings);
