@@ -12,7 +12,7 @@ namespace {
 
 constexpr TextView kLineEnd = u"\r\n";
 
-// The name of a section line, trimmed; nothing for any other line, one without its "]" among them.
+// The name of a section line, not trimmed; nullopt for any other line, one without its "]" among them.
 std::optional<TextView> SectionNameOf(const Text& line) {
   const std::size_t open = line.find_first_not_of(u" \t");
   if (open == Text::npos || line[open] != u'[')
@@ -28,7 +28,7 @@ bool IsSection(const Text& line, const Text& trimmedName) {
   return name && EqualIgnoringCase(Trim(*name), trimmedName);
 }
 
-// Where the value of a line with this key begins; nothing for any other line.
+// Where the value of a line with this key begins; nullopt for any other line.
 std::optional<std::size_t> ValueStart(const Text& line, const Text& trimmedKey) {
   const std::size_t equals = line.find(u'=');
   if (equals == Text::npos)
@@ -60,30 +60,46 @@ bool IsBlank(const Text& line) {
 
 }  // namespace
 
-TIniFile::TDecoded TIniFile::Decode(std::span<const std::uint8_t> bytes, TLocale& locale) {
-  const std::string_view characters = AsCharacters(bytes);
-  if (characters.starts_with(kUtf16LittleEndianMark))
-    return {TEncoding::Utf16, DecodeUtf16LittleEndian(characters.substr(kUtf16LittleEndianMark.size()))};
-  if (characters.starts_with(kUtf8Mark)) {
-    if (std::optional<Text> text = DecodeUtf8(characters.substr(kUtf8Mark.size())))
-      return {TEncoding::Utf8, *std::move(text)};
-  }
-  return {TEncoding::Ansi, locale.DecodeAnsi(characters)};
+TIniFile::TEncoding TIniFile::EncodingOf(std::string_view bytes) {
+  if (bytes.starts_with(kUtf16LittleEndianMark))
+    return TEncoding::Utf16;
+  const bool isUtf8 = bytes.starts_with(kUtf8Mark) && DecodeUtf8(bytes.substr(kUtf8Mark.size()));
+  return isUtf8 ? TEncoding::Utf8 : TEncoding::Ansi;
 }
 
 TIniFile TIniFile::FromBytes(std::span<const std::uint8_t> bytes, TLocale& locale) {
   TIniFile file;
-  TDecoded decoded = Decode(bytes, locale);
-  file.m_encoding = decoded.Encoding;
-  TextView rest = decoded.Content;
-  while (!rest.empty()) {
-    const std::size_t contentEnd = std::min(rest.find_first_of(kLineEnd), rest.size());
-    TextView end = rest.substr(contentEnd);
-    end = end.substr(0, end.starts_with(kLineEnd) ? 2 : 1);
-    file.m_lines.push_back({Text(rest.substr(0, contentEnd)), Text(end)});
-    rest.remove_prefix(contentEnd + end.size());
-  }
+  const std::string_view characters = AsCharacters(bytes);
+  file.m_encoding = EncodingOf(characters);
+  if (file.m_encoding == TEncoding::Utf16)
+    file.AddUtf16Lines(characters.substr(kUtf16LittleEndianMark.size()));
+  else
+    file.AddLines(characters.substr(file.m_encoding == TEncoding::Utf8 ? kUtf8Mark.size() : 0), locale);
   return file;
+}
+
+// No code page has a byte of a line end inside a character, so that each line can be taken by itself.
+void TIniFile::AddLines(std::string_view bytes, TLocale& locale) {
+  while (!bytes.empty()) {
+    const std::string_view line = bytes.substr(0, bytes.find_first_of("\r\n"));
+    std::string_view end = bytes.substr(line.size());
+    end = end.substr(0, end.starts_with("\r\n") ? 2 : 1);
+    bytes.remove_prefix(line.size() + end.size());
+    const std::optional<Text> utf8 = m_encoding == TEncoding::Utf8 ? DecodeUtf8(line) : std::nullopt;
+    m_lines.push_back({utf8 ? *utf8 : locale.DecodeAnsi(line), FromAscii(end), std::string(line)});
+  }
+}
+
+void TIniFile::AddUtf16Lines(std::string_view bytes) {
+  const Text content = DecodeUtf16LittleEndian(bytes);
+  TextView rest = content;
+  while (!rest.empty()) {
+    const TextView line = rest.substr(0, rest.find_first_of(kLineEnd));
+    TextView end = rest.substr(line.size());
+    end = end.substr(0, end.starts_with(kLineEnd) ? 2 : 1);
+    rest.remove_prefix(line.size() + end.size());
+    m_lines.push_back({Text(line), Text(end), std::nullopt});
+  }
 }
 
 std::vector<Text> TIniFile::SectionNames() const {
@@ -132,7 +148,8 @@ void TIniFile::InsertLine(std::size_t at, Text content) {
   // A last line that had no end gets one before another follows it.
   if (at > 0 && m_lines[at - 1].End.empty())
     m_lines[at - 1].End = kLineEnd;
-  m_lines.insert(m_lines.begin() + static_cast<std::ptrdiff_t>(at), {std::move(content), Text(kLineEnd)});
+  m_lines.insert(m_lines.begin() + static_cast<std::ptrdiff_t>(at),
+                 {std::move(content), Text(kLineEnd), std::nullopt});
 }
 
 void TIniFile::Write(TextView section, TextView key, TextView value) {
@@ -143,9 +160,11 @@ void TIniFile::Write(TextView section, TextView key, TextView value) {
   const std::size_t header = *FindSection(sectionName);
   std::size_t end = SectionEnd(header);
   for (std::size_t i = header + 1; i < end; ++i) {
-    Text& line = m_lines[i].Content;
-    if (const std::optional<std::size_t> start = ValueStart(line, trimmedKey)) {
-      line = line.substr(0, *start) + Written(value);
+    TLine& line = m_lines[i];
+    if (const std::optional<std::size_t> start = ValueStart(line.Content, trimmedKey)) {
+      Text changed = line.Content.substr(0, *start) + Written(value);
+      if (changed != line.Content)
+        line = {std::move(changed), line.End, std::nullopt};
       return;
     }
   }
@@ -165,30 +184,46 @@ void TIniFile::EraseSection(TextView section) {
   });
 }
 
-Text TIniFile::Content() const {
-  Text content;
-  for (const TLine& line : m_lines)
-    content.append(line.Content).append(line.End);
-  return content;
+bool TIniFile::SameText(const TIniFile& other) const {
+  return m_encoding == other.m_encoding &&
+         std::equal(m_lines.begin(), m_lines.end(), other.m_lines.begin(), other.m_lines.end(),
+                    [](const TLine& a, const TLine& b) { return a.Content == b.Content && a.End == b.End; });
+}
+
+std::string TIniFile::Encoded(TLocale& locale) const {
+  const bool isUtf8 = m_encoding == TEncoding::Utf8;
+  std::string bytes(isUtf8 ? kUtf8Mark : std::string_view());
+  for (const TLine& line : m_lines) {
+    if (line.Bytes)
+      bytes += *line.Bytes;
+    else
+      bytes += isUtf8 ? EncodeUtf8(line.Content) : locale.EncodeAnsi(line.Content);
+    bytes += EncodeUtf8(line.End);
+  }
+  return bytes;
+}
+
+std::string TIniFile::EncodedAsUtf16() const {
+  std::string bytes(kUtf16LittleEndianMark);
+  for (const TLine& line : m_lines) {
+    for (const char16_t unit : line.Content + line.End) {
+      bytes.push_back(static_cast<char>(unit & 0xFF));
+      bytes.push_back(static_cast<char>(unit >> 8));
+    }
+  }
+  return bytes;
 }
 
 std::vector<std::uint8_t> TIniFile::ToBytes(TLocale& locale) const {
-  const Text content = Content();
-  std::string bytes;
-  if (m_encoding == TEncoding::Ansi)
-    bytes = locale.EncodeAnsi(content);
-  else if (m_encoding == TEncoding::Utf8)
-    bytes = std::string(kUtf8Mark) + EncodeUtf8(content);
-  std::vector<std::uint8_t> result(bytes.begin(), bytes.end());
-  // Reading back finds every loss: characters that the encoding lacks, a content that begins like a mark.
-  if (m_encoding != TEncoding::Utf16 && Decode(result, locale) == TDecoded{m_encoding, content})
-    return result;
-  result.assign(kUtf16LittleEndianMark.begin(), kUtf16LittleEndianMark.end());
-  for (const char16_t unit : content) {
-    result.push_back(static_cast<std::uint8_t>(unit & 0xFF));
-    result.push_back(static_cast<std::uint8_t>(unit >> 8));
+  if (m_encoding != TEncoding::Utf16) {
+    const std::string encoded = Encoded(locale);
+    std::vector<std::uint8_t> bytes(encoded.begin(), encoded.end());
+    // Reading back finds every loss: characters that the encoding lacks, a content that begins like a mark.
+    if (FromBytes(bytes, locale).SameText(*this))
+      return bytes;
   }
-  return result;
+  const std::string encoded = EncodedAsUtf16();
+  return {encoded.begin(), encoded.end()};
 }
 
 }  // namespace corvalt

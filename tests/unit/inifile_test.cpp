@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 
 #include "platform/memory/memorysystem.h"
@@ -103,6 +104,26 @@ TEST_F(IniFile, WhatIsNotChangedStaysToTheByte) {
                                        "\xEF\xBB\xBF[s]\na=\xC3\xA9"}) {
     EXPECT_EQ(Bytes(From(bytes)), bytes);
   }
+}
+
+// In code page 932 the byte 0x81 begins a character of two bytes, and 0xFF is none: text and back they
+// change.
+TEST_F(IniFile, LinesThatAreNotChangedStayToTheByteWhenAnotherIs) {
+  class TLossyLocale : public TMemoryLocale {
+   public:
+    Text DecodeAnsi(std::string_view bytes) override {
+      Text text = TMemoryLocale::DecodeAnsi(bytes);
+      std::replace(text.begin(), text.end(), u'\u00FF', u'?');
+      return text;
+    }
+  };
+  TLossyLocale locale;
+  const std::string bytes = "[a]\r\nk=\xFF\xFF\n[b]\rk=1";
+  TIniFile file = TIniFile::FromBytes(std::vector<std::uint8_t>(bytes.begin(), bytes.end()), locale);
+  file.Write(u"b", u"k", u"2");
+  file.Write(u"c", u"k", u"3");
+  const std::vector<std::uint8_t> written = file.ToBytes(locale);
+  EXPECT_EQ(std::string(written.begin(), written.end()), "[a]\r\nk=\xFF\xFF\n[b]\rk=2\r\n[c]\r\nk=3\r\n");
 }
 
 TEST_F(IniFile, WritingReplacesTheValueAlone) {
