@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -13,9 +15,51 @@ namespace corvalt {
 struct TFileInfo {
   bool Exists = false;
   bool IsFolder = false;
-  bool IsLink = false;    // a symbolic link or another reparse point
+  // The name stands for another place: a symbolic link, a junction or another reparse point of the kind that
+  // Windows calls a name surrogate. Deduplicated files and those kept in a cloud are files like any other.
+  bool IsLink = false;
   bool IsDevice = false;  // a device name such as "nul" or "com1.txt"
   std::int64_t Size = 0;  // bytes
+};
+
+// Whether the name can only mean an entry of the folder that it is looked for in: no separator, drive, stream
+// or wildcard in it, and no blank or dot at its end, which Windows drops.
+[[nodiscard]] bool IsPlainFileName(TextView name);
+
+// The temporary file through which ReplaceFile writes: TARGET.PROCESS-NUMBER.tmp, with the identifier of the
+// writing process in decimal. One that is left was written by a process that was ended in the middle.
+[[nodiscard]] Text TemporaryNameOf(TextView target, std::uint32_t processId, int number);
+struct TTemporaryName {
+  Text Target;
+  std::uint32_t ProcessId = 0;
+};
+// nullopt for any other name.
+[[nodiscard]] std::optional<TTemporaryName> ParseTemporaryName(TextView name);
+
+// A file that grows, open until the object goes.
+class TGrowingFile {
+ public:
+  virtual ~TGrowingFile() = default;
+  [[nodiscard]] virtual TSystemError Append(std::span<const std::uint8_t> bytes) = 0;
+  // What was appended is on the disk afterwards.
+  [[nodiscard]] virtual TSystemError Flush() = 0;
+};
+
+// A folder held open. Every name is that of an entry directly in it, wherever the folder's path leads
+// meanwhile; a name that is not plain fails with kErrorInvalidName. A link is never followed: Info tells of
+// the link itself, reading and growing one fail with kErrorStoppedOnLink, replacing and deleting one takes
+// the link. A failing operation leaves its outputs, and the files, as they were.
+class TOpenFolder {
+ public:
+  virtual ~TOpenFolder() = default;
+  [[nodiscard]] virtual TFileInfo Info(TextView name) = 0;
+  // The whole file.
+  [[nodiscard]] virtual TSystemError ReadFile(TextView name, std::vector<std::uint8_t>& bytes) = 0;
+  // As TFileStore::ReplaceFile.
+  [[nodiscard]] virtual TSystemError ReplaceFile(TextView name, std::span<const std::uint8_t> bytes) = 0;
+  [[nodiscard]] virtual TSystemError DeleteFile(TextView name) = 0;
+  // Opens a file for writing behind what it holds, and creates it where it is missing.
+  [[nodiscard]] virtual TSystemError GrowFile(TextView name, std::unique_ptr<TGrowingFile>& file) = 0;
 };
 
 // A failing operation leaves its outputs, and the files, as they were.
@@ -24,21 +68,25 @@ class TFileStore {
   virtual ~TFileStore() = default;
 
   // The whole file.
-  virtual TSystemError ReadFile(TextView path, std::vector<std::uint8_t>& bytes) = 0;
+  [[nodiscard]] virtual TSystemError ReadFile(TextView path, std::vector<std::uint8_t>& bytes) = 0;
 
   // Replaces the file whole or creates it: writes a temporary file beside it, flushes it to the disk, renames
   // it over the target. After a failure the old file is in place and no temporary file is left.
-  virtual TSystemError ReplaceFile(TextView path, std::span<const std::uint8_t> bytes) = 0;
+  [[nodiscard]] virtual TSystemError ReplaceFile(TextView path, std::span<const std::uint8_t> bytes) = 0;
 
   // A plain rename or move; fails when the target exists.
-  virtual TSystemError MoveFile(TextView from, TextView to) = 0;
-  virtual TSystemError DeleteFile(TextView path) = 0;
+  [[nodiscard]] virtual TSystemError MoveFile(TextView from, TextView to) = 0;
+  [[nodiscard]] virtual TSystemError DeleteFile(TextView path) = 0;
 
   // Creates a folder and all its missing parents; success when it exists.
-  virtual TSystemError MakeFolders(TextView path) = 0;
+  [[nodiscard]] virtual TSystemError MakeFolders(TextView path) = 0;
+
+  // Opens a folder, with or without a "\" at the end of its path. While it is open it can't be renamed,
+  // moved or deleted. kErrorStoppedOnLink where it is a link itself; kErrorPathNotFound for a file.
+  [[nodiscard]] virtual TSystemError OpenFolder(TextView path, std::unique_ptr<TOpenFolder>& folder) = 0;
 
   // About the name itself: a link is not followed.
-  virtual TFileInfo Info(TextView path) = 0;
+  [[nodiscard]] virtual TFileInfo Info(TextView path) = 0;
 };
 
 }  // namespace corvalt

@@ -25,8 +25,17 @@ inline constexpr std::uint32_t kErrorPathNotFound = 3;
 inline constexpr std::uint32_t kErrorAccessDenied = 5;
 inline constexpr std::uint32_t kErrorInvalidData = 13;
 inline constexpr std::uint32_t kErrorOutOfMemory = 14;
+inline constexpr std::uint32_t kErrorSharingViolation = 32;
+inline constexpr std::uint32_t kErrorLockViolation = 33;
 inline constexpr std::uint32_t kErrorDiskFull = 112;
+inline constexpr std::uint32_t kErrorInvalidName = 123;
 inline constexpr std::uint32_t kErrorAlreadyExists = 183;
+inline constexpr std::uint32_t kErrorStoppedOnLink = 681;
+
+// Whether the file, or a folder on the way to it, does not exist.
+inline bool IsMissing(TSystemError error) {
+  return error.Code == kErrorFileNotFound || error.Code == kErrorPathNotFound;
+}
 
 // The system's error with this code. Subject says what it befell (a file path), and may be empty.
 class TSystemException : public std::runtime_error {

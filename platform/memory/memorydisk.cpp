@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/memory/memoryfolder.h"
 #include "system/machine.h"
 
 namespace corvalt {
@@ -38,15 +39,9 @@ bool Matches(TextView pattern, TextView name) {
   return same && Matches(pattern.substr(1), name.substr(1));
 }
 
-TMemoryFile* EntryOf(const TMemoryFile& folder, TextView name) {
-  const auto found = folder.Entries.find(UpperCase(name));
-  if (found != folder.Entries.end())
-    return found->second.get();
-  for (const auto& [upperName, entry] : folder.Entries) {
-    if (!entry->ShortName.empty() && EqualIgnoringCase(entry->ShortName, name))
-      return entry.get();
-  }
-  return nullptr;
+bool IsHeldOpen(const TMemoryFile& file) {
+  return file.Holders != 0 || std::any_of(file.Entries.begin(), file.Entries.end(),
+                                          [](const auto& entry) { return IsHeldOpen(*entry.second); });
 }
 
 void CollectBelow(const TMemoryFile& folder, const Text& path, std::vector<Text>& paths) {
@@ -57,11 +52,34 @@ void CollectBelow(const TMemoryFile& folder, const Text& path, std::vector<Text>
   }
 }
 
+TextView WithoutTrailingBackslash(TextView path) {
+  return path.substr(0, path.find_last_not_of(u'\\') + 1);
+}
+
 TSystemError Error(std::uint32_t code) {
   return TSystemError{code};
 }
 
 }  // namespace
+
+std::shared_ptr<TMemoryFile> TMemoryFile::Entry(TextView name) const {
+  const auto found = Entries.find(UpperCase(name));
+  if (found != Entries.end())
+    return found->second;
+  for (const auto& [upperName, entry] : Entries) {
+    if (!entry->ShortName.empty() && EqualIgnoringCase(entry->ShortName, name))
+      return entry;
+  }
+  return nullptr;
+}
+
+std::shared_ptr<TMemoryFile> TMemoryFile::AddEntry(TextView name, bool isFolder) {
+  std::shared_ptr<TMemoryFile>& entry = Entries[UpperCase(name)];
+  entry = std::make_shared<TMemoryFile>();
+  entry->Name = name;
+  entry->IsFolder = isFolder;
+  return entry;
+}
 
 TMemoryDisk::TMemoryDisk() {
   AddDrive(u"C:\\", kDriveFixed);
@@ -70,8 +88,8 @@ TMemoryDisk::TMemoryDisk() {
 void TMemoryDisk::AddDrive(TextView root, std::uint32_t driveType) {
   TDrive& drive = m_drives[UpperCase(root.substr(0, 2))];
   drive.Type = driveType;
-  drive.Root.Name = Text(root.substr(0, 2));
-  drive.Root.IsFolder = true;
+  drive.Root->Name = Text(root.substr(0, 2));
+  drive.Root->IsFolder = true;
 }
 
 void TMemoryDisk::AddFolder(TextView path) {
@@ -85,8 +103,9 @@ void TMemoryDisk::AddFile(TextView path, std::string_view content) {
 void TMemoryDisk::SetShortName(TextView path, TextView shortName) {
   Find(path)->ShortName = Text(shortName);
 }
-void TMemoryDisk::MakeLink(TextView path) {
+void TMemoryDisk::MakeLink(TextView path, bool isNameSurrogate) {
   Find(path)->IsLink = true;
+  Find(path)->IsNameSurrogate = isNameSurrogate;
 }
 void TMemoryDisk::MakeUnreadable(TextView path) {
   Find(path)->IsUnreadable = true;
@@ -147,6 +166,10 @@ std::vector<Text> TMemoryDisk::Components(TextView path) const {
 }
 
 TMemoryFile* TMemoryDisk::Find(TextView path) const {
+  return FindShared(path).get();
+}
+
+std::shared_ptr<TMemoryFile> TMemoryDisk::FindShared(TextView path) const {
   std::vector<Text> names = Components(path);
   if (names.empty() || HasWildcard(path))
     return nullptr;
@@ -164,25 +187,20 @@ TMemoryFile* TMemoryDisk::Find(TextView path) const {
   const auto drive = m_drives.find(UpperCase(names.front()));
   if (drive == m_drives.end())
     return nullptr;
-  const TMemoryFile* file = &drive->second.Root;
+  std::shared_ptr<TMemoryFile> file = drive->second.Root;
   for (std::size_t i = 1; i < names.size() && file != nullptr; ++i)
-    file = EntryOf(*file, names[i]);
-  return const_cast<TMemoryFile*>(file);
+    file = file->Entry(names[i]);
+  return file;
 }
 
 TMemoryFile& TMemoryDisk::Create(TextView path, bool isFolder) {
   const std::vector<Text> names = Components(path);
-  TMemoryFile* file = &m_drives[UpperCase(names.front())].Root;
+  std::shared_ptr<TMemoryFile> file = m_drives[UpperCase(names.front())].Root;
   for (std::size_t i = 1; i < names.size(); ++i) {
-    TMemoryFile* entry = EntryOf(*file, names[i]);
-    if (entry == nullptr) {
-      std::unique_ptr<TMemoryFile>& created = file->Entries[UpperCase(names[i])];
-      created = std::make_unique<TMemoryFile>();
-      created->Name = names[i];
-      created->IsFolder = isFolder || i + 1 < names.size();
-      entry = created.get();
-    }
-    file = entry;
+    std::shared_ptr<TMemoryFile> entry = file->Entry(names[i]);
+    if (entry == nullptr)
+      entry = file->AddEntry(names[i], isFolder || i + 1 < names.size());
+    file = std::move(entry);
   }
   return *file;
 }
@@ -209,9 +227,9 @@ std::optional<Text> TMemoryDisk::GetLongPathName(TextView path) {
   if (names.empty() || Find(path) == nullptr)
     return std::nullopt;
   Text longPath = names.front();
-  const TMemoryFile* file = &m_drives.at(UpperCase(names.front())).Root;
+  std::shared_ptr<TMemoryFile> file = m_drives.at(UpperCase(names.front())).Root;
   for (std::size_t i = 1; i < names.size() && file != nullptr; ++i) {
-    file = EntryOf(*file, names[i]);
+    file = file->Entry(names[i]);
     if (file != nullptr)
       longPath += u"\\" + file->Name;
   }
@@ -278,69 +296,115 @@ FileSystemProbe::TListing TMemoryDisk::ListFolder(TextView folder, std::vector<T
   return TListing::Listed;
 }
 
+bool TMemoryDisk::Fails(TMemoryFailure& failure, TextView path) {
+  if (failure.Code == 0 || failure.Times == 0 || !path.ends_with(failure.PathEnd))
+    return false;
+  if (failure.Times > 0)
+    --failure.Times;
+  return true;
+}
+
+TSystemError TMemoryDisk::ReadEntry(const TMemoryFile& file, TextView path,
+                                    std::vector<std::uint8_t>& bytes) {
+  if (file.IsFolder || file.IsUnreadable)
+    return Error(kErrorAccessDenied);
+  if (Fails(m_readFailure, path))
+    return Error(m_readFailure.Code);
+  bytes = file.Bytes;
+  return {};
+}
+
+TSystemError TMemoryDisk::ReplaceEntry(TMemoryFile& folder, TextView name, TextView path,
+                                       std::span<const std::uint8_t> bytes) {
+  std::shared_ptr<TMemoryFile> file = folder.Entry(name);
+  if (file != nullptr && file->IsFolder)
+    return Error(kErrorAccessDenied);
+  if (Fails(m_replaceFailure, path))
+    return Error(m_replaceFailure.Code);
+  Note("replace file", path);
+  if (file == nullptr)
+    file = folder.AddEntry(name, false);
+  file->IsLink = false;
+  file->Bytes.assign(bytes.begin(), bytes.end());
+  if (m_corruptWrites && !file->Bytes.empty())
+    file->Bytes.back() ^= 1;
+  return {};
+}
+
+TSystemError TMemoryDisk::DeleteEntry(TMemoryFile& folder, const TMemoryFile& file, TextView path) {
+  if (file.IsFolder)
+    return Error(kErrorAccessDenied);
+  if (Fails(m_deleteFailure, path))
+    return Error(m_deleteFailure.Code);
+  Note("delete file", path);
+  folder.Entries.erase(UpperCase(file.Name));
+  return {};
+}
+
+TFileInfo TMemoryDisk::InfoOf(const TMemoryFile* file, TextView name) {
+  TFileInfo info;
+  info.IsDevice = IsDeviceName(name);
+  if (file == nullptr || info.IsDevice)
+    return info;
+  info.Exists = true;
+  info.IsFolder = file->IsFolder;
+  info.IsLink = file->IsLink && file->IsNameSurrogate;
+  info.Size = static_cast<std::int64_t>(file->Bytes.size());
+  return info;
+}
+
 TSystemError TMemoryDisk::ReadFile(TextView path, std::vector<std::uint8_t>& bytes) {
+  const THold hold(m_mutex);
   const TMemoryFile* file = Find(path);
   if (file == nullptr)
     return Error(Find(FolderOf(path)) == nullptr ? kErrorPathNotFound : kErrorFileNotFound);
-  if (file->IsFolder || file->IsUnreadable)
-    return Error(kErrorAccessDenied);
-  if (m_readFailure != 0)
-    return Error(m_readFailure);
-  bytes = file->Bytes;
-  return {};
+  return ReadEntry(*file, path, bytes);
 }
 
 TSystemError TMemoryDisk::ReplaceFile(TextView path, std::span<const std::uint8_t> bytes) {
-  const TMemoryFile* folder = Find(FolderOf(path));
-  if (folder == nullptr || !folder->IsFolder)
+  const THold hold(m_mutex);
+  TMemoryFile* folder = Find(FolderOf(path));
+  const std::vector<Text> names = Components(path);
+  if (folder == nullptr || !folder->IsFolder || names.size() < 2)
     return Error(kErrorPathNotFound);
-  const TMemoryFile* existing = Find(path);
-  if (existing != nullptr && existing->IsFolder)
-    return Error(kErrorAccessDenied);
-  if (m_replaceFailure != 0)
-    return Error(m_replaceFailure);
-  Note("replace file", path);
-  TMemoryFile& file = Create(path, false);
-  file.IsLink = false;
-  file.Bytes.assign(bytes.begin(), bytes.end());
-  if (m_corruptWrites && !file.Bytes.empty())
-    file.Bytes.back() ^= 1;
-  return {};
+  return ReplaceEntry(*folder, names.back(), path, bytes);
 }
 
 TSystemError TMemoryDisk::MoveFile(TextView from, TextView to) {
-  const TMemoryFile* source = Find(from);
+  const THold hold(m_mutex);
+  const std::shared_ptr<TMemoryFile> source = FindShared(from);
   if (source == nullptr)
     return Error(kErrorFileNotFound);
   if (Find(to) != nullptr)
     return Error(kErrorAlreadyExists);
   if (Find(FolderOf(to)) == nullptr)
     return Error(kErrorPathNotFound);
+  // CreateFile, learn.microsoft.com: without FILE_SHARE_DELETE nobody may rename what is open.
+  if (IsHeldOpen(*source))
+    return Error(kErrorSharingViolation);
   Note("move file", from);
   Create(to, source->IsFolder).Bytes = source->Bytes;
+  Find(to)->Entries = source->Entries;
   Remove(from);
   return {};
 }
 
 TSystemError TMemoryDisk::DeleteFile(TextView path) {
+  const THold hold(m_mutex);
   const TMemoryFile* file = Find(path);
-  if (file == nullptr)
+  TMemoryFile* folder = Find(FolderOf(path));
+  if (file == nullptr || folder == nullptr)
     return Error(kErrorFileNotFound);
-  if (file->IsFolder)
-    return Error(kErrorAccessDenied);
-  if (m_deleteFailure != 0)
-    return Error(m_deleteFailure);
-  Note("delete file", path);
-  Remove(path);
-  return {};
+  return DeleteEntry(*folder, *file, path);
 }
 
 TSystemError TMemoryDisk::MakeFolders(TextView path) {
+  const THold hold(m_mutex);
   const std::vector<Text> names = Components(path);
   if (names.empty() || m_drives.find(UpperCase(names.front())) == m_drives.end())
     return Error(kErrorPathNotFound);
-  if (m_folderFailure != 0)
-    return Error(m_folderFailure);
+  if (Fails(m_folderFailure, path))
+    return Error(m_folderFailure.Code);
   const TMemoryFile* existing = Find(path);
   if (existing != nullptr)
     return Error(existing->IsFolder ? 0 : kErrorAlreadyExists);
@@ -348,17 +412,23 @@ TSystemError TMemoryDisk::MakeFolders(TextView path) {
   return {};
 }
 
+TSystemError TMemoryDisk::OpenFolder(TextView path, std::unique_ptr<TOpenFolder>& folder) {
+  const THold hold(m_mutex);
+  std::shared_ptr<TMemoryFile> file = FindShared(path);
+  if (file == nullptr)
+    return Error(Find(FolderOf(WithoutTrailingBackslash(path))) == nullptr ? kErrorPathNotFound
+                                                                           : kErrorFileNotFound);
+  if (file->IsLink && file->IsNameSurrogate)
+    return Error(kErrorStoppedOnLink);
+  if (!file->IsFolder)
+    return Error(kErrorPathNotFound);
+  folder = std::make_unique<TMemoryFolder>(*this, std::move(file), WithTrailingBackslash(path));
+  return {};
+}
+
 TFileInfo TMemoryDisk::Info(TextView path) {
-  TFileInfo info;
-  info.IsDevice = IsDeviceName(path.substr(LastPos(u"\\", path)));
-  const TMemoryFile* file = Find(path);
-  if (file == nullptr || info.IsDevice)
-    return info;
-  info.Exists = true;
-  info.IsFolder = file->IsFolder;
-  info.IsLink = file->IsLink;
-  info.Size = static_cast<std::int64_t>(file->Bytes.size());
-  return info;
+  const THold hold(m_mutex);
+  return InfoOf(Find(path), path.substr(LastPos(u"\\", path)));
 }
 
 }  // namespace corvalt

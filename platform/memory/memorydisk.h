@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
@@ -20,9 +21,22 @@ struct TMemoryFile {
   Text ShortName;
   bool IsFolder = false;
   bool IsLink = false;
-  bool IsUnreadable = false;  // a folder that can't be listed, a file that can't be read
+  bool IsNameSurrogate = false;  // of a link: it stands for another place
+  bool IsUnreadable = false;     // a folder that can't be listed, a file that can't be read
+  int Holders = 0;               // who have the folder open
   std::vector<std::uint8_t> Bytes;
-  std::map<Text, std::unique_ptr<TMemoryFile>> Entries;  // by upper-cased name
+  std::map<Text, std::shared_ptr<TMemoryFile>> Entries;  // by upper-cased name
+
+  // The entry under its long or its short name; null when there is none.
+  std::shared_ptr<TMemoryFile> Entry(TextView name) const;
+  std::shared_ptr<TMemoryFile> AddEntry(TextView name, bool isFolder);
+};
+
+// Failures to come of one kind of operation.
+struct TMemoryFailure {
+  std::uint32_t Code = 0;  // 0: none
+  Text PathEnd;            // only of paths that end so, letter case included
+  int Times = -1;          // so often; less than 0: always
 };
 
 // As Windows takes paths: letter case does not count, doubled separators and "/" are separators, dots and
@@ -37,7 +51,8 @@ class TMemoryDisk : public FileSystemProbe, public TFileStore {
   void AddFolder(TextView path);
   void AddFile(TextView path, std::string_view content = {});
   void SetShortName(TextView path, TextView shortName);
-  void MakeLink(TextView path);
+  // A reparse point: a junction, or one that is no name surrogate, such as a deduplicated file.
+  void MakeLink(TextView path, bool isNameSurrogate = true);
   void MakeUnreadable(TextView path);
   void Remove(TextView path);
   void SetEnvironmentVariable(TextView name, TextView value);
@@ -60,18 +75,22 @@ class TMemoryDisk : public FileSystemProbe, public TFileStore {
     return m_questions;
   }
 
-  // Failures to come. Every operation of this kind fails with this code until 0 is set again.
-  void FailReading(std::uint32_t code) {
-    m_readFailure = code;
+  // Every operation of this kind fails with this code until 0 is set again.
+  void FailReading(std::uint32_t code, TextView pathEnd = {}, int times = -1) {
+    m_readFailure = {code, Text(pathEnd), times};
   }
-  void FailReplacing(std::uint32_t code) {
-    m_replaceFailure = code;
+  void FailReplacing(std::uint32_t code, TextView pathEnd = {}, int times = -1) {
+    m_replaceFailure = {code, Text(pathEnd), times};
   }
   void FailMakingFolders(std::uint32_t code) {
-    m_folderFailure = code;
+    m_folderFailure = {code, {}, -1};
   }
-  void FailDeleting(std::uint32_t code) {
-    m_deleteFailure = code;
+  void FailDeleting(std::uint32_t code, TextView pathEnd = {}, int times = -1) {
+    m_deleteFailure = {code, Text(pathEnd), times};
+  }
+  // Of growing files: of opening one, and of writing what was appended.
+  void FailGrowing(std::uint32_t code, TextView pathEnd = {}, int times = -1) {
+    m_growFailure = {code, Text(pathEnd), times};
   }
   // Writes that do not arrive as they were sent: the last byte changes.
   void CorruptWrites(bool corrupt) {
@@ -105,22 +124,40 @@ class TMemoryDisk : public FileSystemProbe, public TFileStore {
   TSystemError MoveFile(TextView from, TextView to) override;
   TSystemError DeleteFile(TextView path) override;
   TSystemError MakeFolders(TextView path) override;
+  TSystemError OpenFolder(TextView path, std::unique_ptr<TOpenFolder>& folder) override;
   TFileInfo Info(TextView path) override;
 
  private:
+  friend class TMemoryFolder;
+  friend class TMemoryGrowingFile;
+
   struct TRedirection {
     Text From;  // upper case, no trailing "\"
     Text To;
   };
 
+  using THold = std::lock_guard<std::recursive_mutex>;
+
   TMemoryFile* Find(TextView path) const;
+  std::shared_ptr<TMemoryFile> FindShared(TextView path) const;
+
+  // The operations on entries that were found; path is for the journal and the failures to come.
+  static bool Fails(TMemoryFailure& failure, TextView path);
+  TSystemError ReadEntry(const TMemoryFile& file, TextView path, std::vector<std::uint8_t>& bytes);
+  TSystemError ReplaceEntry(TMemoryFile& folder, TextView name, TextView path,
+                            std::span<const std::uint8_t> bytes);
+  TSystemError DeleteEntry(TMemoryFile& folder, const TMemoryFile& file, TextView path);
+  static TFileInfo InfoOf(const TMemoryFile* file, TextView name);
   TMemoryFile& Create(TextView path, bool isFolder);
   std::vector<Text> Components(TextView path) const;
   void Note(std::string_view what, TextView path) const;
 
+  // Files may be read and changed by several threads at once, as the system's.
+  mutable std::recursive_mutex m_mutex;
+
   struct TDrive {
     std::uint32_t Type = kDriveFixed;
-    TMemoryFile Root;
+    std::shared_ptr<TMemoryFile> Root = std::make_shared<TMemoryFile>();
   };
   std::map<Text, TDrive> m_drives;  // by "C:"
   std::map<Text, Text, TLessIgnoringCase> m_environment;
@@ -128,10 +165,11 @@ class TMemoryDisk : public FileSystemProbe, public TFileStore {
   int m_redirectionOff = 0;
   int m_redirectionSwitches = 0;
   int m_questions = 0;
-  std::uint32_t m_readFailure = 0;
-  std::uint32_t m_replaceFailure = 0;
-  std::uint32_t m_folderFailure = 0;
-  std::uint32_t m_deleteFailure = 0;
+  TMemoryFailure m_readFailure;
+  TMemoryFailure m_replaceFailure;
+  TMemoryFailure m_folderFailure;
+  TMemoryFailure m_deleteFailure;
+  TMemoryFailure m_growFailure;
   bool m_corruptWrites = false;
   TJournal* m_journal = nullptr;
 };

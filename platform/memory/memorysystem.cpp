@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
 
 namespace corvalt {
 
@@ -88,13 +89,26 @@ TWindowHandle WindowOf(const std::map<Text, TWindowHandle>& windows, TextView cl
   return found == windows.end() ? 0 : found->second;
 }
 
+constexpr std::chrono::milliseconds kLockSlice(5);
+
+// The lock of a name, or all locks.
 class TMemoryLock : public THeldLock {
  public:
-  explicit TMemoryLock(std::mutex& mutex) : m_lock(mutex) {
+  TMemoryLock(std::shared_ptr<TMemoryLocks> locks, std::optional<Text> name)
+      : m_locks(std::move(locks)), m_name(std::move(name)) {
+  }
+  ~TMemoryLock() override {
+    const std::lock_guard<std::mutex> hold(m_locks->Mutex);
+    if (m_name)
+      m_locks->Held.erase(*m_name);
+    else
+      m_locks->AllHeld = false;
+    m_locks->Released.notify_all();
   }
 
  private:
-  std::unique_lock<std::mutex> m_lock;
+  std::shared_ptr<TMemoryLocks> m_locks;
+  std::optional<Text> m_name;
 };
 
 }  // namespace
@@ -219,8 +233,28 @@ bool TMemoryShell::OpensWithFullAccess(std::uint32_t rootKey, TextView subKey) {
   return std::find(FullAccessKeys.begin(), FullAccessKeys.end(), key) != FullAccessKeys.end();
 }
 
-std::unique_ptr<THeldLock> TMemoryInterprocess::Lock(TextView) {
-  return std::make_unique<TMemoryLock>(m_mutex);
+TLockAnswer TMemoryInterprocess::Lock(const TLockWish& wish, const std::function<bool()>& stop) {
+  const Text name = UpperCase(wish.Name) + (wish.ForAllUsers ? Text() : u" " + User);
+  const auto end = std::chrono::steady_clock::now() + std::min(wish.Patience, LongestPatience);
+  if (Contains(wish.Name, TextView(u"\0", 1)))
+    return {};
+  std::unique_lock<std::mutex> hold(Locks->Mutex);
+  Names.push_back(name);
+  while (Locks->AllHeld || Locks->Held.contains(name)) {
+    Locks->Released.wait_for(hold, kLockSlice);
+    if (stop && stop())
+      return {TLockEnd::Stopped, nullptr};
+    if (std::chrono::steady_clock::now() >= end)
+      return {TLockEnd::TimedOut, nullptr};
+  }
+  Locks->Held.insert(name);
+  return {TLockEnd::Held, std::make_unique<TMemoryLock>(Locks, name)};
+}
+
+std::unique_ptr<THeldLock> TMemoryInterprocess::HoldEveryLock() {
+  const std::lock_guard<std::mutex> hold(Locks->Mutex);
+  Locks->AllHeld = true;
+  return std::make_unique<TMemoryLock>(Locks, std::nullopt);
 }
 
 void TMemorySystem::AddUsualFolders() {

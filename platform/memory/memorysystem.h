@@ -1,9 +1,12 @@
 // The whole system in memory, for tests, fuzzers and benchmarks.
 #pragma once
 
+#include <condition_variable>
 #include <deque>
 #include <map>
+#include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -92,12 +95,32 @@ class TMemoryShell : public Shell {
   std::vector<std::string> Calls;
 };
 
+// The locks of one machine, which the programs of several users may share.
+struct TMemoryLocks {
+  std::mutex Mutex;
+  std::condition_variable Released;
+  std::set<Text> Held;
+  bool AllHeld = false;
+};
+
+// As Windows keeps them: a lock of one user has another name for another user. Stricter in one thing: the
+// thread that holds a lock waits for it in vain.
 class TMemoryInterprocess : public TInterprocess {
  public:
-  std::unique_ptr<THeldLock> Lock(TextView name) override;
+  TLockAnswer Lock(const TLockWish& wish, const std::function<bool()>& stop) override;
+  bool ProcessRuns(std::uint32_t processId) override {
+    return RunningProcesses.contains(processId);
+  }
 
- private:
-  std::mutex m_mutex;
+  // Another copy of the program holds every lock that there is, until the answer goes.
+  std::unique_ptr<THeldLock> HoldEveryLock();
+
+  std::shared_ptr<TMemoryLocks> Locks = std::make_shared<TMemoryLocks>();
+  Text User = u"S-1-5-21-1-2-3-1001";
+  // A test need not wait for as long as a program does.
+  std::chrono::milliseconds LongestPatience = std::chrono::milliseconds(10000);
+  std::set<std::uint32_t> RunningProcesses;
+  std::vector<Text> Names;  // of the locks that were wished for
 };
 
 class TMemorySystem {

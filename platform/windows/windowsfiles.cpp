@@ -2,14 +2,15 @@
 
 #include <algorithm>
 
+#include "platform/windows/filebytes.h"
+#include "platform/windows/windowsfolder.h"
 #include "system/machine.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr DWORD kLongestPath = 260;                       // characters, of a long path name
-constexpr std::size_t kBlock = std::size_t{1024} * 1024;  // bytes of one reading or writing
+constexpr DWORD kLongestPath = 260;  // characters, of a long path name
 constexpr int kMostTemporaryNames = 100;
 
 constexpr DWORD kNoSuchFile = INVALID_FILE_ATTRIBUTES;
@@ -24,10 +25,6 @@ DWORD AttributesOf(TextView path) {
 
 bool SaysMissing(DWORD error) {
   return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
-}
-
-std::int64_t SizeOf(DWORD high, DWORD low) {
-  return static_cast<std::int64_t>((std::uint64_t{high} << 32) | low);
 }
 
 TFolderEntry EntryOf(const WIN32_FIND_DATAW& found) {
@@ -57,32 +54,6 @@ FileSystemProbe::TListing WithoutListing(TextView folder, DWORD error, std::vect
   return FileSystemProbe::TListing::Listed;
 }
 
-TSystemError ReadAll(HANDLE file, std::vector<std::uint8_t>& bytes) {
-  for (;;) {
-    const std::size_t done = bytes.size();
-    bytes.resize(done + kBlock);
-    DWORD read = 0;
-    if (!ReadFile(file, bytes.data() + done, static_cast<DWORD>(kBlock), &read, nullptr))
-      return LastError();
-    bytes.resize(done + read);
-    if (read == 0)
-      return {};
-  }
-}
-
-TSystemError WriteAll(HANDLE file, std::span<const std::uint8_t> bytes) {
-  while (!bytes.empty()) {
-    const auto size = static_cast<DWORD>(std::min(bytes.size(), kBlock));
-    DWORD written = 0;
-    if (!WriteFile(file, bytes.data(), size, &written, nullptr))
-      return LastError();
-    if (written == 0)
-      return TSystemError{kErrorDiskFull};
-    bytes = bytes.subspan(written);
-  }
-  return FlushFileBuffers(file) ? TSystemError{} : LastError();
-}
-
 // A file of a name that nobody uses, deleted at the end unless it was moved to where it belongs.
 class TTemporaryFile {
  public:
@@ -95,10 +66,9 @@ class TTemporaryFile {
   }
 
   TSystemError Create() {
-    const Text stem = m_target + u"." + DecimalText(GetCurrentProcessId()) + u"-";
     TSystemError error = {ERROR_FILE_EXISTS};
     for (int i = 0; i < kMostTemporaryNames && error.Code == ERROR_FILE_EXISTS; ++i) {
-      m_path = stem + DecimalText(i) + u".tmp";
+      m_path = TemporaryNameOf(m_target, GetCurrentProcessId(), i);
       m_file = TOwnedFile(
           CreateFileW(Wide(m_path), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
       error = m_file ? TSystemError{} : LastError();
@@ -127,17 +97,6 @@ class TTemporaryFile {
   TOwnedFile m_file;
   bool m_exists = false;
 };
-
-// A name that the system maps to a device wherever it stands, such as "nul" or "com1.txt".
-bool IsDeviceName(const Text& path) {
-  Text full(kLongestPath, u'\0');
-  DWORD length = GetFullPathNameW(Wide(path), kLongestPath, WideBuffer(full), nullptr);
-  if (length > full.size()) {
-    full.resize(length);
-    length = GetFullPathNameW(Wide(path), length, WideBuffer(full), nullptr);
-  }
-  return TextView(full).substr(0, length).starts_with(u"\\\\.\\");
-}
 
 }  // namespace
 
@@ -304,18 +263,22 @@ TSystemError TWindowsFiles::MakeFolders(TextView path) {
   return madeByAnother ? TSystemError{} : error;
 }
 
+TSystemError TWindowsFiles::OpenFolder(TextView path, std::unique_ptr<TOpenFolder>& folder) {
+  return TWindowsFolder::Open(path, folder);
+}
+
 TFileInfo TWindowsFiles::Info(TextView path) {
   TFileInfo info;
   WIN32_FILE_ATTRIBUTE_DATA data = {};
   if (path.empty() || HoldsNul(path))
     return info;
   const Text name(path);
-  info.IsDevice = IsDeviceName(name);
+  info.IsDevice = IsDevicePath(name);
   if (info.IsDevice || !GetFileAttributesExW(Wide(name), GetFileExInfoStandard, &data))
     return info;
   info.Exists = true;
   info.IsFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-  info.IsLink = (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+  info.IsLink = IsLinkPath(name, data.dwFileAttributes);
   info.Size = SizeOf(data.nFileSizeHigh, data.nFileSizeLow);
   return info;
 }

@@ -47,6 +47,7 @@ class TWindowsFiles : public TFileStore {
   TSystemError MoveFile(TextView from, TextView to) override;
   TSystemError DeleteFile(TextView path) override;
   TSystemError MakeFolders(TextView path) override;
+  TSystemError OpenFolder(TextView path, std::unique_ptr<TOpenFolder>& folder) override;
   TFileInfo Info(TextView path) override;
 };
 

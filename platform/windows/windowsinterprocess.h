@@ -1,4 +1,4 @@
-// Named mutexes of the whole machine that their user may open.
+// Named mutexes of the whole machine, open to one user or to all.
 #pragma once
 
 #include "system/interprocess.h"
@@ -7,8 +7,8 @@ namespace corvalt {
 
 class TWindowsInterprocess : public TInterprocess {
  public:
-  // The lock is given back on the thread that took it.
-  std::unique_ptr<THeldLock> Lock(TextView name) override;
+  TLockAnswer Lock(const TLockWish& wish, const std::function<bool()>& stop) override;
+  bool ProcessRuns(std::uint32_t processId) override;
 };
 
 }  // namespace corvalt

@@ -89,25 +89,76 @@ TEST_F(EnvironmentContract, TheProgramAndTheSystemFolderAreFound) {
   EXPECT_GE(m_system.Machine.GetVersion().Major, 4u);
 }
 
+TLockWish LockNamed(TextView name, int patienceInMilliseconds = 10000) {
+  return {Text(name), false, std::chrono::milliseconds(patienceInMilliseconds)};
+}
+
+// Takes the lock on a thread of its own, as another program would.
+TLockEnd TryOnAnotherThread(TSystem& system, const TLockWish& wish, const std::function<bool()>& stop = {}) {
+  TLockEnd end = TLockEnd::Refused;
+  std::thread([&] { end = system.Interprocess.Lock(wish, stop).End; }).join();
+  return end;
+}
+
 TEST_F(EnvironmentContract, ALockHasOneHolder) {
-  std::unique_ptr<THeldLock> held = m_system.Interprocess.Lock(u"Corvalt\\Contract");
-  ASSERT_NE(held, nullptr);
+  TLockAnswer held = m_system.Interprocess.Lock(LockNamed(u"Corvalt\\Contract"), {});
+  ASSERT_EQ(held.End, TLockEnd::Held);
   std::atomic<bool> released = false;
   std::atomic<bool> releasedWhenTaken = false;
   std::thread other([&] {
-    const std::unique_ptr<THeldLock> lock = m_system.Interprocess.Lock(u"Corvalt\\Contract");
-    releasedWhenTaken = released.load();
+    const TLockAnswer answer = m_system.Interprocess.Lock(LockNamed(u"Corvalt\\Contract"), {});
+    releasedWhenTaken = answer.Lock != nullptr && released.load();
   });
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
   released = true;
-  held.reset();
+  held.Lock.reset();
   other.join();
   EXPECT_TRUE(releasedWhenTaken);
 }
 
+TEST_F(EnvironmentContract, ALocksNameHasNoLetterCase) {
+  const TLockAnswer held = m_system.Interprocess.Lock(LockNamed(u"Corvalt Case"), {});
+  EXPECT_EQ(TryOnAnotherThread(m_system, LockNamed(u"CORVALT CASE", 1)), TLockEnd::TimedOut);
+  EXPECT_EQ(TryOnAnotherThread(m_system, LockNamed(u"Corvalt Case 2", 1)), TLockEnd::Held);
+}
+
+TEST_F(EnvironmentContract, WaitingForALockEndsWhenThePatienceDoes) {
+  const TLockAnswer held = m_system.Interprocess.Lock(LockNamed(u"Corvalt Patience"), {});
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_EQ(TryOnAnotherThread(m_system, LockNamed(u"Corvalt Patience", 250)), TLockEnd::TimedOut);
+  const auto waited = std::chrono::steady_clock::now() - begin;
+  EXPECT_GE(waited, std::chrono::milliseconds(240));
+  EXPECT_LT(waited, std::chrono::seconds(5));
+}
+
+TEST_F(EnvironmentContract, WaitingForALockEndsWhenItIsAskedToStop) {
+  const TLockAnswer held = m_system.Interprocess.Lock(LockNamed(u"Corvalt Stop"), {});
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_EQ(TryOnAnotherThread(m_system, LockNamed(u"Corvalt Stop"), [] { return true; }), TLockEnd::Stopped);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+}
+
+TEST_F(EnvironmentContract, ALockOfAllUsersIsNotThatOfOne) {
+  TLockWish shared = LockNamed(u"Corvalt Shared", 1);
+  shared.ForAllUsers = true;
+  const TLockAnswer held = m_system.Interprocess.Lock(shared, {});
+  ASSERT_EQ(held.End, TLockEnd::Held);
+  EXPECT_EQ(TryOnAnotherThread(m_system, shared), TLockEnd::TimedOut);
+  EXPECT_EQ(TryOnAnotherThread(m_system, LockNamed(u"Corvalt Shared", 1)), TLockEnd::Held);
+}
+
 TEST_F(EnvironmentContract, ALockIsGivenUpByAThreadThatEnds) {
-  std::thread([&] { m_system.Interprocess.Lock(u"Corvalt Contract"); }).join();
-  EXPECT_NE(m_system.Interprocess.Lock(u"Corvalt Contract"), nullptr);
+  EXPECT_EQ(TryOnAnotherThread(m_system, LockNamed(u"Corvalt Contract")), TLockEnd::Held);
+  EXPECT_EQ(m_system.Interprocess.Lock(LockNamed(u"Corvalt Contract"), {}).End, TLockEnd::Held);
+}
+
+TEST_F(EnvironmentContract, ALockOfANameWithANulIsRefused) {
+  EXPECT_EQ(m_system.Interprocess.Lock(LockNamed(TextView(u"a\0b", 3)), {}).End, TLockEnd::Refused);
+}
+
+// No process has an identifier that is not a multiple of four.
+TEST_F(EnvironmentContract, AProcessThatIsNotThereDoesNotRun) {
+  EXPECT_FALSE(m_system.Interprocess.ProcessRuns(0x7FFFFFF1));
 }
 
 }  // namespace

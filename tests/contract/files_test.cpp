@@ -151,6 +151,117 @@ TEST_F(FileStoreContract, InfoIsAboutALinkItself) {
   EXPECT_TRUE(info.IsLink);
 }
 
+using OpenFolderContract = FilesContract;
+
+std::unique_ptr<TOpenFolder> OpenedFolder(TSystem& system, const Text& path) {
+  std::unique_ptr<TOpenFolder> folder;
+  EXPECT_EQ(system.Files.OpenFolder(path, folder), TSystemError{});
+  return folder;
+}
+
+TEST_F(OpenFolderContract, FilesAreCreatedReplacedReadAndDeletedByTheirNames) {
+  const auto folder = OpenedFolder(m_system, m_subject->ScratchFolder() + u"\\");
+  EXPECT_EQ(folder->ReplaceFile(u"file.txt", TBytes{1, 2, 3}), TSystemError{});
+  EXPECT_EQ(Read(u"file.txt"), (TBytes{1, 2, 3}));
+  EXPECT_EQ(folder->ReplaceFile(u"FILE.txt", TBytes{9}), TSystemError{});
+  TBytes bytes;
+  EXPECT_EQ(folder->ReadFile(u"file.txt", bytes), TSystemError{});
+  EXPECT_EQ(bytes, TBytes{9});
+  EXPECT_EQ(Names().size(), 1u);
+  EXPECT_EQ(folder->DeleteFile(u"file.txt"), TSystemError{});
+  EXPECT_EQ(folder->DeleteFile(u"file.txt").Code, kErrorFileNotFound);
+  EXPECT_EQ(folder->ReadFile(u"file.txt", bytes).Code, kErrorFileNotFound);
+  EXPECT_EQ(bytes, TBytes{9});
+  EXPECT_TRUE(Names().empty());
+}
+
+TEST_F(OpenFolderContract, LargeFilesPassUnchanged) {
+  TBytes large(3 * 1024 * 1024 + 17);
+  for (std::size_t i = 0; i < large.size(); ++i)
+    large[i] = static_cast<std::uint8_t>(i * 31 + i / 999);
+  const auto folder = OpenedFolder(m_system, m_subject->ScratchFolder());
+  EXPECT_EQ(folder->ReplaceFile(u"large", large), TSystemError{});
+  TBytes read;
+  EXPECT_EQ(folder->ReadFile(u"large", read), TSystemError{});
+  EXPECT_TRUE(read == large);
+  EXPECT_EQ(folder->Info(u"large").Size, static_cast<std::int64_t>(large.size()));
+}
+
+TEST_F(OpenFolderContract, ANameThatLeavesTheFolderIsRefused) {
+  MakeFolder(u"Folder");
+  Write(u"precious");
+  const auto folder = OpenedFolder(m_system, At(u"Folder"));
+  TBytes bytes;
+  std::unique_ptr<TGrowingFile> file;
+  for (const TextView name : {u"..\\precious", u"../precious", u"..", u".", u"", u"a:stream", u"C:x", u"*",
+                              u"x ", u"x.", u"nul", u"com1.txt"}) {
+    EXPECT_FALSE(folder->Info(name).Exists) << EncodeUtf8(name);
+    EXPECT_EQ(folder->ReadFile(name, bytes).Code, kErrorInvalidName) << EncodeUtf8(name);
+    EXPECT_EQ(folder->ReplaceFile(name, TBytes{1}).Code, kErrorInvalidName) << EncodeUtf8(name);
+    EXPECT_EQ(folder->DeleteFile(name).Code, kErrorInvalidName) << EncodeUtf8(name);
+    EXPECT_EQ(folder->GrowFile(name, file).Code, kErrorInvalidName) << EncodeUtf8(name);
+  }
+  EXPECT_EQ(Read(u"precious"), (TBytes{1, 2, 3}));
+}
+
+TEST_F(OpenFolderContract, AFolderBelowIsNoFile) {
+  MakeFolder(u"Below");
+  const auto folder = OpenedFolder(m_system, m_subject->ScratchFolder());
+  TBytes bytes;
+  EXPECT_TRUE(folder->Info(u"Below").IsFolder);
+  EXPECT_TRUE(folder->ReadFile(u"Below", bytes).Failed());
+  EXPECT_TRUE(folder->ReplaceFile(u"Below", TBytes{1}).Failed());
+  EXPECT_EQ(folder->DeleteFile(u"Below").Code, kErrorAccessDenied);
+  EXPECT_EQ(Names(), std::vector<Text>{u"Below"});
+}
+
+TEST_F(OpenFolderContract, InfoKnowsDevices) {
+  const auto folder = OpenedFolder(m_system, m_subject->ScratchFolder());
+  EXPECT_TRUE(folder->Info(u"nul").IsDevice);
+  EXPECT_FALSE(folder->Info(u"null").IsDevice);
+}
+
+TEST_F(OpenFolderContract, OnlyAFolderThatIsNoLinkOpens) {
+  Write(u"file");
+  std::unique_ptr<TOpenFolder> folder;
+  EXPECT_TRUE(IsMissing(m_system.Files.OpenFolder(At(u"missing"), folder)));
+  EXPECT_TRUE(m_system.Files.OpenFolder(At(u"file"), folder).Failed());
+  EXPECT_TRUE(m_system.Files.OpenFolder(u"", folder).Failed());
+  EXPECT_EQ(m_system.Files.OpenFolder(m_subject->FolderLink(), folder).Code, kErrorStoppedOnLink);
+  EXPECT_EQ(m_system.Files.OpenFolder(m_subject->FolderLink() + u"\\", folder).Code, kErrorStoppedOnLink);
+  EXPECT_EQ(folder, nullptr);
+}
+
+TEST_F(OpenFolderContract, AnOpenFolderIsNotMoved) {
+  MakeFolder(u"Folder");
+  {
+    const auto folder = OpenedFolder(m_system, At(u"Folder"));
+    EXPECT_EQ(m_system.Files.MoveFile(At(u"Folder"), At(u"Moved")).Code, kErrorSharingViolation);
+    EXPECT_EQ(folder->ReplaceFile(u"file", TBytes{1}), TSystemError{});
+  }
+  EXPECT_EQ(m_system.Files.MoveFile(At(u"Folder"), At(u"Moved")), TSystemError{});
+  EXPECT_EQ(Read(u"Moved\\file"), TBytes{1});
+}
+
+TEST_F(OpenFolderContract, TwoMayHaveOneFolderOpen) {
+  const auto first = OpenedFolder(m_system, m_subject->ScratchFolder());
+  const auto second = OpenedFolder(m_system, m_subject->ScratchFolder());
+  EXPECT_EQ(first->ReplaceFile(u"file", TBytes{1}), TSystemError{});
+  EXPECT_TRUE(second->Info(u"file").Exists);
+}
+
+TEST_F(OpenFolderContract, AGrowingFileKeepsWhatItHeld) {
+  const auto folder = OpenedFolder(m_system, m_subject->ScratchFolder());
+  for (const std::uint8_t byte : {std::uint8_t{1}, std::uint8_t{2}}) {
+    std::unique_ptr<TGrowingFile> file;
+    ASSERT_EQ(folder->GrowFile(u"log", file), TSystemError{});
+    EXPECT_EQ(file->Append(TBytes{byte, 7}), TSystemError{});
+    EXPECT_EQ(file->Append({}), TSystemError{});
+    EXPECT_EQ(file->Flush(), TSystemError{});
+  }
+  EXPECT_EQ(Read(u"log"), (TBytes{1, 7, 2, 7}));
+}
+
 TEST_F(FileProbeContract, AFileIsNoFolderAndAFolderNoFile) {
   Write(u"File.txt");
   MakeFolder(u"Folder");

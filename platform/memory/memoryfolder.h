@@ -1,0 +1,41 @@
+// A folder of the disk in memory that is held open: it stays the one that was opened, whatever its path leads
+// to meanwhile.
+#pragma once
+
+#include "platform/memory/memorydisk.h"
+
+namespace corvalt {
+
+class TMemoryGrowingFile : public TGrowingFile {
+ public:
+  TMemoryGrowingFile(TMemoryDisk& disk, std::shared_ptr<TMemoryFile> file, Text path)
+      : m_disk(disk), m_file(std::move(file)), m_path(std::move(path)) {
+  }
+  TSystemError Append(std::span<const std::uint8_t> bytes) override;
+  TSystemError Flush() override;
+
+ private:
+  TMemoryDisk& m_disk;
+  std::shared_ptr<TMemoryFile> m_file;
+  Text m_path;
+};
+
+class TMemoryFolder : public TOpenFolder {
+ public:
+  // path ends with "\".
+  TMemoryFolder(TMemoryDisk& disk, std::shared_ptr<TMemoryFile> folder, Text path);
+  ~TMemoryFolder() override;
+
+  TFileInfo Info(TextView name) override;
+  TSystemError ReadFile(TextView name, std::vector<std::uint8_t>& bytes) override;
+  TSystemError ReplaceFile(TextView name, std::span<const std::uint8_t> bytes) override;
+  TSystemError DeleteFile(TextView name) override;
+  TSystemError GrowFile(TextView name, std::unique_ptr<TGrowingFile>& file) override;
+
+ private:
+  TMemoryDisk& m_disk;
+  std::shared_ptr<TMemoryFile> m_folder;
+  Text m_path;
+};
+
+}  // namespace corvalt
