@@ -10,6 +10,8 @@ namespace corvalt {
 
 namespace {
 
+constexpr TextView kIgnoreListLock = u"TessalySoft Corvalt Ignore List";
+
 bool IsOff(TextView entry) {
   return entry.starts_with(kOffMark);
 }
@@ -44,6 +46,34 @@ std::vector<Text> AddedByOthers(TSystem& system, const std::vector<Text>& list) 
   return entries;
 }
 
+// The copies of the program that this user runs change the stored list one after another. One that doesn't
+// give way in time keeps nobody from storing: each step of a change leaves a list that holds every entry.
+std::unique_ptr<THeldLock> LockIgnoreList(TSystem& system) {
+  TLockWish wish;
+  wish.Name = kIgnoreListLock;
+  return system.Interprocess.Lock(wish, {}).Lock;
+}
+
+bool WriteEntries(RegistryStore& store, const std::vector<Text>& entries) {
+  bool allWritten = true;
+  for (const Text& entry : entries)
+    allWritten = store.WriteBool(StoredName(entry), true) && allWritten;
+  return allWritten;
+}
+
+// What is in the open key beside the entries: values of any data, and subkeys.
+void DeleteAllBut(RegistryStore& store, const std::vector<Text>& entries) {
+  std::set<Text> kept;
+  for (const Text& entry : entries)
+    kept.insert(UpperCase(StoredName(entry)));
+  for (const Text& name : store.GetValueNames()) {
+    if (!kept.contains(UpperCase(name)))
+      store.DeleteValue(name);
+  }
+  for (const Text& name : store.GetKeyNames())
+    store.DeleteKey(Text(kIgnoreListKey) + u"\\" + name);
+}
+
 }  // namespace
 
 Text IgnoreEntryOf(const ScanProblem& problem) {
@@ -62,6 +92,7 @@ void AddIgnoreEntry(TSystem& system, TGlobalReg& reg, TextView entry) {
 }
 
 void StoreIgnoreEntry(TSystem& system, TextView entry) {
+  const std::unique_ptr<THeldLock> lock = LockIgnoreList(system);
   const std::unique_ptr<RegistryStore> store = UserStore(system);
   if (!store->OpenKey(kIgnoreListKey, true))
     return;
@@ -70,15 +101,16 @@ void StoreIgnoreEntry(TSystem& system, TextView entry) {
 }
 
 void SaveIgnoreList(TSystem& system, TGlobalReg& reg, std::vector<Text> entries) {
+  const std::unique_ptr<THeldLock> lock = LockIgnoreList(system);
   const std::vector<Text> others = AddedByOthers(system, reg.IgnoreList);
   reg.IgnoreList = std::move(entries);
   reg.IgnoreList.insert(reg.IgnoreList.end(), others.begin(), others.end());
   const std::unique_ptr<RegistryStore> store = UserStore(system);
-  store->DeleteKey(kIgnoreListKey);
   if (!store->OpenKey(kIgnoreListKey, true))
     return;
-  for (const Text& entry : reg.IgnoreList)
-    store->WriteBool(StoredName(entry), true);
+  // The new values come first, so that a program that is ended in the middle loses no entry.
+  if (WriteEntries(*store, reg.IgnoreList))
+    DeleteAllBut(*store, reg.IgnoreList);
   store->CloseKey();
 }
 

@@ -23,8 +23,10 @@ void StoreIgnoreEntry(TSystem& system, TextView entry);
 // An entry that begins with this unit is kept and not applied.
 inline constexpr char16_t kOffMark = u';';
 
-// Puts the entries into the list in memory, and writes the whole list anew in the registry. What other copies
-// of the program have stored since this one read the list stays, and joins the list in memory.
+// Puts the entries into the list in memory, and makes the stored list the same: new values are written, then
+// the others deleted. What other copies of the program have stored since this one read the list stays, and
+// joins the list in memory. Waits for another copy that stores its list, ten seconds at most; so do the two
+// above.
 void SaveIgnoreList(TSystem& system, TGlobalReg& reg, std::vector<Text> entries);
 
 }  // namespace corvalt

@@ -1,7 +1,8 @@
 #include "repair/ignorereg.h"
-#include "core/settingskeys.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 #include "core/settingskeys.h"
 #include "platform/memory/memorysystem.h"
@@ -132,7 +133,8 @@ TEST(IgnoreListManager, StoresAnUncheckedRowAsSwitchedOff) {
   TIgnoreListModel model(rig.Reg);
   model.SetChecked(0, false);
   rig.Save(model);
-  EXPECT_EQ(rig.Loaded(), TEntries({u";a", u"b"}));
+  // The new value stands behind those that were there before.
+  EXPECT_EQ(rig.Loaded(), TEntries({u"b", u";a"}));
   EXPECT_EQ(rig.System.Registry.FindValue(kListKey, u";a")->Type, kRegDword);
   EXPECT_FALSE(TIgnoreListModel(rig.Reg).Rows()[0].Checked);
 }
@@ -171,6 +173,71 @@ TEST(IgnoreListManager, DropsValuesOfOtherDataFromTheKeyWhenItSaves) {
   EXPECT_TRUE(rig.System.Registry.HasValue(kListKey, u"kept"));
 }
 
+TEST(IgnoreListManager, DropsSubkeysAndValuesOfOtherTypesWhenItSaves) {
+  TIgnoreRig rig;
+  rig.Add(u"kept");
+  rig.System.Registry.Set(kListKey, u"a text", u"1");
+  rig.System.Registry.AddKey(kListKey + u"\\Below\\Deeper");
+  rig.Save(TIgnoreListModel(rig.Reg));
+  EXPECT_EQ(rig.System.Registry.Dump(kListKey).size(), 2U);
+  EXPECT_EQ(rig.Loaded(), TEntries({u"kept"}));
+}
+
+// Whatever step a program is ended at, every entry is stored before it, and after it.
+TEST(IgnoreListManager, WritesTheNewValuesBeforeItDeletesTheOldOnes) {
+  TIgnoreRig rig;
+  rig.Add(u"stays");
+  rig.Add(u"switched off");
+  rig.Add(u"removed");
+  TIgnoreListModel model(rig.Reg);
+  model.SetChecked(1, false);
+  model.Remove(2);
+  TJournal journal;
+  rig.System.KeepJournal(journal);
+  rig.Save(model);
+  const auto at = [&journal](std::string_view part) {
+    const auto& entries = journal.Entries();
+    return std::find_if(entries.begin(), entries.end(),
+                        [part](const std::string& entry) { return entry.find(part) != std::string::npos; }) -
+           entries.begin();
+  };
+  EXPECT_LT(at(";switched off"), at("delete"));
+  EXPECT_LT(at("delete"), static_cast<std::ptrdiff_t>(journal.Entries().size()));
+  for (const std::string& entry : journal.Entries())
+    EXPECT_EQ(entry.find("delete key"), std::string::npos) << entry;
+  EXPECT_EQ(rig.Loaded(), TEntries({u"stays", u";switched off"}));
+}
+
+TEST(IgnoreListManager, KeepsTheOldValuesWhenANewOneCannotBeWritten) {
+  TIgnoreRig rig;
+  rig.Add(u"a");
+  rig.Add(u"b");
+  TIgnoreListModel model(rig.Reg);
+  model.Remove(0);
+  rig.Reg.IgnoreList.push_back(Text(20000, u'x'));
+  TIgnoreListModel withOneTooLong(rig.Reg);
+  withOneTooLong.Remove(0);
+  rig.Save(withOneTooLong);
+  EXPECT_EQ(rig.Loaded(), TEntries({u"a", u"b"}));
+}
+
+TEST(TheIgnoreList, IsStoredByOneProgramOfAUserAtATime) {
+  TIgnoreRig rig;
+  rig.Add(u"a");
+  rig.Save(TIgnoreListModel(rig.Reg));
+  ASSERT_EQ(rig.System.Interprocess.Names.size(), 2U);
+  EXPECT_EQ(rig.System.Interprocess.Names[0], rig.System.Interprocess.Names[1]);
+  EXPECT_TRUE(Contains(rig.System.Interprocess.Names[0], rig.System.Interprocess.User));
+}
+
+TEST(TheIgnoreList, IsStoredAlsoWhenAnotherProgramDoesNotGiveWay) {
+  TIgnoreRig rig;
+  rig.System.Interprocess.LongestPatience = std::chrono::milliseconds(1);
+  const std::unique_ptr<THeldLock> others = rig.System.Interprocess.HoldEveryLock();
+  rig.Add(u"a");
+  EXPECT_EQ(rig.Loaded(), TEntries({u"a"}));
+}
+
 TEST(IgnoreListManager, KeepsWhatAnotherCopyOfTheProgramHasAddedMeanwhile) {
   TIgnoreRig rig;
   rig.Add(u"removed");
@@ -182,7 +249,7 @@ TEST(IgnoreListManager, KeepsWhatAnotherCopyOfTheProgramHasAddedMeanwhile) {
   model.Remove(0);
   rig.Save(model);
   EXPECT_EQ(rig.Reg.IgnoreList, TEntries({u";switched off", u";the other's"}));
-  EXPECT_EQ(rig.Loaded(), rig.Reg.IgnoreList);
+  EXPECT_EQ(rig.Loaded(), TEntries({u";the other's", u";switched off"}));
 }
 
 TEST(IgnoreListManager, RemovesAnEntryWhoseStoredNameEndsAtANul) {
