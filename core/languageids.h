@@ -161,6 +161,11 @@ enum class TextId : std::int32_t {
   // What assistive technology says that a row's default action does
   ActionCheckRow = 40034,
   ActionUncheckRow = 40035,
+
+  // The backup folder
+  BackupsInUse = 40050,        // Argument: the program's title.
+  BackupFolderIsLink = 40051,  // Argument: the folder.
+  ChangesNotListed = 40052,    // Argument: the reason.
 };
 
 struct TTextEntry {
@@ -290,6 +295,9 @@ inline constexpr auto kTextIds = std::to_array<TTextEntry>({
     {TextId::ConfirmOverwrite, 1},
     {TextId::ActionCheckRow, 0},
     {TextId::ActionUncheckRow, 0},
+    {TextId::BackupsInUse, 1},
+    {TextId::BackupFolderIsLink, 1},
+    {TextId::ChangesNotListed, 1},
 });
 
 }  // namespace corvalt

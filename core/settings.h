@@ -10,9 +10,8 @@
 
 namespace corvalt {
 
-// The 32-bit integer (REG_DWORD of 4 bytes) under this name in a key of HKEY_CURRENT_USER; keyPath begins
-// with
-// "\". nullopt for any other value, and for one that can't be read. Writes nothing.
+// The 32-bit integer (REG_DWORD of 4 bytes) under this name in a key of HKEY_CURRENT_USER, whose path begins
+// with "\". nullopt for any other value, and for one that can't be read. Writes nothing.
 [[nodiscard]] std::optional<std::int32_t> StoredInteger(TSystem& system, TextView keyPath, TextView name);
 
 }  // namespace corvalt

@@ -46,13 +46,13 @@ void UseEverything(TSystem& system, const TGlobalVars& vars) {
   store.MigrateLegacyBackups();
   std::vector<std::uint8_t> bytes;
   for (const TBackup& backup : store.ListBackups(kCleanerModuleId))
-    store.ReadBackup(backup.Name, bytes);
+    static_cast<void>(store.ReadBackup(backup.Name, bytes));
   store.PruneBackups([] { return false; });
   for (const TBackup& backup : store.ListBackups(kCleanerModuleId))
     store.RemoveBackup(backup.Name);
   Expect(store.ListBackups(kCleanerModuleId).empty());
-  const Text name = store.BeginBackup();
-  store.CommitBackup(name);
+  const TBackupName name = store.BeginBackup();
+  static_cast<void>(store.CommitBackup(name));
   const std::vector<TBackup> backups = store.ListBackups(kCleanerModuleId);
   Expect(backups.size() == 1 && backups.front().Name == name && backups.front().Size > 0);
 }

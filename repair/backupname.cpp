@@ -1,12 +1,12 @@
 #include "repair/backupname.h"
 
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <string>
 
 #include "base/lettercase.h"
+#include "system/filestore.h"
 
 namespace corvalt {
 
@@ -14,8 +14,6 @@ namespace {
 
 constexpr int kSignificantDigits = 15;
 constexpr TextView kNumberUnits = u"0123456789.eE+-";
-constexpr TextView kForbiddenUnits = u"\\/:*?\"<>|";
-constexpr TextView kIndexName = u"index.ini";
 
 std::optional<double> NumberWithSign(TextView name, TextView sign) {
   const Text text = sign.empty() ? Text(name) : ReplaceAll(name, sign, u".");
@@ -38,18 +36,22 @@ Text WithPoint(TDateTime time) {
   return FromAscii({digits.data(), static_cast<std::size_t>(result.ptr - digits.data())});
 }
 
-// Whether a name with this sign in it is a file name and a section name, and is read as the same number.
-bool IsUsableName(const Text& name, const Text& withPoint, TextView sign) {
-  return IsPlainFileName(name) && name.find(u']') == Text::npos &&
-         TimeOfBackupName(name, sign) == NumberWithSign(withPoint, u".");
-}
-
 }  // namespace
 
-Text BackupNameOf(TDateTime time, TextView decimalSign) {
+TBackupName TBackupName::OfTime(TDateTime time, TextView decimalSign) {
   const Text withPoint = WithPoint(time);
-  Text name = ReplaceAll(withPoint, u".", decimalSign);
-  return IsUsableName(name, withPoint, decimalSign) ? name : withPoint;
+  const std::optional<TBackupName> name = FromText(ReplaceAll(withPoint, u".", decimalSign));
+  // A sign that is read as another number, such as a digit, is none.
+  if (name && TimeOfBackupName(name->Value(), decimalSign) == NumberWithSign(withPoint, u"."))
+    return *name;
+  return TBackupName(withPoint);
+}
+
+std::optional<TBackupName> TBackupName::FromText(TextView text) {
+  if (!IsPlainFileName(text) || EqualIgnoringCase(text, kBackupIndexName) ||
+      text.find(u']') != TextView::npos)
+    return std::nullopt;
+  return TBackupName(Text(text));
 }
 
 std::optional<TDateTime> TimeOfBackupName(TextView name, TextView decimalSign) {
@@ -58,15 +60,6 @@ std::optional<TDateTime> TimeOfBackupName(TextView name, TextView decimalSign) {
       return number;
   }
   return std::nullopt;
-}
-
-bool IsPlainFileName(TextView name) {
-  if (name.empty() || name.back() == u'.' || name.back() == u' ')
-    return false;
-  const bool isPlain = std::all_of(name.begin(), name.end(), [](char16_t unit) {
-    return unit >= u' ' && kForbiddenUnits.find(unit) == TextView::npos;
-  });
-  return isPlain && !EqualIgnoringCase(name, kIndexName);
 }
 
 }  // namespace corvalt

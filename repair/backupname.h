@@ -8,16 +8,42 @@
 
 namespace corvalt {
 
-// The time with at most 15 significant digits and the user's decimal sign; with "." where a file or an index
-// can't bear the sign.
-Text BackupNameOf(TDateTime time, TextView decimalSign);
+inline constexpr TextView kBackupIndexName = u"index.ini";
 
-// The time that a name says with ".", "," or the user's sign, so that a change of locale loses no backup.
-// Nothing for a name that is a number under none of them.
+// The module id that this program's backups carry in the index: the number of its own title.
+inline constexpr TextView kCleanerModuleId = u"11001";
+
+// A name that was checked: it can only mean a file directly in the backup folder, other than the index, and a
+// section of the index.
+class TBackupName {
+ public:
+  // The time with at most 15 significant digits and the user's decimal sign; with "." where a file or an
+  // index can't bear the sign.
+  static TBackupName OfTime(TDateTime time, TextView decimalSign);
+
+  // nullopt for a text that is no such name, for example one that would leave the folder.
+  static std::optional<TBackupName> FromText(TextView text);
+
+  const Text& Value() const {
+    return m_value;
+  }
+
+  // The file beside the backup that lists the changes of its repair and of its restores.
+  Text LogName() const {
+    return m_value + u".log";
+  }
+
+  bool operator==(const TBackupName&) const = default;
+
+ private:
+  explicit TBackupName(Text value) : m_value(std::move(value)) {
+  }
+
+  Text m_value;
+};
+
+// The time that a section's name gives with ".", "," or the user's sign, so that a change of locale loses no
+// backup. nullopt for a name that is a number under none of them.
 std::optional<TDateTime> TimeOfBackupName(TextView name, TextView decimalSign);
-
-// Whether the name can only mean a file directly in the backup folder, other than the index: no separator,
-// drive, stream or wildcard in it, and no blank or dot at its end, which Windows drops.
-bool IsPlainFileName(TextView name);
 
 }  // namespace corvalt

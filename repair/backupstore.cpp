@@ -1,61 +1,54 @@
 #include "repair/backupstore.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "base/lettercase.h"
 #include "core/languagetexts.h"
-#include "repair/backupname.h"
+#include "repair/backupmaintenance.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr TextView kIndexName = u"index.ini";
-constexpr TextView kIndexLock = u"TessalySoft Tessaly Utilities Backups ";
-// The end of a folder tells it from others; a lock's name has its limit.
-constexpr std::size_t kFolderInLockName = 200;
-constexpr TextView kTypeKey = u"Type";
-constexpr TextView kLegacyFolder = u"TessalySoft\\Corvalt\\Backups\\";
-
-// Where other modules of the suite name further files of a backup, and what stands for none.
-constexpr std::array<TextView, 4> kFurtherFileKeys = {u"29601", u"29602", u"29603", u"29606"};
-constexpr TextView kNoFile = u"nofile";
-
-// Days by the suite's setting; no backup is removed before the floor.
-constexpr std::array<std::int32_t, 6> kAgeLimits = {7, 14, 21, 30, 60, 90};
-constexpr std::int32_t kNoAgeLimit = 99999999;
-constexpr std::int32_t kAgeFloor = 90;
-
-std::int32_t AgeLimitOf(std::int32_t setting) {
-  const bool isListed = setting >= 0 && setting < static_cast<std::int32_t>(kAgeLimits.size());
-  const std::int32_t days = isListed ? kAgeLimits[static_cast<std::size_t>(setting)] : kNoAgeLimit;
-  return std::max(days, kAgeFloor);
+[[noreturn]] void ThrowNotVerified(const TGlobalVars& vars) {
+  throw TProgramException(PlainText(LanguageText(vars.Texts, TextId::BackupNotVerified)));
 }
 
-bool SaysMissing(TSystemError error) {
-  return error.Code == kErrorFileNotFound || error.Code == kErrorPathNotFound;
-}
-
-bool IsOfModule(const TIniFile& index, TextView name, TextView moduleId) {
-  return EqualIgnoringCase(index.Read(name, kTypeKey).value_or(Text()), moduleId);
+void Expect(TSystemError error, const Text& path) {
+  if (error.Failed())
+    throw TSystemException(error, path);
 }
 
 }  // namespace
 
-BackupStore::BackupStore(TSystem& system, const TGlobalVars& vars)
-    : m_system(system), m_vars(vars), m_exporter(system.Raw, system.Locale) {
+BackupStore::BackupStore(TSystem& system, const TGlobalVars& vars, std::function<bool()> stop)
+    : m_system(system), m_vars(vars), m_stop(std::move(stop)), m_exporter(system.Raw, system.Locale) {
 }
 
-Text BackupStore::BeginBackup() {
+TBackupName BackupStore::BeginBackup() {
   const std::unique_ptr<THeldLock> lock = LockStore();
-  const TSystemError error = m_system.Files.MakeFolders(m_vars.SuiteBackupsFolder);
-  if (error.Failed())
-    throw TSystemException(error, m_vars.SuiteBackupsFolder);
+  Expect(m_system.Files.MakeFolders(m_vars.SuiteBackupsFolder), m_vars.SuiteBackupsFolder);
   m_exporter.Clear();
   m_collected = TDeletionRight();
-  return BackupNameOf(m_system.Clock.Now(), m_system.Locale.DecimalSeparator());
+  const TBackupName name = TBackupName::OfTime(m_system.Clock.Now(), m_system.Locale.DecimalSeparator());
+  TBackupFolder folder = OpenStore();
+  m_run = NewRun(folder, name);
+  folder.ChangeIndex([this](TIniFile& index) {
+    const Text& section = m_run->Name.Value();
+    m_run->WasListed = HasSection(index, section);
+    m_run->TypeBefore = index.Read(section, kTypeKey);
+    index.Write(section, kTypeKey, kCleanerModuleId);
+  });
+  return name;
+}
+
+BackupStore::TRun BackupStore::NewRun(TBackupFolder& folder, const TBackupName& name) const {
+  TRun run = {name};
+  run.HadIndex = folder.HasIndex();
+  run.HadFile = folder.HasFile(name.Value());
+  run.FileWasRead = run.HadFile && !folder.ReadFile(name.Value(), run.FileBefore).Failed();
+  return run;
 }
 
 TExportResult BackupStore::AddKeyToBackup(const TKeyPath& key) {
@@ -87,192 +80,137 @@ bool BackupStore::HoldsKey(const TKeyPath& key) const {
   return m_collected.CoversKey(key);
 }
 
-TDeletionRight BackupStore::CommitBackup(TextView name) {
-  const std::unique_ptr<THeldLock> lock = LockStore();
-  WriteVerifiedFile(name);
-  ListInIndex(name);
+// The file is written without the lock: however long it is, nobody waits for it.
+TDeletionRight BackupStore::CommitBackup(const TBackupName& name) {
+  try {
+    TBackupFolder folder = OpenStore();
+    WriteVerifiedFile(folder, name);
+    ExpectListed(folder, name);
+  } catch (...) {
+    AbandonBackup();
+    throw;
+  }
+  m_run.reset();
   return std::exchange(m_collected, TDeletionRight());
 }
 
-void BackupStore::WriteVerifiedFile(TextView name) {
+void BackupStore::WriteVerifiedFile(TBackupFolder& folder, const TBackupName& name) {
   const Text path = BackupFilePath(name);
-  const TSystemError written = m_system.Files.ReplaceFile(path, m_exporter.ExportedText());
-  if (written.Failed())
-    throw TSystemException(written, path);
+  Expect(folder.ReplaceFile(name.Value(), m_exporter.ExportedText()), path);
+  if (m_run)
+    m_run->FileReplaced = true;
   std::vector<std::uint8_t> bytes;
-  const TSystemError read = m_system.Files.ReadFile(path, bytes);
-  if (read.Failed())
-    throw TSystemException(read, path);
+  Expect(folder.ReadFile(name.Value(), bytes), path);
   if (!m_exporter.SaysWhatWasExported(bytes))
-    throw TProgramException(PlainText(LanguageText(m_vars.Texts, TextId::BackupNotVerified)));
+    ThrowNotVerified(m_vars);
 }
 
-void BackupStore::ListInIndex(TextView name) {
-  ChangeLockedIndex([name](TIniFile& index) { index.Write(name, kTypeKey, kCleanerModuleId); });
-  if (!IsOfModule(ReadIndex(m_vars.SuiteBackupsFolder), name, kCleanerModuleId))
-    throw TProgramException(PlainText(LanguageText(m_vars.Texts, TextId::BackupNotVerified)));
+// Another copy of the program may have removed the backup meanwhile.
+void BackupStore::ExpectListed(TBackupFolder& folder, const TBackupName& name) const {
+  if (!IsOfModule(folder.ReadIndex(), name.Value(), kCleanerModuleId))
+    ThrowNotVerified(m_vars);
 }
 
-std::vector<TBackup> BackupStore::ListBackups(TextView moduleId) {
+void BackupStore::AbandonBackup() noexcept {
+  const std::optional<TRun> run = std::exchange(m_run, std::nullopt);
+  if (!run)
+    return;
+  try {
+    TakeBack(*run);
+  } catch (...) {
+    // The failure that led here is the one to tell. What stays is listed, and goes when it is old.
+  }
+}
+
+void BackupStore::TakeBack(const TRun& run) {
   const std::unique_ptr<THeldLock> lock = LockStore();
-  const TIniFile index = ReadIndex(m_vars.SuiteBackupsFolder);
-  const Text decimalSign = m_system.Locale.DecimalSeparator();
+  TBackupFolder folder = OpenStore();
+  TakeBackFile(folder, run);
+  const Text& section = run.Name.Value();
+  folder.ChangeIndex([&run, &section](TIniFile& index) {
+    if (!run.WasListed)
+      index.EraseSection(section);
+    else if (run.TypeBefore)
+      index.Write(section, kTypeKey, *run.TypeBefore);
+  });
+  if (!run.HadIndex && folder.ReadIndex().SectionNames().empty())
+    Expect(folder.DeleteIndex(), folder.Path());
+}
+
+void BackupStore::TakeBackFile(TBackupFolder& folder, const TRun& run) {
+  const Text& name = run.Name.Value();
+  if (!run.FileReplaced)
+    return;
+  if (!run.HadFile)
+    Expect(folder.DeleteFile(name), folder.Path() + name);
+  else if (run.FileWasRead)
+    Expect(folder.ReplaceFile(name, run.FileBefore), folder.Path() + name);
+}
+
+// The index is replaced whole by whoever changes it, so that reading it needs no lock.
+std::vector<TBackup> BackupStore::ListBackups(TextView moduleId) {
   std::vector<TBackup> backups;
-  for (Text& name : index.SectionNames()) {
-    const std::optional<TDateTime> created = TimeOfBackupName(name, decimalSign);
-    if (!created || !IsOfModule(index, name, moduleId))
-      continue;
-    const bool hasFile = HasFile(m_vars.SuiteBackupsFolder, name);
-    const std::int64_t size = hasFile ? m_system.Files.Info(BackupFilePath(name)).Size : 0;
-    backups.push_back({std::move(name), *created, size});
+  std::optional<TBackupFolder> folder = OpenStoreIfThere();
+  if (!folder)
+    return backups;
+  const TIniFile index = folder->ReadIndex();
+  const Text decimalSign = m_system.Locale.DecimalSeparator();
+  for (const Text& section : index.SectionNames()) {
+    const std::optional<TBackupName> name = TBackupName::FromText(section);
+    const std::optional<TDateTime> created = TimeOfBackupName(section, decimalSign);
+    if (name && created && IsOfModule(index, section, moduleId))
+      backups.push_back({*name, *created, folder->FileSize(section)});
   }
   return backups;
 }
 
-void BackupStore::RemoveBackup(TextView name) {
-  ChangeIndex([this, name](TIniFile& index) {
-    const TSystemError error = DeleteStoreFile(name);
-    if (error.Failed())
-      throw TSystemException(error, BackupFilePath(name));
-    index.EraseSection(name);
+void BackupStore::RemoveBackup(const TBackupName& name) {
+  const std::unique_ptr<THeldLock> lock = LockStore();
+  std::optional<TBackupFolder> folder = OpenStoreIfThere();
+  if (!folder)
+    return;
+  folder->ChangeIndex([&folder, &name](TIniFile& index) {
+    for (const Text& file : {name.LogName(), name.Value()})
+      Expect(folder->DeleteFile(file), folder->Path() + file);
+    index.EraseSection(name.Value());
   });
 }
 
-Text BackupStore::BackupFilePath(TextView name) const {
-  return IsPlainFileName(name) ? m_vars.SuiteBackupsFolder + Text(name) : Text();
+Text BackupStore::BackupFilePath(const TBackupName& name) const {
+  return m_vars.SuiteBackupsFolder + name.Value();
 }
 
-TSystemError BackupStore::ReadBackup(TextView name, std::vector<std::uint8_t>& bytes) {
-  if (!HasFile(m_vars.SuiteBackupsFolder, name))
-    return {kErrorFileNotFound};
-  return m_system.Files.ReadFile(BackupFilePath(name), bytes);
+TSystemError BackupStore::ReadBackup(const TBackupName& name, std::vector<std::uint8_t>& bytes) {
+  std::optional<TBackupFolder> folder = OpenStoreIfThere();
+  return folder ? folder->ReadFile(name.Value(), bytes) : TSystemError{kErrorFileNotFound};
 }
 
 void BackupStore::MigrateLegacyBackups() {
-  const Text legacyFolder = m_vars.AppDataFolder + Text(kLegacyFolder);
-  const Text legacyIndex = legacyFolder + Text(kIndexName);
-  // A link may lead to the suite's folder, whose index would then be taken for the old one and deleted.
-  if (!m_system.Files.Info(legacyIndex).Exists || IsLinkedFolder(legacyFolder))
-    return;
-  const std::vector<Text> names = ReadIndex(legacyFolder).SectionNames();
-  const TSystemError folderError = m_system.Files.MakeFolders(m_vars.SuiteBackupsFolder);
-  if (folderError.Failed())
-    throw TSystemException(folderError, m_vars.SuiteBackupsFolder);
-  ChangeIndex([&names](TIniFile& index) {
-    for (const Text& name : names)
-      index.Write(name, kTypeKey, kCleanerModuleId);
-  });
-  for (const Text& name : names)
-    MoveLegacyFile(legacyFolder, name);
-  m_system.Files.DeleteFile(legacyIndex);
-}
-
-void BackupStore::MoveLegacyFile(const Text& legacyFolder, TextView name) {
-  // A file that stays behind is no failure: its backup is listed all the same.
-  if (HasFile(legacyFolder, name))
-    m_system.Files.MoveFile(legacyFolder + Text(name), BackupFilePath(name));
+  MigrateBackups(m_system, m_vars, m_stop);
 }
 
 void BackupStore::PruneBackups(const std::function<bool()>& stop) {
-  const std::vector<Text> names = [this] {
-    const std::unique_ptr<THeldLock> lock = LockStore();
-    return ReadIndex(m_vars.SuiteBackupsFolder).SectionNames();
-  }();
-  PruneByAge(names, stop);
-  // Names that were erased by age are counted once more, which may remove more than needed.
-  PruneByCount(names, stop);
+  const std::unique_ptr<THeldLock> lock = LockBackups(m_system, m_vars, stop);
+  if (std::optional<TBackupFolder> folder = OpenStoreIfThere())
+    TBackupPruning(m_system, m_vars, *folder, stop).Run();
 }
 
-void BackupStore::PruneByAge(const std::vector<Text>& names, const std::function<bool()>& stop) {
-  const std::int32_t limitInDays = AgeLimitOf(m_vars.BackupsDelete);
-  for (const Text& name : names) {
-    if (stop())
-      return;
-    if (!IsTooOld(name, limitInDays))
-      continue;
-    ChangeIndex([this, &name](TIniFile& index) {
-      DeleteStoreFile(name);
-      for (const TextView key : kFurtherFileKeys)
-        DeleteStoreFile(index.Read(name, key).value_or(Text(kNoFile)));
-      index.EraseSection(name);
-    });
-  }
+void BackupStore::RemoveLeftFiles() {
+  if (std::optional<TBackupFolder> folder = OpenStoreIfThere())
+    RemoveTemporaryFiles(m_system, *folder);
 }
 
-bool BackupStore::IsTooOld(TextView name, std::int32_t limitInDays) {
-  const TDateTime created = TimeOfBackupName(name, m_system.Locale.DecimalSeparator()).value_or(0);
-  return m_system.Clock.Now() - created > limitInDays;
+std::unique_ptr<THeldLock> BackupStore::LockStore() const {
+  TSystem system = m_system;
+  return LockBackups(system, m_vars, m_stop);
 }
 
-void BackupStore::PruneByCount(std::vector<Text> names, const std::function<bool()>& stop) {
-  std::sort(names.begin(), names.end(), std::greater<>());
-  const auto count = static_cast<std::int64_t>(names.size());
-  if (count < m_vars.BackupsMax)
-    return;
-  // One less than the limit stays, which leaves room for the next repair's backup.
-  const std::int64_t last = std::max<std::int64_t>(std::int64_t{m_vars.BackupsMax} - 1, 0);
-  for (std::int64_t i = count - 1; i >= last && !stop(); --i) {
-    const Text& name = names[static_cast<std::size_t>(i)];
-    ChangeIndex([&name](TIniFile& index) { index.EraseSection(name); });
-    DeleteStoreFile(name);
-  }
+TBackupFolder BackupStore::OpenStore() {
+  return TBackupFolder::Open(m_system, m_vars, m_vars.SuiteBackupsFolder);
 }
 
-Text BackupStore::LockName() const {
-  const Text folder = UpperCase(m_vars.SuiteBackupsFolder);
-  return Text(kIndexLock) + folder.substr(folder.size() - std::min(folder.size(), kFolderInLockName));
-}
-
-std::unique_ptr<THeldLock> BackupStore::LockStore() {
-  std::unique_ptr<THeldLock> lock = m_system.Interprocess.Lock(LockName());
-  if (!lock)
-    throw TSystemException({kErrorAccessDenied}, m_vars.SuiteBackupsFolder + Text(kIndexName));
-  return lock;
-}
-
-TIniFile BackupStore::ReadIndex(const Text& folder) {
-  const Text path = folder + Text(kIndexName);
-  std::vector<std::uint8_t> bytes;
-  const TSystemError error = m_system.Files.ReadFile(path, bytes);
-  if (error.Failed() && !SaysMissing(error))
-    throw TSystemException(error, path);
-  return TIniFile::FromBytes(bytes, m_system.Locale);
-}
-
-void BackupStore::ChangeIndex(const std::function<void(TIniFile&)>& change) {
-  const std::unique_ptr<THeldLock> lock = LockStore();
-  ChangeLockedIndex(change);
-}
-
-void BackupStore::ChangeLockedIndex(const std::function<void(TIniFile&)>& change) {
-  TIniFile index = ReadIndex(m_vars.SuiteBackupsFolder);
-  const std::vector<std::uint8_t> before = index.ToBytes(m_system.Locale);
-  change(index);
-  const std::vector<std::uint8_t> after = index.ToBytes(m_system.Locale);
-  if (after == before)
-    return;
-  const Text path = m_vars.SuiteBackupsFolder + Text(kIndexName);
-  const TSystemError error = m_system.Files.ReplaceFile(path, after);
-  if (error.Failed())
-    throw TSystemException(error, path);
-}
-
-bool BackupStore::IsLinkedFolder(const Text& folder) {
-  return m_system.Files.Info(TextView(folder).substr(0, folder.size() - 1)).IsLink;
-}
-
-bool BackupStore::HasFile(const Text& folder, TextView name) {
-  if (!IsPlainFileName(name))
-    return false;
-  const TFileInfo info = m_system.Files.Info(folder + Text(name));
-  return info.Exists && !info.IsFolder && !info.IsLink && !info.IsDevice;
-}
-
-TSystemError BackupStore::DeleteStoreFile(TextView name) {
-  if (!HasFile(m_vars.SuiteBackupsFolder, name))
-    return {};
-  const TSystemError error = m_system.Files.DeleteFile(BackupFilePath(name));
-  return SaysMissing(error) ? TSystemError{} : error;
+std::optional<TBackupFolder> BackupStore::OpenStoreIfThere() {
+  return TBackupFolder::OpenIfThere(m_system, m_vars, m_vars.SuiteBackupsFolder);
 }
 
 }  // namespace corvalt

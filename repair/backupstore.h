@@ -4,59 +4,66 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
+#include <optional>
 #include <vector>
 
 #include "core/globals.h"
-#include "formats/inifile.h"
 #include "formats/ioregistry.h"
+#include "repair/backupfolder.h"
+#include "repair/backupname.h"
 #include "repair/deletionright.h"
 #include "system/system.h"
 
 namespace corvalt {
 
-// The module id that this program's backups carry in the index: the number of its own title.
-inline constexpr TextView kCleanerModuleId = u"11001";
-
 struct TBackup {
-  Text Name;
+  TBackupName Name;
   TDateTime Created = 0;
   std::int64_t Size = 0;  // bytes; 0 when its file is missing
 };
 
-// Failures throw TSystemException, and TProgramException for a backup that does not read back. A name that
-// would leave the folder, and one of a device, a link or a folder, has no file: nothing is read, written,
-// moved or deleted under it.
+// Failures throw TSystemException, and TProgramException where the program has words of its own: a backup
+// that does not read back, a folder that is a link, another copy of the program that works on the backups for
+// more than ten seconds. What is not a file directly in the folder (a link, a folder, a device) is no
+// backup's file.
 class BackupStore {
  public:
-  // Both must outlive the store.
-  BackupStore(TSystem& system, const TGlobalVars& vars);
+  // system and vars must outlive the store. stop, which may be empty, is asked while the store waits for
+  // another copy of the program; a wait that it ends throws TBackupWorkStopped.
+  BackupStore(TSystem& system, const TGlobalVars& vars, std::function<bool()> stop = {});
 
-  // Begins the one backup that this object collects: makes the folder and answers the backup's name, which is
-  // the current time. Two backups of one tick have one name, and the second replaces the first.
-  Text BeginBackup();
+  // Begins the one backup that this object collects: makes the folder, lists the backup in the index and
+  // returns its name, which is the current time. Two backups of one tick have one name, and the second
+  // replaces the first. From here on the backup is listed, so that also one that was ended by force is found
+  // and removed when it is old.
+  TBackupName BeginBackup();
 
   // What is not Done is not in the backup.
   TExportResult AddKeyToBackup(const TKeyPath& key);
   TExportResult AddValueToBackup(const TKeyPath& key, TextView valueName);
 
   // Whether the key itself was added to the backup since it began.
-  bool HoldsKey(const TKeyPath& key) const;
+  [[nodiscard]] bool HoldsKey(const TKeyPath& key) const;
 
-  // Writes the backup's file, reads it back, compares it with what was exported, and then lists it in the
-  // index. The right to delete what it holds.
-  TDeletionRight CommitBackup(TextView name);
+  // Writes the backup's file, reads it back, compares it with what was exported, and looks once more whether
+  // the index lists it. Returns the right to delete what it holds. A failure abandons the backup.
+  [[nodiscard]] TDeletionRight CommitBackup(const TBackupName& name);
 
-  // The module's backups in the order of the index, those whose name is no number left out.
-  std::vector<TBackup> ListBackups(TextView moduleId);
+  // Takes back out what the backup that was begun has made: its file and its place in the index, unless they
+  // were there before. Does nothing after a commit. What can't be taken back stays; nothing is thrown.
+  void AbandonBackup() noexcept;
 
-  // Deletes the file, then the index entry; either may be missing.
-  void RemoveBackup(TextView name);
+  // The module's backups in the order of the index, without those whose name is no number. Waits for nobody.
+  [[nodiscard]] std::vector<TBackup> ListBackups(TextView moduleId);
 
-  // Where the backup's file lies; empty for a name that can't be one in the folder.
-  Text BackupFilePath(TextView name) const;
+  // Deletes the file with its list of changes, then the place in the index; any of them may be missing.
+  void RemoveBackup(const TBackupName& name);
 
-  TSystemError ReadBackup(TextView name, std::vector<std::uint8_t>& bytes);
+  // Where the backup's file lies.
+  [[nodiscard]] Text BackupFilePath(const TBackupName& name) const;
+
+  // kErrorFileNotFound when the backup has no file.
+  [[nodiscard]] TSystemError ReadBackup(const TBackupName& name, std::vector<std::uint8_t>& bytes);
 
   // Takes over what this module's older releases left in a folder of their own.
   void MigrateLegacyBackups();
@@ -64,31 +71,40 @@ class BackupStore {
   // Removes what is too old, then what is too much. Between two backups it asks whether to stop.
   void PruneBackups(const std::function<bool()>& stop);
 
+  // Deletes the temporary files that copies of the program left which were ended while they wrote.
+  void RemoveLeftFiles();
+
  private:
   // What the exporter has taken since it held this number of keys.
   void CollectContent(std::size_t keysBefore);
-  // Another folder is another store with a lock of its own.
-  Text LockName() const;
-  std::unique_ptr<THeldLock> LockStore();
-  TIniFile ReadIndex(const Text& folder);
-  // Reads, changes and replaces the index under the lock. change may also change files of the store.
-  void ChangeIndex(const std::function<void(TIniFile&)>& change);
-  void ChangeLockedIndex(const std::function<void(TIniFile&)>& change);
-  void WriteVerifiedFile(TextView name);
-  void ListInIndex(TextView name);
-  // folder ends with "\".
-  bool IsLinkedFolder(const Text& folder);
-  bool HasFile(const Text& folder, TextView name);
-  TSystemError DeleteStoreFile(TextView name);
-  void MoveLegacyFile(const Text& legacyFolder, TextView name);
-  bool IsTooOld(TextView name, std::int32_t limitInDays);
-  void PruneByAge(const std::vector<Text>& names, const std::function<bool()>& stop);
-  void PruneByCount(std::vector<Text> names, const std::function<bool()>& stop);
+
+  // What the running backup found when it began.
+  struct TRun {
+    TBackupName Name;
+    bool HadIndex = false;
+    bool WasListed = false;
+    std::optional<Text> TypeBefore = {};
+    bool HadFile = false;
+    std::vector<std::uint8_t> FileBefore = {};
+    bool FileWasRead = false;
+    bool FileReplaced = false;
+  };
+
+  [[nodiscard]] std::unique_ptr<THeldLock> LockStore() const;
+  TBackupFolder OpenStore();
+  std::optional<TBackupFolder> OpenStoreIfThere();
+  TRun NewRun(TBackupFolder& folder, const TBackupName& name) const;
+  void WriteVerifiedFile(TBackupFolder& folder, const TBackupName& name);
+  void ExpectListed(TBackupFolder& folder, const TBackupName& name) const;
+  void TakeBack(const TRun& run);
+  static void TakeBackFile(TBackupFolder& folder, const TRun& run);
 
   TSystem m_system;
   const TGlobalVars& m_vars;
+  std::function<bool()> m_stop;
   TIORegistry m_exporter;
   TDeletionRight m_collected;
+  std::optional<TRun> m_run;
 };
 
 }  // namespace corvalt

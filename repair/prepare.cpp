@@ -1,12 +1,38 @@
 #include "repair/prepare.h"
 
+#include <exception>
+#include <memory>
 #include <utility>
 
 #include "core/languagetexts.h"
+#include "core/settingskeys.h"
 #include "repair/backupstore.h"
 #include "system/systemerror.h"
 
 namespace corvalt {
+
+namespace {
+
+// The failure that the last start told, in the cleaner's own settings.
+constexpr TextView kFailureValue = u"maintenancefailure";
+
+// Keeps the failure for the next start; an empty reason is none. Whether it is another one than before, which
+// the user is to be told: what fails in the same way at each start is told once.
+bool RememberFailure(TSystem& system, const Text& reason) {
+  const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
+  store->SetRootKey(kHkeyCurrentUser);
+  if (!store->OpenKey(kCleanerSettingsKey, !reason.empty()))
+    return true;
+  const bool isNew = store->ReadString(kFailureValue) != reason;
+  if (isNew && reason.empty())
+    store->DeleteValue(kFailureValue);
+  else if (isNew)
+    store->WriteString(kFailureValue, reason);
+  store->CloseKey();
+  return isNew;
+}
+
+}  // namespace
 
 TPrepare::TPrepare(TPrepareContext context) : TWorkerThread(context.UiThread), m_context(std::move(context)) {
   Start();
@@ -16,16 +42,34 @@ void TPrepare::Execute() {
   SetOnTerminate(m_context.OnFinished);
   try {
     MaintainBackups(m_context.System, m_context.Vars, [this] { return Terminated(); });
+    RememberFailure(m_context.System, {});
   } catch (...) {
     const Text reason = DescribeException(std::current_exception(), m_context.System.Locale);
-    throw TProgramException(PlainText(LanguageText(m_context.Vars.Texts, TextId::MaintenanceFailed, reason)));
+    if (RememberFailure(m_context.System, reason))
+      throw TProgramException(
+          PlainText(LanguageText(m_context.Vars.Texts, TextId::MaintenanceFailed, reason)));
   }
 }
 
 void MaintainBackups(TSystem& system, const TGlobalVars& vars, const std::function<bool()>& stop) {
-  BackupStore store(system, vars);
-  store.MigrateLegacyBackups();
-  store.PruneBackups(stop);
+  BackupStore store(system, vars, stop);
+  std::exception_ptr failure;
+  try {
+    try {
+      store.MigrateLegacyBackups();
+    } catch (const TBackupWorkStopped&) {
+      throw;
+    } catch (...) {
+      // Old backups that can't be taken over keep no others from being removed.
+      failure = std::current_exception();
+    }
+    store.RemoveLeftFiles();
+    store.PruneBackups(stop);
+  } catch (const TBackupWorkStopped&) {
+    return;
+  }
+  if (failure)
+    std::rethrow_exception(failure);
 }
 
 }  // namespace corvalt

@@ -17,7 +17,8 @@ struct TPrepareContext {
 
 class TPrepare final : public TWorkerThread {
  public:
-  // Starts at once. When it ends early its exception says why in the user's words.
+  // Starts at once. When it ends early its exception gives the reason in the user's words, unless the start
+  // before failed for the same reason.
   explicit TPrepare(TPrepareContext context);
 
  protected:
@@ -27,7 +28,9 @@ class TPrepare final : public TWorkerThread {
   TPrepareContext m_context;
 };
 
-// What the thread does, for programs that have nothing to do meanwhile. Failures throw as the store says.
+// What the thread does, for programs that have nothing to do meanwhile: takes over old backups, deletes what
+// interrupted programs left, removes outdated backups. Asks stop between two backups, and while it waits for
+// another copy of the program. Throws as BackupStore does, the first failure when all is done that can be.
 void MaintainBackups(TSystem& system, const TGlobalVars& vars, const std::function<bool()>& stop);
 
 }  // namespace corvalt

@@ -28,7 +28,7 @@ TRestoreEnd EndOf(const TImportResult& import) {
 std::vector<TBackup> BackupsNewestFirst(TSystem& system, const TGlobalVars& vars) {
   std::vector<TBackup> backups = BackupStore(system, vars).ListBackups(kCleanerModuleId);
   std::stable_sort(backups.begin(), backups.end(), [](const TBackup& a, const TBackup& b) {
-    return CompareIgnoringCase(a.Name, b.Name) > 0;
+    return CompareIgnoringCase(a.Name.Value(), b.Name.Value()) > 0;
   });
   return backups;
 }
@@ -40,7 +40,9 @@ Text BackupTimeText(const TBackup& backup, TLocale& locale) {
 TRestoreOutcome RestoreBackup(TSystem& system, const TGlobalVars& vars, TextView backupName) {
   TRestoreOutcome outcome;
   std::vector<std::uint8_t> bytes;
-  outcome.Error = BackupStore(system, vars).ReadBackup(backupName, bytes);
+  const std::optional<TBackupName> name = TBackupName::FromText(backupName);
+  outcome.Error =
+      name ? BackupStore(system, vars).ReadBackup(*name, bytes) : TSystemError{kErrorFileNotFound};
   if (outcome.Error.Code == kErrorFileNotFound)
     return outcome;
   if (outcome.Error.Failed()) {

@@ -20,7 +20,7 @@ std::int32_t PercentOf(std::size_t part, std::size_t whole) {
 TCleaning::TCleaning(TCleaningContext context, TProgressDialog& ownerDialog)
     : TWorkerThread(context.UiThread),
       m_context(std::move(context)),
-      m_store(m_context.System, m_context.Vars),
+      m_store(m_context.System, m_context.Vars, [this] { return Terminated(); }),
       OwnerDialog(ownerDialog) {
   Start();
 }
@@ -33,6 +33,14 @@ void TCleaning::Execute() {
       ++m_checked;
   });
   m_outcome.NotReached = m_checked;
+  try {
+    Repair();
+  } catch (const TBackupWorkStopped&) {
+    // The user has cancelled, and nothing was deleted.
+  }
+}
+
+void TCleaning::Repair() {
   TDeletionRight right = PrepareDeletions();
   m_outcome.BackupMade = true;
   try {
@@ -51,6 +59,8 @@ TDeletionRight TCleaning::PrepareDeletions() {
     if (right)
       return *std::move(right);
     return MakeBackup();
+  } catch (const TBackupWorkStopped&) {
+    throw;
   } catch (...) {
     EndWith(TextId::RepairFailedBeforeDeletion);
   }
@@ -66,15 +76,24 @@ TDeletionRight TCleaning::MakeBackup() {
   StatusText = kBackupStatus;
   Percent = 0;
   UpdateStatus();
-  const Text name = m_store.BeginBackup();
+  const TBackupName name = m_store.BeginBackup();
+  try {
+    BackUpChecked();
+  } catch (...) {
+    m_store.AbandonBackup();
+    throw;
+  }
+  TDeletionRight right = m_store.CommitBackup(name);
+  m_outcome.BackupName = name.Value();
+  return right;
+}
+
+void TCleaning::BackUpChecked() {
   std::size_t done = 0;
   ForEachProblem([this, &done](TResultsNode* node) {
     if (IsChecked(node))
       BackUp(m_context.Results.Data(node), done++);
   });
-  TDeletionRight right = m_store.CommitBackup(name);
-  m_outcome.BackupName = name;
-  return right;
 }
 
 void TCleaning::BackUp(const ScanProblem& problem, std::size_t done) {

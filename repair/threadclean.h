@@ -53,8 +53,10 @@ class TCleaning final : public TWorkerThread {
   void Execute() override;
 
  private:
+  void Repair();
   TDeletionRight PrepareDeletions();
   TDeletionRight MakeBackup();
+  void BackUpChecked();
   void BackUp(const ScanProblem& problem, std::size_t done);
   void DeleteProblems(TProblemDeleter& deleter);
   void DeleteChecked(TResultsNode* header, TProblemDeleter& deleter);

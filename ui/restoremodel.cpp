@@ -30,7 +30,7 @@ void TRestoreModel::Restore(std::size_t row) {
                                                        Say(TextId::TitleConfirm), TMessageKind::Question);
   if (answer == TAnswer::No)
     return;
-  const TRestoreOutcome outcome = RestoreBackup(m_system, m_vars, chosen.BackupName);
+  const TRestoreOutcome outcome = RestoreBackup(m_system, m_vars, chosen.BackupName.Value());
   const Text told = DescribeRestore(outcome, chosen.Caption, m_vars, m_system.Locale);
   if (outcome.End == TRestoreEnd::Restored)
     m_system.TheShell.ShowMessage(told, Say(TextId::TitleInformation), TMessageKind::Information);

@@ -15,7 +15,7 @@ namespace corvalt {
 struct TRestoreRow {
   Text Caption;
   Text SizeText;
-  Text BackupName;  // hidden
+  TBackupName BackupName;  // hidden
 };
 
 // The rows of the dialog and what its buttons do. Outcomes are told through the shell's message boxes.

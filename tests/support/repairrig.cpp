@@ -108,12 +108,12 @@ std::string TRepairRig::BackupText() {
   const std::vector<TBackup> backups = Backups();
   if (backups.size() != 1)
     return {};
-  return System.Disk.Content(Vars.SuiteBackupsFolder + backups.front().Name).value_or(std::string());
+  return System.Disk.Content(Vars.SuiteBackupsFolder + backups.front().Name.Value()).value_or(std::string());
 }
 
 void TRepairRig::RestoreTheBackup() {
   TSystem system = System.Bundle();
-  RestoreBackup(system, Vars, Backups().at(0).Name);
+  RestoreBackup(system, Vars, Backups().at(0).Name.Value());
 }
 
 }  // namespace corvalt

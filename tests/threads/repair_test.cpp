@@ -113,10 +113,13 @@ TEST(RepairThread, TwoCopiesOfTheProgramLoseNoBackupOfEachOther) {
   TSystem system = rig.System.Bundle();
   constexpr int kBackups = 20;
   const auto makeBackups = [&](int first) {
+    TMemoryClock clock;
+    TSystem copy = {system.Registry, system.Raw, system.Probe,    system.Files,       system.Machine,
+                    system.Locale,   clock,      system.TheShell, system.Interprocess};
     for (int i = 0; i < kBackups; ++i) {
-      BackupStore store(system, rig.Vars);
-      store.BeginBackup();
-      store.CommitBackup(DecimalText(first + i));
+      clock.Time = first + i;
+      BackupStore store(copy, rig.Vars);
+      static_cast<void>(store.CommitBackup(store.BeginBackup()));
     }
   };
   std::thread other(makeBackups, 47000);

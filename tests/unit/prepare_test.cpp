@@ -31,7 +31,7 @@ class TPrepareRig {
       finished = true;
     };
     // The lock keeps the thread from its first index until it has been told to terminate.
-    std::unique_ptr<THeldLock> lock = System.Interprocess.Lock(u"any");
+    std::unique_ptr<THeldLock> lock = System.Interprocess.HoldEveryLock();
     TPrepare& prepare = TWorkerThread::Launch<TPrepare>(TPrepareContext{system, Vars, UiThread, onFinished});
     if (cancelAtOnce)
       prepare.Terminate();
@@ -76,6 +76,20 @@ TEST(Maintenance, EndsWithTheReasonInTheUsersWords) {
   rig.System.Disk.FailReading(kErrorAccessDenied);
   rig.Run();
   EXPECT_EQ(rig.FailureText, "40007(C:\\Backups\\index.ini: System message 5.)");
+}
+
+TEST(Maintenance, TellsAFailureThatStaysAtTheFirstStartOnly) {
+  TPrepareRig rig;
+  rig.System.Disk.AddFolder(Text(kLegacyFolder) + u"index.ini");
+  rig.Run();
+  EXPECT_EQ(rig.FailureText, "40007(" + EncodeUtf8(kLegacyFolder) + "index.ini: System message 5.)");
+  rig.Run();
+  EXPECT_EQ(rig.FailureText, "");
+  rig.System.Disk.Remove(Text(kLegacyFolder) + u"index.ini");
+  rig.Run();
+  rig.System.Disk.AddFolder(Text(kLegacyFolder) + u"index.ini");
+  rig.Run();
+  EXPECT_NE(rig.FailureText, "");
 }
 
 TEST(Maintenance, OfAnEmptyDiskChangesNothing) {

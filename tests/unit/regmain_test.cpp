@@ -656,7 +656,7 @@ TEST(MainWindowEnd, StopsTheMaintenanceBeforeItsNextBackup) {
     const std::string old = "[1]\r\nType=11001\r\n";
     rig.System.Disk.AddFile(index, old);
     // Keeps the thread from the index until it has been told.
-    std::unique_ptr<THeldLock> lock = rig.System.Interprocess.Lock(u"any");
+    std::unique_ptr<THeldLock> lock = rig.System.Interprocess.HoldEveryLock();
     rig.Main.StartMaintenance();
     if (isTerminated)
       rig.Main.TerminateThreads();

@@ -48,7 +48,7 @@ class TRestoreRig {
 TLines NamesOf(const TRestoreModel& model) {
   TLines names;
   for (const TRestoreRow& row : model.Rows())
-    names.push_back(EncodeUtf8(row.BackupName));
+    names.push_back(EncodeUtf8(row.BackupName.Value()));
   return names;
 }
 
@@ -62,7 +62,7 @@ TEST(RestoreDialog, ShowsDateTimeAndSizeOfEachBackup) {
   ASSERT_EQ(model.Rows().size(), 2U);
   EXPECT_EQ(model.Rows()[0].Caption, u"11039 - 11/15/2026 12:00:00 PM");
   EXPECT_EQ(model.Rows()[0].SizeText, u"2.00 KB");
-  EXPECT_EQ(model.Rows()[0].BackupName, u"46341.5");
+  EXPECT_EQ(model.Rows()[0].BackupName.Value(), u"46341.5");
   EXPECT_EQ(model.Rows()[1].Caption, u"11039 - 11/14/2026 12:00:00 AM");
   EXPECT_EQ(model.Rows()[1].SizeText, u"1 Byte");
 }

@@ -74,14 +74,14 @@ TEST(Repair, LeavesWhatIsNotChecked) {
   EXPECT_EQ(rig.Unmarked(), TLines({"\\Software\\Old|"}));
 }
 
-TEST(Repair, BacksUpEverythingThenListsItThenBeginsToDelete) {
+TEST(Repair, ListsItsBackupThenWritesItThenBeginsToDelete) {
   TSmallRepair rig;
   TJournal journal;
   rig.System.KeepJournal(journal);
   rig.Repair();
   const std::string folder = EncodeUtf8(rig.Vars.SuiteBackupsFolder);
   EXPECT_EQ(journal.Entries(),
-            TLines({"replace file " + folder + "46341.5", "replace file " + folder + "index.ini",
+            TLines({"replace file " + folder + "index.ini", "replace file " + folder + "46341.5",
                     "delete key \\Software\\Old", "delete value Updater"}));
 }
 

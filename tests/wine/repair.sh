@@ -40,9 +40,14 @@ start_repair() {
   repair_process=$!
 }
 
-# The index is the last thing that is written before the first deletion.
-wait_for_index() {
-  until [[ -e $backups/index.ini ]] || ! kill -0 "$repair_process" 2>/dev/null; do
+# The names of the backups' files; one has its name when it is complete.
+backup_files() {
+  find "$backups" -type f ! -name index.ini ! -name '*.tmp' ! -name '*.log' -printf '%f\n'
+}
+
+# The backup's file is the last thing that is written before the first deletion.
+wait_for_backup_file() {
+  until [[ -n $(backup_files) ]] || ! kill -0 "$repair_process" 2>/dev/null; do
     sleep 0.002
   done
 }
@@ -52,21 +57,24 @@ kill_repair() {
   local number=$1 early=$((kills / 3))
   start_repair
   if ((number <= early)); then
-    sleep "$(part_of "$until_index" "$number" $((early + 1)))"
+    sleep "$(part_of "$until_file" "$number" $((early + 1)))"
   else
-    wait_for_index
+    wait_for_backup_file
     sleep "$(part_of "$until_end" $((number - early - 1)) $((kills - early)))"
   fi
   kill -9 "$repair_process" 2>/dev/null || true
   wait "$repair_process" 2>/dev/null || true
 }
 
-# What is gone is in a listed backup, and comes back byte for byte.
+# What is gone is in a listed backup, and comes back byte for byte. A backup that was killed before its file was
+# written is listed without one, and nothing was deleted then.
 undone_by_restore() {
   local name
   for name in $(backup_names); do
-    corvaltc restore "$name"
-    answered 0 || return 1
+    if [[ -e $backups/$name ]]; then
+      corvaltc restore "$name"
+      answered 0 || return 1
+    fi
   done
   dump "$work/restored"
   same_registry "$work/before" "$work/restored"
@@ -110,12 +118,12 @@ killed_at_any_moment() {
   rm -rf "${backups:?}"/*
   begin=$EPOCHREALTIME
   start_repair
-  wait_for_index
-  until_index=$(seconds_since "$begin")
+  wait_for_backup_file
+  until_file=$(seconds_since "$begin")
   begin=$EPOCHREALTIME
   wait "$repair_process" || true
   until_end=$(seconds_since "$begin")
-  echo "$until_index s until the first deletion, $until_end s from there to the end"
+  echo "$until_file s until the first deletion, $until_end s from there to the end"
   dump "$work/after"
   ok "an undisturbed repair deletes all" test "$(comm -23 "$work/before" "$work/after" | wc -l)" -ge $problems
   ok "and is undone by a restore" undone_by_restore

@@ -15,8 +15,9 @@ TExitCode ListBackups(TConsoleContext& context) {
   std::string lines;
   try {
     for (const TBackup& backup : BackupsNewestFirst(context.System, context.Vars)) {
-      lines += LineText(backup.Name) + "\t" + LineText(BackupTimeText(backup, context.System.Locale)) + "\t" +
-               std::to_string(backup.Size) + "\n";
+      lines += LineText(backup.Name.Value()) + "\t" +
+               LineText(BackupTimeText(backup, context.System.Locale)) + "\t" + std::to_string(backup.Size) +
+               "\n";
     }
   } catch (...) {
     TellReason(context, TextId::BackupsNotListed,

@@ -27,7 +27,7 @@ TExitCode CodeOf(TRestoreEnd end) {
 bool IsListed(TConsoleContext& context, const Text& name) {
   const std::vector<TBackup> backups = BackupsNewestFirst(context.System, context.Vars);
   return std::any_of(backups.begin(), backups.end(),
-                     [&name](const TBackup& backup) { return EqualIgnoringCase(backup.Name, name); });
+                     [&name](const TBackup& backup) { return EqualIgnoringCase(backup.Name.Value(), name); });
 }
 
 TExitCode Restore(TConsoleContext& context, const Text& name) {
