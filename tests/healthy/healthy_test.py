@@ -1,0 +1,113 @@
+"""The healthy machine itself: its texts are well formed, every block names its source, the manual knows what is left.
+
+Runs from the top of the project: python3 tests/healthy/healthy_test.py
+"""
+
+import pathlib
+import re
+import sys
+import tempfile
+import unittest
+
+HERE = pathlib.Path(__file__).resolve().parent
+TOP = HERE.parent.parent
+sys.path.insert(0, str(HERE))
+sys.path.insert(0, str(TOP / "data"))
+
+import intoprefix  # noqa: E402
+import problems  # noqa: E402
+
+
+def lines_of(name):
+    return (HERE / name).read_text(encoding="utf-8").splitlines()
+
+
+class HealthyRegistry(unittest.TestCase):
+    def test_every_key_stands_in_a_section_behind_the_remark_that_names_its_source(self):
+        section = source = None
+        for line in lines_of("healthy.reg"):
+            if line.startswith("; ====="):
+                section = source = None
+            elif line.startswith("; source:"):
+                source = line
+            elif line.startswith("; ") and section is None:
+                section = line
+            elif line.startswith("["):
+                self.assertTrue(section and source, line)
+
+    def test_every_line_is_a_key_a_value_or_a_remark(self):
+        form = re.compile(r'(@|"(?:[^"\\]|\\.)*")=((?:expand:)?"(?:[^"\\]|\\.)*"|dword:[0-9a-f]{8})')
+        roots = ("[HKEY_CLASSES_ROOT\\", "[HKEY_CURRENT_USER\\", "[HKEY_LOCAL_MACHINE\\", "[HKEY_USERS\\")
+        for number, line in enumerate(lines_of("healthy.reg")[1:], start=2):
+            if line and not line.startswith(";"):
+                is_key = line.startswith(roots) and line.endswith("]")
+                self.assertTrue(is_key or form.fullmatch(line), f"{number}: {line}")
+
+    def test_no_value_stands_twice_in_a_key(self):
+        seen, key = set(), ""
+        for line in lines_of("healthy.reg"):
+            if line.startswith("["):
+                key = line.lower()
+            elif intoprefix.is_value(line):
+                place = (key, intoprefix.value_name(line))
+                self.assertNotIn(place, seen)
+                seen.add(place)
+
+    def test_the_files_are_full_paths_sorted_and_none_twice(self):
+        paths = [line for line in lines_of("healthyfiles.txt") if line and not line.startswith(";")]
+        self.assertEqual([path for path in paths if not path.startswith("C:\\") or "\\\\" in path], [])
+        self.assertEqual(paths, sorted(paths, key=str.lower))
+        self.assertEqual(len(paths), len({path.lower() for path in paths}))
+
+
+class Expectations(unittest.TestCase):
+    def read(self, name):
+        return problems.read_problems((HERE / name).read_text(encoding="utf-8"))
+
+    def test_what_is_still_reported_would_be_reported_without_the_list_too(self):
+        self.assertEqual(set(self.read("stillreported.expected")) - set(self.read("unshielded.expected")), set())
+
+    def test_every_problem_that_is_left_has_a_reason_above_it(self):
+        reason = None
+        for line in lines_of("stillreported.expected"):
+            if line.startswith("#"):
+                reason = line
+            elif line.startswith("[") or not line:
+                reason = None
+            else:
+                self.assertTrue(reason, line)
+
+    def test_the_manual_has_a_paragraph_for_every_section_with_something_left(self):
+        manual = (TOP / "help" / "beforerepair.htm").read_text(encoding="ascii")
+        headings = {heading.lower() for heading in re.findall(r"<h2[^>]*>([^<]*)</h2>", manual)}
+        for problem in self.read("stillreported.expected"):
+            self.assertIn(problem.section.rpartition(" - ")[2].lower(), headings)
+
+
+class IntoAPrefix(unittest.TestCase):
+    def test_leaves_out_what_the_prefix_has_in_any_letter_case_and_under_the_real_roots(self):
+        existing = intoprefix.values_of('[HKEY_LOCAL_MACHINE\\Software\\Classes\\.TXT]\n@="x"\n"Content Type"="y"\n')
+        text = '[HKEY_CLASSES_ROOT\\.txt]\n@="txtfile"\n"content type"="a"\n"PerceivedType"="text"\n'
+        self.assertEqual(
+            list(intoprefix.missing_part(text, existing)), ["[HKEY_CLASSES_ROOT\\.txt]", '"PerceivedType"="text"']
+        )
+
+    def test_writes_an_expandable_string_in_the_editors_form(self):
+        self.assertEqual(
+            intoprefix.expandable('"a"=expand:"%A%\\\\"'), '"a"=hex(2):25,00,41,00,25,00,5c,00,00,00'
+        )
+        self.assertEqual(intoprefix.expandable('@="%A%"'), '@="%A%"')
+
+    def test_makes_files_beside_what_is_there_in_another_letter_case(self):
+        with tempfile.TemporaryDirectory() as folder:
+            drive = pathlib.Path(folder)
+            (drive / "windows").mkdir()
+            listed = drive / "list"
+            listed.write_text("; remark\nC:\\Windows\\System32\\a.dll\nC:\\Windows\\Media\\\n", encoding="utf-8")
+            intoprefix.make_files(listed, drive)
+            made = sorted(path.relative_to(drive).as_posix() for path in drive.rglob("*"))
+            self.assertEqual(made, ["list", "windows", "windows/Media", "windows/System32", "windows/System32/a.dll"])
+
+
+if __name__ == "__main__":
+    unittest.main()
