@@ -42,21 +42,6 @@ Text SubKeyPath(TextView keyPath, TextView name) {
   return path;
 }
 
-// Keys that the registry keeps open between calls would hold up somebody else's deletion.
-class TKeysReleased {
- public:
-  explicit TKeysReleased(TRawRegistry& registry) : m_registry(registry) {
-  }
-  ~TKeysReleased() {
-    m_registry.ReleaseKeys();
-  }
-  TKeysReleased(const TKeysReleased&) = delete;
-  TKeysReleased& operator=(const TKeysReleased&) = delete;
-
- private:
-  TRawRegistry& m_registry;
-};
-
 TRawResult Replay(TRawRegistry& registry, const TRegFileEntry& entry, TImportResult& result) {
   switch (entry.Kind) {
     case TRegFileEntry::TKind::Key: {

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,11 @@ namespace {
 constexpr int kRounds = 5;  // unless the command line says another number
 constexpr TextView kTopPath = u"\\Software\\CorvaltRegFileSpeed";
 
+void Expect(TRawResult result) {
+  if (result != TRawResult::Done)
+    throw std::runtime_error("The registry refused a change.");
+}
+
 // 58,000 keys with 100,000 values, as names and data go in a user's classes.
 void BuildKeys(TRawRegistry& registry) {
   constexpr std::int64_t kKeys = 58000;
@@ -28,7 +34,7 @@ void BuildKeys(TRawRegistry& registry) {
   for (std::int64_t i = 0; i < kKeys; ++i) {
     const Text path =
         Text(kTopPath) + u"\\Group" + DecimalText(i / kKeysAGroup) + u"\\Entry" + DecimalText(i);
-    registry.CreateKey(kHkeyCurrentUser, path);
+    Expect(registry.CreateKey(kHkeyCurrentUser, path));
     for (; written < (i + 1) * kValues / kKeys; ++written) {
       TRawValue value{u"Name" + DecimalText(written), kRegSz, {}};
       for (const char16_t unit :
@@ -41,7 +47,7 @@ void BuildKeys(TRawRegistry& registry) {
         value = {u"Number" + DecimalText(written), kRegDword, {1, 2, 3, 4}};
       if (written % 10 == 8)
         value = {u"Bytes" + DecimalText(written), kRegBinary, TBytes(60, 0xA5)};
-      registry.WriteValue(kHkeyCurrentUser, path, value);
+      Expect(registry.WriteValue(kHkeyCurrentUser, path, value));
     }
   }
   registry.ReleaseKeys();

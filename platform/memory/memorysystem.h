@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/memory/memorydisk.h"
+#include "platform/memory/memoryrawregistry.h"
 #include "platform/memory/memoryregistry.h"
 #include "system/system.h"
 

@@ -1,9 +1,13 @@
 #include "platform/windows/windowsrawregistry.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "base/lettercase.h"
+#include "platform/windows/keyrules.h"
+#include "platform/windows/keysecurity.h"
+#include "platform/windows/keytree.h"
+#include "platform/windows/registryviews.h"
+#include "system/securitydescriptor.h"
 
 namespace corvalt {
 
@@ -11,21 +15,14 @@ namespace {
 
 constexpr REGSAM kReadAccess = KEY_READ;
 constexpr REGSAM kChangeAccess = KEY_READ | KEY_WRITE;
-constexpr DWORD kAllData = std::numeric_limits<DWORD>::max();
-constexpr int kMostReadings = 16;  // of a key that changes while it is read
 
-std::optional<Text> PathOf(TextView keyPath) {
-  if (IsPlainPath(keyPath))
-    return Text(keyPath.substr(1));
-  const std::optional<TParsedKeyPath> parsed = ParseKeyPath(keyPath);
-  return parsed ? JoinNames(parsed->Names) : std::nullopt;
-}
+constexpr TextView kUserClasses = u"\\Software\\Classes\\";
 
 bool IsStringType(std::uint32_t type) {
   return type == kRegSz || type == kRegExpandSz || type == kRegMultiSz;
 }
 
-// Whether the bytes are a text that no routine of the system feels called upon to mend.
+// Whether the bytes end with a NUL unit, so that the system stores them as they are.
 bool EndsLikeText(const TBytes& data) {
   const std::size_t size = data.size();
   return size >= 2 && size % 2 == 0 && data[size - 1] == 0 && data[size - 2] == 0;
@@ -37,7 +34,49 @@ bool IsGone(LSTATUS status) {
 
 }  // namespace
 
-// The kept key may have become a link's place only by being deleted, which its handle notices.
+Text TValueNames::AsStored(const TKeptKey& key, const Text& name) {
+  TKeyCounts counts;
+  if (m_calls.Counts(key.Key.Get(), counts) != ERROR_SUCCESS)
+    return name;
+  if (!IsOf(key) || counts != m_counts)
+    List(key, counts);
+  const auto found = m_names.find(UpperCase(name));
+  return found == m_names.end() ? name : found->second;
+}
+
+bool TValueNames::IsOf(const TKeptKey& key) const {
+  return m_rootKey == key.RootKey && EqualIgnoringCase(m_path, key.Path);
+}
+
+void TValueNames::List(const TKeptKey& key, const TKeyCounts& counts) {
+  m_rootKey = key.RootKey;
+  m_path = key.Path;
+  m_counts = counts;
+  m_names.clear();
+  m_buffer.Reserve(counts, 0);
+  for (DWORD i = 0; i < counts.Values; ++i) {
+    if (m_calls.EnumValue(key.Key.Get(), i, 0, m_buffer) == ERROR_SUCCESS)
+      m_names[UpperCase(m_buffer.Name())] = Text(m_buffer.Name());
+  }
+}
+
+void TValueNames::Drop(const TKeptKey& key, const Text& name) {
+  if (IsOf(key) && m_calls.Counts(key.Key.Get(), m_counts) == ERROR_SUCCESS)
+    m_names.erase(UpperCase(name));
+}
+
+TWindowsRawRegistry::TWindowsRawRegistry() : m_view(OwnView()) {
+}
+
+TWindowsRawRegistry::TWindowsRawRegistry(TRegistryView view)
+    : m_view(view), m_calls(view == OwnView() ? 0 : ViewFlag(view)) {
+}
+
+std::unique_ptr<TRawRegistry> TWindowsRawRegistry::OpenView(TRegistryView view) {
+  return HasView(view) ? std::make_unique<TWindowsRawRegistry>(view) : nullptr;
+}
+
+// A kept key that was deleted and made anew as a link is opened again: its handle fails.
 TRawResult TWindowsRawRegistry::RefuseLink(TKeptKey& key) {
   if (key.LinkChecked)
     return TRawResult::Done;
@@ -66,10 +105,11 @@ TRawResult TWindowsRawRegistry::OpenKept(TRootKey rootKey, const Text& path, REG
   return checked;
 }
 
-TRawResult TWindowsRawRegistry::OpenOrCreate(TRootKey rootKey, const Text& path, TKeptPointer& key) {
+TRawResult TWindowsRawRegistry::OpenOrCreate(TRootKey rootKey, const Text& path, const TNewKey& newKey,
+                                             TKeptPointer& key) {
   // Looking for a key before it is created costs a third of an import's calls.
   if (!m_chain.Last(rootKey, path) && m_chain.LiesInNewKey(rootKey, path)) {
-    if (m_chain.Create(rootKey, path, kChangeAccess, key) == ERROR_SUCCESS && key->IsNew) {
+    if (m_chain.Create(rootKey, path, kChangeAccess, newKey, key) == ERROR_SUCCESS && key->IsNew) {
       key->LinkChecked = true;
       return TRawResult::Done;
     }
@@ -79,14 +119,14 @@ TRawResult TWindowsRawRegistry::OpenOrCreate(TRootKey rootKey, const Text& path,
   const TRawResult opened = OpenKept(rootKey, path, kChangeAccess, key);
   if (opened != TRawResult::Missing)
     return opened;
-  const TRawResult created = RawResultOf(m_chain.Create(rootKey, path, kChangeAccess, key));
+  const TRawResult created = RawResultOf(m_chain.Create(rootKey, path, kChangeAccess, newKey, key));
   if (created == TRawResult::Done)
     key->LinkChecked = true;
   return created;
 }
 
-// Runs a routine that answers the system's code on the key. A kept key that somebody deleted meanwhile is
-// opened once more.
+// Runs a routine that returns the system's error code on the key. A kept key that somebody deleted meanwhile
+// is opened once more.
 template <typename TRoutine>
 TRawResult TWindowsRawRegistry::WithKey(TRootKey rootKey, const Text& path, REGSAM access, TRoutine routine) {
   LSTATUS status = ERROR_KEY_DELETED;
@@ -95,113 +135,197 @@ TRawResult TWindowsRawRegistry::WithKey(TRootKey rootKey, const Text& path, REGS
     const TRawResult opened = OpenKept(rootKey, path, access, key);
     if (opened != TRawResult::Done)
       return opened;
-    status = routine(key->Key.Get());
+    status = routine(*key);
     if (IsGone(status))
       m_chain.Clear();
   }
   return RawResultOf(status);
 }
 
-// Missing: it changed under the reading.
-TRawResult TWindowsRawRegistry::ReadOnce(HKEY handle, TRawKey& key) {
-  TKeyCounts before;
-  LSTATUS status = m_calls.Counts(handle, before);
-  if (status != ERROR_SUCCESS)
-    return RawResultOf(status);
-  m_buffer.Reserve(before, kAllData);
-  key.Values.clear();
-  key.Values.reserve(before.Values);
-  for (DWORD i = 0; i < before.Values && status == ERROR_SUCCESS; ++i) {
-    status = m_calls.EnumValue(handle, i, kAllData, m_buffer);
-    if (status == ERROR_SUCCESS)
-      key.Values.push_back(
-          {Text(m_buffer.Name()), m_buffer.Type, TBytes(m_buffer.Data().begin(), m_buffer.Data().end())});
-  }
-  key.SubKeys.assign(before.SubKeys, {});
-  for (DWORD i = 0; i < before.SubKeys && status == ERROR_SUCCESS; ++i)
-    status = m_calls.EnumKey(handle, i, key.SubKeys[i]);
-  if (status == ERROR_NO_MORE_ITEMS)
-    return TRawResult::Missing;
-  if (status != ERROR_SUCCESS)
-    return RawResultOf(status);
-  // What a single call has read is of one moment; what came after it came after the reading.
-  if (before.Values + before.SubKeys <= 1)
-    return TRawResult::Done;
-  TKeyCounts after;
-  status = m_calls.Counts(handle, after);
-  if (status != ERROR_SUCCESS)
-    return RawResultOf(status);
-  return before == after ? TRawResult::Done : TRawResult::Missing;
-}
-
 TRawResult TWindowsRawRegistry::ReadKey(TRootKey rootKey, TextView keyPath, TRawKey& key) {
   const std::lock_guard<std::mutex> hold(m_mutex);
-  const std::optional<Text> path = PathOf(keyPath);
+  const std::optional<Text> path = SystemPath(keyPath);
   if (!path)
     return TRawResult::Failed;
   TKeptPointer kept;
   const TRawResult opened = OpenAnew(rootKey, *path, kReadAccess, kept);
   if (opened != TRawResult::Done)
     return opened;
-  TRawKey read;
-  TRawResult result = TRawResult::Missing;
-  for (int reading = 0; reading < kMostReadings && result == TRawResult::Missing; ++reading)
-    result = ReadOnce(kept->Key.Get(), read);
-  if (result != TRawResult::Done)
-    return result == TRawResult::Missing ? TRawResult::Failed : result;
-  const bool isLink = std::any_of(read.Values.begin(), read.Values.end(), [](const TRawValue& value) {
-    return value.Type == kRegLink && EqualIgnoringCase(value.Name, kLinkValueName);
-  });
-  if (isLink) {
+  const TRawResult result = m_reader.Read(kept->Key.Get(), key);
+  kept->LinkChecked = result == TRawResult::Done;
+  if (result == TRawResult::Link)
     m_chain.Clear();
-    return TRawResult::Link;
-  }
-  kept->LinkChecked = true;
-  // Names with a NUL can be made by system calls alone; nothing here could write them back.
-  const bool speakable =
-      std::none_of(read.Values.begin(), read.Values.end(),
-                   [](const TRawValue& value) { return HoldsNul(value.Name); }) &&
-      std::none_of(read.SubKeys.begin(), read.SubKeys.end(), [](const Text& name) { return HoldsNul(name); });
-  if (!speakable)
-    return TRawResult::Failed;
-  key = std::move(read);
-  return TRawResult::Done;
+  return result;
 }
 
 TRawResult TWindowsRawRegistry::ReadValue(TRootKey rootKey, TextView keyPath, TextView name,
                                           TRawValue& value) {
   const std::lock_guard<std::mutex> hold(m_mutex);
-  const std::optional<Text> path = PathOf(keyPath);
+  const std::optional<Text> path = SystemPath(keyPath);
   const std::optional<TextView> systemName = SystemValueName(name);
   if (!path)
     return TRawResult::Failed;
   if (!systemName)
     return TRawResult::Missing;
-  const TRawResult result = WithKey(rootKey, *path, kReadAccess, [&](HKEY handle) {
-    return m_calls.QueryValue(handle, Text(*systemName), m_buffer);
+  Text storedName(*systemName);
+  const TRawResult result = WithKey(rootKey, *path, kReadAccess, [&](const TKeptKey& key) {
+    const LSTATUS status = m_calls.QueryValue(key.Key.Get(), Text(*systemName), m_buffer);
+    if (status == ERROR_SUCCESS && !systemName->empty())
+      storedName = m_names.AsStored(key, Text(*systemName));
+    return status;
   });
   if (result == TRawResult::Done)
-    value = {Text(*systemName), m_buffer.Type, TBytes(m_buffer.Data().begin(), m_buffer.Data().end())};
+    value = {storedName, m_buffer.Type, TBytes(m_buffer.Data().begin(), m_buffer.Data().end())};
   return result;
 }
 
-TRawResult TWindowsRawRegistry::CreateKey(TRootKey rootKey, TextView keyPath) {
+TRawResult TWindowsRawRegistry::PlaceOfKey(TRootKey rootKey, const Text& path, TKeyPlace& place) {
+  if (path.empty())
+    return TRawResult::Failed;
+  std::optional<TKeyPlace> found;
+  const TRawResult result = WithKey(rootKey, path, kReadAccess, [&](const TKeptKey& key) -> LSTATUS {
+    found = m_places.Find(key.Key.Get());
+    return ERROR_SUCCESS;
+  });
+  if (result != TRawResult::Done)
+    return result;
+  if (!found)
+    return TRawResult::Failed;
+  place = std::move(*found);
+  return TRawResult::Done;
+}
+
+TRawResult TWindowsRawRegistry::FindKey(TRootKey rootKey, TextView keyPath, TKeyPlace& place) {
   const std::lock_guard<std::mutex> hold(m_mutex);
-  const std::optional<Text> path = PathOf(keyPath);
+  const std::optional<Text> path = SystemPath(keyPath);
+  return path ? PlaceOfKey(rootKey, *path, place) : TRawResult::Failed;
+}
+
+// A key below HKEY_CLASSES_ROOT shows the values of both hives, and its handle is the user's key where there
+// is one (page "Merged View of HKEY_CLASSES_ROOT").
+TRawResult TWindowsRawRegistry::FindValue(TRootKey rootKey, TextView keyPath, TextView name,
+                                          TKeyPlace& place) {
+  const std::lock_guard<std::mutex> hold(m_mutex);
+  const std::optional<Text> path = SystemPath(keyPath);
+  const std::optional<TextView> systemName = SystemValueName(name);
   if (!path)
     return TRawResult::Failed;
-  TKeptPointer key;
+  if (!systemName)
+    return TRawResult::Missing;
+  TKeyPlace found;
+  TRawResult result = PlaceOfKey(rootKey, *path, found);
+  if (result != TRawResult::Done)
+    return result;
+  const auto holdsValue = [&](const TKeyPlace& at) {
+    return WithKey(at.RootKey, at.KeyPath.substr(1), kReadAccess, [&](const TKeptKey& key) {
+      DWORD type = kRegNone;
+      return m_calls.QueryType(key.Key.Get(), Text(*systemName), type);
+    });
+  };
+  result = holdsValue(found);
+  const bool inUserClasses = found.RootKey == kHkeyCurrentUser &&
+                             found.KeyPath.size() > kUserClasses.size() &&
+                             EqualIgnoringCase(found.KeyPath.substr(0, kUserClasses.size()), kUserClasses);
+  if (result == TRawResult::Missing && rootKey == kHkeyClassesRoot && inUserClasses) {
+    result = PlaceOfKey(kHkeyLocalMachine, found.KeyPath.substr(1), found);
+    if (result == TRawResult::Done)
+      result = holdsValue(found);
+  }
+  if (result == TRawResult::Done)
+    place = std::move(found);
+  return result;
+}
+
+const TBytes& TWindowsRawRegistry::SecurityOf(TKeptKey& key) {
+  if (!key.Security)
+    key.Security = ReadSecurity(key.Key.Get());
+  return *key.Security;
+}
+
+TBytes TWindowsRawRegistry::ParentSecurity(TRootKey rootKey, TextView path) {
+  if (const TKeptPointer parent = m_chain.DirectParent(rootKey, path))
+    return SecurityOf(*parent);
+  const std::size_t end = path.rfind(u'\\');
+  if (end == TextView::npos)
+    return ReadSecurity(RootHandle(rootKey));
+  TRegistryKey parent;
+  if (m_calls.Open(RootHandle(rootKey), path.substr(0, end), READ_CONTROL, false, parent) != ERROR_SUCCESS)
+    return {};
+  return ReadSecurity(parent.Get());
+}
+
+TRawResult TWindowsRawRegistry::ReadAttributes(TRootKey rootKey, TextView keyPath,
+                                               TKeyAttributes& attributes) {
+  const std::lock_guard<std::mutex> hold(m_mutex);
+  const std::optional<Text> path = SystemPath(keyPath);
+  if (!path)
+    return TRawResult::Failed;
+  TKeyAttributes read;
+  TKeptPointer kept;
+  const TRawResult result = WithKey(rootKey, *path, kReadAccess, [&](const TKeptKey& key) {
+    const LSTATUS status = m_calls.ClassAndTime(key.Key.Get(), read.ClassName, read.LastWrite);
+    if (status == ERROR_SUCCESS)
+      read.IsVolatile = m_calls.IsVolatile(key.Key.Get());
+    return status;
+  });
+  if (result != TRawResult::Done)
+    return result;
+  if (const TKeptPointer key = m_chain.Last(rootKey, *path))
+    read.Security = SecurityOf(*key);
+  read.HasOwnSecurity = HasOwnSecurity(read.Security, ParentSecurity(rootKey, *path));
+  attributes = std::move(read);
+  return TRawResult::Done;
+}
+
+TRawResult TWindowsRawRegistry::MayCreateSubKeys(TRootKey rootKey, TextView keyPath) {
+  const std::lock_guard<std::mutex> hold(m_mutex);
+  const std::optional<Text> path = SystemPath(keyPath);
+  if (!path)
+    return TRawResult::Failed;
+  TRegistryKey key;
+  const LSTATUS status =
+      m_calls.Open(RootHandle(rootKey), *path, KEY_CREATE_SUB_KEY | KEY_QUERY_VALUE, true, key);
+  if (status != ERROR_SUCCESS)
+    return RawResultOf(status);
+  return m_calls.IsLink(key.Get()) ? TRawResult::Link : TRawResult::Done;
+}
+
+bool TWindowsRawRegistry::OpensWithFullAccess(TRootKey rootKey, TextView subKey) {
+  const std::lock_guard<std::mutex> hold(m_mutex);
+  TRegistryKey key;
+  return !HoldsNul(subKey) &&
+         m_calls.Open(RootHandle(rootKey), subKey, KEY_ALL_ACCESS, false, key) == ERROR_SUCCESS;
+}
+
+TRawResult TWindowsRawRegistry::CreateKey(TRootKey rootKey, TextView keyPath, const TNewKey& newKey,
+                                          bool& isNew) {
+  const std::lock_guard<std::mutex> hold(m_mutex);
+  const std::optional<Text> path = SystemPath(keyPath);
+  if (!path)
+    return TRawResult::Failed;
   // A key kept from before might be gone; this question is about now.
   if (m_chain.Last(rootKey, *path))
     m_chain.Clear();
-  return OpenOrCreate(rootKey, *path, key);
+  // The system would give missing parents the same class and volatility.
+  const std::size_t parentEnd = std::min(path->rfind(u'\\'), path->size());
+  const bool isPlain = newKey.ClassName.empty() && !newKey.IsVolatile;
+  TKeptPointer key;
+  if (!isPlain && parentEnd < path->size() && !m_chain.Exists(rootKey, path->substr(0, parentEnd))) {
+    const TRawResult parent = OpenOrCreate(rootKey, path->substr(0, parentEnd), {}, key);
+    if (parent != TRawResult::Done)
+      return parent;
+  }
+  const TRawResult result = OpenOrCreate(rootKey, *path, newKey, key);
+  if (result == TRawResult::Done)
+    isNew = key->IsNew;
+  return result;
 }
 
 TRawResult TWindowsRawRegistry::WriteTo(HKEY handle, const Text& name, const TRawValue& value) {
   const LSTATUS written = m_calls.SetValue(handle, name, value.Type, value.Data);
   if (written != ERROR_SUCCESS)
     return RawResultOf(written);
-  // The system mends strings without a terminator as it sees fit, so those are read back.
+  // The system may add a terminator to strings without one, so those are read back.
   if (!IsStringType(value.Type) || EndsLikeText(value.Data))
     return TRawResult::Done;
   const LSTATUS read = m_calls.QueryValue(handle, name, m_buffer);
@@ -212,14 +336,14 @@ TRawResult TWindowsRawRegistry::WriteTo(HKEY handle, const Text& name, const TRa
 
 TRawResult TWindowsRawRegistry::WriteValue(TRootKey rootKey, TextView keyPath, const TRawValue& value) {
   const std::lock_guard<std::mutex> hold(m_mutex);
-  const std::optional<Text> path = PathOf(keyPath);
+  const std::optional<Text> path = SystemPath(keyPath);
   const std::optional<TextView> name = SystemValueName(value.Name);
   if (!path || !name)
     return TRawResult::Failed;
   TRawResult result = TRawResult::Missing;
   for (int attempt = 0; attempt < 2 && result == TRawResult::Missing; ++attempt) {
     TKeptPointer key;
-    result = OpenOrCreate(rootKey, *path, key);
+    result = OpenOrCreate(rootKey, *path, {}, key);
     if (result != TRawResult::Done)
       return result;
     result = WriteTo(key->Key.Get(), Text(*name), value);
@@ -229,25 +353,122 @@ TRawResult TWindowsRawRegistry::WriteValue(TRootKey rootKey, TextView keyPath, c
   return result;
 }
 
+// With as much access as the user has: what is missing shows when the attributes are read back.
+TRawResult TWindowsRawRegistry::OpenForAttributes(TRootKey rootKey, const Text& path, TRegistryKey& key) {
+  LSTATUS status = ERROR_ACCESS_DENIED;
+  for (const REGSAM access : {KEY_READ | KEY_SET_VALUE | WRITE_DAC | WRITE_OWNER,
+                              KEY_READ | KEY_SET_VALUE | WRITE_DAC, KEY_READ | KEY_SET_VALUE}) {
+    if (status == ERROR_ACCESS_DENIED)
+      status = m_calls.Open(RootHandle(rootKey), path, access, true, key);
+  }
+  if (status != ERROR_SUCCESS)
+    return RawResultOf(status);
+  return m_calls.IsLink(key.Get()) ? TRawResult::Link : TRawResult::Done;
+}
+
+TRawResult TWindowsRawRegistry::WriteAttributes(TRootKey rootKey, TextView keyPath,
+                                                const TWantedAttributes& wanted, TAttributesLost& lost) {
+  const std::lock_guard<std::mutex> hold(m_mutex);
+  const std::optional<Text> path = SystemPath(keyPath);
+  if (!path)
+    return TRawResult::Failed;
+  TRegistryKey key;
+  const TRawResult opened = OpenForAttributes(rootKey, *path, key);
+  if (opened != TRawResult::Done)
+    return opened;
+  // Handles kept with the rights that the key had before, and what was read of it, count no longer.
+  m_chain.Clear();
+  lost = {};
+  if (!wanted.Security.empty()) {
+    WriteSecurity(key.Get(), wanted.Security);
+    lost.Security = !HasSecurity(ReadSecurity(key.Get()), wanted.Security);
+  }
+  if (wanted.LastWrite) {
+    m_calls.SetLastWrite(key.Get(), *wanted.LastWrite);
+    TKeyCounts counts;
+    lost.LastWrite =
+        m_calls.Counts(key.Get(), counts) != ERROR_SUCCESS || counts.LastWrite != *wanted.LastWrite;
+  }
+  return TRawResult::Done;
+}
+
 TRawResult TWindowsRawRegistry::DeleteKey(TRootKey rootKey, TextView keyPath) {
   const std::lock_guard<std::mutex> hold(m_mutex);
-  const std::optional<Text> path = PathOf(keyPath);
+  const std::optional<Text> path = SystemPath(keyPath);
   if (!path || path->empty())
     return TRawResult::Failed;
   m_chain.Clear();
-  return DeleteWholeKey(m_calls, RootHandle(rootKey), *path);
+  return DeleteKeyAndBelow(m_calls, rootKey, *path);
 }
 
 TRawResult TWindowsRawRegistry::DeleteValue(TRootKey rootKey, TextView keyPath, TextView name) {
+  TKeyPlace place;
+  if (rootKey == kHkeyClassesRoot) {
+    const TRawResult found = FindValue(rootKey, keyPath, name, place);
+    if (found != TRawResult::Done)
+      return found;
+  }
   const std::lock_guard<std::mutex> hold(m_mutex);
-  const std::optional<Text> path = PathOf(keyPath);
+  const std::optional<Text> path = SystemPath(place.KeyPath.empty() ? keyPath : TextView(place.KeyPath));
   const std::optional<TextView> systemName = SystemValueName(name);
   if (!path)
     return TRawResult::Failed;
   if (!systemName)
     return TRawResult::Missing;
-  return WithKey(rootKey, *path, kChangeAccess,
-                 [&](HKEY handle) { return m_calls.DeleteValue(handle, Text(*systemName)); });
+  const TRootKey root = place.KeyPath.empty() ? rootKey : place.RootKey;
+  return WithKey(root, *path, kChangeAccess,
+                 [&](const TKeptKey& key) { return m_calls.DeleteValue(key.Key.Get(), Text(*systemName)); });
+}
+
+TRawResult TWindowsRawRegistry::DeleteKeyAt(const TKeyPlace& place, const TKeyCheck& mayDelete) {
+  const std::lock_guard<std::mutex> hold(m_mutex);
+  const std::optional<Text> path = SystemPath(place.KeyPath);
+  if (!path || path->empty())
+    return TRawResult::Failed;
+  m_chain.Clear();
+  TKeyTree tree(m_calls);
+  TRawResult result = tree.Open(RootHandle(place.RootKey), *path);
+  if (result == TRawResult::Done && m_calls.IsLink(tree.Top()))
+    result = TRawResult::Link;
+  if (result == TRawResult::Done && !m_places.LiesAt(tree.Top(), place))
+    result = TRawResult::Refused;
+  if (result == TRawResult::Done)
+    result = tree.Inspect(mayDelete);
+  return result == TRawResult::Done ? tree.Delete() : result;
+}
+
+TRawResult TWindowsRawRegistry::DeleteValueAt(const TKeyPlace& place, TextView name,
+                                              const TValueCheck& mayDelete) {
+  const std::lock_guard<std::mutex> hold(m_mutex);
+  const std::optional<Text> path = SystemPath(place.KeyPath);
+  const std::optional<TextView> systemName = SystemValueName(name);
+  if (!path || path->empty())
+    return TRawResult::Failed;
+  if (!systemName)
+    return TRawResult::Missing;
+  TKeptPointer key;
+  const TRawResult opened = OpenForDeletion(place, *path, key);
+  if (opened != TRawResult::Done)
+    return opened;
+  const Text asked(*systemName);
+  const LSTATUS read = m_calls.QueryValue(key->Key.Get(), asked, m_buffer);
+  if (read != ERROR_SUCCESS)
+    return RawResultOf(read);
+  const Text stored = asked.empty() ? asked : m_names.AsStored(*key, asked);
+  if (!mayDelete({stored, m_buffer.Type, TBytes(m_buffer.Data().begin(), m_buffer.Data().end())}))
+    return TRawResult::Refused;
+  const TRawResult deleted = RawResultOf(m_calls.DeleteValue(key->Key.Get(), asked));
+  m_names.Drop(*key, asked);
+  return deleted;
+}
+
+// Opens the key anew: a kept one might be gone, and another in its place.
+TRawResult TWindowsRawRegistry::OpenForDeletion(const TKeyPlace& place, const Text& path, TKeptPointer& key) {
+  m_chain.Clear();
+  const TRawResult opened = OpenKept(place.RootKey, path, kChangeAccess, key);
+  if (opened != TRawResult::Done)
+    return opened;
+  return m_places.LiesAt(key->Key.Get(), place) ? TRawResult::Done : TRawResult::Refused;
 }
 
 void TWindowsRawRegistry::ReleaseKeys() {

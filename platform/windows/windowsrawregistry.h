@@ -1,22 +1,72 @@
-// The registry's types and bytes, for export and import.
+// The real registry as it is stored, for saving, comparing and restoring.
 #pragma once
 
+#include <map>
 #include <mutex>
 
-#include "platform/windows/registrykeys.h"
+#include "platform/windows/keychain.h"
+#include "platform/windows/keyplaces.h"
+#include "platform/windows/keyreader.h"
 #include "system/rawregistry.h"
 
 namespace corvalt {
 
+// The names of one key's values as they are stored: asked for a value by name, Wine gives the name it was
+// asked for.
+class TValueNames {
+ public:
+  explicit TValueNames(TRegistryCalls& calls) : m_calls(calls) {
+  }
+
+  // The stored spelling of the name of a value that exists in the key.
+  Text AsStored(const TKeptKey& key, const Text& name);
+
+  // The caller has deleted this value of the key, so that the names need not be listed again.
+  void Drop(const TKeptKey& key, const Text& name);
+
+  void Clear() {
+    m_names.clear();
+    m_counts = {};
+  }
+
+ private:
+  bool IsOf(const TKeptKey& key) const;
+  void List(const TKeptKey& key, const TKeyCounts& counts);
+
+  TRegistryCalls& m_calls;
+  TRootKey m_rootKey = kNoRootKey;
+  Text m_path;
+  TKeyCounts m_counts;
+  std::map<Text, Text> m_names;  // by upper-cased name
+  TValueBuffer m_buffer;
+};
+
 // Keeps the key it used last and that key's parents open until ReleaseKeys. May be called from any thread.
 class TWindowsRawRegistry : public TRawRegistry {
  public:
+  TWindowsRawRegistry();
+  explicit TWindowsRawRegistry(TRegistryView view);
+
+  using TRawRegistry::CreateKey;
   TRawResult ReadKey(TRootKey rootKey, TextView keyPath, TRawKey& key) override;
   TRawResult ReadValue(TRootKey rootKey, TextView keyPath, TextView name, TRawValue& value) override;
-  TRawResult CreateKey(TRootKey rootKey, TextView keyPath) override;
+  TRawResult FindKey(TRootKey rootKey, TextView keyPath, TKeyPlace& place) override;
+  TRawResult FindValue(TRootKey rootKey, TextView keyPath, TextView name, TKeyPlace& place) override;
+  TRawResult ReadAttributes(TRootKey rootKey, TextView keyPath, TKeyAttributes& attributes) override;
+  TRawResult MayCreateSubKeys(TRootKey rootKey, TextView keyPath) override;
+  bool OpensWithFullAccess(TRootKey rootKey, TextView subKey) override;
+  TRawResult CreateKey(TRootKey rootKey, TextView keyPath, const TNewKey& newKey, bool& isNew) override;
   TRawResult WriteValue(TRootKey rootKey, TextView keyPath, const TRawValue& value) override;
+  TRawResult WriteAttributes(TRootKey rootKey, TextView keyPath, const TWantedAttributes& wanted,
+                             TAttributesLost& lost) override;
   TRawResult DeleteKey(TRootKey rootKey, TextView keyPath) override;
   TRawResult DeleteValue(TRootKey rootKey, TextView keyPath, TextView name) override;
+  TRawResult DeleteKeyAt(const TKeyPlace& place, const TKeyCheck& mayDelete) override;
+  TRawResult DeleteValueAt(const TKeyPlace& place, TextView name, const TValueCheck& mayDelete) override;
+  TRegistryView View() override {
+    return m_view;
+  }
+  std::unique_ptr<TRawRegistry> OpenView(TRegistryView view) override;
   void ReleaseKeys() override;
 
   // How often the system was called so far.
@@ -29,17 +79,25 @@ class TWindowsRawRegistry : public TRawRegistry {
 
   TRawResult OpenAnew(TRootKey rootKey, const Text& path, REGSAM access, TKeptPointer& key);
   TRawResult OpenKept(TRootKey rootKey, const Text& path, REGSAM access, TKeptPointer& key);
-  TRawResult OpenOrCreate(TRootKey rootKey, const Text& path, TKeptPointer& key);
+  TRawResult OpenOrCreate(TRootKey rootKey, const Text& path, const TNewKey& newKey, TKeptPointer& key);
   TRawResult RefuseLink(TKeptKey& key);
-  TRawResult ReadOnce(HKEY handle, TRawKey& key);
   TRawResult WriteTo(HKEY handle, const Text& name, const TRawValue& value);
+  TRawResult PlaceOfKey(TRootKey rootKey, const Text& path, TKeyPlace& place);
+  TRawResult OpenForDeletion(const TKeyPlace& place, const Text& path, TKeptPointer& key);
+  const TBytes& SecurityOf(TKeptKey& key);
+  TBytes ParentSecurity(TRootKey rootKey, TextView path);
+  TRawResult OpenForAttributes(TRootKey rootKey, const Text& path, TRegistryKey& key);
 
   template <typename TRoutine>
   TRawResult WithKey(TRootKey rootKey, const Text& path, REGSAM access, TRoutine routine);
 
   std::mutex m_mutex;
+  TRegistryView m_view;
   TRegistryCalls m_calls;
   TKeyChain m_chain{m_calls};
+  TKeyReader m_reader{m_calls};
+  TKeyPlaces m_places{m_calls};
+  TValueNames m_names{m_calls};
   TValueBuffer m_buffer;
 };
 

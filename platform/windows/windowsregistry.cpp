@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "base/lettercase.h"
+#include "platform/windows/keyrules.h"
+#include "platform/windows/keytree.h"
 
 namespace corvalt {
 
@@ -126,7 +128,7 @@ bool TWindowsRegistryStore::OpenKey(TextView path, bool canCreate) {
     return false;
   const LSTATUS status = OpenForAccess(*place);
   if (status == ERROR_FILE_NOT_FOUND && canCreate && m_access == TRegistryAccess::Full)
-    m_chain.Create(place->RootKey, place->Path, kFullAccess, m_open);
+    m_chain.Create(place->RootKey, place->Path, kFullAccess, {}, m_open);
   return m_open != nullptr;
 }
 
@@ -261,7 +263,7 @@ bool TWindowsRegistryStore::DeleteKey(TextView path) {
     return false;
   m_chain.Clear();
   Forget();
-  return DeleteWholeKey(m_calls, RootHandle(place->RootKey), place->Path) == TRawResult::Done;
+  return DeleteKeyAndBelow(m_calls, place->RootKey, place->Path) == TRawResult::Done;
 }
 
 bool TWindowsRegistryStore::DeleteValue(TextView name) {

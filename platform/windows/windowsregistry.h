@@ -6,7 +6,7 @@
 #include <optional>
 #include <span>
 
-#include "platform/windows/registrykeys.h"
+#include "platform/windows/keychain.h"
 #include "system/registrystore.h"
 
 namespace corvalt {

@@ -52,7 +52,7 @@ TScanRig::TScanRig(TNameOrder order) : System(order) {
   System.AddUsualFolders();
   TSystem system = System.Bundle();
   FillGlobalVars(system, Vars);
-  System.Registry.RemoveKey(u"HKEY_CURRENT_USER\\Software");
+  System.Registry.RemoveKey(u"HKEY_CURRENT_USER\\Software\\TessalySoft");
   Vars.Texts = NumberedTexts();
 }
 

@@ -544,8 +544,9 @@ TEST(MruRepair, WritesTheOrderAlsoWhenItsValueWasDeletedMeanwhile) {
   rig.AddProblem(rig.AddSection(u"MRU"),
                  ValueProblem(kHkeyCurrentUser, u"\\Software\\Recent", u"a", kMruImage));
   rig.Repair([&rig](const std::string& update, TWorkerThread&) {
-    if (update == "section: 11036 MRU...")
-      rig.System.Raw.DeleteValue(kHkeyCurrentUser, u"\\Software\\Recent", u"a");
+    if (update == "section: 11036 MRU...") {
+      EXPECT_EQ(rig.System.Raw.DeleteValue(kHkeyCurrentUser, u"\\Software\\Recent", u"a"), TRawResult::Done);
+    }
   });
   EXPECT_EQ(rig.System.Registry.FindValue(kRecent, u"MRUList")->Data, StringBytes(u"b"));
 }

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "platform/windows/registrykeys.h"
+#include "platform/windows/registrycalls.h"
 #include "tests/contract/subject.h"
 
 namespace corvalt {

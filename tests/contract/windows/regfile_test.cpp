@@ -7,7 +7,7 @@
 #include <string>
 
 #include "formats/ioregistry.h"
-#include "platform/windows/registrykeys.h"
+#include "platform/windows/registrycalls.h"
 #include "platform/windows/windowsapi.h"
 #include "tests/contract/subject.h"
 #include "tests/support/nastyregistry.h"

@@ -1,5 +1,7 @@
 #include "tests/contract/subject.h"
 
+#include <gtest/gtest.h>
+
 #include <vector>
 
 #include "platform/windows/windowssystem.h"
@@ -43,7 +45,7 @@ class TWindowsSubject final : public TSubject {
       : m_name(UniqueName()),
         m_folder(TemporaryFolder() + m_name),
         m_uiThread([](const std::exception_ptr& exception) { std::rethrow_exception(exception); }) {
-    m_system.Raw.CreateKey(kScratchRoot, ScratchKey());
+    EXPECT_EQ(m_system.Raw.CreateKey(kScratchRoot, Text(u"\\Software\\") + m_name), TRawResult::Done);
     m_system.Files.MakeFolders(m_folder);
   }
   ~TWindowsSubject() override {
@@ -51,7 +53,7 @@ class TWindowsSubject final : public TSubject {
       AllowEverything(path);
     for (const Text& path : m_links)
       DeleteLink(path);
-    m_system.Raw.DeleteKey(kScratchRoot, ScratchKey());
+    EXPECT_EQ(m_system.Raw.DeleteKey(kScratchRoot, Text(u"\\Software\\") + m_name), TRawResult::Done);
     RemoveTree(m_system, m_folder);
   }
 

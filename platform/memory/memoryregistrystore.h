@@ -1,0 +1,56 @@
+// The registry in memory behind the store that the logic uses.
+#pragma once
+
+#include "platform/memory/memoryregistry.h"
+
+namespace corvalt {
+
+class TMemoryRegistryStore : public RegistryStore {
+ public:
+  TMemoryRegistryStore(TMemoryRegistry& registry, TRegistryAccess access)
+      : m_registry(registry), m_hives(registry.Hives()), m_access(access) {
+  }
+
+  void SetRootKey(TRootKey rootKey) override {
+    m_rootKey = rootKey;
+  }
+  bool OpenKey(TextView path, bool canCreate) override;
+  void CloseKey() override {
+    m_key = {};
+  }
+  bool KeyExists(TextView path) override;
+  bool ValueExists(TextView name) override {
+    return FindValue(name) != nullptr;
+  }
+  TDataType GetDataType(TextView name) override;
+  Text ReadString(TextView name) override;
+  std::int32_t ReadInteger(TextView name) override;
+  bool ReadBool(TextView name) override {
+    return ReadInteger(name) != 0;
+  }
+  bool WriteString(TextView name, TextView value) override;
+  bool WriteInteger(TextView name, std::int32_t value) override;
+  bool WriteBool(TextView name, bool value) override {
+    return WriteInteger(name, value ? 1 : 0);
+  }
+  std::vector<Text> GetValueNames() override;
+  std::vector<Text> GetKeyNames() override;
+  bool HasSubKeys() override;
+  bool DeleteKey(TextView path) override;
+  bool DeleteValue(TextView name) override;
+
+ private:
+  TOpenMemoryKey Start(TextView path) const;
+  bool Readable() const;
+  bool MayChange() const;
+  const TRawValue* FindValue(TextView name) const;
+  bool Write(const TRawValue& value);
+
+  TMemoryRegistry& m_registry;
+  TMemoryHives& m_hives;
+  TRegistryAccess m_access;
+  TRootKey m_rootKey = kHkeyCurrentUser;
+  TOpenMemoryKey m_key;
+};
+
+}  // namespace corvalt

@@ -1,0 +1,35 @@
+// Security descriptors as the bytes that Windows stores, built in a few words.
+#pragma once
+
+#include <optional>
+
+#include "base/text.h"
+#include "system/rawregistry.h"
+
+namespace corvalt {
+
+struct TMemoryAccess {
+  Text Sid;                      // "S-1-5-32-544"
+  std::uint32_t Mask = 0xF003F;  // KEY_ALL_ACCESS (winnt.h)
+  std::uint8_t Flags = 0;        // of ACE_HEADER
+};
+
+struct TMemorySecurity {
+  Text Owner = u"S-1-5-32-544";
+  Text Group = u"S-1-5-18";
+  std::vector<TMemoryAccess> Access;
+  bool IsProtected = false;
+  std::optional<std::uint32_t> Label = std::nullopt;  // SECURITY_MANDATORY_LOW_RID and so on (winnt.h)
+};
+
+// A self-relative descriptor.
+TBytes SecurityBytes(const TMemorySecurity& security);
+
+// Of the top of a hive: administrators may do everything, users read, both inherited by what lies below.
+TBytes DefaultSecurity();
+
+// What a new key gets from its parent: owner, group, label, and the entries that the parent hands down,
+// marked as inherited.
+TBytes InheritedSecurity(const TBytes& parent);
+
+}  // namespace corvalt

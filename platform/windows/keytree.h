@@ -1,0 +1,47 @@
+// Deletion of a key with all its subkeys. Every key is opened once, as the link it may be, looked at and
+// deleted through that handle, so that nothing put in its place meanwhile is followed or deleted.
+#pragma once
+
+#include <vector>
+
+#include "platform/windows/keyreader.h"
+
+namespace corvalt {
+
+class TKeyTree {
+ public:
+  explicit TKeyTree(TRegistryCalls& calls) : m_calls(calls), m_reader(calls) {
+  }
+
+  // Opens the top of the tree.
+  TRawResult Open(HKEY parent, TextView path);
+  HKEY Top() const {
+    return m_keys.front().Key.Get();
+  }
+
+  // Opens all keys below the top, each before its subkeys. Link when a key is a registry link, Refused when
+  // the check does not agree to one. An empty check agrees to all.
+  TRawResult Inspect(const TKeyCheck& mayDelete);
+
+  // Deletes what Inspect found, deepest first.
+  TRawResult Delete();
+
+ private:
+  struct TTreeKey {
+    TRegistryKey Key;
+    Text PathBelow;  // the top's is empty
+  };
+
+  TRawResult Look(HKEY key, TextView pathBelow, const TKeyCheck& mayDelete, std::vector<Text>& subKeys);
+  TRawResult ListSubKeys(HKEY key, std::vector<Text>& subKeys);
+
+  TRegistryCalls& m_calls;
+  TKeyReader m_reader;
+  std::vector<TTreeKey> m_keys;
+};
+
+// Deletes the key with all its subkeys; below HKEY_CLASSES_ROOT of the hive that holds the key, and only
+// there. Nothing is deleted when a part of it can't be opened for deletion.
+TRawResult DeleteKeyAndBelow(TRegistryCalls& calls, TRootKey rootKey, TextView path);
+
+}  // namespace corvalt
