@@ -25,6 +25,13 @@ class TMachine {
 
   // Full path of the running program's file.
   virtual Text ProgramFile() = 0;
+
+  // The machine's NetBIOS name; empty when the system doesn't tell it.
+  virtual Text ComputerName() = 0;
+
+  // The security identifier of the user that the program runs as, in its text form ("S-1-5-..."); empty when
+  // the system has none (Windows 95 family) or doesn't tell it.
+  virtual Text UserSid() = 0;
 };
 
 // The folder of a file path, with its trailing separator; empty when the path names none.

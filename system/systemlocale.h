@@ -31,6 +31,13 @@ class TLocale {
   virtual std::string EncodeAnsi(TextView text) = 0;
   virtual std::optional<std::string> EncodeAnsiExact(TextView text) = 0;
 
+  // The number of that code page ("Code Page Identifiers", learn.microsoft.com).
+  virtual std::uint32_t AnsiCodePage() = 0;
+
+  // Whether the system has a code page of this number; text in it, which is empty where the system has none.
+  virtual bool HasCodePage(std::uint32_t codePage) = 0;
+  virtual Text DecodeCodePage(std::uint32_t codePage, std::string_view bytes) = 0;
+
   // The system's own words for a Windows error code, without a line end.
   virtual Text SystemMessage(std::uint32_t code) = 0;
 };

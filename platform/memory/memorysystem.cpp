@@ -9,25 +9,52 @@ namespace corvalt {
 
 namespace {
 
-// What code page 1252 says with the bytes 0x80 to 0x9F; 0 where it says nothing, and Windows takes the
-// control character of the same number.
-constexpr std::array<char16_t, 32> kCodePage1252 = {
-    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
+// The characters of a code page's bytes from 0x80 on; 0 where it has none, and Windows takes the control
+// character of the same number. Behind the table 1252 has the characters of the bytes' own numbers, and 1251
+// the Russian alphabet.
+struct TCodePageTable {
+  std::uint32_t Number;
+  std::array<char16_t, 64> Characters;
+};
 
-constexpr char16_t kFirstOwn = 0x80;
+constexpr TCodePageTable kWestern = {
+    1252,
+    {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160, 0x2039, 0x0152,
+     0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0x02DC, 0x2122,
+     0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178, 0xA0,   0xA1,   0xA2,   0xA3,   0xA4,   0xA5,   0xA6,
+     0xA7,   0xA8,   0xA9,   0xAA,   0xAB,   0xAC,   0xAD,   0xAE,   0xAF,   0xB0,   0xB1,   0xB2,   0xB3,
+     0xB4,   0xB5,   0xB6,   0xB7,   0xB8,   0xB9,   0xBA,   0xBB,   0xBC,   0xBD,   0xBE,   0xBF}};
+constexpr TCodePageTable kCyrillic = {
+    1251,
+    {0x0402, 0x0403, 0x201A, 0x0453, 0x201E, 0x2026, 0x2020, 0x2021, 0x20AC, 0x2030, 0x0409, 0x2039, 0x040A,
+     0x040C, 0x040B, 0x040F, 0x0452, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0,      0x2122,
+     0x0459, 0x203A, 0x045A, 0x045C, 0x045B, 0x045F, 0xA0,   0x040E, 0x045E, 0x0408, 0xA4,   0x0490, 0xA6,
+     0xA7,   0x0401, 0xA9,   0x0404, 0xAB,   0xAC,   0xAD,   0xAE,   0x0407, 0xB0,   0xB1,   0x0406, 0x0456,
+     0x0491, 0xB5,   0xB6,   0xB7,   0x0451, 0x2116, 0x0454, 0xBB,   0x0458, 0x0405, 0x0455, 0x0457}};
 
-char16_t UnitOf(unsigned char byte) {
-  if (byte < kFirstOwn || byte >= kFirstOwn + kCodePage1252.size())
-    return byte;
-  const char16_t unit = kCodePage1252[byte - kFirstOwn];
-  return unit == 0 ? byte : unit;
+constexpr unsigned char kFirstOwn = 0x80;
+
+const TCodePageTable* TableOf(std::uint32_t codePage) {
+  for (const TCodePageTable* table : {&kWestern, &kCyrillic}) {
+    if (table->Number == codePage)
+      return table;
+  }
+  return nullptr;
 }
 
-std::optional<char> ByteOf(char16_t unit) {
+char16_t UnitOf(const TCodePageTable& table, unsigned char byte) {
+  constexpr char16_t kFirstLetter = 0x0410;  // of the Russian alphabet, in one piece behind the table
+  if (byte < kFirstOwn)
+    return byte;
+  const std::size_t index = byte - kFirstOwn;
+  if (index >= table.Characters.size())
+    return &table == &kCyrillic ? static_cast<char16_t>(byte - 0xC0 + kFirstLetter) : byte;
+  return table.Characters[index] == 0 ? byte : table.Characters[index];
+}
+
+std::optional<char> ByteOf(const TCodePageTable& table, char16_t unit) {
   for (int byte = 0; byte < 256; ++byte) {
-    if (UnitOf(static_cast<unsigned char>(byte)) == unit)
+    if (UnitOf(table, static_cast<unsigned char>(byte)) == unit)
       return static_cast<char>(static_cast<unsigned char>(byte));
   }
   return std::nullopt;
@@ -137,23 +164,32 @@ Text TMemoryLocale::FormatLongTime(TDateTime time) {
 }
 
 Text TMemoryLocale::DecodeAnsi(std::string_view bytes) {
+  return DecodeCodePage(CodePage, bytes);
+}
+
+bool TMemoryLocale::HasCodePage(std::uint32_t codePage) {
+  return TableOf(codePage) != nullptr;
+}
+
+Text TMemoryLocale::DecodeCodePage(std::uint32_t codePage, std::string_view bytes) {
+  const TCodePageTable* table = TableOf(codePage);
   Text text;
-  for (const char byte : bytes)
-    text.push_back(UnitOf(static_cast<unsigned char>(byte)));
+  for (const char byte : table == nullptr ? std::string_view() : bytes)
+    text.push_back(UnitOf(*table, static_cast<unsigned char>(byte)));
   return text;
 }
 
 std::string TMemoryLocale::EncodeAnsi(TextView text) {
   std::string bytes;
   for (const char16_t unit : text)
-    bytes.push_back(ByteOf(unit).value_or('?'));
+    bytes.push_back(ByteOf(*TableOf(CodePage), unit).value_or('?'));
   return bytes;
 }
 
 std::optional<std::string> TMemoryLocale::EncodeAnsiExact(TextView text) {
   std::string bytes;
   for (const char16_t unit : text) {
-    const std::optional<char> byte = ByteOf(unit);
+    const std::optional<char> byte = ByteOf(*TableOf(CodePage), unit);
     if (!byte)
       return std::nullopt;
     bytes.push_back(*byte);

@@ -26,13 +26,21 @@ class TMemoryMachine : public TMachine {
   Text ProgramFile() override {
     return Program;
   }
+  Text ComputerName() override {
+    return Computer;
+  }
+  Text UserSid() override {
+    return User;
+  }
 
   TSystemVersion Version = {5, 1, false};
   Text SystemDirectory = u"C:\\Windows\\system32";
   Text Program = u"C:\\Program Files\\Tessaly\\corvalt.exe";
+  Text Computer = u"ANNS-PC";
+  Text User = u"S-1-5-21-1000-2000-3000-1001";
 };
 
-// An English locale on code page 1252, unless a test says otherwise.
+// An English locale on code page 1252, or 1251 for a test that needs another one; it has no third.
 class TMemoryLocale : public TLocale {
  public:
   Text DecimalSeparator() override {
@@ -46,10 +54,16 @@ class TMemoryLocale : public TLocale {
   Text DecodeAnsi(std::string_view bytes) override;
   std::string EncodeAnsi(TextView text) override;
   std::optional<std::string> EncodeAnsiExact(TextView text) override;
+  std::uint32_t AnsiCodePage() override {
+    return CodePage;
+  }
+  bool HasCodePage(std::uint32_t codePage) override;
+  Text DecodeCodePage(std::uint32_t codePage, std::string_view bytes) override;
   Text SystemMessage(std::uint32_t code) override;
 
   Text Decimal = u".";
   Text Thousands = u",";
+  std::uint32_t CodePage = 1252;
 };
 
 class TMemoryClock : public TClock {

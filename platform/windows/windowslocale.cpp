@@ -54,12 +54,24 @@ Text TWindowsLocale::FormatLongTime(TDateTime time) {
 }
 
 Text TWindowsLocale::DecodeAnsi(std::string_view bytes) {
+  return DecodeCodePage(CP_ACP, bytes);
+}
+
+std::uint32_t TWindowsLocale::AnsiCodePage() {
+  return GetACP();
+}
+
+bool TWindowsLocale::HasCodePage(std::uint32_t codePage) {
+  return IsValidCodePage(codePage) != FALSE;
+}
+
+Text TWindowsLocale::DecodeCodePage(std::uint32_t codePage, std::string_view bytes) {
   if (bytes.empty() || IsTooLong(bytes.size()))
     return {};
   const int size = static_cast<int>(bytes.size());
-  const int units = MultiByteToWideChar(CP_ACP, 0, bytes.data(), size, nullptr, 0);
+  const int units = MultiByteToWideChar(codePage, 0, bytes.data(), size, nullptr, 0);
   Text text(static_cast<std::size_t>(units), u'\0');
-  MultiByteToWideChar(CP_ACP, 0, bytes.data(), size, WideBuffer(text), units);
+  MultiByteToWideChar(codePage, 0, bytes.data(), size, WideBuffer(text), units);
   return text;
 }
 

@@ -14,6 +14,9 @@ class TWindowsLocale : public TLocale {
   Text DecodeAnsi(std::string_view bytes) override;
   std::string EncodeAnsi(TextView text) override;
   std::optional<std::string> EncodeAnsiExact(TextView text) override;
+  std::uint32_t AnsiCodePage() override;
+  bool HasCodePage(std::uint32_t codePage) override;
+  Text DecodeCodePage(std::uint32_t codePage, std::string_view bytes) override;
   Text SystemMessage(std::uint32_t code) override;
 };
 

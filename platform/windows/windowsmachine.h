@@ -11,6 +11,8 @@ class TWindowsMachine : public TMachine {
   TSystemVersion GetVersion() override;
   Text GetSystemDirectory(std::size_t bufferLength) override;
   Text ProgramFile() override;
+  Text ComputerName() override;
+  Text UserSid() override;
 };
 
 }  // namespace corvalt

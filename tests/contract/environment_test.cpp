@@ -35,6 +35,24 @@ TEST_F(EnvironmentContract, WhatTheCodePageLacksHasNoExactBytes) {
   }
 }
 
+TEST_F(EnvironmentContract, ACodePageIsKnownByItsNumber) {
+  TLocale& locale = m_system.Locale;
+  EXPECT_EQ(locale.AnsiCodePage(), 1252u);
+  EXPECT_EQ(locale.DecodeCodePage(1252, "a\xE4\x80"), u"a\u00E4\u20AC");
+  EXPECT_EQ(locale.DecodeCodePage(1251, "a\xE4\x80"), u"a\u0434\u0402");
+  EXPECT_EQ(locale.DecodeCodePage(1251, "\xC0\xFF\xA8\xB8"), u"\u0410\u044F\u0401\u0451");
+  EXPECT_TRUE(locale.HasCodePage(1251));
+  EXPECT_FALSE(locale.HasCodePage(4711));
+  EXPECT_EQ(locale.DecodeCodePage(4711, "abc"), u"");
+}
+
+TEST_F(EnvironmentContract, TheMachineAndTheUserAreKnown) {
+  TMachine& machine = m_system.Machine;
+  EXPECT_FALSE(machine.ComputerName().empty());
+  EXPECT_LE(machine.ComputerName().size(), 15u);
+  EXPECT_TRUE(machine.UserSid().starts_with(u"S-1-")) << EncodeUtf8(machine.UserSid());
+}
+
 TEST_F(EnvironmentContract, NumbersHaveSeparators) {
   EXPECT_EQ(m_system.Locale.DecimalSeparator(), u".");
   EXPECT_EQ(m_system.Locale.ThousandsSeparator(), u",");
