@@ -42,6 +42,19 @@ Text SubKeyPath(TextView keyPath, TextView name) {
   return path;
 }
 
+bool IsWhole(std::span<const std::uint8_t> bytes, TLocale& locale) {
+  const std::optional<TBackupEnd> end = ReadEnd(bytes);
+  if (!end)
+    return !ReadOrigin(bytes);
+  TBackupEnd found;
+  TRegFileReader reader(bytes, locale);
+  while (const TRegFileEntry* entry = reader.Next()) {
+    found.Keys += entry->Kind == TRegFileEntry::TKind::Key ? 1 : 0;
+    found.Values += entry->Kind == TRegFileEntry::TKind::Value ? 1 : 0;
+  }
+  return found == *end;
+}
+
 TRawResult Replay(TRawRegistry& registry, const TRegFileEntry& entry, TImportResult& result) {
   switch (entry.Kind) {
     case TRegFileEntry::TKind::Key: {
@@ -68,14 +81,28 @@ bool IsDeletion(const TRegFileEntry& entry) {
 
 }  // namespace
 
+TRegFileFacts InspectRegFile(std::span<const std::uint8_t> bytes, TLocale& locale) {
+  const TRegFileReader reader(bytes, locale);
+  return {reader.HasHeader(), reader.Origin(), IsWhole(bytes, locale)};
+}
+
 TIORegistry::TIORegistry(TRawRegistry& registry, TLocale& locale) : m_registry(registry), m_locale(locale) {
   Clear();
 }
 
-void TIORegistry::Clear() {
+void TIORegistry::Clear(std::optional<TBackupOrigin> origin) {
   m_text.clear();
   m_exported.clear();
-  TRegFileWriter(m_locale, m_text).WriteHeader();
+  m_origin = std::move(origin);
+  TRegFileWriter writer(m_locale, m_text);
+  writer.WriteHeader();
+  if (m_origin)
+    writer.WriteOrigin(*m_origin);
+}
+
+void TIORegistry::Finish() {
+  if (m_origin)
+    TRegFileWriter(m_locale, m_text).WriteEnd(CountExported());
 }
 
 TExportResult TIORegistry::ExportKey(TRootKey rootKey, TextView keyPath) {
@@ -111,7 +138,7 @@ TExportResult TIORegistry::AppendTree(TRootKey rootKey, Text keyPath) {
       return ExportResultOf(read);
     for (auto name = key.SubKeys.rbegin(); name != key.SubKeys.rend(); ++name)
       pending.push_back(SubKeyPath(path, *name));
-    AppendKey(writer, {rootKey, std::move(path), std::move(key.Values)});
+    AppendKey(writer, {rootKey, std::move(path), {}, std::move(key.Values)});
   }
   return TExportResult::Done;
 }
@@ -125,23 +152,32 @@ TExportResult TIORegistry::ExportValue(TRootKey rootKey, TextView keyPath, TextV
   const TRawResult read = m_registry.ReadValue(rootKey, *path, valueName, value);
   TRegFileWriter writer(m_locale, m_text);
   if (read == TRawResult::Done)
-    AppendKey(writer, {rootKey, std::move(*path), {std::move(value)}});
+    AppendKey(writer, {rootKey, std::move(*path), {}, {std::move(value)}});
   return ExportResultOf(read);
 }
 
 void TIORegistry::AppendKey(TRegFileWriter& writer, TExportedKey key) {
-  writer.WriteKey(key.RootKey, key.KeyPath);
+  writer.WriteKey(key.RootKey, key.KeyPath, key.Attributes);
   for (const TRawValue& value : key.Values)
     writer.WriteValue(value);
   m_exported.push_back(std::move(key));
 }
 
-bool TIORegistry::SaysWhatWasExported(std::span<const std::uint8_t> bytes) const {
+TBackupEnd TIORegistry::CountExported() const {
+  TBackupEnd count{m_exported.size(), 0};
+  for (const TExportedKey& key : m_exported)
+    count.Values += key.Values.size();
+  return count;
+}
+
+bool TIORegistry::HoldsWhatWasExported(std::span<const std::uint8_t> bytes) const {
   TRegFileReader reader(bytes, m_locale);
+  if (reader.Origin() != m_origin || !IsWhole(bytes, m_locale))
+    return false;
   for (const TExportedKey& key : m_exported) {
     const TRegFileEntry* entry = reader.Next();
     if (entry == nullptr || entry->Kind != TRegFileEntry::TKind::Key || entry->RootKey != key.RootKey ||
-        entry->KeyPath != key.KeyPath)
+        entry->KeyPath != key.KeyPath || entry->Attributes != key.Attributes)
       return false;
     for (const TRawValue& value : key.Values) {
       entry = reader.Next();
@@ -152,18 +188,22 @@ bool TIORegistry::SaysWhatWasExported(std::span<const std::uint8_t> bytes) const
   return reader.HasHeader() && reader.Next() == nullptr && reader.LinesSkipped() == 0;
 }
 
-TImportResult TIORegistry::Import(std::span<const std::uint8_t> bytes) {
+TImportResult TIORegistry::Import(std::span<const std::uint8_t> bytes, const TImportOptions& options) {
   const TKeysReleased released(m_registry);
-  TRegFileReader reader(bytes, m_locale);
+  TRegFileReader reader(bytes, m_locale,
+                        options.CarryOutDeletions ? TDeletionLines::Entries : TDeletionLines::Skipped);
   TImportResult result;
   result.HasHeader = reader.HasHeader();
-  while (const TRegFileEntry* entry = reader.Next()) {
+  const TRegFileEntry* entry = reader.Next();
+  for (; entry != nullptr && !options.Stop(); entry = reader.Next()) {
     const TRawResult replayed = Replay(m_registry, *entry, result);
     const bool wasGone = replayed == TRawResult::Missing && IsDeletion(*entry);
     if (replayed != TRawResult::Done && !wasGone)
       ++result.WritesFailed;
   }
+  result.Stopped = entry != nullptr;
   result.LinesSkipped = reader.LinesSkipped();
+  result.FirstSkipped = reader.FirstSkipped();
   return result;
 }
 

@@ -3,9 +3,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <span>
 #include <vector>
 
+#include "formats/backupblock.h"
+#include "formats/regfilecursor.h"
+#include "formats/regfileformat.h"
 #include "system/rawregistry.h"
 #include "system/systemlocale.h"
 
@@ -19,15 +24,25 @@ enum class TExportResult {
   Unreadable,  // it exists, but it or something below it can't be read whole: no access, or a registry link
 };
 
+struct TImportOptions {
+  // Otherwise lines that delete something are skipped and counted as such.
+  bool CarryOutDeletions = true;
+
+  // Asked before each entry; true ends the import.
+  std::function<bool()> Stop = [] { return false; };
+};
+
 struct TImportResult {
   bool HasHeader = false;  // without the REGEDIT4 line nothing is imported
+  bool Stopped = false;
   std::size_t LinesSkipped = 0;
+  std::vector<TSkippedLine> FirstSkipped;  // the first twenty of them
   std::size_t WritesFailed = 0;  // keys, values and deletions that the registry refused; the rest went on
   std::size_t KeysWritten = 0;
   std::size_t ValuesWritten = 0;
 
   bool EverythingWritten() const {
-    return HasHeader && LinesSkipped == 0 && WritesFailed == 0;
+    return HasHeader && !Stopped && LinesSkipped == 0 && WritesFailed == 0;
   }
 };
 
@@ -35,21 +50,38 @@ struct TImportResult {
 struct TExportedKey {
   TRootKey RootKey = kNoRootKey;
   Text KeyPath;  // begins with "\"
+  TRegFileAttributes Attributes;
   std::vector<TRawValue> Values;
 };
+
+// What a file tells about itself before anything of it is imported.
+struct TRegFileFacts {
+  bool HasHeader = false;
+  std::optional<TBackupOrigin> Origin;
+
+  // Whether the file is as it was written: it has the last line of a backup, the checksum in it is right, and
+  // so are the numbers of keys and values. A file without an origin counts as whole.
+  bool IsWhole = false;
+};
+
+[[nodiscard]] TRegFileFacts InspectRegFile(std::span<const std::uint8_t> bytes, TLocale& locale);
 
 class TIORegistry {
  public:
   // Both must outlive this object.
   TIORegistry(TRawRegistry& registry, TLocale& locale);
 
-  // Forgets what was exported; what is left is the text of no export, the header alone.
-  void Clear();
+  // Forgets what was exported; what is left is the text of no export. With an origin the text becomes that of
+  // a backup: it tells where it was made, and Finish ends it.
+  void Clear(std::optional<TBackupOrigin> origin = std::nullopt);
 
   // Each appends one export to the text: a key with its subkeys, or one value under its key. A key path may
   // lack its leading "\". What is not Done appends nothing at all.
   TExportResult ExportKey(TRootKey rootKey, TextView keyPath);
   TExportResult ExportValue(TRootKey rootKey, TextView keyPath, TextView valueName);
+
+  // Writes the last line of a backup. To be called once, after the last export.
+  void Finish();
 
   // The bytes of the file: the header and all exports since the last Clear.
   const TBytes& ExportedText() const {
@@ -61,21 +93,24 @@ class TIORegistry {
     return m_exported;
   }
 
-  // Whether these bytes, read as Import reads them, say exactly the keys and values that were taken from the
-  // registry since the last Clear, in their order and nothing else. Doesn't look at ExportedText.
-  bool SaysWhatWasExported(std::span<const std::uint8_t> bytes) const;
+  // Whether these bytes, read as Import reads them, hold exactly the origin, and the keys and values that
+  // were taken from the registry since the last Clear, in their order and nothing else, and are whole.
+  // Doesn't look at ExportedText.
+  bool HoldsWhatWasExported(std::span<const std::uint8_t> bytes) const;
 
   // Replays a file into the registry, over what is there. A malformed line is skipped and counted, and no
   // value after a malformed key line goes to the key before it. A deletion of what is not there succeeds; one
   // of a registry link, or of a key with a link below it, fails.
-  TImportResult Import(std::span<const std::uint8_t> bytes);
+  TImportResult Import(std::span<const std::uint8_t> bytes, const TImportOptions& options = {});
 
  private:
   TExportResult AppendTree(TRootKey rootKey, Text keyPath);
   void AppendKey(TRegFileWriter& writer, TExportedKey key);
+  TBackupEnd CountExported() const;
 
   TRawRegistry& m_registry;
   TLocale& m_locale;
+  std::optional<TBackupOrigin> m_origin;
   TBytes m_text;
   std::vector<TExportedKey> m_exported;
 };

@@ -4,14 +4,15 @@
 
 namespace corvalt {
 
-TRegFileLines::TRegFileLines(std::span<const std::uint8_t> bytes, TLocale& locale)
-    : m_bytes(reinterpret_cast<const char*>(bytes.data()), bytes.size()), m_locale(locale) {
+TRegFileLines::TRegFileLines(std::span<const std::uint8_t> bytes, TCodePage codePage)
+    : m_bytes(reinterpret_cast<const char*>(bytes.data()), bytes.size()), m_codePage(codePage) {
 }
 
 bool TRegFileLines::Next() {
   m_begin = m_next;
   m_end = m_begin;
   m_line.clear();
+  ++m_number;
   if (m_begin >= m_bytes.size())
     return false;
   unsigned char bits = 0;
@@ -25,7 +26,7 @@ bool TRegFileLines::Next() {
   if (bits < 0x80)
     m_line.assign(line.begin(), line.end());
   else
-    m_line = m_locale.DecodeAnsi(line);
+    m_line = m_codePage.Decode(line);
   return true;
 }
 
@@ -35,6 +36,11 @@ TextView TRegFileLines::LineEnd() const {
   if (m_next == m_end)
     return {};
   return m_bytes[m_end] == '\r' ? u"\r" : u"\n";
+}
+
+Text TRegFileLines::LineAt(std::size_t begin, std::size_t mostBytes) const {
+  const std::string_view rest = m_bytes.substr(std::min(begin, m_bytes.size()), mostBytes);
+  return m_codePage.Decode(rest.substr(0, rest.find_first_of("\r\n")));
 }
 
 }  // namespace corvalt

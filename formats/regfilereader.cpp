@@ -1,50 +1,13 @@
 #include "formats/regfilereader.h"
 
 #include <algorithm>
-#include <array>
+#include <utility>
 
 #include "base/lettercase.h"
-#include "formats/regfileformat.h"
 
 namespace corvalt {
 
 namespace {
-
-constexpr std::uint8_t kNoDigit = 0xFF;
-
-constexpr std::array<std::uint8_t, 128> HexDigits() {
-  std::array<std::uint8_t, 128> digits{};
-  digits.fill(kNoDigit);
-  for (std::uint8_t i = 0; i < 10; ++i)
-    digits[static_cast<std::size_t>('0' + i)] = i;
-  for (std::uint8_t i = 0; i < 6; ++i) {
-    digits[static_cast<std::size_t>('a' + i)] = static_cast<std::uint8_t>(10 + i);
-    digits[static_cast<std::size_t>('A' + i)] = static_cast<std::uint8_t>(10 + i);
-  }
-  return digits;
-}
-
-constexpr std::array<std::uint8_t, 128> kHexDigits = HexDigits();
-
-std::uint8_t DigitOf(char16_t unit) {
-  return unit < kHexDigits.size() ? kHexDigits[unit] : kNoDigit;
-}
-
-bool IsBlank(char16_t unit) {
-  return unit == u' ' || unit == u'\t';
-}
-
-TextView WithoutBlanks(TextView text) {
-  while (!text.empty() && IsBlank(text.front()))
-    text.remove_prefix(1);
-  while (!text.empty() && IsBlank(text.back()))
-    text.remove_suffix(1);
-  return text;
-}
-
-bool IsExactLine(TextView line) {
-  return line.starts_with(kExactLine) || line.starts_with(kExactContinuation);
-}
 
 void AppendUnits(TextView text, TBytes& bytes) {
   std::size_t at = bytes.size();
@@ -55,12 +18,36 @@ void AppendUnits(TextView text, TBytes& bytes) {
   }
 }
 
+// The units of an even number of bytes.
+Text TextOf(const TBytes& bytes) {
+  Text text;
+  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
+    text.push_back(static_cast<char16_t>(bytes[i] | (bytes[i + 1] << 8)));
+  return text;
+}
+
+TextView WithoutBlanks(TextView text) {
+  constexpr TextView kBlanks = u" \t";
+  const std::size_t first = text.find_first_not_of(kBlanks);
+  if (first == TextView::npos)
+    return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+std::uint32_t CodePageOf(const std::optional<TBackupOrigin>& origin, TLocale& locale) {
+  const bool isKnown = origin && locale.HasCodePage(origin->CodePage);
+  return isKnown ? origin->CodePage : locale.AnsiCodePage();
+}
+
 }  // namespace
 
-TRegFileReader::TRegFileReader(std::span<const std::uint8_t> bytes, TLocale& locale)
-    : m_lines(bytes, locale), m_locale(locale) {
-  while (m_lines.Next()) {
-    const TextView line = WithoutBlanks(m_lines.Line());
+TRegFileReader::TRegFileReader(std::span<const std::uint8_t> bytes, TLocale& locale, TDeletionLines deletions)
+    : m_origin(ReadOrigin(bytes)),
+      m_codePage{locale, CodePageOf(m_origin, locale)},
+      m_cursor(bytes, m_codePage),
+      m_deletions(deletions) {
+  while (m_cursor.NextEntry()) {
+    const TextView line = WithoutBlanks(m_cursor.Rest());
     if (line.empty())
       continue;
     m_hasHeader = line == kRegFileHeader;
@@ -69,59 +56,60 @@ TRegFileReader::TRegFileReader(std::span<const std::uint8_t> bytes, TLocale& loc
 }
 
 const TRegFileEntry* TRegFileReader::Next() {
-  while (m_hasHeader && m_lines.Next()) {
-    m_rest = m_lines.Line();
-    m_linesDone = 0;
-    if (!SaysSomething())
+  while (m_hasHeader && m_cursor.NextEntry()) {
+    if (!m_cursor.HasContent())
       continue;
-    if (!ReadEntry())
-      SkipMalformed();
-    else if (!m_hasKey && m_entry.Kind != TRegFileEntry::TKind::DeleteKey)
-      m_linesSkipped += m_linesDone + 1;
-    else
+    const TLineResult result = ReadLine();
+    if (result == TLineResult::Malformed)
+      m_cursor.SkipMalformed();
+    else if (result == TLineResult::Entry && !IsWanted())
+      m_cursor.SkipEntry();
+    else if (result == TLineResult::Entry)
       return &m_entry;
   }
   return nullptr;
 }
 
-bool TRegFileReader::SaysSomething() {
-  SkipBlanks();
-  return !AtEnd() || IsExactLine(m_rest);
+bool TRegFileReader::IsWanted() const {
+  if (m_entry.Kind == TRegFileEntry::TKind::DeleteKey)
+    return m_deletions == TDeletionLines::Entries;
+  if (m_entry.Kind == TRegFileEntry::TKind::DeleteValue && m_deletions == TDeletionLines::Skipped)
+    return false;
+  return m_hasKey;
+}
+
+TRegFileReader::TLineResult TRegFileReader::ReadLine() {
+  if (m_cursor.TakeExact(kBackupLine))
+    return ReadAttribute() ? TLineResult::Comment : TLineResult::Malformed;
+  return ReadEntry() ? TLineResult::Entry : TLineResult::Malformed;
 }
 
 bool TRegFileReader::ReadEntry() {
-  if (m_rest.front() == u'[')
+  const TextView rest = m_cursor.Rest();
+  if (rest.front() == u'[')
     return ReadKeyLine();
-  if (IsExactLine(m_rest))
+  if (IsExactLine(rest))
     return ReadExactLine();
-  if (m_rest.front() == u'"' || m_rest.front() == u'@')
+  if (rest.front() == u'"' || rest.front() == u'@')
     return ReadValueLine();
   // A key line with a damaged beginning must end the key before it.
-  if (WithoutBlanks(m_rest).ends_with(u']'))
+  if (WithoutBlanks(rest).ends_with(u']'))
     m_hasKey = false;
   return false;
-}
-
-// The line on which a folded entry went wrong may be an entry itself, so reading goes on with that one.
-void TRegFileReader::SkipMalformed() {
-  if (m_linesDone == 0) {
-    ++m_linesSkipped;
-    return;
-  }
-  m_linesSkipped += m_linesDone;
-  m_lines.GoBack(m_lines.Begin());
 }
 
 // A key's name may hold "]": the last one ends the line.
 bool TRegFileReader::ReadKeyLine() {
   m_hasKey = false;
-  const std::size_t close = m_rest.rfind(u']');
+  m_entry.Attributes = std::exchange(m_attributes, {});
+  const TextView line = m_cursor.Rest();
+  const std::size_t close = line.rfind(u']');
   if (close == TextView::npos)
     return false;
-  TextView name = m_rest.substr(1, close - 1);
-  m_rest.remove_prefix(close + 1);
-  SkipBlanks();
-  if (!AtEnd())
+  TextView name = line.substr(1, close - 1);
+  m_cursor.RemovePrefix(close + 1);
+  m_cursor.SkipBlanks();
+  if (!m_cursor.AtEnd())
     return false;
   const bool isDeletion = name.starts_with(u'-');
   if (isDeletion)
@@ -141,16 +129,19 @@ bool TRegFileReader::SetKey(TextView rootName, TextView keyPath) {
     return false;
   m_entry.RootKey = RootKeyFromName(root);
   m_entry.KeyPath = keyPath;
+  // Only the classes have two hives.
+  if (m_entry.RootKey != kHkeyClassesRoot)
+    m_entry.Attributes.Hive = kNoRootKey;
   return true;
 }
 
 bool TRegFileReader::ReadValueLine() {
   if (!ReadName())
     return false;
-  SkipBlanks();
-  if (!Take(u'='))
+  m_cursor.SkipBlanks();
+  if (!m_cursor.Take(u'='))
     return false;
-  SkipBlanks();
+  m_cursor.SkipBlanks();
   m_entry.Value.Type = kRegNone;
   m_entry.Value.Data.clear();
   return ReadData();
@@ -158,35 +149,35 @@ bool TRegFileReader::ReadValueLine() {
 
 bool TRegFileReader::ReadName() {
   m_entry.Value.Name.clear();
-  if (Take(u'@'))
+  if (m_cursor.Take(u'@'))
     return true;
-  return Take(u'"') && TakeString(m_entry.Value.Name) == TStringEnd::Closed;
+  return m_cursor.Take(u'"') && m_cursor.TakeString(m_entry.Value.Name) == TRegFileCursor::TStringEnd::Closed;
 }
 
 bool TRegFileReader::ReadData() {
   m_entry.Kind = TRegFileEntry::TKind::Value;
-  if (Take(u'"'))
+  if (m_cursor.Take(u'"'))
     return ReadString();
-  if (TakeWord(kDwordWord))
+  if (m_cursor.TakeWord(kDwordWord))
     return ReadDword();
-  if (TakeWord(kHexWord))
+  if (m_cursor.TakeWord(kHexWord))
     return ReadHex();
   m_entry.Kind = TRegFileEntry::TKind::DeleteValue;
-  if (!Take(u'-'))
+  if (!m_cursor.Take(u'-'))
     return false;
-  SkipBlanks();
-  return AtEnd();
+  m_cursor.SkipBlanks();
+  return m_cursor.AtEnd();
 }
 
 bool TRegFileReader::ReadString() {
   m_string.clear();
-  const TStringEnd end = TakeString(m_string);
-  if (end == TStringEnd::Malformed)
+  const TRegFileCursor::TStringEnd end = m_cursor.TakeString(m_string);
+  if (end == TRegFileCursor::TStringEnd::Malformed)
     return false;
-  if (end == TStringEnd::Open && !ReadStringOverLines(m_string))
+  if (end == TRegFileCursor::TStringEnd::Open && !m_cursor.TakeStringOverLines(m_string))
     return false;
-  SkipBlanks();
-  if (!AtEnd())
+  m_cursor.SkipBlanks();
+  if (!m_cursor.AtEnd())
     return false;
   m_string += u'\0';
   m_entry.Value.Type = kRegSz;
@@ -194,32 +185,11 @@ bool TRegFileReader::ReadString() {
   return true;
 }
 
-// Windows' editor writes a line break in a string as it is. Only a quote that ends its line ends such a
-// string: otherwise the first line lacks its closing quote, and the lines after it are read for themselves.
-bool TRegFileReader::ReadStringOverLines(Text& text) {
-  TStringEnd end = TStringEnd::Open;
-  std::size_t secondLine = 0;
-  while (end == TStringEnd::Open) {
-    text += m_lines.LineEnd();
-    const bool hasLine = m_lines.Next();
-    if (m_linesDone++ == 0)
-      secondLine = m_lines.Begin();
-    m_rest = m_lines.Line();
-    end = hasLine ? TakeString(text) : TStringEnd::Malformed;
-  }
-  if (end == TStringEnd::Closed && WithoutBlanks(m_rest).empty())
-    return true;
-  m_lines.GoBack(secondLine);
-  m_lines.Next();
-  m_linesDone = 1;
-  return false;
-}
-
 bool TRegFileReader::ReadDword() {
-  SkipBlanks();
-  const std::optional<std::uint32_t> number = TakeNumber();
-  SkipBlanks();
-  if (!number || !AtEnd())
+  m_cursor.SkipBlanks();
+  const std::optional<std::uint32_t> number = m_cursor.TakeNumber();
+  m_cursor.SkipBlanks();
+  if (!number || !m_cursor.AtEnd())
     return false;
   m_entry.Value.Type = kRegDword;
   for (int shift = 0; shift < 32; shift += 8)
@@ -229,17 +199,17 @@ bool TRegFileReader::ReadDword() {
 
 bool TRegFileReader::ReadHex() {
   std::optional<std::uint32_t> type = kRegBinary;
-  if (Take(u'(')) {
-    type = TakeNumber();
-    if (!type || !Take(u')'))
+  if (m_cursor.Take(u'(')) {
+    type = m_cursor.TakeNumber();
+    if (!type || !m_cursor.Take(u')'))
       return false;
   }
   TBytes& data = m_entry.Value.Data;
-  if (!Take(u':') || !ReadHexBytes(data))
+  if (!m_cursor.Take(u':') || !ReadHexBytes(data))
     return false;
   m_entry.Value.Type = *type;
   if (IsTextType(*type)) {
-    const Text text = m_locale.DecodeAnsi({reinterpret_cast<const char*>(data.data()), data.size()});
+    const Text text = m_codePage.Decode({reinterpret_cast<const char*>(data.data()), data.size()});
     data.clear();
     AppendUnits(text, data);
   }
@@ -247,42 +217,44 @@ bool TRegFileReader::ReadHex() {
 }
 
 bool TRegFileReader::ReadHexBytes(TBytes& bytes) {
-  if (!SkipBlanksAndFolds())
+  if (!m_cursor.SkipBlanksAndFolds())
     return false;
-  if (AtEnd())
+  if (m_cursor.AtEnd())
     return true;
   std::uint8_t byte = 0;
-  while (TakeByte(byte)) {
+  while (m_cursor.TakeByte(byte)) {
     bytes.push_back(byte);
-    if (!SkipBlanksAndFolds())
+    if (!m_cursor.SkipBlanksAndFolds())
       return false;
-    if (AtEnd())
+    if (m_cursor.AtEnd())
       return true;
-    if (!Take(u',') || !SkipBlanksAndFolds())
+    if (!m_cursor.Take(u',') || !m_cursor.SkipBlanksAndFolds())
       return false;
   }
   return false;
 }
 
 bool TRegFileReader::ReadExactLine() {
-  if (!m_rest.starts_with(kExactLine))
+  if (!m_cursor.TakeExact(kExactLine))
     return false;
-  m_rest.remove_prefix(kExactLine.size());
-  if (TakeWord(kExactValue))
+  if (m_cursor.TakeWord(kExactValue))
     return ReadExactValue();
   // A comment of this form that is no value may be a damaged key line.
   m_hasKey = false;
-  return TakeWord(kExactKey) && ReadExactKey();
+  m_entry.Attributes = std::exchange(m_attributes, {});
+  return m_cursor.TakeWord(kExactKey) && ReadExactKey();
 }
 
 bool TRegFileReader::ReadExactKey() {
-  const std::size_t rootEnd = m_rest.find(kExactSeparator);
+  const TextView rest = m_cursor.Rest();
+  const std::size_t rootEnd = rest.find(kExactSeparator);
   if (rootEnd == TextView::npos)
     return false;
-  const Text rootName(m_rest.substr(0, rootEnd));
-  m_rest.remove_prefix(rootEnd + 1);
+  const Text rootName(rest.substr(0, rootEnd));
+  m_cursor.RemovePrefix(rootEnd + 1);
   Text keyPath;
-  if (!ReadExactText(keyPath) || !m_rest.empty() || !keyPath.starts_with(u'\\') || !SetKey(rootName, keyPath))
+  if (!ReadExactText(keyPath) || !m_cursor.Rest().empty() || !keyPath.starts_with(u'\\') ||
+      !SetKey(rootName, keyPath))
     return false;
   m_hasKey = true;
   m_entry.Kind = TRegFileEntry::TKind::Key;
@@ -291,11 +263,12 @@ bool TRegFileReader::ReadExactKey() {
 
 bool TRegFileReader::ReadExactValue() {
   TRawValue& value = m_entry.Value;
-  if (!ReadExactText(value.Name) || value.Name.find(u'\0') != Text::npos || !Take(kExactSeparator))
+  if (!ReadExactText(value.Name) || value.Name.find(u'\0') != Text::npos || !m_cursor.Take(kExactSeparator))
     return false;
-  const std::optional<std::uint32_t> type = TakeNumber();
+  const std::optional<std::uint32_t> type = m_cursor.TakeNumber();
   value.Data.clear();
-  if (!type || !Take(kExactSeparator) || !ReadExactBytes(value.Data) || !m_rest.empty())
+  if (!type || !m_cursor.Take(kExactSeparator) || !m_cursor.TakePairs(kExactContinuation, value.Data) ||
+      !m_cursor.Rest().empty())
     return false;
   value.Type = *type;
   m_entry.Kind = TRegFileEntry::TKind::Value;
@@ -304,138 +277,57 @@ bool TRegFileReader::ReadExactValue() {
 
 bool TRegFileReader::ReadExactText(Text& text) {
   TBytes bytes;
-  if (!ReadExactBytes(bytes) || bytes.size() % 2 != 0)
+  if (!m_cursor.TakePairs(kExactContinuation, bytes) || bytes.size() % 2 != 0)
     return false;
-  text.clear();
-  for (std::size_t i = 0; i < bytes.size(); i += 2)
-    text.push_back(static_cast<char16_t>(bytes[i] | (bytes[i + 1] << 8)));
+  text = TextOf(bytes);
   return true;
 }
 
-// As many bytes as stand here and on the lines that it goes on with.
-bool TRegFileReader::ReadExactBytes(TBytes& bytes) {
-  std::uint8_t byte = 0;
-  for (;;) {
-    while (TakePair(byte))
-      bytes.push_back(byte);
-    if (m_rest.size() != 1 || m_rest.front() != kExactGoesOn)
-      return true;
-    if (!GoOn() || !m_rest.starts_with(kExactContinuation))
+// Comments of an unknown kind are newer ones, or those of the file as a whole.
+bool TRegFileReader::ReadAttribute() {
+  if (m_cursor.TakeExact(kHiveWord)) {
+    const TRootKey hive = IsRootKeyName(m_cursor.Rest()) ? RootKeyFromName(m_cursor.Rest()) : kNoRootKey;
+    if (hive != kHkeyCurrentUser && hive != kHkeyLocalMachine)
       return false;
-    m_rest.remove_prefix(kExactContinuation.size());
+    m_attributes.Hive = hive;
+    return true;
   }
-}
-
-void TRegFileReader::SkipBlanks() {
-  while (!m_rest.empty() && IsBlank(m_rest.front()))
-    m_rest.remove_prefix(1);
-}
-
-// A line ends, or a comment begins.
-bool TRegFileReader::AtEnd() const {
-  return m_rest.empty() || m_rest.front() == u';';
-}
-
-// To the next line of the same entry.
-bool TRegFileReader::GoOn() {
-  ++m_linesDone;
-  const bool hasLine = m_lines.Next();
-  m_rest = m_lines.Line();
-  return hasLine;
-}
-
-// To the next token, also on a later line, where blank lines and comments don't count. False when a fold
-// leads nowhere.
-bool TRegFileReader::SkipBlanksAndFolds() {
-  SkipBlanks();
-  while (Take(u'\\')) {
-    SkipBlanks();
-    if (!AtEnd() || !GoOn())
-      return false;
-    while (!SaysSomething()) {
-      if (!m_lines.Next())
-        return false;
-      m_rest = m_lines.Line();
-    }
-    if (IsExactLine(m_rest))
-      return false;
-  }
+  if (m_cursor.TakeExact(kClassWord))
+    return ReadClass();
+  if (m_cursor.TakeExact(kSecurityWord))
+    return ReadAttributeBytes(m_attributes.Security);
+  if (m_cursor.TakeExact(kTimeWord))
+    return ReadTime();
+  if (m_cursor.Rest() == kVolatileLine)
+    m_attributes.IsVolatile = true;
   return true;
 }
 
-bool TRegFileReader::Take(char16_t unit) {
-  if (!m_rest.starts_with(unit))
+bool TRegFileReader::ReadAttributeBytes(TBytes& bytes) {
+  TBytes read;
+  if (!m_cursor.TakePairs(kBackupContinuation, read) || !m_cursor.Rest().empty())
     return false;
-  m_rest.remove_prefix(1);
+  bytes = std::move(read);
   return true;
 }
 
-bool TRegFileReader::TakeWord(TextView word) {
-  if (!EqualIgnoringCase(m_rest.substr(0, word.size()), word))
+bool TRegFileReader::ReadClass() {
+  TBytes bytes;
+  if (!ReadAttributeBytes(bytes) || bytes.size() % 2 != 0)
     return false;
-  m_rest.remove_prefix(word.size());
+  m_attributes.ClassName = TextOf(bytes);
   return true;
 }
 
-bool TRegFileReader::TakeDigit(std::uint32_t& digit) {
-  digit = m_rest.empty() ? kNoDigit : DigitOf(m_rest.front());
-  if (digit == kNoDigit)
+bool TRegFileReader::ReadTime() {
+  TBytes bytes;
+  if (!ReadAttributeBytes(bytes) || bytes.size() != sizeof(std::uint64_t))
     return false;
-  m_rest.remove_prefix(1);
+  std::uint64_t time = 0;
+  for (const std::uint8_t byte : bytes)
+    time = time << 8 | byte;
+  m_attributes.LastWrite = time;
   return true;
-}
-
-// One digit or two.
-bool TRegFileReader::TakeByte(std::uint8_t& byte) {
-  std::uint32_t high = 0;
-  std::uint32_t low = 0;
-  if (!TakeDigit(high))
-    return false;
-  byte = static_cast<std::uint8_t>(TakeDigit(low) ? high * 16 + low : high);
-  return true;
-}
-
-bool TRegFileReader::TakePair(std::uint8_t& byte) {
-  return m_rest.size() >= 2 && DigitOf(m_rest[1]) != kNoDigit && TakeByte(byte);
-}
-
-// Up to eight digits.
-std::optional<std::uint32_t> TRegFileReader::TakeNumber() {
-  constexpr int kMostDigits = 8;
-  std::uint32_t number = 0;
-  std::uint32_t digit = 0;
-  int digits = 0;
-  for (; TakeDigit(digit); ++digits)
-    number = number * 16 + digit;
-  if (digits == 0 || digits > kMostDigits)
-    return std::nullopt;
-  return number;
-}
-
-// To the closing quote. Editors escape quotes and backslashes, some of them line breaks too.
-TRegFileReader::TStringEnd TRegFileReader::TakeString(Text& text) {
-  constexpr TextView kSpecial(u"\"\\\0", 3);
-  for (;;) {
-    const std::size_t plain = std::min(m_rest.find_first_of(kSpecial), m_rest.size());
-    text += m_rest.substr(0, plain);
-    m_rest.remove_prefix(plain);
-    if (m_rest.empty())
-      return TStringEnd::Open;
-    if (Take(u'"'))
-      return TStringEnd::Closed;
-    if (!Take(u'\\') || m_rest.empty())
-      return TStringEnd::Malformed;
-    const char16_t escaped = m_rest.front();
-    m_rest.remove_prefix(1);
-    if (escaped == u'\\' || escaped == u'"')
-      text.push_back(escaped);
-    else if (escaped == u'n')
-      text.push_back(u'\n');
-    else if (escaped == u'r')
-      text.push_back(u'\r');
-    else
-      return TStringEnd::Malformed;
-  }
 }
 
 }  // namespace corvalt

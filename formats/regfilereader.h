@@ -5,8 +5,11 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <vector>
 
-#include "formats/regfilelines.h"
+#include "formats/backupblock.h"
+#include "formats/regfilecursor.h"
+#include "formats/regfileformat.h"
 #include "system/rawregistry.h"
 #include "system/systemlocale.h"
 
@@ -19,74 +22,80 @@ struct TRegFileEntry {
   // The key, or the one that the value belongs to. The path begins with "\".
   TRootKey RootKey = kNoRootKey;
   Text KeyPath;
-  // The whole of a value; of a deletion its name alone.
+  // Of the key, or of the one that the value belongs to.
+  TRegFileAttributes Attributes;
+  // The whole of a value; of a deletion only its name.
   TRawValue Value;
+};
+
+// What becomes of lines that delete keys or values.
+enum class TDeletionLines {
+  Entries,
+  Skipped,  // they count as malformed
 };
 
 // Malformed lines are skipped and counted, and so are the values after a malformed key line or a deleted key.
 // Takes time and memory in proportion to the file.
 class TRegFileReader {
  public:
-  // Both must outlive this object.
-  TRegFileReader(std::span<const std::uint8_t> bytes, TLocale& locale);
+  // Both must outlive this object. The texts are decoded with the code page that the file names, or with the
+  // system's own when it names none or one that the system lacks.
+  TRegFileReader(std::span<const std::uint8_t> bytes, TLocale& locale,
+                 TDeletionLines deletions = TDeletionLines::Entries);
 
   // Whether the first line that isn't blank is "REGEDIT4". Without it there are no entries.
   bool HasHeader() const {
     return m_hasHeader;
   }
 
-  // The next entry, good until the next call; null after the last one.
+  // Where the file was made; nullopt when it doesn't tell.
+  const std::optional<TBackupOrigin>& Origin() const {
+    return m_origin;
+  }
+
+  // The next entry, valid until the next call; null after the last one.
   const TRegFileEntry* Next();
 
-  // Lines skipped so far, each line of a folded value counted.
+  // Lines skipped so far, each line of a folded value counted, and the first twenty of them.
   std::size_t LinesSkipped() const {
-    return m_linesSkipped;
+    return m_cursor.LinesSkipped();
+  }
+  const std::vector<TSkippedLine>& FirstSkipped() const {
+    return m_cursor.FirstSkipped();
   }
 
  private:
-  enum class TStringEnd { Closed, Open, Malformed };
+  enum class TLineResult { Entry, Comment, Malformed };
 
-  bool SaysSomething();
+  TLineResult ReadLine();
+  bool IsWanted() const;
   bool ReadEntry();
   bool ReadKeyLine();
   bool ReadValueLine();
   bool ReadName();
   bool ReadData();
   bool ReadString();
-  bool ReadStringOverLines(Text& text);
   bool ReadDword();
   bool ReadHex();
   bool ReadHexBytes(TBytes& bytes);
   bool ReadExactLine();
   bool ReadExactKey();
   bool ReadExactValue();
-  bool ReadExactBytes(TBytes& bytes);
   bool ReadExactText(Text& text);
+  bool ReadAttribute();
+  bool ReadAttributeBytes(TBytes& bytes);
+  bool ReadClass();
+  bool ReadTime();
   bool SetKey(TextView rootName, TextView keyPath);
 
-  // Tokens of the current line.
-  void SkipBlanks();
-  bool SkipBlanksAndFolds();
-  bool AtEnd() const;
-  bool Take(char16_t unit);
-  bool TakeWord(TextView word);
-  bool TakeDigit(std::uint32_t& digit);
-  bool TakeByte(std::uint8_t& byte);
-  bool TakePair(std::uint8_t& byte);
-  std::optional<std::uint32_t> TakeNumber();
-  TStringEnd TakeString(Text& text);
-
-  bool GoOn();
-  void SkipMalformed();
-
-  TRegFileLines m_lines;
-  TLocale& m_locale;
+  std::optional<TBackupOrigin> m_origin;
+  TCodePage m_codePage;
+  TRegFileCursor m_cursor;
+  TDeletionLines m_deletions;
   bool m_hasHeader = false;
-  bool m_hasKey = false;  // values may follow
-  std::size_t m_linesSkipped = 0;
-  std::size_t m_linesDone = 0;  // of the current entry, before the current line
-  TextView m_rest;              // of the current line
-  Text m_string;                // the buffer of the string being read
+  bool m_hasKey = false;            // values may follow
+  TRegFileAttributes m_attributes;  // read for the key line to come
+  Text m_string;                    // the buffer of the string being read
   TRegFileEntry m_entry;
 };
 

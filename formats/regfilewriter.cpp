@@ -4,8 +4,6 @@
 #include <array>
 #include <charconv>
 
-#include "formats/regfileformat.h"
-
 namespace corvalt {
 
 namespace {
@@ -30,6 +28,28 @@ std::string HexNumber(std::uint32_t number) {
 
 std::string_view Chars(const TBytes& data) {
   return {reinterpret_cast<const char*>(data.data()), data.size()};
+}
+
+std::string TwoDigits(char byte) {
+  const auto value = static_cast<std::uint8_t>(byte);
+  return {kDigits[value >> 4], kDigits[value & 15]};
+}
+
+// The units as little-endian bytes.
+std::string UnitsOf(TextView text) {
+  std::string bytes;
+  for (const char16_t unit : text) {
+    bytes.push_back(static_cast<char>(unit & 0xFF));
+    bytes.push_back(static_cast<char>(unit >> 8));
+  }
+  return bytes;
+}
+
+std::string BigEndian(std::uint64_t number) {
+  std::string bytes;
+  for (int shift = 56; shift >= 0; shift -= 8)
+    bytes.push_back(static_cast<char>(number >> shift & 0xFF));
+  return bytes;
 }
 
 void TakeUnits(const TBytes& data, Text& text) {
@@ -63,8 +83,20 @@ void TRegFileWriter::WriteHeader() {
   FlushLine();
 }
 
-void TRegFileWriter::WriteKey(TRootKey rootKey, TextView keyPath) {
+void TRegFileWriter::WriteOrigin(const TBackupOrigin& origin) {
+  const std::string lines = OriginLines(origin);
+  m_bytes.insert(m_bytes.end(), lines.begin(), lines.end());
+}
+
+void TRegFileWriter::WriteEnd(const TBackupEnd& end) {
   FlushLine();
+  const std::string line = EndLine(m_bytes, end);
+  m_bytes.insert(m_bytes.end(), line.begin(), line.end());
+}
+
+void TRegFileWriter::WriteKey(TRootKey rootKey, TextView keyPath, const TRegFileAttributes& attributes) {
+  FlushLine();
+  WriteAttributes(attributes);
   m_line = '[';
   AppendPlain(RootKeyName(rootKey));
   m_keyIsExact = HoldsControls(keyPath) || (keyPath != u"\\" && !AppendPlain(keyPath));
@@ -174,6 +206,30 @@ bool TRegFileWriter::AppendQuoted(TextView text) {
   return true;
 }
 
+void TRegFileWriter::WriteAttributes(const TRegFileAttributes& attributes) {
+  if (attributes.Hive != kNoRootKey) {
+    m_line = Ascii(kBackupLine) + Ascii(kHiveWord) + Ascii(RootKeyName(attributes.Hive));
+    FlushLine();
+  }
+  if (!attributes.ClassName.empty())
+    WriteAttribute(kClassWord, UnitsOf(attributes.ClassName));
+  if (attributes.IsVolatile) {
+    m_line = Ascii(kBackupLine) + Ascii(kVolatileLine);
+    FlushLine();
+  }
+  if (!attributes.Security.empty())
+    WriteAttribute(kSecurityWord, Chars(attributes.Security));
+  if (attributes.LastWrite)
+    WriteAttribute(kTimeWord, BigEndian(*attributes.LastWrite));
+}
+
+void TRegFileWriter::WriteAttribute(TextView word, std::string_view data) {
+  m_line = Ascii(kBackupLine) + Ascii(word);
+  for (const char byte : data)
+    AppendFoldedWord(TwoDigits(byte), kBackupContinuation);
+  FlushLine();
+}
+
 void TRegFileWriter::WriteExactKey(TRootKey rootKey, TextView keyPath) {
   m_line = Ascii(kExactLine) + Ascii(kExactKey) + Ascii(RootKeyName(rootKey));
   AppendExactWord(":");
@@ -189,30 +245,28 @@ void TRegFileWriter::WriteExactValue(const TRawValue& value) {
   FlushLine();
 }
 
-// Room is left for the sign that the line goes on.
 void TRegFileWriter::AppendExactWord(std::string_view word) {
+  AppendFoldedWord(word, kExactContinuation);
+}
+
+// Room is left for the sign that the line goes on.
+void TRegFileWriter::AppendFoldedWord(std::string_view word, TextView continuation) {
   if (m_line.size() - m_lastFold + word.size() + 1 > kExactColumns) {
     m_line += static_cast<char>(kExactGoesOn);
     m_line += kLineEnd;
     m_lastFold = m_line.size();
-    m_line.append(kExactContinuation.begin(), kExactContinuation.end());
+    m_line.append(continuation.begin(), continuation.end());
   }
   m_line += word;
 }
 
 void TRegFileWriter::AppendExactBytes(std::string_view data) {
-  for (const char byte : data) {
-    const auto value = static_cast<std::uint8_t>(byte);
-    const std::array<char, 2> digits{kDigits[value >> 4], kDigits[value & 15]};
-    AppendExactWord({digits.data(), digits.size()});
-  }
+  for (const char byte : data)
+    AppendExactWord(TwoDigits(byte));
 }
 
 void TRegFileWriter::AppendExactText(TextView text) {
-  for (const char16_t unit : text) {
-    const std::array<char, 2> bytes{static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)};
-    AppendExactBytes({bytes.data(), bytes.size()});
-  }
+  AppendExactBytes(UnitsOf(text));
 }
 
 void TRegFileWriter::AppendDigits(std::uint8_t byte) {

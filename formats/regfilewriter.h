@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "formats/backupblock.h"
+#include "formats/regfileformat.h"
 #include "system/rawregistry.h"
 #include "system/systemlocale.h"
 
@@ -17,9 +19,15 @@ class TRegFileWriter {
 
   void WriteHeader();
 
-  // A key path begins with "\" and has no other "\" too many.
-  void WriteKey(TRootKey rootKey, TextView keyPath);
+  // Directly behind the header.
+  void WriteOrigin(const TBackupOrigin& origin);
+
+  // A key path begins with "\" and has no other "\" too many. The attributes stand before the key line.
+  void WriteKey(TRootKey rootKey, TextView keyPath, const TRegFileAttributes& attributes = {});
   void WriteValue(const TRawValue& value);
+
+  // The last line of a file that has an origin; all bytes are those of this file.
+  void WriteEnd(const TBackupEnd& end);
 
  private:
   bool WritePlainValue(const TRawValue& value);
@@ -30,11 +38,14 @@ class TRegFileWriter {
   bool AppendPlain(TextView text);
   bool AppendQuoted(TextView text);
 
+  void WriteAttributes(const TRegFileAttributes& attributes);
+  void WriteAttribute(TextView word, std::string_view data);
   void WriteExactKey(TRootKey rootKey, TextView keyPath);
   void WriteExactValue(const TRawValue& value);
   void AppendExactBytes(std::string_view data);
   void AppendExactText(TextView text);
   void AppendExactWord(std::string_view word);
+  void AppendFoldedWord(std::string_view word, TextView continuation);
 
   void AppendDigits(std::uint8_t byte);
   void FlushLine();

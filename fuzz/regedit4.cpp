@@ -25,7 +25,7 @@ TBytes ExportOf(TMemorySystem& system) {
   TIORegistry exporter(system.Raw, system.Locale);
   for (const TRootKey rootKey : kRoots)
     Expect(exporter.ExportKey(rootKey, u"\\") == TExportResult::Done);
-  Expect(exporter.SaysWhatWasExported(exporter.ExportedText()));
+  Expect(exporter.HoldsWhatWasExported(exporter.ExportedText()));
   return exporter.ExportedText();
 }
 

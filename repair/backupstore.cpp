@@ -101,7 +101,7 @@ void BackupStore::WriteVerifiedFile(TBackupFolder& folder, const TBackupName& na
     m_run->FileReplaced = true;
   std::vector<std::uint8_t> bytes;
   Expect(folder.ReadFile(name.Value(), bytes), path);
-  if (!m_exporter.SaysWhatWasExported(bytes))
+  if (!m_exporter.HoldsWhatWasExported(bytes))
     ThrowNotVerified(m_vars);
 }
 

@@ -44,7 +44,7 @@ class IORegistry : public testing::Test {
     const TLines before = System.Registry.Dump(u"HKEY_CURRENT_USER");
     Exporter.Clear();
     ASSERT_EQ(Exporter.ExportKey(kHkeyCurrentUser, u"\\K"), TExportResult::Done);
-    EXPECT_TRUE(Exporter.SaysWhatWasExported(Exporter.ExportedText()));
+    EXPECT_TRUE(Exporter.HoldsWhatWasExported(Exporter.ExportedText()));
     System.Registry.RemoveKey(kKey);
     const TImportResult imported = Exporter.Import(Exporter.ExportedText());
     EXPECT_TRUE(imported.EverythingWritten());
@@ -60,7 +60,7 @@ class IORegistry : public testing::Test {
 
 TEST_F(IORegistry, WithoutExportsTheTextIsTheHeaderAlone) {
   EXPECT_EQ(Exported(), "REGEDIT4\r\n");
-  EXPECT_TRUE(Exporter.SaysWhatWasExported(Exporter.ExportedText()));
+  EXPECT_TRUE(Exporter.HoldsWhatWasExported(Exporter.ExportedText()));
 }
 
 TEST_F(IORegistry, AKeyIsWrittenWithItsSubkeys) {
@@ -124,7 +124,7 @@ TEST_F(IORegistry, AWholeRootCanBeExported) {
   EXPECT_EQ(Exporter.ExportKey(kHkeyCurrentConfig, u"\\"), TExportResult::Done);
   EXPECT_EQ(Exported(),
             "REGEDIT4\r\n\r\n[HKEY_CURRENT_CONFIG]\r\n\"a\"=\"1\"\r\n\r\n[HKEY_CURRENT_CONFIG\\K]\r\n");
-  EXPECT_TRUE(Exporter.SaysWhatWasExported(Exporter.ExportedText()));
+  EXPECT_TRUE(Exporter.HoldsWhatWasExported(Exporter.ExportedText()));
 }
 
 TEST_F(IORegistry, WhatIsMissingAppendsNothing) {
@@ -144,7 +144,7 @@ TEST_F(IORegistry, ADeniedKeyBelowLeavesTheWholeExportOut) {
   EXPECT_EQ(Exporter.ExportKey(kHkeyCurrentUser, u"\\K\\B\\C"), TExportResult::Unreadable);
   EXPECT_EQ(Exporter.ExportValue(kHkeyCurrentUser, u"\\K\\B\\C", u"a"), TExportResult::Unreadable);
   EXPECT_EQ(Exported(), "REGEDIT4\r\n");
-  EXPECT_TRUE(Exporter.SaysWhatWasExported(BytesOf("REGEDIT4\r\n")));
+  EXPECT_TRUE(Exporter.HoldsWhatWasExported(BytesOf("REGEDIT4\r\n")));
 }
 
 TEST_F(IORegistry, ALinkBelowLeavesTheWholeExportOut) {
@@ -162,7 +162,7 @@ TEST_F(IORegistry, WhatCantBeReadLeavesEarlierExportsAlone) {
   Exporter.ExportKey(kHkeyCurrentUser, u"\\Good");
   Exporter.ExportKey(kHkeyCurrentUser, u"\\K");
   EXPECT_EQ(Exported(), "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Good]\r\n");
-  EXPECT_TRUE(Exporter.SaysWhatWasExported(Exporter.ExportedText()));
+  EXPECT_TRUE(Exporter.HoldsWhatWasExported(Exporter.ExportedText()));
 }
 
 TEST_F(IORegistry, StringsAreQuoted) {
@@ -373,20 +373,20 @@ TEST_F(IORegistry, AFileIsComparedWithTheRegistryNotWithTheText) {
   const std::string sub = "[HKEY_CURRENT_USER\\K\\Sub]";
   const std::string key = "REGEDIT4\n[HKEY_CURRENT_USER\\K]\n";
   const std::string good = key + "\"a\"=dword:1\n" + sub;
-  EXPECT_TRUE(Exporter.SaysWhatWasExported(Exporter.ExportedText()));
-  EXPECT_TRUE(Exporter.SaysWhatWasExported(BytesOf(good)));
-  EXPECT_FALSE(Exporter.SaysWhatWasExported(BytesOf("")));
-  EXPECT_FALSE(Exporter.SaysWhatWasExported(BytesOf("REGEDIT4\n")));
-  EXPECT_FALSE(Exporter.SaysWhatWasExported(BytesOf(key + "\"a\"=dword:1\n")));
-  EXPECT_FALSE(Exporter.SaysWhatWasExported(BytesOf(key + "\"a\"=dword:2\n" + sub)));
-  EXPECT_FALSE(Exporter.SaysWhatWasExported(BytesOf(key + "\"A\"=dword:1\n" + sub)));
-  EXPECT_FALSE(Exporter.SaysWhatWasExported(BytesOf(key + "\"a\"=hex:01,00,00,00\n" + sub)));
-  EXPECT_FALSE(Exporter.SaysWhatWasExported(BytesOf(key + "\"a\"=-\n" + sub)));
-  EXPECT_FALSE(Exporter.SaysWhatWasExported(BytesOf(key + sub + "\n\"a\"=dword:1\n")));
-  EXPECT_FALSE(Exporter.SaysWhatWasExported(BytesOf(good + "\ngarbage")));
-  EXPECT_FALSE(Exporter.SaysWhatWasExported(BytesOf(good + "\n\"b\"=dword:1")));
-  EXPECT_FALSE(Exporter.SaysWhatWasExported(BytesOf(good + "\n[-HKEY_CURRENT_USER\\K\\Sub]")));
-  EXPECT_FALSE(Exporter.SaysWhatWasExported(
+  EXPECT_TRUE(Exporter.HoldsWhatWasExported(Exporter.ExportedText()));
+  EXPECT_TRUE(Exporter.HoldsWhatWasExported(BytesOf(good)));
+  EXPECT_FALSE(Exporter.HoldsWhatWasExported(BytesOf("")));
+  EXPECT_FALSE(Exporter.HoldsWhatWasExported(BytesOf("REGEDIT4\n")));
+  EXPECT_FALSE(Exporter.HoldsWhatWasExported(BytesOf(key + "\"a\"=dword:1\n")));
+  EXPECT_FALSE(Exporter.HoldsWhatWasExported(BytesOf(key + "\"a\"=dword:2\n" + sub)));
+  EXPECT_FALSE(Exporter.HoldsWhatWasExported(BytesOf(key + "\"A\"=dword:1\n" + sub)));
+  EXPECT_FALSE(Exporter.HoldsWhatWasExported(BytesOf(key + "\"a\"=hex:01,00,00,00\n" + sub)));
+  EXPECT_FALSE(Exporter.HoldsWhatWasExported(BytesOf(key + "\"a\"=-\n" + sub)));
+  EXPECT_FALSE(Exporter.HoldsWhatWasExported(BytesOf(key + sub + "\n\"a\"=dword:1\n")));
+  EXPECT_FALSE(Exporter.HoldsWhatWasExported(BytesOf(good + "\ngarbage")));
+  EXPECT_FALSE(Exporter.HoldsWhatWasExported(BytesOf(good + "\n\"b\"=dword:1")));
+  EXPECT_FALSE(Exporter.HoldsWhatWasExported(BytesOf(good + "\n[-HKEY_CURRENT_USER\\K\\Sub]")));
+  EXPECT_FALSE(Exporter.HoldsWhatWasExported(
       BytesOf("REGEDIT4\n[HKEY_LOCAL_MACHINE\\K]\n\"a\"=dword:1\n[HKEY_LOCAL_MACHINE\\K\\Sub]")));
 }
 
@@ -394,7 +394,7 @@ TEST_F(IORegistry, TheComparisonKeepsWhatTheRegistrySaidAtTheTimeOfExport) {
   Set(u"a", kRegSz, StringBytes(u"before"));
   Exporter.ExportKey(kHkeyCurrentUser, u"\\K");
   System.Registry.RemoveKey(kKey);
-  EXPECT_TRUE(Exporter.SaysWhatWasExported(Exporter.ExportedText()));
+  EXPECT_TRUE(Exporter.HoldsWhatWasExported(Exporter.ExportedText()));
 }
 
 TEST_F(IORegistry, WithoutTheHeaderNothingIsImported) {

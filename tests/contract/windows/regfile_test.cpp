@@ -201,7 +201,7 @@ TEST_F(RegFileOnWindows, AnythingComesBackByteForByte) {
   for (const auto& [path, keyValues] : m_before)
     values += keyValues.size();
   EXPECT_EQ(values, kValues);
-  EXPECT_TRUE(m_exporter.SaysWhatWasExported(m_exporter.ExportedText()));
+  EXPECT_TRUE(m_exporter.HoldsWhatWasExported(m_exporter.ExportedText()));
   DeleteEverything();
   EXPECT_TRUE(m_exporter.Import(m_exporter.ExportedText()).EverythingWritten());
   EXPECT_TRUE(DumpBelow(m_path) == m_before);
