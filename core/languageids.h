@@ -166,6 +166,18 @@ enum class TextId : std::int32_t {
   BackupsInUse = 40050,        // Argument: the program's title.
   BackupFolderIsLink = 40051,  // Argument: the folder.
   ChangesNotListed = 40052,    // Argument: the reason.
+
+  // Restoring a backup
+  NothingRestored = 40080,     // Argument: the backup.
+  BackupNotSupported = 40081,  // Argument: the backup.
+  BackupForeign = 40082,       // Arguments: the computer and the user that it was made on and by.
+  BackupNotWhole = 40083,
+  RestoreAnyway = 40084,         // Follows one of the two before in a line of its own.
+  SkippedLine = 40085,           // Arguments: its number and its text.
+  MoreSkippedLines = 40086,      // Argument: their number.
+  AttributesNotWritten = 40087,  // Argument: their number.
+  UseForeign = 40088,            // Of the console program.
+  RestoreStopped = 40089,        // Arguments: the number of keys created and of values written.
 };
 
 struct TTextEntry {
@@ -298,6 +310,16 @@ inline constexpr auto kTextIds = std::to_array<TTextEntry>({
     {TextId::BackupsInUse, 1},
     {TextId::BackupFolderIsLink, 1},
     {TextId::ChangesNotListed, 1},
+    {TextId::NothingRestored, 1},
+    {TextId::BackupNotSupported, 1},
+    {TextId::BackupForeign, 2},
+    {TextId::BackupNotWhole, 0},
+    {TextId::RestoreAnyway, 0},
+    {TextId::SkippedLine, 2},
+    {TextId::MoreSkippedLines, 1},
+    {TextId::AttributesNotWritten, 1},
+    {TextId::UseForeign, 0},
+    {TextId::RestoreStopped, 2},
 });
 
 }  // namespace corvalt

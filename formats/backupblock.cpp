@@ -22,6 +22,7 @@ constexpr std::string_view kViewWord = "view=";
 constexpr std::string_view kComputerWord = "computer=";
 constexpr std::string_view kUserWord = "user=";
 constexpr std::string_view kEndWord = "end=";
+constexpr std::string_view kEndLineStart = ";Corvalt end=";
 constexpr char kEscape = '\\';
 constexpr std::size_t kEscapedDigits = 4;
 constexpr std::size_t kChecksumDigits = 8;
@@ -89,6 +90,16 @@ std::string_view TakeLine(std::string_view& rest) {
   return line;
 }
 
+// Without its end.
+std::string_view LastLine(std::string_view file) {
+  if (file.ends_with(kLineEnd))
+    file.remove_suffix(kLineEnd.size());
+  else if (!file.empty() && kLineEnd.find(file.back()) != std::string_view::npos)
+    file.remove_suffix(1);
+  const std::size_t before = file.find_last_of(kLineEnd);
+  return before == std::string_view::npos ? file : file.substr(before + 1);
+}
+
 bool IsBlankLine(std::string_view line) {
   return line.find_first_not_of(" \t") == std::string_view::npos;
 }
@@ -151,20 +162,20 @@ std::optional<TBackupOrigin> ReadOrigin(std::span<const std::uint8_t> bytes) {
   return origin;
 }
 
+bool HasEndLine(std::span<const std::uint8_t> bytes) {
+  return LastLine(AsCharacters(bytes)).starts_with(kEndLineStart);
+}
+
 std::optional<TBackupEnd> ReadEnd(std::span<const std::uint8_t> bytes) {
   const std::string_view file = AsCharacters(bytes);
-  const std::string start = std::string(kLineStart) + std::string(kEndWord);
-  const std::size_t begin = file.rfind(start);
-  if (begin == std::string_view::npos)
+  const std::string_view line = LastLine(file);
+  if (!line.starts_with(kEndLineStart))
     return std::nullopt;
-  std::string_view rest = file.substr(begin);
-  const auto [keys, values, checksum] = ThreeParts(TakeLine(rest).substr(start.size()));
+  const auto [keys, values, checksum] = ThreeParts(line.substr(kEndLineStart.size()));
   const auto keyCount = NumberOf<std::size_t>(keys);
   const auto valueCount = NumberOf<std::size_t>(values);
-  const bool isLast =
-      rest.empty() && (begin == 0 || kLineEnd.find(file[begin - 1]) != std::string_view::npos);
-  if (!isLast || !keyCount || !valueCount ||
-      NumberOf<std::uint32_t>(checksum, 16) != ChecksumOf(file.substr(0, begin)))
+  const auto before = static_cast<std::size_t>(line.data() - file.data());
+  if (!keyCount || !valueCount || NumberOf<std::uint32_t>(checksum, 16) != ChecksumOf(file.substr(0, before)))
     return std::nullopt;
   return TBackupEnd{*keyCount, *valueCount};
 }

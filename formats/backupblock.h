@@ -43,6 +43,9 @@ struct TBackupEnd {
 // or malformed keep their defaults, Format too: 0 then.
 [[nodiscard]] std::optional<TBackupOrigin> ReadOrigin(std::span<const std::uint8_t> bytes);
 
+// Whether the last line begins as that of a backup does.
+[[nodiscard]] bool HasEndLine(std::span<const std::uint8_t> bytes);
+
 // The numbers of the last line; nullopt when the last line is another one or its checksum is not that of the
 // bytes before it.
 [[nodiscard]] std::optional<TBackupEnd> ReadEnd(std::span<const std::uint8_t> bytes);

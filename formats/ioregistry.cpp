@@ -45,7 +45,7 @@ Text SubKeyPath(TextView keyPath, TextView name) {
 bool IsWhole(std::span<const std::uint8_t> bytes, TLocale& locale) {
   const std::optional<TBackupEnd> end = ReadEnd(bytes);
   if (!end)
-    return !ReadOrigin(bytes);
+    return !ReadOrigin(bytes) && !HasEndLine(bytes);
   TBackupEnd found;
   TRegFileReader reader(bytes, locale);
   while (const TRegFileEntry* entry = reader.Next()) {

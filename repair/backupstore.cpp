@@ -6,6 +6,7 @@
 #include "base/lettercase.h"
 #include "core/languagetexts.h"
 #include "repair/backupmaintenance.h"
+#include "repair/backuporigin.h"
 
 namespace corvalt {
 
@@ -29,7 +30,7 @@ BackupStore::BackupStore(TSystem& system, const TGlobalVars& vars, std::function
 TBackupName BackupStore::BeginBackup() {
   const std::unique_ptr<THeldLock> lock = LockStore();
   Expect(m_system.Files.MakeFolders(m_vars.SuiteBackupsFolder), m_vars.SuiteBackupsFolder);
-  m_exporter.Clear();
+  m_exporter.Clear(OriginHere(m_system));
   m_collected = TDeletionRight();
   const TBackupName name = TBackupName::OfTime(m_system.Clock.Now(), m_system.Locale.DecimalSeparator());
   TBackupFolder folder = OpenStore();
@@ -84,6 +85,7 @@ bool BackupStore::HoldsKey(const TKeyPath& key) const {
 TDeletionRight BackupStore::CommitBackup(const TBackupName& name) {
   try {
     TBackupFolder folder = OpenStore();
+    m_exporter.Finish();
     WriteVerifiedFile(folder, name);
     ExpectListed(folder, name);
   } catch (...) {

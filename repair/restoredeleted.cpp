@@ -4,6 +4,7 @@
 
 #include "base/lettercase.h"
 #include "core/languagetexts.h"
+#include "repair/backuporigin.h"
 
 namespace corvalt {
 
@@ -11,16 +12,51 @@ namespace {
 
 constexpr TextView kLineEnd = u"\r\n";
 
-Text CountText(const TLanguageTexts& texts, TextId id, std::size_t count) {
-  if (count == 0)
-    return {};
-  return Text(kLineEnd) + PlainText(LanguageText(texts, id, DecimalText(static_cast<std::int64_t>(count))));
+Text Say(const TGlobalVars& vars, TextId id, TextView arg1 = {}, TextView arg2 = {}) {
+  return PlainText(LanguageText(vars.Texts, id, arg1, arg2));
 }
 
-TRestoreEnd EndOf(const TImportResult& import) {
+Text Number(std::size_t count) {
+  return DecimalText(static_cast<std::int64_t>(count));
+}
+
+// One more line, unless the count is 0.
+Text CountText(const TGlobalVars& vars, TextId id, std::size_t count) {
+  return count == 0 ? Text() : Text(kLineEnd) + Say(vars, id, Number(count));
+}
+
+Text SkippedLinesText(const TGlobalVars& vars, const TImportResult& import) {
+  Text text = CountText(vars, TextId::LinesSkipped, import.LinesSkipped);
+  for (const TSkippedLine& line : import.FirstSkipped)
+    text.append(kLineEnd).append(Say(vars, TextId::SkippedLine, Number(line.Number), line.Line));
+  return text + CountText(vars, TextId::MoreSkippedLines, import.LinesSkipped - import.FirstSkipped.size());
+}
+
+// What keeps the file from being imported; nullopt when nothing does. A file of an earlier release tells
+// nothing about itself, and one whose numbers are missing is not whole.
+std::optional<TRestoreEnd> ObstacleOf(const TRegFileFacts& facts, TSystem& system,
+                                      const TRestoreGuide& guide) {
+  if (facts.Origin && !IsSupported(*facts.Origin, system))
+    return TRestoreEnd::NotSupported;
+  if (facts.Origin && IsForeign(*facts.Origin, system) && !guide.GoOn(TRestoreDoubt::Foreign, *facts.Origin))
+    return TRestoreEnd::Refused;
+  if (!facts.IsWhole && !guide.GoOn(TRestoreDoubt::NotWhole, facts.Origin.value_or(TBackupOrigin())))
+    return TRestoreEnd::Refused;
+  return std::nullopt;
+}
+
+Text FailuresText(const TGlobalVars& vars, const TImportResult& import) {
+  return SkippedLinesText(vars, import) + CountText(vars, TextId::EntriesNotWritten, import.WritesFailed);
+}
+
+TRestoreEnd EndOf(const TImportResult& import, bool isWhole) {
   if (!import.HasHeader)
     return TRestoreEnd::NotABackup;
-  return import.EverythingWritten() ? TRestoreEnd::Restored : TRestoreEnd::Incomplete;
+  if (import.Stopped)
+    return TRestoreEnd::Stopped;
+  if (isWhole && import.EverythingWritten())
+    return TRestoreEnd::Restored;
+  return import.KeysWritten + import.ValuesWritten == 0 ? TRestoreEnd::NotRestored : TRestoreEnd::Incomplete;
 }
 
 }  // namespace
@@ -37,7 +73,8 @@ Text BackupTimeText(const TBackup& backup, TLocale& locale) {
   return locale.FormatShortDate(backup.Created) + u" " + locale.FormatLongTime(backup.Created);
 }
 
-TRestoreOutcome RestoreBackup(TSystem& system, const TGlobalVars& vars, TextView backupName) {
+TRestoreOutcome RestoreBackup(TSystem& system, const TGlobalVars& vars, TextView backupName,
+                              const TRestoreGuide& guide) {
   TRestoreOutcome outcome;
   std::vector<std::uint8_t> bytes;
   const std::optional<TBackupName> name = TBackupName::FromText(backupName);
@@ -49,16 +86,26 @@ TRestoreOutcome RestoreBackup(TSystem& system, const TGlobalVars& vars, TextView
     outcome.End = TRestoreEnd::Unreadable;
     return outcome;
   }
-  outcome.Import = TIORegistry(system.Raw, system.Locale).Import(bytes);
-  outcome.End = EndOf(outcome.Import);
-  system.Raw.ReleaseKeys();
+  const TRegFileFacts facts = InspectRegFile(bytes, system.Locale);
+  if (const std::optional<TRestoreEnd> obstacle = ObstacleOf(facts, system, guide)) {
+    outcome.End = *obstacle;
+    return outcome;
+  }
+  outcome.Import = TIORegistry(system.Raw, system.Locale).Import(bytes, {false, guide.Stop});
+  outcome.End = EndOf(outcome.Import, facts.IsWhole);
   return outcome;
+}
+
+Text DescribeDoubt(TRestoreDoubt doubt, const TBackupOrigin& origin, const TGlobalVars& vars) {
+  if (doubt == TRestoreDoubt::NotWhole)
+    return Say(vars, TextId::BackupNotWhole);
+  return Say(vars, TextId::BackupForeign, origin.Computer, origin.UserSid);
 }
 
 Text DescribeRestore(const TRestoreOutcome& outcome, TextView rowCaption, const TGlobalVars& vars,
                      TLocale& locale) {
   const auto say = [&vars, rowCaption](TextId id, TextView reason = {}) {
-    return PlainText(LanguageText(vars.Texts, id, rowCaption, reason));
+    return Say(vars, id, rowCaption, reason);
   };
   switch (outcome.End) {
     case TRestoreEnd::Restored:
@@ -69,12 +116,20 @@ Text DescribeRestore(const TRestoreOutcome& outcome, TextView rowCaption, const 
       return say(TextId::BackupDamaged);
     case TRestoreEnd::Unreadable:
       return say(TextId::BackupUnreadable, locale.SystemMessage(outcome.Error.Code));
+    case TRestoreEnd::NotSupported:
+      return say(TextId::BackupNotSupported);
+    case TRestoreEnd::Refused:
+      return {};
+    case TRestoreEnd::NotRestored:
+      return say(TextId::NothingRestored) + FailuresText(vars, outcome.Import);
+    case TRestoreEnd::Stopped:
+      return Say(vars, TextId::RestoreStopped, Number(outcome.Import.KeysWritten),
+                 Number(outcome.Import.ValuesWritten)) +
+             FailuresText(vars, outcome.Import);
     case TRestoreEnd::Incomplete:
       break;
   }
-  return say(TextId::RestoreIncomplete) +
-         CountText(vars.Texts, TextId::LinesSkipped, outcome.Import.LinesSkipped) +
-         CountText(vars.Texts, TextId::EntriesNotWritten, outcome.Import.WritesFailed);
+  return say(TextId::RestoreIncomplete) + FailuresText(vars, outcome.Import);
 }
 
 }  // namespace corvalt

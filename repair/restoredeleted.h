@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
+#include <optional>
 #include <vector>
 
 #include "core/globals.h"
@@ -17,12 +19,34 @@ std::vector<TBackup> BackupsNewestFirst(TSystem& system, const TGlobalVars& vars
 // Date and time of a backup in the user's formats.
 Text BackupTimeText(const TBackup& backup, TLocale& locale);
 
+// Why a restore asks before it changes anything.
+enum class TRestoreDoubt {
+  Foreign,   // the backup was made on another computer or by another user
+  NotWhole,  // its file was cut off or changed after the repair
+};
+
+// How a restore is led.
+struct TRestoreGuide {
+  // Whether to go on in spite of the doubt; the origin is the one of the backup.
+  std::function<bool(TRestoreDoubt doubt, const TBackupOrigin& origin)> GoOn = [](auto, const auto&) {
+    return true;
+  };
+
+  // Asked before each entry; true ends the restore.
+  std::function<bool()> Stop = [] { return false; };
+};
+
 enum class TRestoreEnd {
-  Restored,    // every line was read and every entry written
-  Incomplete,  // something was skipped or refused, see Import
-  NoFile,      // these three changed nothing
+  Restored,     // the file is whole, every line was read and every entry written
+  Incomplete,   // something was skipped or refused (see Import), or the file is not whole
+  Stopped,      // see Import for what was written before
+  NotRestored,  // something was to be written, and none of it was; so these changed nothing
+  NoFile,
   NotABackup,
-  Unreadable,  // see Error
+  Unreadable,    // see Error
+  NotSupported,  // the system lacks the registry view or the code page, or the program is too old for the
+                 // file
+  Refused,       // the guide did not go on
 };
 
 struct TRestoreOutcome {
@@ -31,10 +55,16 @@ struct TRestoreOutcome {
   TSystemError Error;
 };
 
-// Replays the backup's file into the registry, over what is there. The backup stays in the store.
-TRestoreOutcome RestoreBackup(TSystem& system, const TGlobalVars& vars, TextView backupName);
+// Replays the backup's file into the registry, over what is there. The backup stays in the store. Lines that
+// delete something are skipped: no repair writes such lines, and any program of the user can write the file.
+[[nodiscard]] TRestoreOutcome RestoreBackup(TSystem& system, const TGlobalVars& vars, TextView backupName,
+                                            const TRestoreGuide& guide = {});
 
-// What the user is told about it, as a message box shows it; rowCaption names the backup.
+// The doubt in words.
+Text DescribeDoubt(TRestoreDoubt doubt, const TBackupOrigin& origin, const TGlobalVars& vars);
+
+// What to tell the user, as a message box shows it; rowCaption names the backup. Empty for a restore that the
+// user refused.
 Text DescribeRestore(const TRestoreOutcome& outcome, TextView rowCaption, const TGlobalVars& vars,
                      TLocale& locale);
 

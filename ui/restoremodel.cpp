@@ -2,7 +2,6 @@
 
 #include "core/functions.h"
 #include "core/languagetexts.h"
-#include "repair/restoredeleted.h"
 #include "system/systemerror.h"
 
 namespace corvalt {
@@ -30,12 +29,24 @@ void TRestoreModel::Restore(std::size_t row) {
                                                        Say(TextId::TitleConfirm), TMessageKind::Question);
   if (answer == TAnswer::No)
     return;
-  const TRestoreOutcome outcome = RestoreBackup(m_system, m_vars, chosen.BackupName.Value());
+  TRestoreGuide guide;
+  guide.GoOn = [this](TRestoreDoubt doubt, const TBackupOrigin& origin) {
+    return WantsAnyway(doubt, origin);
+  };
+  const TRestoreOutcome outcome = RestoreBackup(m_system, m_vars, chosen.BackupName.Value(), guide);
+  if (outcome.End == TRestoreEnd::Refused)
+    return;
   const Text told = DescribeRestore(outcome, chosen.Caption, m_vars, m_system.Locale);
   if (outcome.End == TRestoreEnd::Restored)
     m_system.TheShell.ShowMessage(told, Say(TextId::TitleInformation), TMessageKind::Information);
   else
     ShowFailure(told);
+}
+
+bool TRestoreModel::WantsAnyway(TRestoreDoubt doubt, const TBackupOrigin& origin) {
+  const Text question = DescribeDoubt(doubt, origin, m_vars) + u"\r\n" + Say(TextId::RestoreAnyway);
+  return m_system.TheShell.ShowMessage(question, Say(TextId::TitleConfirm), TMessageKind::Question) ==
+         TAnswer::Yes;
 }
 
 bool TRestoreModel::Remove(std::size_t row) {

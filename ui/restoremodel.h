@@ -7,6 +7,7 @@
 
 #include "core/globals.h"
 #include "repair/backupstore.h"
+#include "repair/restoredeleted.h"
 #include "system/system.h"
 #include "ui/backupview.h"
 
@@ -38,6 +39,8 @@ class TRestoreModel {
   std::optional<TBackupView> View(std::size_t row);
 
  private:
+  // Only Yes goes on.
+  bool WantsAnyway(TRestoreDoubt doubt, const TBackupOrigin& origin);
   void ShowFailure(TextView text);
   Text Say(TextId id, TextView arg1 = {}, TextView arg2 = {}) const;
 

@@ -53,6 +53,8 @@ char16_t UnitOf(const TCodePageTable& table, unsigned char byte) {
 }
 
 std::optional<char> ByteOf(const TCodePageTable& table, char16_t unit) {
+  if (unit < kFirstOwn)
+    return static_cast<char>(unit);
   for (int byte = 0; byte < 256; ++byte) {
     if (UnitOf(table, static_cast<unsigned char>(byte)) == unit)
       return static_cast<char>(static_cast<unsigned char>(byte));

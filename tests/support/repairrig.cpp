@@ -111,9 +111,9 @@ std::string TRepairRig::BackupText() {
   return System.Disk.Content(Vars.SuiteBackupsFolder + backups.front().Name.Value()).value_or(std::string());
 }
 
-void TRepairRig::RestoreTheBackup() {
+TRestoreEnd TRepairRig::RestoreTheBackup() {
   TSystem system = System.Bundle();
-  RestoreBackup(system, Vars, Backups().at(0).Name.Value());
+  return RestoreBackup(system, Vars, Backups().at(0).Name.Value()).End;
 }
 
 }  // namespace corvalt

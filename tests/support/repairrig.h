@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "repair/restoredeleted.h"
 #include "repair/threadclean.h"
 #include "tests/support/scanrig.h"
 
@@ -35,7 +36,7 @@ class TRepairRig : public TScanRig {
   std::vector<TBackup> Backups();
   // The text of the only backup; empty when there is not exactly one.
   std::string BackupText();
-  void RestoreTheBackup();
+  TRestoreEnd RestoreTheBackup();
 
   // Of the last repair.
   TCleaningOutcome Outcome;

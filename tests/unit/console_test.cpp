@@ -87,9 +87,9 @@ TEST_F(ConsoleProgram, HelpNamesEveryCommandAndEveryExitCode) {
 
   for (const std::string text :
        {"  corvaltc sections\n", "  corvaltc scan [--sections", "  corvaltc repair [--sections",
-        "  corvaltc backups\n", "  corvaltc restore NAME\n", "  corvaltc ignore list",
+        "  corvaltc backups\n", "  corvaltc restore NAME [--foreign]\n", "  corvaltc ignore list",
         "  0  nothing found; everything repaired", "  1  problems found; some left by a repair",
-        "  2  wrong usage; nothing was done\n", "  3  the command failed"})
+        "  2  wrong usage; nothing was done\n", "  3  the command failed", "  4  interrupted"})
     EXPECT_NE(m_rig.Console.Output.find(text), std::string::npos) << text;
   EXPECT_EQ(m_rig.Starts, 0);
 }

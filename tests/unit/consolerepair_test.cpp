@@ -204,7 +204,31 @@ TEST_F(ConsoleRepair, RestoreAnswersOneWhenLinesAreSkipped) {
   m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"46341.5", text + "nonsense\r\n");
   EXPECT_EQ(Run({u"restore", u"46341.5"}), 1);
   EXPECT_TRUE(HasProblem());
-  EXPECT_EQ(m_rig.Told(), "40014(46341.5)\n40015(1)\n");
+  const std::size_t lines = SplitLines(FromAscii(text)).size();
+  EXPECT_EQ(m_rig.Told(),
+            "40083\n40014(46341.5)\n40015(1)\n40085(" + std::to_string(lines + 1) + "|nonsense)\n");
+}
+
+TEST_F(ConsoleRepair, RestoreRefusesABackupMadeElsewhereUnlessToldOtherwise) {
+  Repair();
+  m_rig.Scan.System.Machine.Computer = u"OTHER";
+  EXPECT_EQ(Run({u"restore", u"46341.5"}), 3);
+  EXPECT_FALSE(HasProblem());
+  const std::string foreign = "40082(ANNS-PC|S-1-5-21-1000-2000-3000-1001)\n";
+  EXPECT_EQ(m_rig.Told(), foreign + "40088\n");
+  EXPECT_EQ(Run({u"restore", u"46341.5", u"--foreign"}), 0);
+  EXPECT_TRUE(HasProblem());
+  EXPECT_EQ(m_rig.Told(), foreign + "11041(46341.5)\n");
+}
+
+TEST_F(ConsoleRepair, RestoreGoesOnWithAFileThatIsNotWhole) {
+  Repair();
+  std::string text = *m_rig.Scan.System.Disk.Content(BackupsFolder() + u"46341.5");
+  text.resize(text.rfind(";Corvalt end="));
+  m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"46341.5", text);
+  EXPECT_EQ(Run({u"restore", u"46341.5"}), 1);
+  EXPECT_TRUE(HasProblem());
+  EXPECT_EQ(m_rig.Told(), "40083\n40014(46341.5)\n");
 }
 
 TEST_F(ConsoleRepair, RestoreRefusesWhatIsNotListed) {

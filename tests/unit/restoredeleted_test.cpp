@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <deque>
+
 #include "platform/memory/memorysystem.h"
+#include "repair/backuporigin.h"
 #include "tests/support/scanrig.h"
 #include "ui/restoremodel.h"
 
@@ -185,19 +188,214 @@ TEST(RestoringABackup, ImportsAroundMalformedLinesAndCountsThem) {
   EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Path"));
   EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"b"));
   EXPECT_EQ(rig.System.Shell.Calls.back(),
-            "failure 40001 | 40014(11039 - 11/15/2026 12:00:00 PM)\r\n40015(2)");
+            "failure 40001 | 40014(11039 - 11/15/2026 12:00:00 PM)\r\n40015(2)\r\n40085(5|\"broken)\r\n"
+            "40085(7|nonsense)");
+}
+
+TEST(RestoringABackup, ListsTheFirstTwentySkippedLinesAndCountsTheOthers) {
+  TRestoreRig rig;
+  std::string content(kBackup);
+  for (int i = 0; i < 23; ++i)
+    content += "nonsense " + std::to_string(i) + "\r\n";
+  rig.AddBackup("1", content);
+  TSystem system = rig.System.Bundle();
+  const TRestoreOutcome outcome = RestoreBackup(system, rig.Vars, u"1");
+  const std::string told = EncodeUtf8(DescribeRestore(outcome, u"row", rig.Vars, rig.System.Locale));
+  EXPECT_TRUE(told.starts_with("40014(row)\r\n40015(23)\r\n40085(5|nonsense 0)\r\n40085(6|nonsense 1)\r\n"))
+      << told;
+  EXPECT_TRUE(told.ends_with("\r\n40085(24|nonsense 19)\r\n40086(3)")) << told;
 }
 
 TEST(RestoringABackup, CountsWhatTheRegistryRefused) {
   TRestoreRig rig;
-  rig.AddBackup("46341.5", std::string(kBackup) + "\"broken\r\n");
+  rig.AddBackup("46341.5",
+                std::string(kBackup) + "\"broken\r\n[HKEY_CURRENT_USER\\Software\\Else]\r\n@=\"x\"\r\n");
   rig.System.Registry.Deny(kKey);
   TSystem system = rig.System.Bundle();
   const TRestoreOutcome outcome = RestoreBackup(system, rig.Vars, u"46341.5");
   EXPECT_EQ(outcome.End, TRestoreEnd::Incomplete);
   EXPECT_GT(outcome.Import.WritesFailed, 0U);
   const std::string told = EncodeUtf8(DescribeRestore(outcome, u"row", rig.Vars, rig.System.Locale));
-  EXPECT_EQ(told, "40014(row)\r\n40015(1)\r\n40016(" + std::to_string(outcome.Import.WritesFailed) + ")");
+  EXPECT_EQ(told, "40014(row)\r\n40015(1)\r\n40085(5|\"broken)\r\n40016(" +
+                      std::to_string(outcome.Import.WritesFailed) + ")");
+}
+
+TEST(RestoringABackup, WithNothingWrittenIsNotRestored) {
+  TRestoreRig rig;
+  rig.AddBackup("46341.5");
+  rig.System.Registry.Deny(kKey);
+  TSystem system = rig.System.Bundle();
+  const TRestoreOutcome outcome = RestoreBackup(system, rig.Vars, u"46341.5");
+  EXPECT_EQ(outcome.End, TRestoreEnd::NotRestored);
+  EXPECT_EQ(EncodeUtf8(DescribeRestore(outcome, u"row", rig.Vars, rig.System.Locale)),
+            "40080(row)\r\n40016(2)");
+}
+
+TEST(RestoringABackup, WithNothingInItIsRestored) {
+  TRestoreRig rig;
+  rig.AddBackup("1", "REGEDIT4\r\n");
+  TSystem system = rig.System.Bundle();
+  EXPECT_EQ(RestoreBackup(system, rig.Vars, u"1").End, TRestoreEnd::Restored);
+}
+
+TEST(RestoringABackup, ThatIsThereAlreadyIsRestored) {
+  TRestoreRig rig;
+  rig.AddBackup("1", "REGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\Old]\r\n");
+  rig.System.Registry.AddKey(kKey);
+  TSystem system = rig.System.Bundle();
+  EXPECT_EQ(RestoreBackup(system, rig.Vars, u"1").End, TRestoreEnd::Restored);
+}
+
+TEST(RestoringABackup, NeverDeletes) {
+  TRestoreRig rig;
+  rig.AddBackup("1", std::string(kBackup) +
+                         "\"Kept\"=-\r\n@=-\r\n[-HKEY_CURRENT_USER\\Software\\Other]\r\n\"a\"=\"b\"\r\n");
+  rig.System.Registry.Set(kKey, u"Kept", u"x");
+  rig.System.Registry.Set(kKey, u"", u"x");
+  rig.System.Registry.Set(u"HKEY_CURRENT_USER\\Software\\Other", u"", u"x");
+  TSystem system = rig.System.Bundle();
+  const TRestoreOutcome outcome = RestoreBackup(system, rig.Vars, u"1");
+  EXPECT_EQ(outcome.End, TRestoreEnd::Incomplete);
+  EXPECT_EQ(outcome.Import.LinesSkipped, 4U);
+  EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Path"));
+  EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Kept"));
+  EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u""));
+  EXPECT_EQ(rig.System.Registry.Dump(u"HKEY_CURRENT_USER\\Software\\Other").size(), 2U);
+}
+
+TEST(RestoringABackup, StopsBetweenTwoEntriesAndSaysWhatWasWritten) {
+  TRestoreRig rig;
+  rig.AddBackup("1", std::string(kBackup) + "\"b\"=\"y\"\r\n");
+  TSystem system = rig.System.Bundle();
+  TRestoreGuide guide;
+  guide.Stop = [asked = 0]() mutable { return ++asked > 2; };
+  const TRestoreOutcome outcome = RestoreBackup(system, rig.Vars, u"1", guide);
+  EXPECT_EQ(outcome.End, TRestoreEnd::Stopped);
+  EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Path"));
+  EXPECT_FALSE(rig.System.Registry.HasValue(kKey, u"b"));
+  EXPECT_EQ(EncodeUtf8(DescribeRestore(outcome, u"row", rig.Vars, rig.System.Locale)), "40089(1|1)");
+}
+
+namespace {
+
+// A backup of the rig's key with a value "Path", as this program writes it.
+std::string OwnBackup(TRestoreRig& rig) {
+  rig.System.Registry.Set(kKey, u"Path", u"x");
+  TSystem system = rig.System.Bundle();
+  TIORegistry exporter(system.Raw, system.Locale);
+  exporter.Clear(OriginHere(system));
+  EXPECT_EQ(exporter.ExportKey(kHkeyCurrentUser, u"\\Software\\Old"), TExportResult::Done);
+  exporter.Finish();
+  rig.System.Registry.RemoveKey(kKey);
+  return {exporter.ExportedText().begin(), exporter.ExportedText().end()};
+}
+
+// What a restore through the dialog showed, the answers to its questions given.
+TLines ShownByRestore(TRestoreRig& rig, std::deque<TAnswer> answers) {
+  TRestoreModel model = rig.Filled();
+  rig.System.Shell.Answers = std::move(answers);
+  model.Restore(0);
+  return rig.System.Shell.Calls;
+}
+
+constexpr TAnswer kYes = TAnswer::Yes;
+const std::string kFirstQuestion = "question 10044 | 11040(11039 - 12/31/1899 12:00:00 AM)";
+
+}  // namespace
+
+TEST(RestoringABackup, MadeHereAsksOnlyOnce) {
+  TRestoreRig rig;
+  rig.AddBackup("1", OwnBackup(rig));
+  EXPECT_EQ(ShownByRestore(rig, {kYes}),
+            TLines({kFirstQuestion, "information 10045 | 11041(11039 - 12/31/1899 12:00:00 AM)"}));
+  EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Path"));
+}
+
+TEST(RestoringABackup, MadeOnAnotherComputerOrByAnotherUserAsksOnceMore) {
+  for (const bool otherComputer : {true, false}) {
+    TRestoreRig rig;
+    rig.AddBackup("1", OwnBackup(rig));
+    (otherComputer ? rig.System.Machine.Computer : rig.System.Machine.User) = u"OTHER";
+    const TLines shown = ShownByRestore(rig, {kYes, kYes});
+    ASSERT_EQ(shown.size(), 3U);
+    EXPECT_EQ(shown[1], "question 10044 | 40082(ANNS-PC|S-1-5-21-1000-2000-3000-1001)\r\n40084");
+    EXPECT_TRUE(shown[2].starts_with("information 10045 | 11041("));
+    EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Path"));
+  }
+}
+
+TEST(RestoringABackup, MadeElsewhereChangesNothingUnlessTheAnswerIsYes) {
+  for (const TAnswer answer : {TAnswer::No, TAnswer::Ok}) {
+    TRestoreRig rig;
+    rig.AddBackup("1", OwnBackup(rig));
+    rig.System.Machine.Computer = u"OTHER";
+    EXPECT_EQ(ShownByRestore(rig, {kYes, answer}).size(), 2U);
+    EXPECT_FALSE(rig.System.Registry.HasKey(kKey));
+  }
+}
+
+TEST(RestoringABackup, NamesOfComputersAndUsersCompareWithoutRegardToCase) {
+  TRestoreRig rig;
+  rig.AddBackup("1", OwnBackup(rig));
+  rig.System.Machine.Computer = u"anns-pc";
+  EXPECT_EQ(ShownByRestore(rig, {kYes}).size(), 2U);
+}
+
+TEST(RestoringABackup, WhoseEndIsMissingAsksAndIsRestoredInPart) {
+  TRestoreRig rig;
+  const std::string whole = OwnBackup(rig);
+  rig.AddBackup("1", whole.substr(0, whole.rfind(";Corvalt end=")));
+  const TLines shown = ShownByRestore(rig, {kYes, kYes});
+  ASSERT_EQ(shown.size(), 3U);
+  EXPECT_EQ(shown[1], "question 10044 | 40083\r\n40084");
+  EXPECT_EQ(shown[2], "failure 40001 | 40014(11039 - 12/31/1899 12:00:00 AM)");
+  EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Path"));
+}
+
+TEST(RestoringABackup, WhoseFileWasChangedAsksAndAnyAnswerButYesChangesNothing) {
+  TRestoreRig rig;
+  std::string changed = OwnBackup(rig);
+  changed.insert(changed.rfind(";Corvalt end="), "[HKEY_CURRENT_USER\\Software\\Planted]\r\n");
+  rig.AddBackup("1", changed);
+  EXPECT_EQ(ShownByRestore(rig, {kYes, TAnswer::No}).size(), 2U);
+  EXPECT_FALSE(rig.System.Registry.HasKey(kKey));
+  EXPECT_FALSE(rig.System.Registry.HasKey(u"HKEY_CURRENT_USER\\Software\\Planted"));
+}
+
+TEST(RestoringABackup, OfACodePageAViewOrAFormThatIsNotHereChangesNothing) {
+  for (const std::string field : {"codepage=4711", "view=128", "format=2"}) {
+    TRestoreRig rig;
+    std::string file = OwnBackup(rig);
+    const std::string name = field.substr(0, field.find('='));
+    const std::size_t begin = file.find(name);
+    file.replace(begin, file.find("\r\n", begin) - begin, field);
+    rig.AddBackup("1", file);
+    EXPECT_EQ(ShownByRestore(rig, {kYes, kYes, kYes}),
+              TLines({kFirstQuestion, "failure 40001 | 40081(11039 - 12/31/1899 12:00:00 AM)"}))
+        << field;
+    EXPECT_FALSE(rig.System.Registry.HasKey(kKey));
+  }
+}
+
+TEST(RestoringABackup, IsReadInTheCodePageThatItWasMadeIn) {
+  TRestoreRig rig;
+  const Text russian = u"HKEY_CURRENT_USER\\Software\\\u0421\u043B\u043E\u0432\u043E";
+  rig.System.Registry.Set(russian, u"\u0401", u"\u0436");
+  rig.System.Locale.CodePage = 1251;
+  rig.AddBackup("1", OwnBackup(rig));
+  TSystem system = rig.System.Bundle();
+  TIORegistry exporter(system.Raw, system.Locale);
+  exporter.Clear(OriginHere(system));
+  EXPECT_EQ(exporter.ExportKey(kHkeyCurrentUser, u"\\Software"), TExportResult::Done);
+  exporter.Finish();
+  const std::string file(exporter.ExportedText().begin(), exporter.ExportedText().end());
+  EXPECT_NE(file.find("\xD1\xEB\xEE\xE2\xEE"), std::string::npos);
+  const TLines before = rig.System.Registry.Dump(u"HKEY_CURRENT_USER");
+  rig.System.Registry.RemoveKey(u"HKEY_CURRENT_USER\\Software");
+  rig.System.Locale.CodePage = 1252;
+  rig.AddBackup("2", file);
+  EXPECT_EQ(RestoreBackup(system, rig.Vars, u"2").End, TRestoreEnd::Restored);
+  EXPECT_EQ(rig.System.Registry.Dump(u"HKEY_CURRENT_USER"), before);
 }
 
 TEST(RestoringABackup, ReadsNothingThroughALinkOrOutsideTheFolder) {

@@ -33,10 +33,11 @@ class TConsole {
 
 // The program's exit codes.
 enum class TExitCode : int {
-  Nothing = 0,     // nothing found
-  Found = 1,       // problems found
-  WrongUsage = 2,  // nothing was done
-  Failed = 3,      // with the reason on standard error
+  Nothing = 0,      // nothing found
+  Found = 1,        // problems found
+  WrongUsage = 2,   // nothing was done
+  Failed = 3,       // with the reason on standard error
+  Interrupted = 4,  // by the interrupt key, after something was changed
 };
 
 // What a command runs on, the start sequence done. The calling thread is the user-interface thread.

@@ -26,7 +26,7 @@ constexpr TextView kHelpEnd =
     u"  --no-backup  needed beside --yes where the suite's settings switch this program's backups off\n"
     u"\n"
     u"Ctrl-C cancels a scan; what was found until then is written and counts. It cancels a repair too,\n"
-    u"which then lists what is left.\n"
+    u"which then lists what is left, and a restore, which ends behind the entry that it is at.\n"
     u"Standard output is UTF-8 with line feeds.\n"
     u"\n"
     u"Exit codes:\n"
@@ -34,7 +34,8 @@ constexpr TextView kHelpEnd =
     u"  1  problems found; some left by a repair, or skipped by a restore; no such entry to remove\n"
     u"  2  wrong usage; nothing was done\n"
     u"  3  the command failed, or what it found could not be written; a repair that fails so has deleted\n"
-    u"     nothing; the reason stands on standard error\n";
+    u"     nothing; the reason stands on standard error\n"
+    u"  4  interrupted; a restore has written what it says\n";
 
 Text HelpText() {
   Text help = u"Corvalt, the registry cleaner, for the command line.\n\n";
