@@ -1,7 +1,9 @@
 #include "formats/ioregistry.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "base/lettercase.h"
 #include "formats/regfilereader.h"
 #include "formats/regfilewriter.h"
 
@@ -32,14 +34,32 @@ std::optional<Text> FilePath(TextView keyPath) {
   return path.empty() ? Text(u"\\") : path;
 }
 
-Text SubKeyPath(TextView keyPath, TextView name) {
-  Text path;
-  path.reserve(keyPath.size() + 1 + name.size());
-  path = keyPath;
-  if (!path.ends_with(u'\\'))
-    path += u'\\';
-  path += name;
-  return path;
+// The path spelled as its names are stored, as far as it ends in the names of its place; a part before a link
+// keeps its spelling.
+Text StoredPath(const Text& path, TextView placePath) {
+  std::size_t kept = path.size();
+  for (;;) {
+    const std::size_t begin = path.rfind(u'\\', kept - 1);
+    const std::size_t tail = path.size() - (begin == Text::npos ? 0 : begin);
+    if (begin == Text::npos || tail > placePath.size() ||
+        !EqualIgnoringCase(TextView(path).substr(begin), placePath.substr(placePath.size() - tail)))
+      break;
+    kept = begin;
+    if (kept == 0)
+      break;
+  }
+  return path.substr(0, kept) + Text(placePath.substr(placePath.size() - (path.size() - kept)));
+}
+
+Text PathBelow(const Text& path, const Text& below) {
+  return path == u"\\" && !below.empty() ? below : path + below;
+}
+
+// The hive of a key below HKEY_CLASSES_ROOT, when it is one of the two that the root shows.
+TRootKey HiveOf(const TExportedKey& key) {
+  const bool isShown = key.RootKey == kHkeyClassesRoot &&
+                       (key.Place.RootKey == kHkeyCurrentUser || key.Place.RootKey == kHkeyLocalMachine);
+  return isShown ? key.Place.RootKey : kNoRootKey;
 }
 
 bool IsWhole(std::span<const std::uint8_t> bytes, TLocale& locale) {
@@ -53,30 +73,6 @@ bool IsWhole(std::span<const std::uint8_t> bytes, TLocale& locale) {
     found.Values += entry->Kind == TRegFileEntry::TKind::Value ? 1 : 0;
   }
   return found == *end;
-}
-
-TRawResult Replay(TRawRegistry& registry, const TRegFileEntry& entry, TImportResult& result) {
-  switch (entry.Kind) {
-    case TRegFileEntry::TKind::Key: {
-      const TRawResult created = registry.CreateKey(entry.RootKey, entry.KeyPath);
-      result.KeysWritten += created == TRawResult::Done ? 1 : 0;
-      return created;
-    }
-    case TRegFileEntry::TKind::Value: {
-      const TRawResult written = registry.WriteValue(entry.RootKey, entry.KeyPath, entry.Value);
-      result.ValuesWritten += written == TRawResult::Done ? 1 : 0;
-      return written;
-    }
-    case TRegFileEntry::TKind::DeleteKey:
-      return registry.DeleteKey(entry.RootKey, entry.KeyPath);
-    case TRegFileEntry::TKind::DeleteValue:
-      return registry.DeleteValue(entry.RootKey, entry.KeyPath, entry.Value.Name);
-  }
-  return TRawResult::Failed;
-}
-
-bool IsDeletion(const TRegFileEntry& entry) {
-  return entry.Kind == TRegFileEntry::TKind::DeleteKey || entry.Kind == TRegFileEntry::TKind::DeleteValue;
 }
 
 }  // namespace
@@ -110,9 +106,15 @@ TExportResult TIORegistry::ExportKey(TRootKey rootKey, TextView keyPath) {
   const std::optional<Text> path = FilePath(keyPath);
   if (!path)
     return TExportResult::Missing;
+  TKeyPlace place{rootKey, *path};
+  if (*path != u"\\") {
+    const TRawResult found = m_registry.FindKey(rootKey, *path, place);
+    if (found != TRawResult::Done)
+      return ExportResultOf(found);
+  }
   const std::size_t textBefore = m_text.size();
   const std::size_t keysBefore = m_exported.size();
-  const TExportResult result = AppendTree(rootKey, *path);
+  const TExportResult result = AppendTree(rootKey, StoredPath(*path, place.KeyPath), place);
   if (result != TExportResult::Done) {
     m_text.resize(textBefore);
     m_exported.erase(m_exported.begin() + static_cast<std::ptrdiff_t>(keysBefore), m_exported.end());
@@ -121,39 +123,72 @@ TExportResult TIORegistry::ExportKey(TRootKey rootKey, TextView keyPath) {
 }
 
 // The keys in the order in which the system's editor writes them: each before its subkeys.
-TExportResult TIORegistry::AppendTree(TRootKey rootKey, Text keyPath) {
-  const Text top = keyPath;
+TExportResult TIORegistry::AppendTree(TRootKey rootKey, const Text& path, const TKeyPlace& top) {
   TRegFileWriter writer(m_locale, m_text);
-  std::vector<Text> pending;
-  pending.push_back(std::move(keyPath));
+  std::vector<Text> pending{Text()};  // paths below the top
   while (!pending.empty()) {
-    Text path = std::move(pending.back());
+    const Text below = std::move(pending.back());
     pending.pop_back();
-    TRawKey key;
-    const TRawResult read = m_registry.ReadKey(rootKey, path, key);
+    TExportedKey key{rootKey, PathBelow(path, below), {top.RootKey, PathBelow(top.KeyPath, below)}, {}, {}};
+    std::vector<Text> subKeys;
+    const TRawResult read = ReadKey(key, subKeys);
     // A subkey may have gone since its parent was read.
-    if (read == TRawResult::Missing && path != top)
+    if (read == TRawResult::Missing && !below.empty())
       continue;
     if (read != TRawResult::Done)
       return ExportResultOf(read);
-    for (auto name = key.SubKeys.rbegin(); name != key.SubKeys.rend(); ++name)
-      pending.push_back(SubKeyPath(path, *name));
-    AppendKey(writer, {rootKey, std::move(path), {}, std::move(key.Values)});
+    for (auto name = subKeys.rbegin(); name != subKeys.rend(); ++name)
+      pending.push_back(below + u"\\" + *name);
+    AppendKey(writer, std::move(key));
   }
   return TExportResult::Done;
 }
 
+// All of one key, from its place.
+TRawResult TIORegistry::ReadKey(TExportedKey& key, std::vector<Text>& subKeys) {
+  TRawKey raw;
+  const TRawResult read = m_registry.ReadKey(key.Place.RootKey, key.Place.KeyPath, raw);
+  if (read != TRawResult::Done)
+    return read;
+  key.Values = std::move(raw.Values);
+  subKeys = std::move(raw.SubKeys);
+  if (!m_origin)
+    return read;
+  TKeyAttributes attributes;
+  const TRawResult asked = m_registry.ReadAttributes(key.Place.RootKey, key.Place.KeyPath, attributes);
+  if (asked != TRawResult::Done)
+    return asked;
+  key.Attributes = {HiveOf(key),
+                    std::move(attributes.ClassName),
+                    attributes.IsVolatile.value_or(false),
+                    {},
+                    attributes.LastWrite};
+  if (attributes.HasOwnSecurity)
+    key.Attributes.Security = std::move(attributes.Security);
+  return asked;
+}
+
 TExportResult TIORegistry::ExportValue(TRootKey rootKey, TextView keyPath, TextView valueName) {
   const TKeysReleased released(m_registry);
-  std::optional<Text> path = FilePath(keyPath);
+  const std::optional<Text> path = FilePath(keyPath);
   if (!path)
     return TExportResult::Missing;
+  TKeyPlace place{rootKey, *path};
+  if (*path != u"\\") {
+    const TRawResult found = m_registry.FindValue(rootKey, *path, valueName, place);
+    if (found != TRawResult::Done)
+      return ExportResultOf(found);
+  }
   TRawValue value;
-  const TRawResult read = m_registry.ReadValue(rootKey, *path, valueName, value);
+  const TRawResult read = m_registry.ReadValue(place.RootKey, place.KeyPath, valueName, value);
+  if (read != TRawResult::Done)
+    return ExportResultOf(read);
+  TExportedKey key{rootKey, StoredPath(*path, place.KeyPath), std::move(place), {}, {std::move(value)}};
+  if (m_origin)
+    key.Attributes.Hive = HiveOf(key);
   TRegFileWriter writer(m_locale, m_text);
-  if (read == TRawResult::Done)
-    AppendKey(writer, {rootKey, std::move(*path), {}, {std::move(value)}});
-  return ExportResultOf(read);
+  AppendKey(writer, std::move(key));
+  return TExportResult::Done;
 }
 
 void TIORegistry::AppendKey(TRegFileWriter& writer, TExportedKey key) {
@@ -189,22 +224,7 @@ bool TIORegistry::HoldsWhatWasExported(std::span<const std::uint8_t> bytes) cons
 }
 
 TImportResult TIORegistry::Import(std::span<const std::uint8_t> bytes, const TImportOptions& options) {
-  const TKeysReleased released(m_registry);
-  TRegFileReader reader(bytes, m_locale,
-                        options.CarryOutDeletions ? TDeletionLines::Entries : TDeletionLines::Skipped);
-  TImportResult result;
-  result.HasHeader = reader.HasHeader();
-  const TRegFileEntry* entry = reader.Next();
-  for (; entry != nullptr && !options.Stop(); entry = reader.Next()) {
-    const TRawResult replayed = Replay(m_registry, *entry, result);
-    const bool wasGone = replayed == TRawResult::Missing && IsDeletion(*entry);
-    if (replayed != TRawResult::Done && !wasGone)
-      ++result.WritesFailed;
-  }
-  result.Stopped = entry != nullptr;
-  result.LinesSkipped = reader.LinesSkipped();
-  result.FirstSkipped = reader.FirstSkipped();
-  return result;
+  return TRegFileImport(m_registry, bytes, m_locale, options).Run();
 }
 
 }  // namespace corvalt

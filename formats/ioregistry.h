@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "formats/backupblock.h"
-#include "formats/regfilecursor.h"
 #include "formats/regfileformat.h"
+#include "formats/regfileimport.h"
 #include "system/rawregistry.h"
 #include "system/systemlocale.h"
 
@@ -24,32 +24,11 @@ enum class TExportResult {
   Unreadable,  // it exists, but it or something below it can't be read whole: no access, or a registry link
 };
 
-struct TImportOptions {
-  // Otherwise lines that delete something are skipped and counted as such.
-  bool CarryOutDeletions = true;
-
-  // Asked before each entry; true ends the import.
-  std::function<bool()> Stop = [] { return false; };
-};
-
-struct TImportResult {
-  bool HasHeader = false;  // without the REGEDIT4 line nothing is imported
-  bool Stopped = false;
-  std::size_t LinesSkipped = 0;
-  std::vector<TSkippedLine> FirstSkipped;  // the first twenty of them
-  std::size_t WritesFailed = 0;  // keys, values and deletions that the registry refused; the rest went on
-  std::size_t KeysWritten = 0;
-  std::size_t ValuesWritten = 0;
-
-  bool EverythingWritten() const {
-    return HasHeader && !Stopped && LinesSkipped == 0 && WritesFailed == 0;
-  }
-};
-
 // A key as it was read for an export.
 struct TExportedKey {
   TRootKey RootKey = kNoRootKey;
-  Text KeyPath;  // begins with "\"
+  Text KeyPath;     // begins with "\"; names as they are stored
+  TKeyPlace Place;  // where the key lies
   TRegFileAttributes Attributes;
   std::vector<TRawValue> Values;
 };
@@ -76,7 +55,8 @@ class TIORegistry {
   void Clear(std::optional<TBackupOrigin> origin = std::nullopt);
 
   // Each appends one export to the text: a key with its subkeys, or one value under its key. A key path may
-  // lack its leading "\". What is not Done appends nothing at all.
+  // lack its leading "\". What is not Done appends nothing at all. Below HKEY_CLASSES_ROOT only the hive that
+  // holds the key, or the value, is read. A backup also keeps the hive and what a key has besides its values.
   TExportResult ExportKey(TRootKey rootKey, TextView keyPath);
   TExportResult ExportValue(TRootKey rootKey, TextView keyPath, TextView valueName);
 
@@ -104,7 +84,8 @@ class TIORegistry {
   TImportResult Import(std::span<const std::uint8_t> bytes, const TImportOptions& options = {});
 
  private:
-  TExportResult AppendTree(TRootKey rootKey, Text keyPath);
+  TExportResult AppendTree(TRootKey rootKey, const Text& path, const TKeyPlace& top);
+  TRawResult ReadKey(TExportedKey& key, std::vector<Text>& subKeys);
   void AppendKey(TRegFileWriter& writer, TExportedKey key);
   TBackupEnd CountExported() const;
 

@@ -6,16 +6,16 @@ namespace corvalt {
 
 namespace {
 
-// A program sees the registry in the view of its own bitness, also a 32-bit one on 64-bit Windows ("Registry
-// Redirector", learn.microsoft.com).
-constexpr std::uint32_t kOwnViewBits = 8 * sizeof(void*);
+std::uint32_t BitsOf(TRegistryView view) {
+  return view == TRegistryView::Bits32 ? 32 : 64;
+}
 
 }  // namespace
 
 TBackupOrigin OriginHere(TSystem& system) {
   TBackupOrigin origin;
   origin.CodePage = system.Locale.AnsiCodePage();
-  origin.ViewBits = kOwnViewBits;
+  origin.ViewBits = BitsOf(system.Raw.View());
   origin.Computer = system.Machine.ComputerName();
   origin.UserSid = system.Machine.UserSid();
   return origin;
@@ -28,8 +28,19 @@ bool IsForeign(const TBackupOrigin& origin, TSystem& system) {
 
 bool IsSupported(const TBackupOrigin& origin, TSystem& system) {
   const bool hasCodePage = origin.CodePage == 0 || system.Locale.HasCodePage(origin.CodePage);
-  const bool hasView = origin.ViewBits == 0 || origin.ViewBits == kOwnViewBits;
-  return origin.Format <= kBackupFormat && hasCodePage && hasView;
+  return origin.Format <= kBackupFormat && hasCodePage;
+}
+
+TRegistryAtHand RegistryOf(const std::optional<TBackupOrigin>& origin, TSystem& system) {
+  TRegistryAtHand registry{&system.Raw, nullptr};
+  if (!origin || origin->ViewBits == 0 || origin->ViewBits == BitsOf(system.Raw.View()))
+    return registry;
+  for (const TRegistryView view : {TRegistryView::Bits32, TRegistryView::Bits64}) {
+    if (BitsOf(view) == origin->ViewBits)
+      registry.Opened = system.Raw.OpenView(view);
+  }
+  registry.Registry = registry.Opened.get();
+  return registry;
 }
 
 }  // namespace corvalt

@@ -1,6 +1,9 @@
 // Where backups are made and restored.
 #pragma once
 
+#include <memory>
+#include <optional>
+
 #include "formats/backupblock.h"
 #include "system/system.h"
 
@@ -12,8 +15,17 @@ namespace corvalt {
 // Whether the backup was made on another computer or by another user than this one.
 [[nodiscard]] bool IsForeign(const TBackupOrigin& origin, TSystem& system);
 
-// Whether this program reads the backup's form, and the system has its code page and its view of the
-// registry. A number that is damaged (0) is no obstacle: the file is not whole then, which is asked about.
+// Whether this program reads the backup's form, and the system has its code page. A number that is damaged
+// (0) is no obstacle: the file is not whole then, which is asked about.
 [[nodiscard]] bool IsSupported(const TBackupOrigin& origin, TSystem& system);
+
+// A registry, and its owner where it was opened for this use.
+struct TRegistryAtHand {
+  TRawRegistry* Registry = nullptr;
+  std::unique_ptr<TRawRegistry> Opened;
+};
+
+// The registry in the view that the backup was made in; Registry is null where the system has no such view.
+[[nodiscard]] TRegistryAtHand RegistryOf(const std::optional<TBackupOrigin>& origin, TSystem& system);
 
 }  // namespace corvalt

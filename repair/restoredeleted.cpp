@@ -45,8 +45,13 @@ std::optional<TRestoreEnd> ObstacleOf(const TRegFileFacts& facts, TSystem& syste
   return std::nullopt;
 }
 
+Text LossesText(const TGlobalVars& vars, const TImportResult& import) {
+  return CountText(vars, TextId::AttributesNotWritten, import.AttributesLost);
+}
+
 Text FailuresText(const TGlobalVars& vars, const TImportResult& import) {
-  return SkippedLinesText(vars, import) + CountText(vars, TextId::EntriesNotWritten, import.WritesFailed);
+  return SkippedLinesText(vars, import) + CountText(vars, TextId::EntriesNotWritten, import.WritesFailed) +
+         LossesText(vars, import);
 }
 
 TRestoreEnd EndOf(const TImportResult& import, bool isWhole) {
@@ -87,11 +92,16 @@ TRestoreOutcome RestoreBackup(TSystem& system, const TGlobalVars& vars, TextView
     return outcome;
   }
   const TRegFileFacts facts = InspectRegFile(bytes, system.Locale);
+  const TRegistryAtHand registry = RegistryOf(facts.Origin, system);
+  if (registry.Registry == nullptr) {
+    outcome.End = TRestoreEnd::NotSupported;
+    return outcome;
+  }
   if (const std::optional<TRestoreEnd> obstacle = ObstacleOf(facts, system, guide)) {
     outcome.End = *obstacle;
     return outcome;
   }
-  outcome.Import = TIORegistry(system.Raw, system.Locale).Import(bytes, {false, guide.Stop});
+  outcome.Import = TIORegistry(*registry.Registry, system.Locale).Import(bytes, {false, guide.Stop});
   outcome.End = EndOf(outcome.Import, facts.IsWhole);
   return outcome;
 }
@@ -109,7 +119,7 @@ Text DescribeRestore(const TRestoreOutcome& outcome, TextView rowCaption, const 
   };
   switch (outcome.End) {
     case TRestoreEnd::Restored:
-      return say(TextId::RestoreDone);
+      return say(TextId::RestoreDone) + LossesText(vars, outcome.Import);
     case TRestoreEnd::NoFile:
       return say(TextId::BackupMissing);
     case TRestoreEnd::NotABackup:

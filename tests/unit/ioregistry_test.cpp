@@ -64,23 +64,23 @@ TEST_F(IORegistry, WithoutExportsTheTextIsTheHeaderAlone) {
 }
 
 TEST_F(IORegistry, AKeyIsWrittenWithItsSubkeys) {
-  System.Registry.Set(u"HKEY_LOCAL_MACHINE\\Software\\A", u"", u"default");
-  System.Registry.SetInteger(u"HKEY_LOCAL_MACHINE\\Software\\A", u"Number", 0xAB);
-  System.Registry.AddKey(u"HKEY_LOCAL_MACHINE\\Software\\A\\Empty\\Deeper");
-  System.Registry.Set(u"HKEY_LOCAL_MACHINE\\Software\\A\\Full", u"Name", u"Data");
-  EXPECT_EQ(Exporter.ExportKey(kHkeyLocalMachine, u"\\Software\\A"), TExportResult::Done);
+  System.Registry.Set(u"HKEY_LOCAL_MACHINE\\System\\A", u"", u"default");
+  System.Registry.SetInteger(u"HKEY_LOCAL_MACHINE\\System\\A", u"Number", 0xAB);
+  System.Registry.AddKey(u"HKEY_LOCAL_MACHINE\\System\\A\\Empty\\Deeper");
+  System.Registry.Set(u"HKEY_LOCAL_MACHINE\\System\\A\\Full", u"Name", u"Data");
+  EXPECT_EQ(Exporter.ExportKey(kHkeyLocalMachine, u"\\SYSTEM\\a"), TExportResult::Done);
   EXPECT_EQ(Exported(),
             "REGEDIT4\r\n"
             "\r\n"
-            "[HKEY_LOCAL_MACHINE\\Software\\A]\r\n"
+            "[HKEY_LOCAL_MACHINE\\System\\A]\r\n"
             "@=\"default\"\r\n"
             "\"Number\"=dword:000000ab\r\n"
             "\r\n"
-            "[HKEY_LOCAL_MACHINE\\Software\\A\\Empty]\r\n"
+            "[HKEY_LOCAL_MACHINE\\System\\A\\Empty]\r\n"
             "\r\n"
-            "[HKEY_LOCAL_MACHINE\\Software\\A\\Empty\\Deeper]\r\n"
+            "[HKEY_LOCAL_MACHINE\\System\\A\\Empty\\Deeper]\r\n"
             "\r\n"
-            "[HKEY_LOCAL_MACHINE\\Software\\A\\Full]\r\n"
+            "[HKEY_LOCAL_MACHINE\\System\\A\\Full]\r\n"
             "\"Name\"=\"Data\"\r\n");
 }
 
@@ -431,7 +431,8 @@ TEST_F(IORegistry, RefusedWritesAreCountedAndTheRestGoesOn) {
   const TImportResult result = Exporter.Import(
       BytesOf("REGEDIT4\n[HKEY_CURRENT_USER\\K\\Denied]\n\"a\"=\"x\"\n[HKEY_CURRENT_USER\\K]\n@=\"y\"\n"));
   EXPECT_EQ(result.WritesFailed, 2U);
-  EXPECT_EQ(result.KeysWritten, 1U);
+  // The key itself was there, as the parent of the denied one.
+  EXPECT_EQ(result.KeysWritten, 0U);
   EXPECT_EQ(result.ValuesWritten, 1U);
   EXPECT_EQ(result.LinesSkipped, 0U);
   EXPECT_FALSE(result.EverythingWritten());

@@ -290,6 +290,10 @@ std::string OwnBackup(TRestoreRig& rig) {
   return {exporter.ExportedText().begin(), exporter.ExportedText().end()};
 }
 
+std::span<const std::uint8_t> AsBytes(const std::string& text) {
+  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
 // What a restore through the dialog showed, the answers to its questions given.
 TLines ShownByRestore(TRestoreRig& rig, std::deque<TAnswer> answers) {
   TRestoreModel model = rig.Filled();
@@ -375,6 +379,35 @@ TEST(RestoringABackup, OfACodePageAViewOrAFormThatIsNotHereChangesNothing) {
         << field;
     EXPECT_FALSE(rig.System.Registry.HasKey(kKey));
   }
+}
+
+TEST(RestoringABackup, MadeInTheOtherViewGoesToThatView) {
+  for (const bool hasBoth : {true, false}) {
+    TRestoreRig rig;
+    std::string file = OwnBackup(rig);
+    file.replace(file.find("view=64"), 7, "view=32");
+    const std::string text = file.substr(0, file.rfind(";Corvalt end="));
+    rig.AddBackup("1", text + EndLine(AsBytes(text), {1, 1}));
+    TMemoryRegistry other;
+    other.View = TRegistryView::Bits32;
+    rig.System.Registry.OtherView = hasBoth ? &other : nullptr;
+    TSystem system = rig.System.Bundle();
+    EXPECT_EQ(RestoreBackup(system, rig.Vars, u"1").End,
+              hasBoth ? TRestoreEnd::Restored : TRestoreEnd::NotSupported);
+    EXPECT_EQ(other.HasValue(kKey, u"Path"), hasBoth);
+    EXPECT_FALSE(rig.System.Registry.HasKey(kKey));
+  }
+}
+
+TEST(RestoringABackup, SaysHowManyPermissionsAndTimesWereLostAndIsRestored) {
+  TRestoreRig rig;
+  rig.AddBackup("1", OwnBackup(rig));
+  rig.System.Registry.SetsTimes = false;
+  TSystem system = rig.System.Bundle();
+  const TRestoreOutcome outcome = RestoreBackup(system, rig.Vars, u"1");
+  EXPECT_EQ(outcome.End, TRestoreEnd::Restored);
+  EXPECT_EQ(EncodeUtf8(DescribeRestore(outcome, u"row", rig.Vars, rig.System.Locale)),
+            "11041(row)\r\n40087(1)");
 }
 
 TEST(RestoringABackup, IsReadInTheCodePageThatItWasMadeIn) {

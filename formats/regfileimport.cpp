@@ -1,0 +1,151 @@
+#include "formats/regfileimport.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/lettercase.h"
+
+namespace corvalt {
+
+namespace {
+
+constexpr TextView kClassesPath = u"\\Software\\Classes";
+
+// Where the entry's key is to be written.
+TKeyPlace PlaceOf(const TRegFileEntry& entry) {
+  if (entry.Attributes.Hive == kNoRootKey)
+    return {entry.RootKey, entry.KeyPath};
+  const TextView path = entry.KeyPath;
+  return {entry.Attributes.Hive, Text(kClassesPath) + Text(path == u"\\" ? TextView() : path)};
+}
+
+bool IsDeletion(const TRegFileEntry& entry) {
+  return entry.Kind == TRegFileEntry::TKind::DeleteKey || entry.Kind == TRegFileEntry::TKind::DeleteValue;
+}
+
+std::ptrdiff_t DepthOf(TextView keyPath) {
+  return std::count(keyPath.begin(), keyPath.end(), u'\\');
+}
+
+}  // namespace
+
+TRegFileImport::TRegFileImport(TRawRegistry& registry, std::span<const std::uint8_t> bytes, TLocale& locale,
+                               const TImportOptions& options)
+    : m_registry(registry), m_bytes(bytes), m_locale(locale), m_options(options) {
+}
+
+TRegFileReader TRegFileImport::Reader() const {
+  return {m_bytes, m_locale, m_options.CarryOutDeletions ? TDeletionLines::Entries : TDeletionLines::Skipped};
+}
+
+TImportResult TRegFileImport::Run() {
+  const TKeysReleased released(m_registry);
+  PlanKeys();
+  TRegFileReader reader = Reader();
+  m_result.HasHeader = reader.HasHeader();
+  const TRegFileEntry* entry = reader.Next();
+  for (; entry != nullptr && !m_options.Stop(); entry = reader.Next()) {
+    const TRawResult replayed = Replay(*entry);
+    const bool wasGone = replayed == TRawResult::Missing && IsDeletion(*entry);
+    if (replayed != TRawResult::Done && !wasGone)
+      ++m_result.WritesFailed;
+  }
+  WriteAttributes();
+  m_result.Stopped = entry != nullptr;
+  m_result.LinesSkipped = reader.LinesSkipped();
+  m_result.FirstSkipped = reader.FirstSkipped();
+  return m_result;
+}
+
+// A key that was saved before its parent would be restored before it too, and the parent would be created on
+// the way without what the file has for it.
+void TRegFileImport::PlanKeys() {
+  TRegFileReader reader = Reader();
+  while (const TRegFileEntry* entry = reader.Next()) {
+    if (entry->Kind != TRegFileEntry::TKind::Key)
+      continue;
+    TKeyPlace place = PlaceOf(*entry);
+    m_planned.try_emplace({place.RootKey, UpperCase(place.KeyPath)}, entry->Attributes);
+  }
+}
+
+TRawResult TRegFileImport::Replay(const TRegFileEntry& entry) {
+  const TKeyPlace place = PlaceOf(entry);
+  switch (entry.Kind) {
+    case TRegFileEntry::TKind::Key:
+      return ReplayKey(place);
+    case TRegFileEntry::TKind::Value: {
+      const TRawResult written = m_registry.WriteValue(place.RootKey, place.KeyPath, entry.Value);
+      m_result.ValuesWritten += written == TRawResult::Done ? 1 : 0;
+      return written;
+    }
+    case TRegFileEntry::TKind::DeleteKey:
+      return m_registry.DeleteKey(place.RootKey, place.KeyPath);
+    case TRegFileEntry::TKind::DeleteValue:
+      return m_registry.DeleteValue(place.RootKey, place.KeyPath, entry.Value.Name);
+  }
+  return TRawResult::Failed;
+}
+
+// The parents that the file has come first.
+TRawResult TRegFileImport::ReplayKey(const TKeyPlace& place) {
+  const TKeyId id{place.RootKey, UpperCase(place.KeyPath)};
+  for (std::size_t end = place.KeyPath.find(u'\\', 1); end != Text::npos;
+       end = place.KeyPath.find(u'\\', end + 1)) {
+    const TKeyId parent{place.RootKey, id.second.substr(0, end)};
+    if (m_planned.contains(parent) && !m_done.contains(parent))
+      std::ignore = CreatePlanned(parent, {place.RootKey, place.KeyPath.substr(0, end)});
+  }
+  return CreatePlanned(id, place);
+}
+
+TRawResult TRegFileImport::CreatePlanned(const TKeyId& id, TKeyPlace place) {
+  const TRegFileAttributes& attributes = m_planned.at(id);
+  TNewKey newKey{attributes.ClassName, attributes.IsVolatile};
+  bool isNew = false;
+  TRawResult result = m_registry.CreateKey(place.RootKey, place.KeyPath, newKey, isNew);
+  if (result == TRawResult::MustBeVolatile) {
+    newKey.IsVolatile = true;
+    result = m_registry.CreateKey(place.RootKey, place.KeyPath, newKey, isNew);
+  }
+  if (result != TRawResult::Done)
+    return result;
+  m_done.insert(id);
+  if (!isNew)
+    return result;
+  ++m_result.KeysWritten;
+  CheckNewKey(place, attributes);
+  m_created.push_back({std::move(place), &attributes});
+  return result;
+}
+
+// Reads back what can only be given at the creation.
+void TRegFileImport::CheckNewKey(const TKeyPlace& place, const TRegFileAttributes& attributes) {
+  if (attributes.ClassName.empty() && !attributes.IsVolatile)
+    return;
+  TKeyAttributes read;
+  const bool isRead = m_registry.ReadAttributes(place.RootKey, place.KeyPath, read) == TRawResult::Done;
+  if (!isRead || read.ClassName != attributes.ClassName)
+    ++m_result.AttributesLost;
+  if (!isRead || (attributes.IsVolatile && !read.IsVolatile.value_or(true)))
+    ++m_result.AttributesLost;
+}
+
+// From the leaves up: whatever is written below a key changes its time, and permissions may forbid it.
+void TRegFileImport::WriteAttributes() {
+  std::stable_sort(m_created.begin(), m_created.end(), [](const TCreatedKey& a, const TCreatedKey& b) {
+    return DepthOf(a.Place.KeyPath) > DepthOf(b.Place.KeyPath);
+  });
+  for (const TCreatedKey& key : m_created) {
+    const TWantedAttributes wanted{key.Attributes->LastWrite, key.Attributes->Security};
+    if (!wanted.LastWrite && wanted.Security.empty())
+      continue;
+    TAttributesLost lost{!wanted.Security.empty(), wanted.LastWrite.has_value()};
+    TAttributesLost notSet;
+    if (m_registry.WriteAttributes(key.Place.RootKey, key.Place.KeyPath, wanted, notSet) == TRawResult::Done)
+      lost = notSet;
+    m_result.AttributesLost += (lost.Security ? 1 : 0) + (lost.LastWrite ? 1 : 0);
+  }
+}
+
+}  // namespace corvalt

@@ -1,0 +1,79 @@
+// Replays the entries of a REGEDIT4 file into the registry.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <set>
+#include <span>
+#include <vector>
+
+#include "formats/regfilereader.h"
+#include "system/rawregistry.h"
+#include "system/systemlocale.h"
+
+namespace corvalt {
+
+struct TImportOptions {
+  // Otherwise lines that delete something are skipped and counted as such.
+  bool CarryOutDeletions = true;
+
+  // Asked before each entry; true ends the import.
+  std::function<bool()> Stop = [] { return false; };
+};
+
+struct TImportResult {
+  bool HasHeader = false;  // without the REGEDIT4 line nothing is imported
+  bool Stopped = false;
+  std::size_t LinesSkipped = 0;
+  std::vector<TSkippedLine> FirstSkipped;  // the first twenty of them
+  std::size_t WritesFailed = 0;  // keys, values and deletions that the registry refused; the rest went on
+  std::size_t KeysWritten = 0;   // those that did not exist
+  std::size_t ValuesWritten = 0;
+  std::size_t AttributesLost = 0;  // of keys that were created: class, volatility, permissions, time
+
+  // What attributes were lost does not count.
+  bool EverythingWritten() const {
+    return HasHeader && !Stopped && LinesSkipped == 0 && WritesFailed == 0;
+  }
+};
+
+// One import. A key that is created gets the class and the volatility that the file gives it, and when
+// everything below it is there, its permissions and at last its time; a key that exists keeps what it has. A
+// key below HKEY_CLASSES_ROOT goes to the hive that the file names.
+class TRegFileImport {
+ public:
+  // All must outlive this object.
+  TRegFileImport(TRawRegistry& registry, std::span<const std::uint8_t> bytes, TLocale& locale,
+                 const TImportOptions& options);
+
+  TImportResult Run();
+
+ private:
+  // A key in the form in which it is compared: its root and its upper-cased path.
+  using TKeyId = std::pair<TRootKey, Text>;
+
+  struct TCreatedKey {
+    TKeyPlace Place;
+    const TRegFileAttributes* Attributes = nullptr;
+  };
+
+  TRegFileReader Reader() const;
+  void PlanKeys();
+  TRawResult Replay(const TRegFileEntry& entry);
+  TRawResult ReplayKey(const TKeyPlace& place);
+  TRawResult CreatePlanned(const TKeyId& id, TKeyPlace place);
+  void CheckNewKey(const TKeyPlace& place, const TRegFileAttributes& attributes);
+  void WriteAttributes();
+
+  TRawRegistry& m_registry;
+  std::span<const std::uint8_t> m_bytes;
+  TLocale& m_locale;
+  const TImportOptions& m_options;
+  std::map<TKeyId, TRegFileAttributes> m_planned;  // every key line of the file
+  std::set<TKeyId> m_done;                         // those that were created or exist
+  std::vector<TCreatedKey> m_created;
+  TImportResult m_result;
+};
+
+}  // namespace corvalt

@@ -1,0 +1,210 @@
+// What a key has besides its values, through an export and an import.
+#include <gtest/gtest.h>
+
+#include "formats/ioregistry.h"
+#include "platform/memory/memorysecurity.h"
+#include "platform/memory/memorysystem.h"
+
+namespace corvalt {
+
+namespace {
+
+constexpr TextView kRoot = u"HKEY_CURRENT_USER";
+constexpr TextView kKey = u"HKEY_CURRENT_USER\\K";
+constexpr TextView kUserClass = u"HKEY_CURRENT_USER\\Software\\Classes\\Thing";
+constexpr TextView kMachineClass = u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes\\Thing";
+constexpr std::uint64_t kOldTime = 0x01C0000000000000;
+
+TBytes OwnSecurity() {
+  TMemorySecurity security;
+  security.Access = {{u"S-1-5-18"}};
+  security.IsProtected = true;
+  return SecurityBytes(security);
+}
+
+class RestoredAttributes : public ::testing::Test {
+ protected:
+  RestoredAttributes() {
+    TBackupOrigin origin;
+    origin.CodePage = 1252;
+    m_exporter.Clear(origin);
+  }
+
+  std::vector<std::string> Dump(TextView fullPath = kKey) const {
+    return m_system.Registry.Dump(fullPath, TDumpDetail::Attributes);
+  }
+  std::string Exported() const {
+    return {m_exporter.ExportedText().begin(), m_exporter.ExportedText().end()};
+  }
+  void Export(TRootKey rootKey, TextView keyPath) {
+    EXPECT_EQ(m_exporter.ExportKey(rootKey, keyPath), TExportResult::Done);
+  }
+  TImportResult Import() {
+    m_exporter.Finish();
+    EXPECT_TRUE(m_exporter.HoldsWhatWasExported(m_exporter.ExportedText()));
+    const TImportResult result = m_exporter.Import(m_exporter.ExportedText());
+    EXPECT_TRUE(result.EverythingWritten());
+    return result;
+  }
+
+  // Every attribute on a key and one below it.
+  void BuildKey() {
+    TMemoryRegistry& registry = m_system.Registry;
+    registry.Set(Text(kKey) + u"\\Sub", u"a", u"x");
+    registry.SetClass(Text(kKey) + u"\\Sub", u"Inner");
+    registry.SetClass(kKey, u"Outer \u0416");
+    registry.SetSecurity(kKey, OwnSecurity());
+    registry.SetLastWrite(Text(kKey) + u"\\Sub", kOldTime + 1);
+    registry.SetLastWrite(kKey, kOldTime);
+  }
+
+  TMemorySystem m_system;
+  TIORegistry m_exporter{m_system.Raw, m_system.Locale};
+};
+
+}  // namespace
+
+TEST_F(RestoredAttributes, ComeBackWithTheirKeys) {
+  BuildKey();
+  const std::vector<std::string> before = Dump();
+  Export(kHkeyCurrentUser, u"\\K");
+  m_system.Registry.RemoveKey(kKey);
+  EXPECT_EQ(Import().AttributesLost, 0U);
+  EXPECT_EQ(Dump(), before) << Exported();
+}
+
+TEST_F(RestoredAttributes, OfAVolatileKeyComeBack) {
+  m_system.Registry.AddKey(Text(kKey) + u"\\Volatile");
+  m_system.Registry.MakeVolatile(Text(kKey) + u"\\Volatile");
+  Export(kHkeyCurrentUser, u"\\K\\Volatile");
+  m_system.Registry.RemoveKey(Text(kKey) + u"\\Volatile");
+  EXPECT_EQ(Import().AttributesLost, 0U);
+  EXPECT_TRUE(m_system.Registry.KeyAt(Text(kKey) + u"\\Volatile")->IsVolatile);
+}
+
+// ERROR_CHILD_MUST_BE_VOLATILE: "RegCreateKeyEx", learn.microsoft.com.
+TEST_F(RestoredAttributes, AKeyBelowAVolatileOneIsCreatedVolatileAlsoWhenNothingTellsSo) {
+  m_system.Registry.TellsVolatility = false;
+  m_system.Registry.AddKey(Text(kKey) + u"\\Sub");
+  m_system.Registry.MakeVolatile(kKey);
+  Export(kHkeyCurrentUser, u"\\K\\Sub");
+  EXPECT_EQ(Exported().find("volatile"), std::string::npos);
+  m_system.Registry.RemoveKey(Text(kKey) + u"\\Sub");
+  Import();
+  ASSERT_TRUE(m_system.Registry.HasKey(Text(kKey) + u"\\Sub"));
+  EXPECT_TRUE(m_system.Registry.KeyAt(Text(kKey) + u"\\Sub")->IsVolatile);
+}
+
+TEST_F(RestoredAttributes, OfAKeyThatIsThereAreLeftAsTheyAre) {
+  BuildKey();
+  Export(kHkeyCurrentUser, u"\\K");
+  m_system.Registry.SetClass(kKey, u"Newer");
+  m_system.Registry.SetSecurity(kKey, DefaultSecurity());
+  m_system.Registry.SetLastWrite(kKey, kOldTime + 7);
+  Import();
+  EXPECT_EQ(m_system.Registry.KeyAt(kKey)->ClassName, u"Newer");
+  EXPECT_EQ(m_system.Registry.KeyAt(kKey)->Security, DefaultSecurity());
+  EXPECT_EQ(m_system.Registry.KeyAt(kKey)->LastWrite, kOldTime + 7);
+}
+
+TEST_F(RestoredAttributes, ComeBackAlsoWhenASubkeyWasSavedBeforeItsKey) {
+  BuildKey();
+  const std::vector<std::string> before = Dump();
+  Export(kHkeyCurrentUser, u"\\K\\Sub");
+  Export(kHkeyCurrentUser, u"\\K");
+  m_system.Registry.RemoveKey(kKey);
+  const TImportResult result = Import();
+  EXPECT_EQ(result.AttributesLost, 0U);
+  EXPECT_EQ(result.KeysWritten, 2U);
+  EXPECT_EQ(Dump(), before);
+}
+
+TEST_F(RestoredAttributes, ThatCantBeGivenBackAreCounted) {
+  BuildKey();
+  Export(kHkeyCurrentUser, u"\\K");
+  m_system.Registry.RemoveKey(kKey);
+  m_system.Registry.SetsTimes = false;
+  const TImportResult result = Import();
+  EXPECT_EQ(result.AttributesLost, 2U);
+  EXPECT_TRUE(m_system.Registry.HasValue(Text(kKey) + u"\\Sub", u"a"));
+}
+
+TEST_F(RestoredAttributes, WhatIsInheritedIsNotWritten) {
+  m_system.Registry.AddKey(kKey);
+  Export(kHkeyCurrentUser, u"\\K");
+  EXPECT_EQ(Exported().find("security="), std::string::npos);
+  EXPECT_NE(Exported().find(";Corvalt time="), std::string::npos);
+}
+
+TEST_F(RestoredAttributes, StandInBackupsOnly) {
+  BuildKey();
+  m_exporter.Clear();
+  Export(kHkeyCurrentUser, u"\\K");
+  EXPECT_EQ(Exported().find(";Corvalt"), std::string::npos);
+}
+
+TEST_F(RestoredAttributes, NamesComeBackAsTheyWereStored) {
+  m_system.Registry.Set(u"HKEY_CURRENT_USER\\clsId\\Sub", u"naMe", u"x");
+  const std::vector<std::string> before = m_system.Registry.Dump(kRoot);
+  Export(kHkeyCurrentUser, u"\\CLSID");
+  m_system.Registry.RemoveKey(u"HKEY_CURRENT_USER\\clsId");
+  Import();
+  EXPECT_EQ(m_system.Registry.Dump(kRoot), before);
+  EXPECT_NE(Exported().find("[HKEY_CURRENT_USER\\clsId\\Sub]"), std::string::npos);
+  EXPECT_EQ(m_system.Registry.KeyAt(u"HKEY_CURRENT_USER\\CLSID")->Name, u"clsId");
+}
+
+// "Merged View of HKEY_CLASSES_ROOT", learn.microsoft.com.
+TEST_F(RestoredAttributes, AClassComesFromAndReturnsToItsHive) {
+  for (const bool isUsers : {true, false}) {
+    const TextView own = isUsers ? kUserClass : kMachineClass;
+    m_system.Registry.Set(own, u"a", u"own");
+    m_exporter.Clear(TBackupOrigin());
+    Export(kHkeyClassesRoot, u"\\Thing");
+    EXPECT_NE(Exported().find(isUsers ? "\r\n;Corvalt hive=HKEY_CURRENT_USER\r\n"
+                                      : "\r\n;Corvalt hive=HKEY_LOCAL_MACHINE\r\n"),
+              std::string::npos);
+    EXPECT_NE(Exported().find("\r\n[HKEY_CLASSES_ROOT\\Thing]\r\n"), std::string::npos);
+    m_system.Registry.RemoveKey(own);
+    Import();
+    EXPECT_TRUE(m_system.Registry.HasValue(own, u"a"));
+    m_system.Registry.RemoveKey(own);
+    EXPECT_FALSE(m_system.Registry.HasKey(u"HKEY_CLASSES_ROOT\\Thing"));
+  }
+}
+
+TEST_F(RestoredAttributes, OnlyTheHiveThatHoldsTheClassIsExported) {
+  m_system.Registry.Set(kUserClass, u"user", u"x");
+  m_system.Registry.Set(kMachineClass, u"machine", u"x");
+  Export(kHkeyClassesRoot, u"\\Thing");
+  EXPECT_NE(Exported().find("\"user\""), std::string::npos);
+  EXPECT_EQ(Exported().find("\"machine\""), std::string::npos);
+  ASSERT_EQ(m_exporter.Exported().size(), 1U);
+  EXPECT_EQ(m_exporter.Exported()[0].Place, (TKeyPlace{kHkeyCurrentUser, u"\\Software\\Classes\\Thing"}));
+}
+
+TEST_F(RestoredAttributes, AValueReturnsToTheHiveThatHeldIt) {
+  m_system.Registry.AddKey(kUserClass);
+  m_system.Registry.Set(kMachineClass, u"machine", u"x");
+  EXPECT_EQ(m_exporter.ExportValue(kHkeyClassesRoot, u"\\Thing", u"MACHINE"), TExportResult::Done);
+  m_system.Registry.RemoveKey(kMachineClass);
+  Import();
+  EXPECT_TRUE(m_system.Registry.HasValue(kMachineClass, u"machine"));
+  EXPECT_FALSE(m_system.Registry.HasValue(kUserClass, u"machine"));
+}
+
+TEST_F(RestoredAttributes, ALinkAboveTheKeyKeepsItsSpelling) {
+  m_system.Registry.Set(u"HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Services\\Thing", u"a", u"x");
+  m_system.Registry.MakeLink(u"HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet",
+                             u"HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001");
+  Export(kHkeyLocalMachine, u"\\System\\CurrentControlSet\\services\\thing");
+  EXPECT_NE(Exported().find("[HKEY_LOCAL_MACHINE\\System\\CurrentControlSet\\Services\\Thing]"),
+            std::string::npos)
+      << Exported();
+  m_system.Registry.RemoveKey(u"HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Services\\Thing");
+  Import();
+  EXPECT_TRUE(
+      m_system.Registry.HasValue(u"HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Services\\Thing", u"a"));
+}
+
+}  // namespace corvalt
