@@ -140,6 +140,10 @@ enum class TextId : std::int32_t {
   LinesSkipped = 40015,       // Argument: their number.
   EntriesNotWritten = 40016,  // Argument: their number.
 
+  // The end of a repair that left something; on lines of their own, in the window below RepairFinalMessage.
+  EntriesNotSaved = 40060,    // Argument: their number.
+  EntriesNotDeleted = 40061,  // Argument: their number.
+
   // Shown in the empty results tree
   HintScan = 40017,
 
@@ -295,6 +299,8 @@ inline constexpr auto kTextIds = std::to_array<TTextEntry>({
     {TextId::RestoreIncomplete, 1},
     {TextId::LinesSkipped, 1},
     {TextId::EntriesNotWritten, 1},
+    {TextId::EntriesNotSaved, 1},
+    {TextId::EntriesNotDeleted, 1},
     {TextId::HintScan, 0},
     {TextId::AboutVersion, 1},
     {TextId::AboutPurpose, 0},

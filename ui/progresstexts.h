@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/languagetexts.h"
+#include "repair/threadclean.h"
 
 namespace corvalt {
 
@@ -21,6 +22,13 @@ struct TProgressOutcome {
 // The end of a run: its message, and after a scan that found problems the invitation to repair them.
 TProgressOutcome ProgressOutcome(TProgressMode mode, TextView message, std::size_t problemCount,
                                  const TLanguageTexts& texts);
+
+// What a repair left, one line each: how many entries were not saved and how many could not be deleted. Empty
+// when it left nothing.
+std::vector<Text> LeftoverLines(const TCleaningOutcome& outcome, const TLanguageTexts& texts);
+
+// The message at the end of a repair, with what it left below.
+Text RepairMessage(const TCleaningOutcome& outcome, const TLanguageTexts& texts);
 
 // What the dialog must have room for in this language, besides the keys that it shows: the section lines, and
 // the messages at the end with the largest of counts.

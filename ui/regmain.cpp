@@ -132,13 +132,14 @@ void TRegMain::ScanFinished(TWorkerThread& thread) {
 }
 
 void TRegMain::CleaningFinished(TWorkerThread& thread) {
+  const Text message = RepairMessage(m_cleaning->Outcome(), m_vars.Texts);
   m_cleaning = nullptr;
   m_rows.DropRemoved();
   UpdateSummary();
   m_view.ResultsChanged();
   ActionsChanged();
   if (m_progress != nullptr)
-    m_progress->ShowResult(LanguageText(m_vars.Texts, TextId::RepairFinalMessage), 0);
+    m_progress->ShowResult(message, 0);
   if (thread.FatalException())
     ShowFailure(thread.FatalException());
 }

@@ -93,8 +93,16 @@ TEST_F(ConsoleRepair, ListsWhatIsLeftAndAnswersOne) {
   EXPECT_FALSE(m_rig.Scan.System.Registry.HasValue(u"HKEY_CURRENT_USER\\Software\\App", u"File"));
   EXPECT_NE(m_rig.Console.Output.find("\\Software\\Link\n"), std::string::npos) << m_rig.Console.Output;
   EXPECT_EQ(m_rig.Console.Output.find("\\Software\\App\n"), std::string::npos);
-  EXPECT_NE(m_rig.Told().find("Could not be backed up, so not touched: 1\n"), std::string::npos)
-      << m_rig.Told();
+  EXPECT_NE(m_rig.Told().find("40060(1)\n"), std::string::npos) << m_rig.Told();
+}
+
+TEST_F(ConsoleRepair, ListsWhatIsLeftOnStandardErrorWhereStandardOutputHoldsJson) {
+  m_rig.Scan.System.Registry.Set(u"HKEY_CURRENT_USER\\Software\\App", u"File", u"C:\\gone");
+  m_rig.Scan.System.Registry.MakeLink(u"HKEY_CURRENT_USER\\Software\\Link",
+                                      u"HKEY_CURRENT_USER\\Software\\App");
+  EXPECT_EQ(Run({u"repair", u"--sections", u"22", u"--yes", u"--json", u"-"}), 1);
+  EXPECT_EQ(m_rig.Console.Output.front(), '{');
+  EXPECT_NE(m_rig.Told().find("  HKEY_CURRENT_USER\\Software\\Link\n"), std::string::npos) << m_rig.Told();
 }
 
 TEST_F(ConsoleRepair, AnswersThreeWithTheReasonWhenTheDiskIsFull) {

@@ -57,7 +57,19 @@ TEST(ProgressTexts, TheOutcomesAreTheInvitationWithLargeCountsAndTheRepairsEnd) 
   const std::vector<Text> messages = OutcomeMessages(NumberedTexts());
   ASSERT_EQ(messages.size(), 2U);
   EXPECT_EQ(messages[0], u"11013(1000000),11015(1000000).\r\n\r\n11033");
-  EXPECT_EQ(messages[1], u"11008");
+  EXPECT_EQ(messages[1], u"11008\r\n40060(1000000)\r\n40061(1000000)");
+}
+
+TEST(ProgressTexts, ARepairThatLeftNothingHasNothingBelowItsMessage) {
+  EXPECT_EQ(RepairMessage(TCleaningOutcome(), NumberedTexts()), u"11008");
+}
+
+TEST(ProgressTexts, ARepairSaysHowManyEntriesItDidNotSaveOrDelete) {
+  TCleaningOutcome outcome;
+  outcome.NotSaved.assign(2, nullptr);
+  EXPECT_EQ(RepairMessage(outcome, NumberedTexts()), u"11008\r\n40060(2)");
+  outcome.Failed.assign(3, nullptr);
+  EXPECT_EQ(RepairMessage(outcome, NumberedTexts()), u"11008\r\n40060(2)\r\n40061(3)");
 }
 
 }  // namespace corvalt

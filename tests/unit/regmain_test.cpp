@@ -483,6 +483,14 @@ TEST(MainWindowRepair, EndsWithItsFinalMessageAndNoCount) {
   EXPECT_EQ(rig.Dialogs[0].Results, TLines({"11012,11017.|1", "11008|0"}));
 }
 
+TEST(MainWindowRepair, SaysHowManyEntriesItCouldNotSave) {
+  TScannedRig rig(2);
+  rig.System.Registry.Deny(FullKeyText(rig.Row(0, 0)->Problem));
+  rig.Main.Repair();
+  ASSERT_EQ(rig.Dialogs.size(), 1u);
+  EXPECT_EQ(rig.Dialogs[0].Results.back(), "11008\r\n40060(1)|0");
+}
+
 TEST(MainWindowRepair, AsksNothing) {
   TScannedRig rig(2);
   rig.Main.Repair();

@@ -12,6 +12,7 @@
 #include "ui/console/repairrun.h"
 #include "ui/console/scanrun.h"
 #include "ui/problemsjson.h"
+#include "ui/progresstexts.h"
 #include "ui/resultstree.h"
 #include "ui/sectionstree.h"
 
@@ -83,20 +84,31 @@ void TellRepair(TConsoleContext& context, const TRepairOutcome& outcome) {
       context.Console.Tell(Text(what) + DecimalText(static_cast<std::int64_t>(count)));
   };
   tell(u"Repaired: ", cleaning.Deleted.size());
-  tell(u"Could not be deleted: ", cleaning.Failed.size());
-  tell(u"Could not be backed up, so not touched: ", cleaning.NotSaved.size());
+  for (const Text& line : LeftoverLines(cleaning, context.Vars.Texts))
+    context.Console.Tell(PlainText(line));
   tell(u"Not repaired, because the repair ended early: ", cleaning.NotReached);
 }
 
-TExitCode Delete(TConsoleContext& context, TResultsTreeModel& results, bool listLeft, bool noBackup) {
+// On standard error where standard output holds JSON.
+void ListWhatIsLeft(TConsoleContext& context, TResultsTree& results, bool onStandardOutput) {
+  const std::string listing = ProblemListing(results);
+  if (onStandardOutput) {
+    // Something is deleted by now: a listing that can't be written is told, and changes no exit code.
+    WriteData(context, listing);
+    return;
+  }
+  for (const Text& line : SplitLines(DecodeUtf8(listing).value_or(Text())))
+    context.Console.Tell(line);
+}
+
+TExitCode Delete(TConsoleContext& context, TResultsTreeModel& results, bool listOnStandardOutput,
+                 bool noBackup) {
   const TRepairOutcome outcome = RunRepair(context, results, noBackup);
   TellRepair(context, outcome);
   if (!outcome.Cleaning.BackupMade)
     return TExitCode::Failed;
   DropDeleted(results, outcome.Cleaning);
-  // Something is deleted by now: a listing that can't be written is told, and changes no exit code.
-  if (listLeft)
-    WriteData(context, ProblemListing(results));
+  ListWhatIsLeft(context, results, listOnStandardOutput);
   return ProblemCount(results) == 0 ? TExitCode::Nothing : TExitCode::Found;
 }
 
