@@ -18,7 +18,7 @@ int RunProgram(int count, wchar_t** arguments) {
   TSystem system = windows.Bundle();
   TWindowsConsole console;
   const Text version = FromAscii(CORVALT_VERSION_TEXT);
-  const TExitCode code = RunConsoleProgram(texts, {system, console, version, RunStartSequence});
+  const TExitCode code = RunConsoleProgram(texts, {system, console, version, RunStartSequence, ReadTexts});
   return static_cast<int>(code);
 }
 

@@ -7,4 +7,10 @@ void RunStartSequence(TSystem& system, TGlobalVars& vars, TGlobalReg& reg) {
   FillGlobalReg(system, vars, reg);
 }
 
+TLanguageTexts ReadTexts(TSystem& system) {
+  TLanguageTexts texts;
+  ReadLanguage(system, FolderOf(system.Machine.ProgramFile()), texts);
+  return texts;
+}
+
 }  // namespace corvalt

@@ -11,4 +11,7 @@ namespace corvalt {
 // are written. Throws TSystemException when the machine's drive list does not fit.
 void RunStartSequence(TSystem& system, TGlobalVars& vars, TGlobalReg& reg);
 
+// The texts of the user's language before that sequence; changes nothing.
+TLanguageTexts ReadTexts(TSystem& system);
+
 }  // namespace corvalt

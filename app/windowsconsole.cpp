@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "ui/console/cells.h"
+
 namespace corvalt {
 
 namespace {
@@ -53,7 +55,7 @@ TSystemError WriteText(HANDLE handle, TextView text) {
   return IsTerminal(handle) ? WriteUnits(handle, text) : WriteBytes(handle, EncodeUtf8(text));
 }
 
-// Units that fit on one line without moving to the next.
+// Cells that fit on one line without moving to the next.
 std::size_t LineWidth(HANDLE terminal) {
   CONSOLE_SCREEN_BUFFER_INFO info = {};
   const SHORT width =
@@ -90,14 +92,14 @@ void TWindowsConsole::Tell(TextView line) {
 void TWindowsConsole::ShowProgress(TextView line) {
   if (!m_errorIsTerminal || (line.empty() && m_progressLength == 0))
     return;
-  Text shown(line.substr(0, LineWidth(m_error)));
+  const TFittingText fitting = FitIntoCells(line, LineWidth(m_error));
+  Text shown(fitting.Text);
   std::replace_if(
       shown.begin(), shown.end(), [](char16_t unit) { return unit < u' '; }, u' ');
-  const std::size_t length = shown.size();
   // Blanks cover the rest of the line before.
-  shown.resize(std::max(length, m_progressLength), u' ');
-  WriteUnits(m_error, u"\r" + shown + (length == 0 ? u"\r" : u""));
-  m_progressLength = length;
+  shown.append(m_progressLength - std::min(m_progressLength, fitting.Cells), u' ');
+  WriteUnits(m_error, u"\r" + shown + (fitting.Cells == 0 ? u"\r" : u""));
+  m_progressLength = fitting.Cells;
 }
 
 void TWindowsConsole::SetInterruptHandler(std::function<void()> handler) {

@@ -27,7 +27,7 @@ class TWindowsConsole : public TConsole {
   HANDLE m_output;
   HANDLE m_error;
   bool m_errorIsTerminal;
-  std::size_t m_progressLength = 0;  // units of the line that is shown now
+  std::size_t m_progressLength = 0;  // cells of the line that is shown now
 };
 
 }  // namespace corvalt

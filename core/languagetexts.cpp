@@ -16,9 +16,18 @@ TLanguageTable LoadTable(TSystem& system, const Text& path) {
   return TLanguageTable::FromFile(bytes, system.Locale);
 }
 
-// The language that the suite's settings name, corrected there when its file is missing.
-Text ChooseLanguage(TSystem& system, const Text& languagesFolder) {
-  const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
+Text LanguagesFolder(TextView programFolder) {
+  return WithTrailingBackslash(programFolder) + u"languages\\";
+}
+
+void LoadTables(TSystem& system, const Text& languagesFolder, const Text& name, TLanguageTexts& texts) {
+  texts.English = LoadTable(system, languagesFolder + Text(kEnglishFile));
+  texts.Selected = LoadTable(system, languagesFolder + name);
+}
+
+// The language that the suite's settings name, with full access corrected there when its file is missing.
+Text ChooseLanguage(TSystem& system, const Text& languagesFolder, TRegistryAccess access) {
+  const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(access);
   store->SetRootKey(kHkeyCurrentUser);
   store->OpenKey(kSuiteKey, true);
   Text name = store->ReadString(kLanguageValue);
@@ -66,11 +75,15 @@ Text PlainText(TextView text) {
   return ReplaceAll(text, u"&&", u"&");
 }
 
+void ReadLanguage(TSystem& system, TextView programFolder, TLanguageTexts& texts) {
+  const Text folder = LanguagesFolder(programFolder);
+  LoadTables(system, folder, ChooseLanguage(system, folder, TRegistryAccess::Read), texts);
+}
+
 Text LoadLanguage(TSystem& system, TextView programFolder, TLanguageTexts& texts) {
-  const Text languagesFolder = WithTrailingBackslash(programFolder) + u"languages\\";
-  Text name = ChooseLanguage(system, languagesFolder);
-  texts.English = LoadTable(system, languagesFolder + Text(kEnglishFile));
-  texts.Selected = LoadTable(system, languagesFolder + name);
+  const Text folder = LanguagesFolder(programFolder);
+  Text name = ChooseLanguage(system, folder, TRegistryAccess::Full);
+  LoadTables(system, folder, name, texts);
   return name;
 }
 

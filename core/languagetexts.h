@@ -44,6 +44,10 @@ Text LanguageText(const TLanguageTexts& texts, TextId id, TextView arg1 = {}, Te
 // A text as it is shown where the system gives "&" no meaning: each doubled "&" single again.
 Text PlainText(TextView text);
 
+// Loads both tables of the user's language and changes no setting: for what is said without the start
+// sequence.
+void ReadLanguage(TSystem& system, TextView programFolder, TLanguageTexts& texts);
+
 // Reads the user's language from the suite's settings, writes "english.lng" back where it is missing or its
 // file is, and loads both tables. Answers the language file's name. A missing file leaves its table empty.
 Text LoadLanguage(TSystem& system, TextView programFolder, TLanguageTexts& texts);

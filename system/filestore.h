@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -73,6 +74,12 @@ class TFileStore {
   // Replaces the file whole or creates it: writes a temporary file beside it, flushes it to the disk, renames
   // it over the target. After a failure the old file is in place and no temporary file is left.
   [[nodiscard]] virtual TSystemError ReplaceFile(TextView path, std::span<const std::uint8_t> bytes) = 0;
+
+  // The same with bytes that are made while they are written. The first failure of write, returned by
+  // produce, ends it; so does a failure that produce returns on its own.
+  using TWrite = std::function<TSystemError(std::span<const std::uint8_t>)>;
+  using TProducer = std::function<TSystemError(const TWrite& write)>;
+  [[nodiscard]] virtual TSystemError ReplaceFileInPieces(TextView path, const TProducer& produce) = 0;
 
   // A plain rename or move; fails when the target exists.
   [[nodiscard]] virtual TSystemError MoveFile(TextView from, TextView to) = 0;

@@ -4,6 +4,8 @@ namespace corvalt {
 
 namespace {
 
+constexpr std::size_t kPiece = 65536;  // bytes from which on a piece is written
+
 // Those of ASCII and those above it, which a terminal may obey too.
 bool IsControl(char16_t unit) {
   return unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);
@@ -62,16 +64,28 @@ std::string JsonString(TextView text) {
   return json + "\"";
 }
 
-std::string ProblemsJson(TResultsTree& results) {
-  std::string json = "{\"sections\":[";
+TSystemError WriteProblemsJson(TResultsTree& results,
+                               const std::function<TSystemError(std::string_view piece)>& write) {
+  TSystemError error;
+  std::string piece = "{\"sections\":[";
+  const auto writeFrom = [&](std::size_t size) {
+    if (!error.Failed() && piece.size() >= size) {
+      error = write(piece);
+      piece.clear();
+    }
+  };
   for (TResultsNode* header = results.FirstRoot(); header != nullptr; header = results.NextSibling(header)) {
-    json += (header == results.FirstRoot() ? "\n" : ",\n") + HeaderJson(results.Data(header));
+    piece += (header == results.FirstRoot() ? "\n" : ",\n") + HeaderJson(results.Data(header));
     TResultsNode* const first = results.FirstChild(header);
-    for (TResultsNode* node = first; node != nullptr; node = results.NextSibling(node))
-      json += (node == first ? "\n" : ",\n") + ProblemJson(results.Data(node));
-    json += "]}";
+    for (TResultsNode* node = first; node != nullptr && !error.Failed(); node = results.NextSibling(node)) {
+      piece += (node == first ? "\n" : ",\n") + ProblemJson(results.Data(node));
+      writeFrom(kPiece);
+    }
+    piece += "]}";
   }
-  return json + "]}\n";
+  piece += "]}\n";
+  writeFrom(0);
+  return error;
 }
 
 }  // namespace corvalt

@@ -370,6 +370,15 @@ TSystemError TMemoryDisk::ReplaceFile(TextView path, std::span<const std::uint8_
   return ReplaceEntry(*folder, names.back(), path, bytes);
 }
 
+TSystemError TMemoryDisk::ReplaceFileInPieces(TextView path, const TProducer& produce) {
+  std::vector<std::uint8_t> bytes;
+  const TSystemError error = produce([&bytes](std::span<const std::uint8_t> piece) {
+    bytes.insert(bytes.end(), piece.begin(), piece.end());
+    return TSystemError{};
+  });
+  return error.Failed() ? error : ReplaceFile(path, bytes);
+}
+
 TSystemError TMemoryDisk::MoveFile(TextView from, TextView to) {
   const THold hold(m_mutex);
   const std::shared_ptr<TMemoryFile> source = FindShared(from);

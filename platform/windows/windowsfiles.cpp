@@ -78,7 +78,11 @@ class TTemporaryFile {
   }
 
   TSystemError Write(std::span<const std::uint8_t> bytes) {
-    const TSystemError error = WriteAll(m_file.Get(), bytes);
+    return WriteAll(m_file.Get(), bytes);
+  }
+
+  TSystemError FlushAndClose() {
+    const TSystemError error = FlushFileBuffers(m_file.Get()) ? TSystemError{} : LastError();
     m_file.Close();
     return error;
   }
@@ -217,12 +221,18 @@ TSystemError TWindowsFiles::ReadFile(TextView path, std::vector<std::uint8_t>& b
 }
 
 TSystemError TWindowsFiles::ReplaceFile(TextView path, std::span<const std::uint8_t> bytes) {
+  return ReplaceFileInPieces(path, [bytes](const TWrite& write) { return write(bytes); });
+}
+
+TSystemError TWindowsFiles::ReplaceFileInPieces(TextView path, const TProducer& produce) {
   if (HoldsNul(path))
     return TSystemError{ERROR_INVALID_NAME};
   TTemporaryFile temporary{Text(path)};
   TSystemError error = temporary.Create();
   if (!error.Failed())
-    error = temporary.Write(bytes);
+    error = produce([&temporary](std::span<const std::uint8_t> bytes) { return temporary.Write(bytes); });
+  if (!error.Failed())
+    error = temporary.FlushAndClose();
   if (!error.Failed())
     error = temporary.MoveOverTarget();
   return error;

@@ -44,6 +44,7 @@ class TWindowsFiles : public TFileStore {
  public:
   TSystemError ReadFile(TextView path, std::vector<std::uint8_t>& bytes) override;
   TSystemError ReplaceFile(TextView path, std::span<const std::uint8_t> bytes) override;
+  TSystemError ReplaceFileInPieces(TextView path, const TProducer& produce) override;
   TSystemError MoveFile(TextView from, TextView to) override;
   TSystemError DeleteFile(TextView path) override;
   TSystemError MakeFolders(TextView path) override;

@@ -55,6 +55,31 @@ TEST_F(FileStoreContract, AFileIsCreatedAndReplacedWhole) {
   EXPECT_EQ(Names().size(), 1u);
 }
 
+TEST_F(FileStoreContract, AFileIsReplacedInPieces) {
+  Write(u"file.txt", {1});
+  const TSystemError error =
+      m_system.Files.ReplaceFileInPieces(At(u"file.txt"), [](const TFileStore::TWrite& write) {
+        EXPECT_FALSE(write(TBytes{1, 2}).Failed());
+        EXPECT_FALSE(write(TBytes{}).Failed());
+        return write(TBytes{3});
+      });
+  EXPECT_EQ(error, TSystemError{});
+  EXPECT_EQ(Read(u"file.txt"), (TBytes{1, 2, 3}));
+  EXPECT_EQ(Names().size(), 1u);
+}
+
+TEST_F(FileStoreContract, AFileWhosePiecesEndInAFailureStaysAsItWas) {
+  Write(u"file.txt", {1});
+  const TSystemError error =
+      m_system.Files.ReplaceFileInPieces(At(u"file.txt"), [](const TFileStore::TWrite& write) {
+        EXPECT_FALSE(write(TBytes{7, 7}).Failed());
+        return TSystemError{kErrorInvalidData};
+      });
+  EXPECT_EQ(error.Code, kErrorInvalidData);
+  EXPECT_EQ(Read(u"file.txt"), TBytes{1});
+  EXPECT_EQ(Names().size(), 1u);
+}
+
 TEST_F(FileStoreContract, LargeFilesPassUnchanged) {
   TBytes large(3 * 1024 * 1024 + 17);
   for (std::size_t i = 0; i < large.size(); ++i)

@@ -36,9 +36,10 @@ int TConsoleRig::Run(const std::vector<Text>& arguments) {
     ++Starts;
     FillGlobalVars(started, vars);
     FillGlobalReg(started, vars, reg);
-    vars.Texts = NumberedTexts();
+    vars.Texts = Texts;
   };
-  return static_cast<int>(RunConsoleProgram(arguments, {system, Console, u"9.8.7", start}));
+  return static_cast<int>(
+      RunConsoleProgram(arguments, {system, Console, u"9.8.7", start, [this](TSystem&) { return Texts; }}));
 }
 
 std::string TConsoleRig::Told() const {

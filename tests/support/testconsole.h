@@ -41,6 +41,7 @@ class TConsoleRig {
 
   TScanRig Scan;
   TTestConsole Console;
+  TLanguageTexts Texts = NumberedTexts();
   int Starts = 0;  // how often the start sequence ran
 };
 

@@ -58,7 +58,7 @@ TEST_F(ConsoleRepair, WithoutYesListsWhatItWouldDeleteAndDeletesNothing) {
   m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"index.ini", "[1]\r\nType=11001\r\n");
   EXPECT_EQ(Repair({}), 1);
   EXPECT_EQ(m_rig.Console.Output, kListing);
-  EXPECT_EQ(m_rig.Told(), "Nothing was deleted; with --yes repair deletes what it lists.\n");
+  EXPECT_EQ(m_rig.Told(), "40116\n");
   EXPECT_TRUE(HasProblem());
   // Not even an old backup.
   EXPECT_EQ(m_rig.Scan.System.Disk.Content(BackupsFolder() + u"index.ini"), "[1]\r\nType=11001\r\n");
@@ -68,7 +68,7 @@ TEST_F(ConsoleRepair, WithYesBacksUpAndDeletes) {
   EXPECT_EQ(Repair(), 0);
   EXPECT_FALSE(HasProblem());
   EXPECT_EQ(m_rig.Console.Output, "");
-  EXPECT_EQ(m_rig.Told(), "Backup: 46341.5\nRepaired: 1\n");
+  EXPECT_EQ(m_rig.Told(), "40117(46341.5)\n40118(1)\n");
 }
 
 TEST_F(ConsoleRepair, WithNothingToDoAnswersZeroAndMakesNoBackup) {
@@ -133,7 +133,7 @@ TEST_F(ConsoleRepair, WithBackupsSwitchedOffNeedsASecondWord) {
   EXPECT_TRUE(HasProblem());
   EXPECT_EQ(Repair({u"--yes", u"--no-backup"}), 0);
   EXPECT_FALSE(HasProblem());
-  EXPECT_EQ(m_rig.Told(), "Repaired: 1\n");
+  EXPECT_EQ(m_rig.Told(), "40118(1)\n");
   EXPECT_FALSE(m_rig.Scan.System.Disk.Content(BackupsFolder() + u"index.ini"));
 }
 

@@ -32,7 +32,48 @@ TResultsNode* Add(TResultsTreeModel& results, TResultsNode* parent, const ScanPr
   return node;
 }
 
+std::string ProblemsJson(TResultsTree& results) {
+  std::string json;
+  EXPECT_FALSE(WriteProblemsJson(results, [&json](std::string_view piece) {
+                 json += piece;
+                 return TSystemError();
+               }).Failed());
+  return json;
+}
+
 }  // namespace
+
+TEST(ProblemsJson, OfManyProblemsIsNeverInMemoryWhole) {
+  TResultsTreeModel results;
+  TResultsNode* header = Add(results, nullptr, Header(u"Many", kNoRootKey, 0, 3000));
+  for (int i = 0; i < 3000; ++i)
+    Add(results, header, Problem(kHkeyUsers, u"\\Software\\" + Text(100, u'x')));
+  std::size_t longest = 0;
+  std::size_t all = 0;
+  const TSystemError error = WriteProblemsJson(results, [&](std::string_view piece) {
+    longest = std::max(longest, piece.size());
+    all += piece.size();
+    return TSystemError();
+  });
+  EXPECT_FALSE(error.Failed());
+  EXPECT_EQ(all, ProblemsJson(results).size());
+  EXPECT_GT(all, 700000U);
+  EXPECT_LT(longest, 66000U);
+}
+
+TEST(ProblemsJson, EndsAtTheFirstPieceThatCannotBeWritten) {
+  TResultsTreeModel results;
+  TResultsNode* header = Add(results, nullptr, Header(u"Many", kNoRootKey, 0, 3000));
+  for (int i = 0; i < 3000; ++i)
+    Add(results, header, Problem(kHkeyUsers, u"\\Software\\" + Text(100, u'x')));
+  int calls = 0;
+  const TSystemError error = WriteProblemsJson(results, [&calls](std::string_view) {
+    ++calls;
+    return TSystemError{kErrorDiskFull};
+  });
+  EXPECT_EQ(error.Code, kErrorDiskFull);
+  EXPECT_EQ(calls, 1);
+}
 
 TEST(ProblemsJson, AnEmptyTreeIsAnEmptyList) {
   TResultsTreeModel results;

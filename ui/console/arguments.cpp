@@ -12,13 +12,13 @@ bool LooksLikeOption(TextView argument) {
   return argument.starts_with(u"--");
 }
 
-bool IsOneOf(const Text& option, std::initializer_list<TextView> options) {
+bool IsOneOf(TextView option, std::initializer_list<TextView> options) {
   return std::find(options.begin(), options.end(), option) != options.end();
 }
 
 void RefuseSecond(const Text& option, bool isFirst) {
   if (!isFirst)
-    throw TUsageError(option + u" is given twice.");
+    throw TUsageError(TextId::OptionGivenTwice, option);
 }
 
 bool IsSectionCode(std::int32_t code) {
@@ -29,9 +29,8 @@ bool IsSectionCode(std::int32_t code) {
 
 std::int32_t ParseSectionCode(const Text& text) {
   const std::optional<std::int32_t> code = ParseInteger(text);
-  if (!code || !IsSectionCode(*code)) {
-    throw TUsageError(u"There is no section \"" + text + u"\"; \"corvaltc sections\" lists them.");
-  }
+  if (!code || !IsSectionCode(*code))
+    throw TUsageError(TextId::NoSuchSection, text);
   return *code;
 }
 
@@ -40,18 +39,27 @@ std::int32_t ParseSectionCode(const Text& text) {
 TArguments::TArguments(const std::vector<Text>& arguments, const TKnownOptions& known) {
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const Text& argument = arguments[i];
+    const std::size_t equals = argument.find(u'=');
+    const Text option = argument.substr(0, equals);
     if (!LooksLikeOption(argument)) {
       m_plain.push_back(argument);
     } else if (IsOneOf(argument, known.Flags)) {
       RefuseSecond(argument, m_flags.insert(argument).second);
-    } else if (IsOneOf(argument, known.WithValue)) {
-      if (i + 1 == arguments.size() || arguments[i + 1].empty() || LooksLikeOption(arguments[i + 1]))
-        throw TUsageError(argument + u" needs a value after it.");
-      RefuseSecond(argument, m_values.emplace(argument, arguments[++i]).second);
+    } else if (!IsOneOf(option, known.WithValue)) {
+      throw TUsageError(TextId::UnknownOption, argument);
+    } else if (equals != Text::npos) {
+      AddValue(option, argument.substr(equals + 1));
     } else {
-      throw TUsageError(u"Unknown option: " + argument);
+      const bool hasValue = i + 1 < arguments.size() && !LooksLikeOption(arguments[i + 1]);
+      AddValue(option, hasValue ? arguments[++i] : Text());
     }
   }
+}
+
+void TArguments::AddValue(const Text& option, const Text& value) {
+  if (value.empty())
+    throw TUsageError(TextId::OptionNeedsValue, option);
+  RefuseSecond(option, m_values.emplace(option, value).second);
 }
 
 std::optional<Text> TArguments::Value(TextView option) const {
@@ -61,7 +69,7 @@ std::optional<Text> TArguments::Value(TextView option) const {
 
 void TArguments::RefusePlain() const {
   if (!m_plain.empty())
-    throw TUsageError(u"Unexpected argument: " + m_plain.front());
+    throw TUsageError(TextId::UnexpectedArgument, m_plain.front());
 }
 
 std::vector<std::int32_t> ParseSectionCodes(TextView list) {

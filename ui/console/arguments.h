@@ -2,33 +2,38 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <initializer_list>
 #include <map>
 #include <optional>
 #include <set>
+#include <utility>
 #include <vector>
 
 #include "base/text.h"
-#include "system/systemerror.h"
+#include "core/languageids.h"
 
 namespace corvalt {
 
-// Wrong usage; the message is the line that the user is told.
-class TUsageError : public TProgramException {
- public:
-  using TProgramException::TProgramException;
+// Wrong usage; the text, with its argument, is the line that the user is told.
+struct TUsageError : std::exception {
+  explicit TUsageError(TextId id, Text argument = {}) : Id(id), Argument(std::move(argument)) {
+  }
+
+  TextId Id;
+  Text Argument;
 };
 
 // Options that a command knows, by name with the leading "--".
 struct TKnownOptions {
   std::initializer_list<TextView> Flags;
-  std::initializer_list<TextView> WithValue;  // the next argument is the value
+  std::initializer_list<TextView> WithValue;  // "--name VALUE" or "--name=VALUE"
 };
 
 class TArguments {
  public:
-  // Throws TUsageError for an unknown or repeated option and for a missing value. A value never begins with
-  // "--".
+  // Throws TUsageError for an unknown or repeated option and for a missing value. A value after its option
+  // never begins with "--"; behind "=" it may.
   TArguments(const std::vector<Text>& arguments, const TKnownOptions& known);
 
   bool Has(TextView flag) const {
@@ -45,6 +50,8 @@ class TArguments {
   void RefusePlain() const;
 
  private:
+  void AddValue(const Text& option, const Text& value);
+
   std::set<Text> m_flags;
   std::map<Text, Text> m_values;
   std::vector<Text> m_plain;

@@ -20,11 +20,11 @@ TExitCode ListBackups(TConsoleContext& context) {
                "\n";
     }
   } catch (...) {
-    TellReason(context, TextId::BackupsNotListed,
-               DescribeException(std::current_exception(), context.System.Locale));
+    TellText(context, TextId::BackupsNotListed,
+             DescribeException(std::current_exception(), context.System.Locale));
     return TExitCode::Failed;
   }
-  return WriteData(context, lines) ? TExitCode::Nothing : TExitCode::Failed;
+  return WriteData(context, lines) ? TExitCode::Done : TExitCode::Failed;
 }
 
 }  // namespace

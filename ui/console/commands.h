@@ -14,8 +14,8 @@ using TCommandRun = std::function<TExitCode(TConsoleContext&)>;
 
 struct TCommand {
   TextView Name;
-  TextView Usage;    // its arguments
-  TextView Summary;  // one line
+  TextView Usage;  // its arguments
+  TextId Summary;
 
   // What to run for these arguments, those after the command's name. Throws TUsageError.
   TCommandRun (*Prepare)(const std::vector<Text>& arguments);

@@ -33,11 +33,11 @@ class TConsole {
 
 // The program's exit codes.
 enum class TExitCode : int {
-  Nothing = 0,      // nothing found
-  Found = 1,        // problems found
-  WrongUsage = 2,   // nothing was done
-  Failed = 3,       // with the reason on standard error
-  Interrupted = 4,  // by the interrupt key, after something was changed
+  Done = 0,           // nothing was found, or everything was repaired, restored or changed as asked
+  SomethingLeft = 1,  // problems were found, or some were not repaired, restored or there to be changed
+  WrongUsage = 2,     // nothing was done
+  Failed = 3,         // with the reason on standard error
+  Interrupted = 4,    // by the interrupt key, after something was changed
 };
 
 // What a command runs on, the start sequence done. The calling thread is the user-interface thread.

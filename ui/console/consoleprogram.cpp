@@ -1,49 +1,98 @@
 #include "ui/console/consoleprogram.h"
 
 #include <algorithm>
+#include <array>
 
 #include "ui/console/arguments.h"
 #include "ui/console/commands.h"
+#include "ui/console/output.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr TextView kHelpOption = u"--help";
 constexpr TextView kVersionOption = u"--version";
+constexpr TextView kHelpCommand = u"help";
+constexpr std::array<TextView, 3> kHelpOptions = {u"--help", u"-h", u"/?"};
 
-constexpr TextView kHelpEnd =
-    u"  corvaltc --help\n"
-    u"      explains the commands\n"
-    u"  corvaltc --version\n"
-    u"      names the version\n"
-    u"\n"
-    u"  --sections  the sections to scan, by their numbers\n"
-    u"  --report    writes the problem report, a plain text\n"
-    u"  --json      writes what was found as JSON; FILE \"-\" is standard output\n"
-    u"  --quiet     lists nothing and shows no progress\n"
-    u"  --yes       lets repair delete; a complete backup is made before\n"
-    u"  --no-backup  needed beside --yes where the suite's settings switch this program's backups off\n"
-    u"\n"
-    u"Ctrl-C cancels a scan; what was found until then is written and counts. It cancels a repair too,\n"
-    u"which then lists what is left, and a restore, which ends behind the entry that it is at.\n"
-    u"Standard output is UTF-8 with line feeds.\n"
-    u"\n"
-    u"Exit codes:\n"
-    u"  0  nothing found; everything repaired, restored or changed as asked\n"
-    u"  1  problems found; some left by a repair, or skipped by a restore; no such entry to remove\n"
-    u"  2  wrong usage; nothing was done\n"
-    u"  3  the command failed, or what it found could not be written; a repair that fails so has deleted\n"
-    u"     nothing; the reason stands on standard error\n"
-    u"  4  interrupted; a restore has written what it says\n";
+constexpr std::size_t kHelpWidth = 100;  // units of a line
 
-Text HelpText() {
-  Text help = u"Corvalt, the registry cleaner, for the command line.\n\n";
-  for (const TCommand& command : Commands()) {
-    const Text usage = command.Usage.empty() ? Text() : u" " + Text(command.Usage);
-    help += u"  corvaltc " + Text(command.Name) + usage + u"\n      " + Text(command.Summary) + u"\n";
+struct THelpLine {
+  TextView Word;
+  TextId Text;
+};
+
+constexpr std::array kOptionLines = std::to_array<THelpLine>({
+    {u"--sections", TextId::HelpOptionSections},
+    {u"--report", TextId::HelpOptionReport},
+    {u"--json", TextId::HelpOptionJson},
+    {u"--quiet", TextId::HelpOptionQuiet},
+    {u"--yes", TextId::HelpOptionYes},
+    {u"--no-backup", TextId::HelpOptionNoBackup},
+    {u"--foreign", TextId::HelpOptionForeign},
+});
+
+// In the order of their numbers, which begin with 0.
+constexpr std::array kExitCodes = {TextId::HelpExitDone, TextId::HelpExitLeft, TextId::HelpExitUsage,
+                                   TextId::HelpExitFailed, TextId::HelpExitInterrupted};
+
+// The text on lines of its own, each but the first behind this many blanks.
+Text Wrapped(TextView text, std::size_t indent) {
+  Text lines;
+  std::size_t column = indent;
+  while (!text.empty()) {
+    const TextView word = text.substr(0, text.find(u' '));
+    text.remove_prefix(std::min(word.size() + 1, text.size()));
+    if (column > indent && column + 1 + word.size() > kHelpWidth) {
+      lines += u"\n" + Text(indent, u' ');
+      column = indent;
+    }
+    if (column > indent) {
+      lines += u' ';
+      ++column;
+    }
+    lines += word;
+    column += word.size();
   }
-  return help.append(kHelpEnd);
+  return lines + u"\n";
+}
+
+// A word, and what it means from this column on.
+Text HelpLine(TextView word, TextView meaning, std::size_t column) {
+  Text line = u"  " + Text(word);
+  line.resize(std::max(column, line.size() + 2), u' ');
+  return line + Wrapped(meaning, line.size());
+}
+
+Text CommandHelp(TextView name, TextView usage, TextView summary) {
+  constexpr std::size_t kIndent = 6;
+  const Text arguments = usage.empty() ? Text() : u" " + Text(usage);
+  return u"  corvaltc " + Text(name) + arguments + u"\n" + Text(kIndent, u' ') + Wrapped(summary, kIndent);
+}
+
+Text HelpText(const TLanguageTexts& texts) {
+  constexpr std::size_t kOptionColumn = 15;
+  constexpr std::size_t kExitCodeColumn = 5;
+  const auto text = [&texts](TextId id) { return ConsoleText(texts, id); };
+  Text help = Wrapped(text(TextId::HelpTitle), 0) + u"\n";
+  for (const TCommand& command : Commands())
+    help += CommandHelp(command.Name, command.Usage, text(command.Summary));
+  help += CommandHelp(kHelpCommand, {}, text(TextId::HelpHelp));
+  help += CommandHelp(kVersionOption, {}, text(TextId::HelpVersion)) + u"\n";
+  for (const THelpLine& line : kOptionLines)
+    help += HelpLine(line.Word, text(line.Text), kOptionColumn);
+  help += u"\n" + Wrapped(text(TextId::HelpInterrupt), 0) + Wrapped(text(TextId::HelpEncoding), 0);
+  help += u"\n" + Wrapped(text(TextId::HelpExitCodes), 0);
+  for (std::size_t code = 0; code < kExitCodes.size(); ++code)
+    help += HelpLine(DecimalText(static_cast<std::int64_t>(code)), text(kExitCodes[code]), kExitCodeColumn);
+  return help;
+}
+
+bool AsksForHelp(const std::vector<Text>& arguments) {
+  return arguments.front() == kHelpCommand ||
+         std::any_of(arguments.begin(), arguments.end(), [](const Text& argument) {
+           return std::find(kHelpOptions.begin(), kHelpOptions.end(), argument) != kHelpOptions.end();
+         });
 }
 
 const TCommand& FindCommand(const Text& name) {
@@ -51,7 +100,7 @@ const TCommand& FindCommand(const Text& name) {
   const auto found = std::find_if(commands.begin(), commands.end(),
                                   [&name](const TCommand& command) { return command.Name == name; });
   if (found == commands.end())
-    throw TUsageError(u"Unknown command: " + name);
+    throw TUsageError(TextId::UnknownCommand, name);
   return *found;
 }
 
@@ -69,18 +118,18 @@ TExitCode RunCommand(const std::vector<Text>& arguments, const TConsoleProgram& 
 }
 
 TExitCode Print(const TConsoleProgram& program, TextView text) {
-  return program.Console.Write(EncodeUtf8(text)).Failed() ? TExitCode::Failed : TExitCode::Nothing;
+  return program.Console.Write(EncodeUtf8(text)).Failed() ? TExitCode::Failed : TExitCode::Done;
 }
 
 TExitCode Obey(const std::vector<Text>& arguments, const TConsoleProgram& program) {
   if (arguments.empty())
-    throw TUsageError(u"No command is given.");
-  if (std::find(arguments.begin(), arguments.end(), kHelpOption) != arguments.end())
-    return Print(program, HelpText());
+    throw TUsageError(TextId::NoCommand);
+  if (AsksForHelp(arguments))
+    return Print(program, HelpText(program.Texts(program.System)));
   if (arguments.front() != kVersionOption)
     return RunCommand(arguments, program);
   if (arguments.size() > 1)
-    throw TUsageError(u"Unexpected argument: " + arguments[1]);
+    throw TUsageError(TextId::UnexpectedArgument, arguments[1]);
   return Print(program, u"corvaltc " + Text(program.Version) + u"\n");
 }
 
@@ -90,8 +139,9 @@ TExitCode RunConsoleProgram(const std::vector<Text>& arguments, const TConsolePr
   try {
     return Obey(arguments, program);
   } catch (const TUsageError& error) {
-    program.Console.Tell(error.Message());
-    program.Console.Tell(u"\"corvaltc --help\" explains the commands.");
+    const TLanguageTexts texts = program.Texts(program.System);
+    program.Console.Tell(ConsoleText(texts, error.Id, error.Argument));
+    program.Console.Tell(ConsoleText(texts, TextId::HelpHint));
     return TExitCode::WrongUsage;
   } catch (...) {
     program.Console.Tell(DescribeException(std::current_exception(), program.System.Locale));

@@ -4,6 +4,7 @@
 #include <functional>
 #include <vector>
 
+#include "core/languagetexts.h"
 #include "ui/console/console.h"
 
 namespace corvalt {
@@ -15,6 +16,9 @@ struct TConsoleProgram {
 
   // The start sequence; it runs before every command, and not for the help or wrong usage.
   std::function<void(TSystem&, TGlobalVars&, TGlobalReg&)> Start;
+
+  // The texts for the help and for wrong usage; changes nothing.
+  std::function<TLanguageTexts(TSystem&)> Texts;
 };
 
 // Runs what the arguments, the program's own name not among them, ask for on the calling thread.

@@ -17,7 +17,7 @@ TExitCode ListEntries(TConsoleContext& context) {
   std::string lines;
   for (const Text& entry : context.Reg.IgnoreList)
     lines += LineText(entry) + "\n";
-  return WriteData(context, lines) ? TExitCode::Nothing : TExitCode::Failed;
+  return WriteData(context, lines) ? TExitCode::Done : TExitCode::Failed;
 }
 
 // The list as it was stored; a failure to store it is silent.
@@ -26,8 +26,8 @@ TExitCode CodeOfStored(TConsoleContext& context, const Text& entry, bool expecte
   const bool isStored = std::any_of(stored.begin(), stored.end(),
                                     [&entry](const Text& each) { return EqualIgnoringCase(each, entry); });
   if (isStored == expected)
-    return TExitCode::Nothing;
-  context.Console.Tell(u"The ignore list could not be stored.");
+    return TExitCode::Done;
+  TellText(context, TextId::IgnoreListNotStored);
   return TExitCode::Failed;
 }
 
@@ -52,8 +52,8 @@ TExitCode Remove(TConsoleContext& context, const Text& entry) {
   TIgnoreListModel model(context.Reg);
   std::optional<std::size_t> row = RowOf(model, entry);
   if (!row) {
-    context.Console.Tell(u"The ignore list has no such entry: " + entry);
-    return TExitCode::Found;
+    TellText(context, TextId::NoSuchIgnoreEntry, entry);
+    return TExitCode::SomethingLeft;
   }
   // An entry that was switched on again stands there twice.
   for (; row; row = RowOf(model, entry))
@@ -74,7 +74,7 @@ TCommandRun PrepareIgnore(const std::vector<Text>& list) {
     return [entry = words[1]](TConsoleContext& context) { return Add(context, entry); };
   if (hasEntry && words[0] == u"remove")
     return [entry = words[1]](TConsoleContext& context) { return Remove(context, entry); };
-  throw TUsageError(u"ignore needs \"list\", \"add ENTRY\" or \"remove ENTRY\".");
+  throw TUsageError(TextId::IgnoreNeedsWords);
 }
 
 }  // namespace corvalt

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "core/languagetexts.h"
+
 namespace corvalt {
 
 namespace {
@@ -12,28 +14,44 @@ bool IsControl(char16_t unit) {
   return unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);
 }
 
-bool TellFailure(TConsoleContext& context, TSystemError error, TextView subject) {
+}  // namespace
+
+bool TellWriteFailure(TConsoleContext& context, TSystemError error, TextView subject) {
   if (!error.Failed())
     return true;
   const auto exception = std::make_exception_ptr(TSystemException(error, Text(subject)));
-  TellReason(context, TextId::ReportNotSaved, DescribeException(exception, context.System.Locale));
+  TellText(context, TextId::ReportNotSaved, DescribeException(exception, context.System.Locale));
   return false;
 }
 
-}  // namespace
+std::span<const std::uint8_t> BytesOf(std::string_view text) {
+  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
 
 bool WriteData(TConsoleContext& context, std::string_view utf8) {
-  return TellFailure(context, context.Console.Write(utf8), {});
+  return TellWriteFailure(context, context.Console.Write(utf8), {});
 }
 
 bool WriteWholeFile(TConsoleContext& context, TextView file, std::string_view bytes) {
-  const std::span data(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
-  return TellFailure(context, context.System.Files.ReplaceFile(file, data), file);
+  return TellWriteFailure(context, context.System.Files.ReplaceFile(file, BytesOf(bytes)), file);
 }
 
-void TellReason(TConsoleContext& context, TextId id, TextView reason) {
-  const Text text = LanguageText(context.Vars.Texts, id, reason);
-  context.Console.Tell(text.empty() ? reason : PlainText(text));
+bool WriteWholeFile(TConsoleContext& context, TextView file, const TFileStore::TProducer& produce) {
+  return TellWriteFailure(context, context.System.Files.ReplaceFileInPieces(file, produce), file);
+}
+
+Text ConsoleText(const TLanguageTexts& texts, TextId id, TextView arg1, TextView arg2) {
+  const Text text = LanguageText(texts, id, arg1, arg2);
+  return text.empty() ? Text(arg1) : PlainText(text);
+}
+
+void TellText(TConsoleContext& context, TextId id, TextView arg1, TextView arg2) {
+  context.Console.Tell(ConsoleText(context.Vars.Texts, id, arg1, arg2));
+}
+
+void TellCount(TConsoleContext& context, TextId id, std::size_t count) {
+  if (count != 0)
+    TellText(context, id, DecimalText(static_cast<std::int64_t>(count)));
 }
 
 std::string LineText(TextView text) {

@@ -50,8 +50,16 @@ std::size_t ProblemCount(TResultsTree& results) {
 }
 
 bool WriteJson(TConsoleContext& context, const Text& target, TResultsTree& results) {
-  const std::string json = ProblemsJson(results);
-  return target == kStandardOutput ? WriteData(context, json) : WriteWholeFile(context, target, json);
+  if (target == kStandardOutput) {
+    return TellWriteFailure(
+        context,
+        WriteProblemsJson(results,
+                          [&context](std::string_view piece) { return context.Console.Write(piece); }),
+        {});
+  }
+  return WriteWholeFile(context, target, [&results](const TFileStore::TWrite& write) {
+    return WriteProblemsJson(results, [&write](std::string_view piece) { return write(BytesOf(piece)); });
+  });
 }
 
 }  // namespace corvalt

@@ -45,9 +45,9 @@ void CheckBackupChoice(TConsoleContext& context, const TRepairOptions& options) 
     return;
   const bool backupsAreOn = BackupsAreOn(context.System);
   if (!backupsAreOn && !options.NoBackup)
-    throw TUsageError(u"The suite's settings switch backups off: repair needs --no-backup beside --yes.");
+    throw TUsageError(TextId::RepairNeedsNoBackup);
   if (backupsAreOn && options.NoBackup)
-    context.Console.Tell(u"The suite's settings want backups: one is made all the same.");
+    TellText(context, TextId::BackupMadeAllTheSame);
 }
 
 void TidyUpBackups(TConsoleContext& context) {
@@ -55,8 +55,8 @@ void TidyUpBackups(TConsoleContext& context) {
     MaintainBackups(context.System, context.Vars, [] { return false; });
   } catch (...) {
     // The repair needs none of it; it has its own checks of the store.
-    TellReason(context, TextId::MaintenanceFailed,
-               DescribeException(std::current_exception(), context.System.Locale));
+    TellText(context, TextId::MaintenanceFailed,
+             DescribeException(std::current_exception(), context.System.Locale));
   }
 }
 
@@ -78,15 +78,11 @@ void TellRepair(TConsoleContext& context, const TRepairOutcome& outcome) {
   if (outcome.Failure)
     context.Console.Tell(DescribeException(outcome.Failure, context.System.Locale));
   if (!cleaning.BackupName.empty())
-    context.Console.Tell(u"Backup: " + cleaning.BackupName);
-  const auto tell = [&context](TextView what, std::size_t count) {
-    if (count != 0)
-      context.Console.Tell(Text(what) + DecimalText(static_cast<std::int64_t>(count)));
-  };
-  tell(u"Repaired: ", cleaning.Deleted.size());
+    TellText(context, TextId::BackupNamed, cleaning.BackupName);
+  TellCount(context, TextId::EntriesRepaired, cleaning.Deleted.size());
   for (const Text& line : LeftoverLines(cleaning, context.Vars.Texts))
     context.Console.Tell(PlainText(line));
-  tell(u"Not repaired, because the repair ended early: ", cleaning.NotReached);
+  TellCount(context, TextId::EntriesNotReached, cleaning.NotReached);
 }
 
 // On standard error where standard output holds JSON.
@@ -109,7 +105,7 @@ TExitCode Delete(TConsoleContext& context, TResultsTreeModel& results, bool list
     return TExitCode::Failed;
   DropDeleted(results, outcome.Cleaning);
   ListWhatIsLeft(context, results, listOnStandardOutput);
-  return ProblemCount(results) == 0 ? TExitCode::Nothing : TExitCode::Found;
+  return ProblemCount(results) == 0 ? TExitCode::Done : TExitCode::SomethingLeft;
 }
 
 TExitCode Repair(TConsoleContext& context, const TRepairOptions& options) {
@@ -120,19 +116,19 @@ TExitCode Repair(TConsoleContext& context, const TRepairOptions& options) {
   if (options.SectionCodes)
     sections.CheckOnly(*options.SectionCodes);
   TResultsTreeModel results;
-  const TScanOutcome scan = RunScan(context, sections, results, false);
+  const TWorkerEnd scan = RunScan(context, sections, results, false);
   TellOutcome(context, scan);
   // What was found is written before anything is deleted.
   if ((options.Json && !WriteJson(context, *options.Json, results)) || scan.Failure)
     return TExitCode::Failed;
   const bool listFindings = options.Json != kStandardOutput;
   if (ProblemCount(results) == 0)
-    return TExitCode::Nothing;
+    return TExitCode::Done;
   if (options.Yes && !scan.Cancelled)
     return Delete(context, results, listFindings, options.NoBackup);
-  context.Console.Tell(options.Yes ? u"Nothing was deleted."
-                                   : u"Nothing was deleted; with --yes repair deletes what it lists.");
-  return !listFindings || WriteData(context, ProblemListing(results)) ? TExitCode::Found : TExitCode::Failed;
+  TellText(context, options.Yes ? TextId::NothingDeleted : TextId::NothingDeletedWithoutYes);
+  return !listFindings || WriteData(context, ProblemListing(results)) ? TExitCode::SomethingLeft
+                                                                      : TExitCode::Failed;
 }
 
 }  // namespace

@@ -19,9 +19,9 @@ constexpr TextView kForeign = u"--foreign";
 TExitCode CodeOf(TRestoreEnd end) {
   switch (end) {
     case TRestoreEnd::Restored:
-      return TExitCode::Nothing;
+      return TExitCode::Done;
     case TRestoreEnd::Incomplete:
-      return TExitCode::Found;
+      return TExitCode::SomethingLeft;
     case TRestoreEnd::Stopped:
       return TExitCode::Interrupted;
     default:
@@ -66,7 +66,7 @@ TExitCode Restore(TConsoleContext& context, const Text& name, bool allowForeign)
 TCommandRun PrepareRestore(const std::vector<Text>& list) {
   const TArguments arguments(list, {{kForeign}, {}});
   if (arguments.Plain().size() != 1)
-    throw TUsageError(u"restore needs the name of one backup; \"corvaltc backups\" lists them.");
+    throw TUsageError(TextId::RestoreNeedsName);
   const bool allowForeign = arguments.Has(kForeign);
   return [name = arguments.Plain().front(), allowForeign](TConsoleContext& context) {
     return Restore(context, name, allowForeign);

@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "base/lettercase.h"
 #include "ui/console/arguments.h"
 #include "ui/console/commands.h"
 #include "ui/console/output.h"
@@ -32,7 +33,10 @@ TScanOptions ParseOptions(const std::vector<Text>& list) {
   options.Json = arguments.Value(u"--json");
   options.Quiet = arguments.Has(u"--quiet");
   if (options.Report == kStandardOutput)
-    throw TUsageError(u"--report needs the name of a file; only --json writes to standard output.");
+    throw TUsageError(TextId::ReportNeedsFile);
+  // The second would replace the first.
+  if (options.Report && options.Json && EqualIgnoringCase(*options.Report, *options.Json))
+    throw TUsageError(TextId::ReportAndJsonDiffer);
   return options;
 }
 
@@ -56,11 +60,11 @@ TExitCode Scan(TConsoleContext& context, const TScanOptions& options) {
   if (options.SectionCodes)
     sections.CheckOnly(*options.SectionCodes);
   TResultsTreeModel results;
-  const TScanOutcome outcome = RunScan(context, sections, results, options.Quiet);
+  const TWorkerEnd outcome = RunScan(context, sections, results, options.Quiet);
   TellOutcome(context, outcome);
   if (!WriteFindings(context, options, results) || outcome.Failure)
     return TExitCode::Failed;
-  return ProblemCount(results) == 0 ? TExitCode::Nothing : TExitCode::Found;
+  return ProblemCount(results) == 0 ? TExitCode::Done : TExitCode::SomethingLeft;
 }
 
 }  // namespace

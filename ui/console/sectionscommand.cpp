@@ -13,7 +13,7 @@ TExitCode ListSections(TConsoleContext& context) {
   std::string lines;
   for (const TSection& section : SectionCatalogue())
     lines += EncodeUtf8(DecimalText(section.Code) + u"\t" + Text(section.HeaderCaption)) + "\n";
-  return WriteData(context, lines) ? TExitCode::Nothing : TExitCode::Failed;
+  return WriteData(context, lines) ? TExitCode::Done : TExitCode::Failed;
 }
 
 }  // namespace
