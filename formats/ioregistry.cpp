@@ -22,18 +22,6 @@ TExportResult ExportResultOf(TRawResult result) {
   }
 }
 
-// The path as it stands in the file: from the root, one "\" before each name. Nothing for a path that opens
-// no key.
-std::optional<Text> FilePath(TextView keyPath) {
-  const std::optional<TParsedKeyPath> parsed = ParseKeyPath(keyPath);
-  if (!parsed)
-    return std::nullopt;
-  Text path;
-  for (const Text& name : parsed->Names)
-    path.append(u"\\").append(name);
-  return path.empty() ? Text(u"\\") : path;
-}
-
 // The path spelled as its names are stored, as far as it ends in the names of its place; a part before a link
 // keeps its spelling.
 Text StoredPath(const Text& path, TextView placePath) {
@@ -102,19 +90,24 @@ void TIORegistry::Finish() {
 }
 
 TExportResult TIORegistry::ExportKey(TRootKey rootKey, TextView keyPath) {
-  const TKeysReleased released(m_registry);
-  const std::optional<Text> path = FilePath(keyPath);
-  if (!path)
+  const std::optional<TKeyPath> key = TKeyPath::Parse(rootKey, keyPath);
+  if (!key)
     return TExportResult::Missing;
-  TKeyPlace place{rootKey, *path};
-  if (*path != u"\\") {
-    const TRawResult found = m_registry.FindKey(rootKey, *path, place);
+  TKeyPlace place{key->RootKey(), key->Path()};
+  if (!key->IsRoot()) {
+    const TKeysReleased released(m_registry);
+    const TRawResult found = m_registry.FindKey(key->RootKey(), key->Path(), place);
     if (found != TRawResult::Done)
       return ExportResultOf(found);
   }
+  return ExportKey(*key, place);
+}
+
+TExportResult TIORegistry::ExportKey(const TKeyPath& key, const TKeyPlace& place) {
+  const TKeysReleased released(m_registry);
   const std::size_t textBefore = m_text.size();
   const std::size_t keysBefore = m_exported.size();
-  const TExportResult result = AppendTree(rootKey, StoredPath(*path, place.KeyPath), place);
+  const TExportResult result = AppendTree(key.RootKey(), StoredPath(key.Path(), place.KeyPath), place);
   if (result != TExportResult::Done) {
     m_text.resize(textBefore);
     m_exported.erase(m_exported.begin() + static_cast<std::ptrdiff_t>(keysBefore), m_exported.end());
@@ -169,25 +162,30 @@ TRawResult TIORegistry::ReadKey(TExportedKey& key, std::vector<Text>& subKeys) {
 }
 
 TExportResult TIORegistry::ExportValue(TRootKey rootKey, TextView keyPath, TextView valueName) {
-  const TKeysReleased released(m_registry);
-  const std::optional<Text> path = FilePath(keyPath);
-  if (!path)
+  const std::optional<TKeyPath> key = TKeyPath::Parse(rootKey, keyPath);
+  if (!key)
     return TExportResult::Missing;
-  TKeyPlace place{rootKey, *path};
-  if (*path != u"\\") {
-    const TRawResult found = m_registry.FindValue(rootKey, *path, valueName, place);
+  TKeyPlace place{key->RootKey(), key->Path()};
+  if (!key->IsRoot()) {
+    const TKeysReleased released(m_registry);
+    const TRawResult found = m_registry.FindValue(key->RootKey(), key->Path(), valueName, place);
     if (found != TRawResult::Done)
       return ExportResultOf(found);
   }
+  return ExportValue(*key, place, valueName);
+}
+
+TExportResult TIORegistry::ExportValue(const TKeyPath& key, const TKeyPlace& place, TextView valueName) {
+  const TKeysReleased released(m_registry);
   TRawValue value;
   const TRawResult read = m_registry.ReadValue(place.RootKey, place.KeyPath, valueName, value);
   if (read != TRawResult::Done)
     return ExportResultOf(read);
-  TExportedKey key{rootKey, StoredPath(*path, place.KeyPath), std::move(place), {}, {std::move(value)}};
+  TExportedKey exported{key.RootKey(), StoredPath(key.Path(), place.KeyPath), place, {}, {std::move(value)}};
   if (m_origin)
-    key.Attributes.Hive = HiveOf(key);
+    exported.Attributes.Hive = HiveOf(exported);
   TRegFileWriter writer(m_locale, m_text);
-  AppendKey(writer, std::move(key));
+  AppendKey(writer, std::move(exported));
   return TExportResult::Done;
 }
 

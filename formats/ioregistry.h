@@ -60,6 +60,11 @@ class TIORegistry {
   TExportResult ExportKey(TRootKey rootKey, TextView keyPath);
   TExportResult ExportValue(TRootKey rootKey, TextView keyPath, TextView valueName);
 
+  // The same at the place where the key, or the key that holds the value, really lies: read there, and
+  // written under the key's own name.
+  TExportResult ExportKey(const TKeyPath& key, const TKeyPlace& place);
+  TExportResult ExportValue(const TKeyPath& key, const TKeyPlace& place, TextView valueName);
+
   // Writes the last line of a backup. To be called once, after the last export.
   void Finish();
 

@@ -16,6 +16,12 @@ namespace {
   throw TProgramException(PlainText(LanguageText(vars.Texts, TextId::BackupNotVerified)));
 }
 
+// Of a path with at least one name; the root's is "\".
+Text ParentPath(const Text& keyPath) {
+  const std::size_t end = keyPath.rfind(u'\\');
+  return end == 0 ? Text(u"\\") : keyPath.substr(0, end);
+}
+
 void Expect(TSystemError error, const Text& path) {
   if (error.Failed())
     throw TSystemException(error, path);
@@ -53,32 +59,47 @@ BackupStore::TRun BackupStore::NewRun(TBackupFolder& folder, const TBackupName& 
 }
 
 TExportResult BackupStore::AddKeyToBackup(const TKeyPath& key) {
+  const TKeysReleased released(m_system.Raw);
+  TKeyPlace place;
+  const TRawResult found = m_system.Raw.FindKey(key.RootKey(), key.Path(), place);
+  if (found != TRawResult::Done)
+    return found == TRawResult::Missing ? TExportResult::Missing : TExportResult::Unreadable;
+  // The right to delete a key is not the right to bring it back.
+  if (m_system.Raw.MayCreateSubKeys(place.RootKey, ParentPath(place.KeyPath)) != TRawResult::Done)
+    return TExportResult::Unreadable;
   const std::size_t keysBefore = m_exporter.Exported().size();
-  const TExportResult result = m_exporter.ExportKey(key.RootKey(), key.Path());
-  if (result == TExportResult::Done)
-    m_collected.CoverKey(key);
-  CollectContent(keysBefore);
+  const TExportResult result = m_exporter.ExportKey(key, place);
+  if (result == TExportResult::Done) {
+    m_collected.CoverKey(key, place);
+    CollectContent(keysBefore, place);
+  }
   return result;
 }
 
 TExportResult BackupStore::AddValueToBackup(const TKeyPath& key, TextView valueName) {
+  const TKeysReleased released(m_system.Raw);
+  TKeyPlace place;
+  const TRawResult found = m_system.Raw.FindValue(key.RootKey(), key.Path(), valueName, place);
+  if (found != TRawResult::Done)
+    return found == TRawResult::Missing ? TExportResult::Missing : TExportResult::Unreadable;
   const std::size_t keysBefore = m_exporter.Exported().size();
-  const TExportResult result = m_exporter.ExportValue(key.RootKey(), key.Path(), valueName);
-  if (result == TExportResult::Done)
-    m_collected.CoverValue(key, valueName);
-  CollectContent(keysBefore);
+  const TExportResult result = m_exporter.ExportValue(key, place, valueName);
+  if (result == TExportResult::Done) {
+    m_collected.CoverValue(key, valueName, place);
+    CollectContent(keysBefore, place);
+  }
   return result;
 }
 
-void BackupStore::CollectContent(std::size_t keysBefore) {
-  for (const TExportedKey& exported : m_exporter.Exported().subspan(keysBefore)) {
-    if (const std::optional<TKeyPath> key = TKeyPath::Parse(exported.RootKey, exported.KeyPath))
-      m_collected.AddContent(*key, exported.Values);
-  }
+// The first key of an export is the one at its place, and the others lie below it.
+void BackupStore::CollectContent(std::size_t keysBefore, const TKeyPlace& place) {
+  const std::span<const TExportedKey> exported = m_exporter.Exported().subspan(keysBefore);
+  for (const TExportedKey& key : exported)
+    m_collected.AddContent(place, TextView(key.KeyPath).substr(exported.front().KeyPath.size()), key.Values);
 }
 
 bool BackupStore::HoldsKey(const TKeyPath& key) const {
-  return m_collected.CoversKey(key);
+  return m_collected.PlaceOfKey(key) != nullptr;
 }
 
 // The file is written without the lock: however long it is, nobody waits for it.

@@ -38,7 +38,9 @@ class BackupStore {
   // and removed when it is old.
   TBackupName BeginBackup();
 
-  // What is not Done is not in the backup.
+  // What is not Done is not in the backup. Of a key below the merged HKEY_CLASSES_ROOT only the hive that
+  // holds it is saved. Unreadable also for a key that no restore could create, because its parent takes no
+  // subkeys.
   TExportResult AddKeyToBackup(const TKeyPath& key);
   TExportResult AddValueToBackup(const TKeyPath& key, TextView valueName);
 
@@ -75,8 +77,8 @@ class BackupStore {
   void RemoveLeftFiles();
 
  private:
-  // What the exporter has taken since it held this number of keys.
-  void CollectContent(std::size_t keysBefore);
+  // What the exporter has taken at this place since it held this number of keys.
+  void CollectContent(std::size_t keysBefore, const TKeyPlace& place);
 
   // What the running backup found when it began.
   struct TRun {

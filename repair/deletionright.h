@@ -5,7 +5,6 @@
 
 #include <map>
 #include <optional>
-#include <set>
 #include <span>
 
 #include "base/digest.h"
@@ -26,17 +25,24 @@ class TDeletionRight {
     return m_everything;
   }
 
-  // Whether the key or the value was saved in order to be deleted.
-  bool CoversKey(const TKeyPath& key) const;
-  bool CoversValue(const TKeyPath& key, TextView valueName) const;
+  // Without a backup nothing else finds the places: of the key, or of the value, as it is now. To be called
+  // for all problems before the first deletion. Does nothing where a backup was made.
+  void FindKey(TRawRegistry& registry, const TKeyPath& key);
+  void FindValue(TRawRegistry& registry, const TKeyPath& key, TextView valueName);
 
-  // Whether the backup would bring back this key and these of its values as they are now. Always true without
-  // a backup. Values that the backup holds and the key has lost don't matter.
-  bool WouldBringBack(const TKeyPath& key, std::span<const TRawValue> values) const;
+  // Where the key, or the key that holds the value, lay when it was saved in order to be deleted. nullptr
+  // where it was not: then it may not be deleted.
+  const TKeyPlace* PlaceOfKey(const TKeyPath& key) const;
+  const TKeyPlace* PlaceOfValue(const TKeyPath& key, TextView valueName) const;
+
+  // Whether the backup would bring back the key at this path below a place, its values and its subkeys' names
+  // as they are now. Always true without a backup. What the backup holds and the key has lost doesn't matter.
+  bool WouldBringBack(const TKeyPlace& place, TextView pathBelow, const TRawKey& key) const;
+  bool WouldBringBack(const TKeyPlace& place, const TRawValue& value) const;
 
   // The repair itself has written this value, whose earlier content the backup holds: from now on the value
   // is compared with what was written.
-  void NoteWritten(const TKeyPath& key, const TRawValue& value);
+  void NoteWritten(const TKeyPlace& place, const TRawValue& value);
 
  private:
   friend class BackupStore;
@@ -45,15 +51,15 @@ class TDeletionRight {
 
   TDeletionRight() = default;
 
-  void CoverKey(const TKeyPath& key);
-  void CoverValue(const TKeyPath& key, TextView valueName);
+  void CoverKey(const TKeyPath& key, const TKeyPlace& place);
+  void CoverValue(const TKeyPath& key, TextView valueName, const TKeyPlace& place);
   // What the backup holds of a key. What was exported last counts, as it does when a restore writes it.
-  void AddContent(const TKeyPath& key, std::span<const TRawValue> values);
+  void AddContent(const TKeyPlace& place, TextView pathBelow, std::span<const TRawValue> values);
 
   bool m_everything = false;
-  std::set<Text> m_keys;
-  std::set<Text> m_values;
-  std::map<Text, TDigests> m_content;  // by the key's comparable text
+  std::map<Text, TKeyPlace> m_keys;
+  std::map<Text, TKeyPlace> m_values;
+  std::map<Text, TDigests> m_content;  // by place and path below it in upper case
 };
 
 }  // namespace corvalt

@@ -78,6 +78,24 @@ void BackUpProblem(BackupStore& store, const ScanProblem& problem) {
   }
 }
 
+void FindPlaces(TRawRegistry& registry, TDeletionRight& right, const ScanProblem& problem) {
+  const TKeysReleased released(registry);
+  const std::optional<TKeyPath> key = KeyOf(problem);
+  if (!key || problem.Kind == TProblemKind::File)
+    return;
+  if (problem.Kind == TProblemKind::Key) {
+    right.FindKey(registry, *key);
+    if (problem.ImageIndex == kStartMenuImage) {
+      for (const TKeyPath& menuKey : MenuKeysUpward(*key))
+        right.FindKey(registry, menuKey);
+    }
+    return;
+  }
+  right.FindValue(registry, *key, ValueNameOf(problem));
+  if (problem.ImageIndex == kMruImage)
+    right.FindValue(registry, *key, kMruList);
+}
+
 TProblemDeleter::TProblemDeleter(TSystem& system, TDeletionRight right)
     : m_system(system),
       m_registry(system.Registry.CreateStore(TRegistryAccess::Full)),
@@ -102,58 +120,55 @@ TDeletionResult TProblemDeleter::DeleteKey(const ScanProblem& problem) {
   const std::optional<TKeyPath> key = KeyOf(problem);
   if (!key)
     return {};
-  m_registry->SetRootKey(key->RootKey());
-  const TDeletion deletion = DeleteCoveredKey(*key);
+  const TDeletion deletion = DeleteKeyAsSaved(*key);
   if (deletion != TDeletion::NotCovered && problem.ImageIndex == kStartMenuImage)
     DeleteEmptyMenuKeys(*key);
   return {deletion};
 }
 
-TDeletion TProblemDeleter::DeleteCoveredKey(const TKeyPath& key) {
-  bool changed = false;
-  const TRawResult read = CompareTree(key, changed);
-  if (read == TRawResult::Missing)
-    return TDeletion::Deleted;
-  if (changed || !m_right.CoversKey(key))
-    return TDeletion::NotCovered;
-  if (read != TRawResult::Done)
-    return TDeletion::Failed;
-  const bool deleted = m_registry->DeleteKey(key.Path());
-  return deleted || !m_registry->KeyExists(key.Path()) ? TDeletion::Deleted : TDeletion::Failed;
+TDeletion TProblemDeleter::DeleteKeyAsSaved(const TKeyPath& key) {
+  TRawRegistry& raw = m_system.Raw;
+  const TKeysReleased released(raw);
+  TKeyPlace now;
+  const TKeyPlace* place = m_right.PlaceOfKey(key);
+  if (place == nullptr) {
+    const bool isGone = raw.FindKey(key.RootKey(), key.Path(), now) == TRawResult::Missing;
+    return isGone ? TDeletion::Deleted : Untouched();
+  }
+  return DeletionOf(raw.DeleteKeyAt(*place, [this, place](TextView pathBelow, const TRawKey& content) {
+    return m_right.WouldBringBack(*place, pathBelow, content);
+  }));
 }
 
-// Reads what would be deleted. Missing: the key itself is not there; what has gone below it doesn't matter.
-TRawResult TProblemDeleter::CompareTree(const TKeyPath& top, bool& changed) {
-  std::vector<TKeyPath> pending = {top};
-  TRawResult result = TRawResult::Done;
-  while (!pending.empty() && result == TRawResult::Done && !changed) {
-    const TKeyPath key = std::move(pending.back());
-    pending.pop_back();
-    TRawKey content;
-    const TRawResult read = m_system.Raw.ReadKey(key.RootKey(), key.Path(), content);
-    const bool hasGone = read == TRawResult::Missing && key.Path() != top.Path();
-    if (!hasGone) {
-      result = read;
-      // No backup holds a link.
-      const bool isSaved = read != TRawResult::Link && m_right.WouldBringBack(key, content.Values);
-      changed = !isSaved && !m_right.IsWithoutBackup();
-    }
-    for (const Text& name : content.SubKeys)
-      pending.push_back(key.SubKey(name));
+// Of something that exists and stays as it is.
+TDeletion TProblemDeleter::Untouched() const {
+  return m_right.IsWithoutBackup() ? TDeletion::Failed : TDeletion::NotCovered;
+}
+
+TDeletion TProblemDeleter::DeletionOf(TRawResult result) const {
+  switch (result) {
+    case TRawResult::Done:
+    case TRawResult::Missing:
+      return TDeletion::Deleted;
+    // No backup holds a link, and the key has moved or is not what was saved.
+    case TRawResult::Link:
+    case TRawResult::Refused:
+      return Untouched();
+    default:
+      return TDeletion::Failed;
   }
-  m_system.Raw.ReleaseKeys();
-  return result;
 }
 
 void TProblemDeleter::DeleteEmptyMenuKeys(const TKeyPath& key) {
   for (const TKeyPath& menuKey : MenuKeysUpward(key)) {
     if (HasSubKeys(menuKey))
       return;
-    DeleteCoveredKey(menuKey);
+    DeleteKeyAsSaved(menuKey);
   }
 }
 
 bool TProblemDeleter::HasSubKeys(const TKeyPath& key) {
+  m_registry->SetRootKey(key.RootKey());
   if (!m_registry->OpenKey(key.Path(), false))
     return false;
   const bool hasSubKeys = m_registry->HasSubKeys();
@@ -165,42 +180,47 @@ TDeletionResult TProblemDeleter::DeleteValue(const ScanProblem& problem) {
   const std::optional<TKeyPath> key = KeyOf(problem);
   if (!key)
     return {};
-  const Text name = ValueNameOf(problem);
-  TRawValue value;
-  const TRawResult before = ReadValue(*key, name, value);
-  const bool covered = m_right.CoversValue(*key, name);
-  if (before != TRawResult::Missing && !covered)
-    return {};
-  if (before == TRawResult::Done && !m_right.WouldBringBack(*key, {&value, 1}))
+  const TDeletion deletion = DeleteValueAsSaved(*key, ValueNameOf(problem));
+  if (deletion == TDeletion::NotCovered)
     return {};
   m_registry->SetRootKey(key->RootKey());
-  // Opening a key that is a link would open the key that it leads to.
-  if (before == TRawResult::Link || !m_registry->OpenKey(key->Path(), false))
-    return {before == TRawResult::Missing ? TDeletion::Deleted : TDeletion::Failed};
-  if (before == TRawResult::Done)
-    m_registry->DeleteValue(name);
-  KeepMruListRight(problem, *key);
-  const bool isThere = before == TRawResult::Done && m_registry->ValueExists(name);
+  const bool keyOpened = m_registry->OpenKey(key->Path(), false);
   m_registry->CloseKey();
-  return {isThere ? TDeletion::Failed : TDeletion::Deleted, true};
+  if (keyOpened && problem.ImageIndex == kMruImage)
+    RewriteMruList(*key);
+  return {deletion, keyOpened};
 }
 
-void TProblemDeleter::KeepMruListRight(const ScanProblem& problem, const TKeyPath& key) {
-  if (problem.ImageIndex != kMruImage || !m_right.CoversValue(key, kMruList))
-    return;
-  TRawValue order;
-  if (ReadValue(key, kMruList, order) == TRawResult::Done && m_right.WouldBringBack(key, {&order, 1}))
-    RewriteMruList(key);
+TDeletion TProblemDeleter::DeleteValueAsSaved(const TKeyPath& key, const Text& name) {
+  TRawRegistry& raw = m_system.Raw;
+  const TKeysReleased released(raw);
+  TKeyPlace now;
+  const TKeyPlace* place = m_right.PlaceOfValue(key, name);
+  if (place == nullptr) {
+    const bool isGone = raw.FindValue(key.RootKey(), key.Path(), name, now) == TRawResult::Missing;
+    return isGone ? TDeletion::Deleted : Untouched();
+  }
+  return DeletionOf(raw.DeleteValueAt(
+      *place, name, [this, place](const TRawValue& value) { return m_right.WouldBringBack(*place, value); }));
 }
 
+// The order is written only where it is still the one that was saved, or that was written here before.
 void TProblemDeleter::RewriteMruList(const TKeyPath& key) {
+  const TKeyPlace* place = m_right.PlaceOfValue(key, kMruList);
+  TRawValue before;
+  if (place == nullptr || !ReadValue(*place, kMruList, before) || !m_right.WouldBringBack(*place, before))
+    return;
+  m_registry->SetRootKey(place->RootKey);
+  if (!m_registry->OpenKey(place->KeyPath, false))
+    return;
   Text order;
   for (const Text& name : m_registry->GetValueNames()) {
     if (!EqualIgnoringCase(name, kMruList))
       order += name;
   }
   if (m_registry->WriteString(kMruList, order))
-    m_right.NoteWritten(key, {Text(kMruList), kRegSz, StoredString(order)});
+    m_right.NoteWritten(*place, {Text(kMruList), kRegSz, StoredString(order)});
+  m_registry->CloseKey();
 }
 
 TDeletionResult TProblemDeleter::DeleteFile(const ScanProblem& problem) {
@@ -208,10 +228,9 @@ TDeletionResult TProblemDeleter::DeleteFile(const ScanProblem& problem) {
   return {error.Failed() && !SaysMissing(error) ? TDeletion::Failed : TDeletion::Deleted};
 }
 
-TRawResult TProblemDeleter::ReadValue(const TKeyPath& key, TextView name, TRawValue& value) {
-  const TRawResult result = m_system.Raw.ReadValue(key.RootKey(), key.Path(), name, value);
-  m_system.Raw.ReleaseKeys();
-  return result;
+bool TProblemDeleter::ReadValue(const TKeyPlace& place, TextView name, TRawValue& value) {
+  const TKeysReleased released(m_system.Raw);
+  return m_system.Raw.ReadValue(place.RootKey, place.KeyPath, name, value) == TRawResult::Done;
 }
 
 }  // namespace corvalt

@@ -15,6 +15,10 @@ namespace corvalt {
 // above a Start Menu key, the order of an MRU list. What can't be read whole is left out.
 void BackUpProblem(BackupStore& store, const ScanProblem& problem);
 
+// Finds where the problem's key or value lies, and what else its deletion may change, for a repair without a
+// backup.
+void FindPlaces(TRawRegistry& registry, TDeletionRight& right, const ScanProblem& problem);
+
 enum class TDeletion {
   Deleted,    // it is gone; perhaps it was before
   Failed,     // it may be deleted, and the system did not
@@ -26,8 +30,8 @@ struct TDeletionResult {
   bool KeyOpened = false;  // of a value: whether its key opened
 };
 
-// Deletes what the right covers and nothing else. What is there is read once more before each deletion and
-// must be what the backup holds, or a part of it.
+// Deletes what the right covers and nothing else, at the place where it was saved. What is there is read once
+// more before each deletion and must be what the backup holds, or a part of it.
 class TProblemDeleter {
  public:
   // The system must outlive the deleter.
@@ -39,13 +43,14 @@ class TProblemDeleter {
   TDeletionResult DeleteKey(const ScanProblem& problem);
   TDeletionResult DeleteValue(const ScanProblem& problem);
   TDeletionResult DeleteFile(const ScanProblem& problem);
-  TDeletion DeleteCoveredKey(const TKeyPath& key);
+  TDeletion DeleteKeyAsSaved(const TKeyPath& key);
+  TDeletion DeleteValueAsSaved(const TKeyPath& key, const Text& name);
+  TDeletion DeletionOf(TRawResult result) const;
+  TDeletion Untouched() const;
   void DeleteEmptyMenuKeys(const TKeyPath& key);
-  void KeepMruListRight(const ScanProblem& problem, const TKeyPath& key);
   void RewriteMruList(const TKeyPath& key);
-  TRawResult CompareTree(const TKeyPath& key, bool& changed);
   bool HasSubKeys(const TKeyPath& key);
-  TRawResult ReadValue(const TKeyPath& key, TextView name, TRawValue& value);
+  bool ReadValue(const TKeyPlace& place, TextView name, TRawValue& value);
 
   TSystem m_system;
   std::unique_ptr<RegistryStore> m_registry;

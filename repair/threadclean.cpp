@@ -56,9 +56,13 @@ TDeletionRight TCleaning::PrepareDeletions() {
     std::optional<TDeletionRight> right;
     if (m_context.MayGoWithoutBackup)
       right = TDeletionRight::WithoutBackup(m_context.System);
-    if (right)
-      return *std::move(right);
-    return MakeBackup();
+    if (!right)
+      return MakeBackup();
+    ForEachProblem([this, &right](TResultsNode* node) {
+      if (IsChecked(node))
+        FindPlaces(m_context.System.Raw, *right, m_context.Results.Data(node));
+    });
+    return *std::move(right);
   } catch (const TBackupWorkStopped&) {
     throw;
   } catch (...) {

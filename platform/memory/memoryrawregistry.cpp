@@ -245,6 +245,8 @@ TRawResult TMemoryRawRegistry::Inspect(const TMemoryKeyPointer& top, const TKeyC
   for (std::size_t i = 0; i < keys.size(); ++i) {
     const TOpenMemoryKey key = {keys[i], nullptr};
     const Text pathBelow = pathsBelow[i];
+    if (keys[i]->LinkTarget)
+      return TRawResult::Link;
     const TRawKey content = Content(key);
     if (!mayDelete(pathBelow, content))
       return TRawResult::Refused;
@@ -252,6 +254,8 @@ TRawResult TMemoryRawRegistry::Inspect(const TMemoryKeyPointer& top, const TKeyC
       const TOpenMemoryKey subKey = m_hives.Find(key, {name}, false);
       if (!subKey)
         return TRawResult::Missing;
+      if (subKey.Key->Rights >= TMemoryRights::Read)
+        return TRawResult::Denied;
       keys.push_back(subKey.Key);
       pathsBelow.push_back(pathBelow + u"\\" + name);
     }
@@ -262,8 +266,8 @@ TRawResult TMemoryRawRegistry::Inspect(const TMemoryKeyPointer& top, const TKeyC
 TRawResult TMemoryRawRegistry::DeleteKeyAt(const TKeyPlace& place, const TKeyCheck& mayDelete) {
   TMemoryKeyPointer top;
   TRawResult result = OpenPlace(place, top);
-  if (result == TRawResult::Done)
-    result = DeletionOf(*top);
+  if (result == TRawResult::Done && top->Rights >= TMemoryRights::Read)
+    result = TRawResult::Denied;
   std::vector<TMemoryKeyPointer> keys;
   if (result == TRawResult::Done)
     result = Inspect(top, mayDelete, keys);

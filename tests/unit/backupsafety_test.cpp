@@ -157,7 +157,7 @@ TEST(ABackup, IsExportedAndWrittenWithoutTheLock) {
   rig.System.Interprocess.LongestPatience = std::chrono::milliseconds(1);
   rig.System.Registry.AddKey(kKey);
   EXPECT_EQ(store.AddKeyToBackup(KeyAt(kKey)), TExportResult::Done);
-  EXPECT_TRUE(store.CommitBackup(name).CoversKey(KeyAt(kKey)));
+  EXPECT_NE(store.CommitBackup(name).PlaceOfKey(KeyAt(kKey)), nullptr);
 }
 
 TEST(WaitingForTheBackups, EndsWithAMessageThatNamesTheProgram) {

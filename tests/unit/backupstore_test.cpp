@@ -201,7 +201,7 @@ TEST(MakingABackup, TwiceWithOneStoreBeginsWithNothingExported) {
   static_cast<void>(store.BeginBackup());
   store.AddKeyToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"));
   const TDeletionRight right = store.CommitBackup(store.BeginBackup());
-  EXPECT_FALSE(right.CoversKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")));
+  EXPECT_EQ(right.PlaceOfKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")), nullptr);
 }
 
 TEST(MakingABackup, ListsItThenWritesAndVerifiesItAndLooksWhetherItIsListed) {
@@ -218,7 +218,7 @@ TEST(MakingABackup, ListsItThenWritesAndVerifiesItAndLooksWhetherItIsListed) {
   journal.Clear();
   store.AddKeyToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"));
   EXPECT_EQ(journal.Entries(), TNames());
-  EXPECT_TRUE(store.CommitBackup(name).CoversKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")));
+  EXPECT_NE(store.CommitBackup(name).PlaceOfKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")), nullptr);
   EXPECT_EQ(journal.Entries(), TNames({"replace 46341.5", "read 46341.5", "read index.ini"}));
 }
 
@@ -230,10 +230,10 @@ TEST(TheRightToDelete, CoversExactlyWhatTheBackupHolds) {
   const TBackupName name = store.BeginBackup();
   store.AddValueToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"), u"Path");
   const TDeletionRight right = store.CommitBackup(name);
-  EXPECT_TRUE(right.CoversValue(KeyAt(u"HKEY_CURRENT_USER\\software\\\\OLD\\"), u"path"));
-  EXPECT_FALSE(right.CoversValue(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"), u"Other"));
-  EXPECT_FALSE(right.CoversValue(KeyAt(u"HKEY_LOCAL_MACHINE\\Software\\Old"), u"Path"));
-  EXPECT_FALSE(right.CoversKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")));
+  EXPECT_NE(right.PlaceOfValue(KeyAt(u"HKEY_CURRENT_USER\\software\\\\OLD\\"), u"path"), nullptr);
+  EXPECT_EQ(right.PlaceOfValue(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"), u"Other"), nullptr);
+  EXPECT_EQ(right.PlaceOfValue(KeyAt(u"HKEY_LOCAL_MACHINE\\Software\\Old"), u"Path"), nullptr);
+  EXPECT_EQ(right.PlaceOfKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")), nullptr);
 }
 
 TEST(TheRightToDelete, OfAKeyIsNeitherThatOfTheKeyAboveNorThatOfItsValues) {
@@ -243,10 +243,10 @@ TEST(TheRightToDelete, OfAKeyIsNeitherThatOfTheKeyAboveNorThatOfItsValues) {
   const TBackupName name = store.BeginBackup();
   store.AddKeyToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"));
   const TDeletionRight right = store.CommitBackup(name);
-  EXPECT_TRUE(right.CoversKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")));
-  EXPECT_FALSE(right.CoversKey(KeyAt(u"HKEY_CURRENT_USER\\Software")));
-  EXPECT_FALSE(right.CoversKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old\\Below")));
-  EXPECT_FALSE(right.CoversValue(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"), u"Path"));
+  EXPECT_NE(right.PlaceOfKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")), nullptr);
+  EXPECT_EQ(right.PlaceOfKey(KeyAt(u"HKEY_CURRENT_USER\\Software")), nullptr);
+  EXPECT_EQ(right.PlaceOfKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old\\Below")), nullptr);
+  EXPECT_EQ(right.PlaceOfValue(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"), u"Path"), nullptr);
 }
 
 TEST(TheRightToDelete, LeavesOutWhatIsMissingOrUnreadable) {
@@ -257,8 +257,8 @@ TEST(TheRightToDelete, LeavesOutWhatIsMissingOrUnreadable) {
   EXPECT_EQ(store.AddKeyToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")), TExportResult::Unreadable);
   EXPECT_EQ(store.AddKeyToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Gone")), TExportResult::Missing);
   const TDeletionRight right = store.CommitBackup(name);
-  EXPECT_FALSE(right.CoversKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")));
-  EXPECT_FALSE(right.CoversKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Gone")));
+  EXPECT_EQ(right.PlaceOfKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")), nullptr);
+  EXPECT_EQ(right.PlaceOfKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Gone")), nullptr);
 }
 
 TEST(TheRightToDelete, WithoutABackupExistsOnlyWhereTheSettingSaysFalse) {
@@ -280,7 +280,7 @@ TEST(TheRightToDelete, WithoutABackupExistsOnlyWhereTheSettingSaysFalse) {
   EXPECT_FALSE(TDeletionRight::WithoutBackup(bundle));
   system.Registry.SetInteger(kModules, u"RegistryCleaner", 0);
   EXPECT_FALSE(BackupsAreOn(bundle));
-  EXPECT_TRUE(TDeletionRight::WithoutBackup(bundle)->CoversKey(KeyAt(u"HKEY_CURRENT_USER\\Any")));
+  EXPECT_TRUE(TDeletionRight::WithoutBackup(bundle)->IsWithoutBackup());
 }
 
 TEST(AFailedBackup, ThrowsWhenTheFolderCannotBeMade) {

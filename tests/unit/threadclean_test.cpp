@@ -99,7 +99,7 @@ TEST(Repair, WritesTheBackupInTheOrderOfTheTree) {
   rig.Repair();
   const std::string text = rig.BackupText();
   const std::size_t key = text.find("[HKEY_CURRENT_USER\\Software\\Old]");
-  const std::size_t value = text.find("[HKEY_LOCAL_MACHINE\\Software\\Run]");
+  const std::size_t value = text.find("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Run]");
   ASSERT_NE(key, std::string::npos) << text;
   ASSERT_NE(value, std::string::npos) << text;
   EXPECT_LT(key, value);
@@ -450,14 +450,14 @@ TEST(CancellingARepair, MarksWhatWasDeletedWhileItWasCancelled) {
   TSmallRepair rig;
   rig.Repair([&rig](const std::string& update, TWorkerThread& thread) {
     if (update == "section: 11036 Broken...")
-      rig.System.Registry.OnRead = [&thread] { thread.Terminate(); };
+      rig.System.Registry.OnDeletion = [&thread] { thread.Terminate(); };
   });
-  rig.System.Registry.OnRead = nullptr;
-  EXPECT_FALSE(rig.System.Registry.HasValue(u"HKEY_LOCAL_MACHINE\\Software\\Run", u"Updater"));
-  EXPECT_TRUE(rig.Value->Problem.StateFlag2);
-  EXPECT_EQ(rig.Outcome.Deleted.size(), 2U);
-  // Labels and bars show the problem before it.
-  EXPECT_EQ(rig.Updates.back(), "bar: 25");
+  EXPECT_FALSE(rig.System.Registry.HasKey(kOld));
+  EXPECT_TRUE(rig.Key->Problem.StateFlag2);
+  EXPECT_FALSE(rig.Value->Problem.StateFlag2);
+  EXPECT_EQ(rig.Outcome.Deleted.size(), 1U);
+  // Labels and bars stand still.
+  EXPECT_EQ(rig.Updates.back(), "overall: 50");
 }
 
 TEST(StartMenuRepair, DeletesTheEmptiedKeysUpToTheProgramsKey) {
