@@ -24,9 +24,10 @@ void StoreIgnoreEntry(TSystem& system, TextView entry);
 inline constexpr char16_t kOffMark = u';';
 
 // Puts the entries into the list in memory, and makes the stored list the same: new values are written, then
-// the others deleted. What other copies of the program have stored since this one read the list stays, and
-// joins the list in memory. Waits for another copy that stores its list, ten seconds at most; so do the two
-// above.
+// the others deleted, so that a program that is ended in the middle loses no entry. What other copies of the
+// program have stored since this one read the list stays, and joins the list in memory. An entry that is
+// switched on or off goes to the end of the stored order. Like storing one entry, it waits for another copy
+// that stores, ten seconds at most, and goes on without it then.
 void SaveIgnoreList(TSystem& system, TGlobalReg& reg, std::vector<Text> entries);
 
 }  // namespace corvalt

@@ -51,10 +51,6 @@ TBytes StoredString(TextView text) {
   return bytes;
 }
 
-bool SaysMissing(TSystemError error) {
-  return error.Code == kErrorFileNotFound || error.Code == kErrorPathNotFound;
-}
-
 }  // namespace
 
 void BackUpProblem(BackupStore& store, const ScanProblem& problem) {
@@ -225,7 +221,7 @@ void TProblemDeleter::RewriteMruList(const TKeyPath& key) {
 
 TDeletionResult TProblemDeleter::DeleteFile(const ScanProblem& problem) {
   const TSystemError error = m_system.Files.DeleteFile(problem.KeyPath);
-  return {error.Failed() && !SaysMissing(error) ? TDeletion::Failed : TDeletion::Deleted};
+  return {error.Failed() && !IsMissing(error) ? TDeletion::Failed : TDeletion::Deleted};
 }
 
 bool TProblemDeleter::ReadValue(const TKeyPlace& place, TextView name, TRawValue& value) {
