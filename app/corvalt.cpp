@@ -2,6 +2,7 @@
 
 #include "app/startsequence.h"
 #include "app/version.h"
+#include "core/rightprogram.h"
 #include "platform/windows/windowssystem.h"
 #include "platform/windows/windowsuithread.h"
 #include "ui/windows/controlsapi.h"
@@ -11,14 +12,18 @@ namespace corvalt {
 
 namespace {
 
+constexpr TextView kName = u"Corvalt";
+
 void ShowFailure(TSystem& system, const std::exception_ptr& failure) {
-  system.TheShell.ShowMessage(DescribeException(failure, system.Locale), u"Corvalt", TMessageKind::Failure);
+  system.TheShell.ShowMessage(DescribeException(failure, system.Locale), kName, TMessageKind::Failure);
 }
 
 int RunProgram(TWindowsSystem& windows, TSystem& system, int show) {
   TGlobalVars vars;
   TGlobalReg reg;
   RunStartSequence(system, vars, reg);
+  if (const std::optional<Text> hint = WrongProgramHint(system.Probe, vars.Texts))
+    system.TheShell.ShowMessage(*hint, kName, TMessageKind::Information);
   INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_WIN95_CLASSES};
   InitCommonControlsEx(&controls);
   TWindowsUiThread uiThread([&system](const std::exception_ptr& failure) { ShowFailure(system, failure); });

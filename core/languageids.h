@@ -166,6 +166,9 @@ enum class TextId : std::int32_t {
   ActionCheckRow = 40034,
   ActionUncheckRow = 40035,
 
+  // Said at the start
+  UseThe64BitProgram = 40036,
+
   // The backup folder
   BackupsInUse = 40050,        // Argument: the program's title.
   BackupFolderIsLink = 40051,  // Argument: the folder.
@@ -363,6 +366,7 @@ inline constexpr auto kTextIds = std::to_array<TTextEntry>({
     {TextId::ConfirmOverwrite, 1},
     {TextId::ActionCheckRow, 0},
     {TextId::ActionUncheckRow, 0},
+    {TextId::UseThe64BitProgram, 0},
     {TextId::BackupsInUse, 1},
     {TextId::BackupFolderIsLink, 1},
     {TextId::ChangesNotListed, 1},

@@ -55,6 +55,17 @@ TEST_F(ConsoleProgram, WithoutACommandIsWrongUsage) {
   ExpectWrongUsage({}, "40100");
 }
 
+TEST_F(ConsoleProgram, The32BitProgramSaysOnA64BitWindowsThatTheOtherIsTheRightOne) {
+  m_rig.Scan.System.Disk.SetEnvironmentVariable(u"PROCESSOR_ARCHITEW6432", u"AMD64");
+  EXPECT_EQ(m_rig.Run({u"sections"}), 0);
+  EXPECT_EQ(m_rig.Told(), "40036\n");
+}
+
+TEST_F(ConsoleProgram, OnItsOwnSystemItSaysNothingOfThat) {
+  EXPECT_EQ(m_rig.Run({u"sections"}), 0);
+  EXPECT_EQ(m_rig.Told(), "");
+}
+
 TEST_F(ConsoleProgram, WrongArgumentsAreToldAndNothingRuns) {
   ExpectWrongUsage({u"scam"}, "40101(scam)");
   ExpectWrongUsage({u"--quiet"}, "40101(--quiet)");

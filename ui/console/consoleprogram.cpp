@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "core/rightprogram.h"
 #include "ui/console/arguments.h"
 #include "ui/console/commands.h"
 #include "ui/console/output.h"
@@ -110,6 +111,8 @@ TExitCode RunCommand(const std::vector<Text>& arguments, const TConsoleProgram& 
   TGlobalVars vars;
   TGlobalReg reg;
   program.Start(program.System, vars, reg);
+  if (const std::optional<Text> hint = WrongProgramHint(program.System.Probe, vars.Texts))
+    program.Console.Tell(*hint);
   TQueueUiThread uiThread;
   TConsoleContext context = {program.System, vars, reg, program.Console, uiThread};
   const TExitCode code = run(context);
