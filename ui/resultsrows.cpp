@@ -20,6 +20,14 @@ void FollowCheckBox(TTreeNode& node) {
   }
 }
 
+// The next row of the same parent, or the one before at the end; null for an only one.
+TTreeNode* Neighbour(const TTreeModel& model, const TTreeNode& node) {
+  if (TTreeNode* next = model.NextSibling(&node))
+    return next;
+  const auto& siblings = node.Parent == nullptr ? model.Roots() : node.Parent->Children;
+  return node.Index == 0 ? nullptr : siblings[node.Index - 1].get();
+}
+
 }  // namespace
 
 TResultsRows::TResultsRows(TResultsTreeModel& tree, const TLanguageTexts& texts, THost host)
@@ -129,7 +137,10 @@ void TResultsRows::IgnoreSelected() {
   const Text entry = IgnoreEntryOf(node->Problem);
   TTreeNode* header = node->Parent;
   const bool isOnlyRow = header->Children.size() == 1;
-  m_tree.Model().Delete(isOnlyRow ? header : node);
+  TTreeNode* going = isOnlyRow ? header : node;
+  TTreeNode* next = Neighbour(m_tree.Model(), *going);
+  m_tree.Model().Delete(going);
+  Select(static_cast<TResultsNode*>(next));
   m_host.AddIgnoreEntry(entry);
 }
 

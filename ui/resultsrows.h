@@ -1,4 +1,4 @@
-// What the rows of the results tree say and do: their lines and heights, the selected row with its choices,
+// What the rows of the results tree show and do: their lines and heights, the selected row with its choices,
 // the check boxes, and the way onto the ignore list.
 #pragma once
 
@@ -51,7 +51,7 @@ class TResultsRows {
   // The selected row when it is a problem.
   TResultsNode* SelectedProblem() const;
 
-  // Selects a row; nothing for null.
+  // Selects a row; does nothing for null.
   void Select(TResultsNode* node);
   void ForgetSelection();
 
@@ -61,7 +61,8 @@ class TResultsRows {
   // After the user has checked or unchecked a row.
   void Checked(TResultsNode* node) const;
 
-  // After the user has chosen in the selected problem's list. Ignoring asks first, and removes the row.
+  // After the user has chosen in the selected problem's list. Ignoring asks first, and removes the row;
+  // its neighbour in the section is selected then, or the next section where it was the only one.
   // Nothing for a place that the list does not have, such as -1: no place is chosen.
   void Choose(std::int32_t choice);
 

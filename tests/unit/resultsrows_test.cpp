@@ -354,8 +354,38 @@ TEST_F(ResultsRows, IgnoringRemovesTheRowThenAddsItsEntry) {
   EXPECT_EQ(IgnoreEntries, TLines({"HKEY_LOCAL_MACHINE\\Run\\Updater"}));
   EXPECT_EQ(NodesAtEntry, 2u);
   EXPECT_EQ(Tree.FirstChild(header), sibling);
-  EXPECT_EQ(Rows.Selected(), nullptr);
   EXPECT_EQ(SummaryChanges, 1);
+}
+
+TEST_F(ResultsRows, AfterARowIsIgnoredTheNextOneIsSelectedAndAtTheEndTheOneBefore) {
+  TResultsNode* header = AddHeader(u"A", 3);
+  TResultsNode* first = AddProblem(header);
+  TResultsNode* second = AddProblem(header);
+  TResultsNode* third = AddProblem(header);
+  Rows.Select(second);
+  Rows.Choose(kChoiceIgnore);
+  EXPECT_EQ(Rows.Selected(), third);
+  EXPECT_TRUE(third->Problem.StateFlag1);
+  Rows.Choose(kChoiceIgnore);
+  EXPECT_EQ(Rows.Selected(), first);
+}
+
+TEST_F(ResultsRows, AfterASectionsOnlyRowIsIgnoredTheNextSectionIsSelected) {
+  TResultsNode* before = AddHeader(u"A");
+  AddProblem(before);
+  TResultsNode* header = AddHeader(u"B");
+  TResultsNode* row = AddProblem(header);
+  TResultsNode* after = AddHeader(u"C");
+  TResultsNode* last = AddProblem(after);
+  Rows.Select(row);
+  Rows.Choose(kChoiceIgnore);
+  EXPECT_EQ(Rows.Selected(), after);
+  Rows.Select(last);
+  Rows.Choose(kChoiceIgnore);
+  EXPECT_EQ(Rows.Selected(), before);
+  Rows.Select(static_cast<TResultsNode*>(before->Children.front().get()));
+  Rows.Choose(kChoiceIgnore);
+  EXPECT_EQ(Rows.Selected(), nullptr);
 }
 
 TEST_F(ResultsRows, TheEntryOfAKeyEndsInASeparator) {

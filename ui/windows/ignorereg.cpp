@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/languagetexts.h"
+#include "ui/windows/lists.h"
 
 namespace corvalt {
 
@@ -38,25 +39,25 @@ bool IsChecked(HWND list, std::size_t row) {
 
 Tfrmignorereg::Tfrmignorereg(TSystem& system, const TGlobalVars& vars, TGlobalReg& reg, HWND owner)
     : m_system(system), m_reg(reg), m_model(reg) {
-  const auto say = [&vars](TextId id, TextView argument = {}) {
+  const auto label = [&vars](TextId id, TextView argument = {}) {
     return LanguageText(vars.Texts, id, argument);
   };
-  CreateModal(u"Tfrmignorereg", PlainText(say(TextId::IgnoreListManager)), owner, kInside, 0);
+  CreateModal(u"Tfrmignorereg", PlainText(label(TextId::IgnoreListManager)), owner, kInside, 0);
   // The title is an argument here: its own "&" is single again before the text doubles it.
-  const Text explanation = say(TextId::IgnoreListExplanation, PlainText(say(TextId::ProgramTitle)));
+  const Text explanation = label(TextId::IgnoreListExplanation, PlainText(label(TextId::ProgramTitle)));
   m_explanation = AddControl(u"STATIC", explanation, 0, 0, 0, 0, 0, 0);
   constexpr DWORD kListStyle =
       WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOCOLUMNHEADER;
   m_list = AddControl(kListClass, {}, kListStyle, kListId, 0, 0, 0, 0, WS_EX_CLIENTEDGE);
   ::SendMessageW(m_list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_CHECKBOXES);
   LVCOLUMNW column = {};
-  Text caption = PlainText(say(TextId::ColumnIgnoredEntry));
+  Text caption = PlainText(label(TextId::ColumnIgnoredEntry));
   column.mask = LVCF_TEXT;
   column.pszText = WideBuffer(caption);
   ::SendMessageW(m_list, LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
-  AddButton(say(TextId::ButtonRemove), kRemoveId, 0, 0, 0, 0);
-  AddButton(say(TextId::ButtonOk), IDOK, 0, 0, 0, 0, true);
-  AddButton(say(TextId::ButtonCancel), IDCANCEL, 0, 0, 0, 0);
+  AddButton(label(TextId::ButtonRemove), kRemoveId, 0, 0, 0, 0);
+  AddButton(label(TextId::ButtonOk), IDOK, 0, 0, 0, 0, true);
+  AddButton(label(TextId::ButtonCancel), IDCANCEL, 0, 0, 0, 0);
   Layout(vars.Texts, PlainText(explanation));
   FillList();
 }
@@ -105,7 +106,7 @@ void Tfrmignorereg::FillList() {
 }
 
 int Tfrmignorereg::SelectedRow() const {
-  return static_cast<int>(::SendMessageW(m_list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+  return SelectedListRow(m_list);
 }
 
 void Tfrmignorereg::UpdateButtons() {
@@ -117,6 +118,9 @@ LRESULT Tfrmignorereg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     const auto* notice = reinterpret_cast<const NMHDR*>(lParam);
     if (notice->hwndFrom == m_list && notice->code == LVN_ITEMCHANGED)
       OnItemChanged(*reinterpret_cast<const NMLISTVIEW*>(lParam));
+    if (notice->hwndFrom == m_list && notice->code == LVN_KEYDOWN &&
+        reinterpret_cast<const NMLVKEYDOWN*>(lParam)->wVKey == VK_DELETE)
+      RemoveSelected();
     return 0;
   }
   if (message == WM_COMMAND && LOWORD(wParam) == kRemoveId) {
@@ -151,6 +155,7 @@ void Tfrmignorereg::RemoveSelected() {
   m_filling = true;
   ::SendMessageW(m_list, LVM_DELETEITEM, static_cast<WPARAM>(row), 0);
   m_filling = false;
+  SelectListRow(m_list, std::min(row, static_cast<int>(m_model.Rows().size()) - 1));
   UpdateButtons();
   SetFocus(m_list);
 }

@@ -5,6 +5,8 @@
 
 #include "core/languagetexts.h"
 #include "ui/windows/backupview.h"
+#include "ui/windows/lists.h"
+#include "ui/windows/waitcursor.h"
 
 namespace corvalt {
 
@@ -44,30 +46,26 @@ void SetItemText(HWND list, int row, int column, Text text) {
   ::SendMessageW(list, column == 0 ? LVM_INSERTITEMW : LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
 }
 
-void SelectRow(HWND list, int row) {
-  LVITEMW item = {};
-  item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
-  item.state = item.stateMask;
-  ::SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-}
-
 }  // namespace
 
 TfrmRestore::TfrmRestore(TSystem& system, const TGlobalVars& vars, HWND owner)
     : m_vars(vars), m_model(system, vars) {
-  const auto say = [&vars](TextId id) { return LanguageText(vars.Texts, id); };
-  CreateModal(u"TfrmRestore", PlainText(say(TextId::ButtonRestore)), owner, kInside, 0);
-  m_instruction = AddControl(u"STATIC", say(TextId::RestoreInstruction), 0, 0, 0, 0, 0, 0);
+  const auto label = [&vars](TextId id) { return LanguageText(vars.Texts, id); };
+  CreateModal(u"TfrmRestore", PlainText(label(TextId::ButtonRestore)), owner, kInside, 0);
+  m_instruction = AddControl(u"STATIC", label(TextId::RestoreInstruction), 0, 0, 0, 0, 0, 0);
   constexpr DWORD kListStyle = WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER;
   m_list = AddControl(kListClass, {}, kListStyle, kListId, 0, 0, 0, 0, WS_EX_CLIENTEDGE);
   ::SendMessageW(m_list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT);
-  AddColumn(m_list, 0, PlainText(say(TextId::ColumnCreationDate)), 0, LVCFMT_LEFT);
-  AddColumn(m_list, 1, PlainText(say(TextId::ColumnSize)), 0, LVCFMT_RIGHT);
-  AddButton(say(TextId::ButtonRestore), kRestoreId, 0, 0, 0, 0, true);
-  AddButton(say(TextId::ButtonRemove), kRemoveId, 0, 0, 0, 0);
-  AddButton(say(TextId::ButtonView), kViewId, 0, 0, 0, 0);
-  AddButton(say(TextId::ButtonCancel), IDCANCEL, 0, 0, 0, 0);
-  m_model.Fill();
+  AddColumn(m_list, 0, PlainText(label(TextId::ColumnCreationDate)), 0, LVCFMT_LEFT);
+  AddColumn(m_list, 1, PlainText(label(TextId::ColumnSize)), 0, LVCFMT_RIGHT);
+  AddButton(label(TextId::ButtonRestore), kRestoreId, 0, 0, 0, 0, true);
+  AddButton(label(TextId::ButtonRemove), kRemoveId, 0, 0, 0, 0);
+  AddButton(label(TextId::ButtonView), kViewId, 0, 0, 0, 0);
+  AddButton(label(TextId::ButtonCancel), IDCANCEL, 0, 0, 0, 0);
+  {
+    const TWaitCursor wait;
+    m_model.Fill();
+  }
   FillList();
   Layout();
 }
@@ -120,12 +118,12 @@ void TfrmRestore::FillList() {
   }
   // The newest backup is the likeliest choice.
   if (!m_model.Rows().empty())
-    SelectRow(m_list, 0);
+    SelectListRow(m_list, 0);
   UpdateButtons();
 }
 
 int TfrmRestore::SelectedRow() const {
-  return static_cast<int>(::SendMessageW(m_list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+  return SelectedListRow(m_list);
 }
 
 void TfrmRestore::UpdateButtons() {
@@ -136,8 +134,8 @@ void TfrmRestore::UpdateButtons() {
 LRESULT TfrmRestore::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_NOTIFY) {
     const auto* notice = reinterpret_cast<const NMHDR*>(lParam);
-    if (notice->hwndFrom == m_list && notice->code == LVN_ITEMCHANGED)
-      UpdateButtons();
+    if (notice->hwndFrom == m_list)
+      OnListNotice(lParam);
     return 0;
   }
   if (message == WM_COMMAND && SelectedRow() >= 0) {
@@ -159,18 +157,36 @@ LRESULT TfrmRestore::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   return TModalWindow::OnMessage(message, wParam, lParam);
 }
 
+void TfrmRestore::OnListNotice(LPARAM lParam) {
+  const auto* notice = reinterpret_cast<const NMHDR*>(lParam);
+  const bool isRow = SelectedRow() >= 0;
+  if (notice->code == LVN_ITEMCHANGED)
+    UpdateButtons();
+  if (notice->code == LVN_KEYDOWN && reinterpret_cast<const NMLVKEYDOWN*>(lParam)->wVKey == VK_DELETE &&
+      isRow)
+    RemoveSelected();
+  if (notice->code == NM_DBLCLK && reinterpret_cast<const NMITEMACTIVATE*>(lParam)->iItem >= 0 && isRow)
+    ViewSelected();
+}
+
 void TfrmRestore::RemoveSelected() {
   const int row = SelectedRow();
   if (!m_model.Remove(static_cast<std::size_t>(row)))
     return;
   ::SendMessageW(m_list, LVM_DELETEITEM, static_cast<WPARAM>(row), 0);
+  SelectListRow(m_list, std::min(row, static_cast<int>(m_model.Rows().size()) - 1));
   UpdateButtons();
-  // The button that was pressed can't be pressed again: the keyboard goes back to the list.
+  // Back to the list: nobody removes a second backup by holding the key.
   SetFocus(m_list);
 }
 
 void TfrmRestore::ViewSelected() {
-  std::optional<TBackupView> view = m_model.View(static_cast<std::size_t>(SelectedRow()));
+  std::optional<TBackupView> view;
+  {
+    // A backup may have fifty megabytes.
+    const TWaitCursor wait;
+    view = m_model.View(static_cast<std::size_t>(SelectedRow()));
+  }
   if (!view)
     return;
   Tfrmbackupview viewer(std::move(*view), m_vars, Handle());

@@ -21,6 +21,7 @@ class TfrmRestore : public TModalWindow {
   // The selected row, -1 when none is.
   int SelectedRow() const;
   void UpdateButtons();
+  void OnListNotice(LPARAM lParam);
   void RemoveSelected();
   void ViewSelected();
 

@@ -8,6 +8,7 @@
 
 #include "platform/memory/memorysystem.h"
 #include "tests/support/scanrig.h"
+#include "ui/windows/lists.h"
 
 namespace corvalt {
 
@@ -129,10 +130,30 @@ TEST_F(IgnoreListWindow, RemoveTakesTheSelectedRowAtOnceAndNeedsOne) {
   EXPECT_TRUE(MayRemove());
   Press(L"10034");
   EXPECT_EQ(Rows(), TEntries({u"b"}));
-  EXPECT_FALSE(MayRemove());
   EXPECT_TRUE(m_memory.Shell.Calls.empty());
   // Not before OK.
   EXPECT_EQ(m_reg.IgnoreList, TEntries({u"a", u"b"}));
+}
+
+TEST_F(IgnoreListWindow, AfterARemovalTheNextRowIsSelectedAndAtTheEndTheOneBefore) {
+  Open({u"a", u"b", u"c"});
+  Select(1);
+  Press(L"10034");
+  EXPECT_EQ(SelectedListRow(List()), 1);
+  Press(L"10034");
+  EXPECT_EQ(SelectedListRow(List()), 0);
+  EXPECT_TRUE(MayRemove());
+  Press(L"10034");
+  EXPECT_FALSE(MayRemove());
+}
+
+TEST_F(IgnoreListWindow, TheDeleteKeyRemovesTheSelectedRow) {
+  Open({u"a", u"b"});
+  ::SendMessageW(List(), WM_KEYDOWN, VK_DELETE, 1);
+  EXPECT_EQ(Rows(), TEntries({u"a", u"b"}));
+  Select(0);
+  ::SendMessageW(List(), WM_KEYDOWN, VK_DELETE, 1);
+  EXPECT_EQ(Rows(), TEntries({u"b"}));
 }
 
 TEST_F(IgnoreListWindow, OkStoresWhatTheRowsShow) {

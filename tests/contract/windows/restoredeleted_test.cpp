@@ -8,6 +8,7 @@
 #include "platform/memory/memorysystem.h"
 #include "tests/support/scanrig.h"
 #include "ui/windows/backupview.h"
+#include "ui/windows/lists.h"
 
 namespace corvalt {
 
@@ -84,7 +85,10 @@ class RestoreWindow : public testing::Test {
   LRESULT RowCount() const {
     return ::SendMessageW(List(), LVM_GETITEMCOUNT, 0, 0);
   }
-  void Select(int row, bool selected) const {
+  int SelectedRow() const {
+    return SelectedListRow(List());
+  }
+  void Select(int row, bool selected = true) const {
     LVITEMW item = {};
     item.stateMask = LVIS_SELECTED;
     item.state = selected ? LVIS_SELECTED : 0;
@@ -161,8 +165,73 @@ TEST_F(RestoreWindow, RemoveTakesTheRowAndItsFileAwayAtOnceAndAsksNothing) {
   EXPECT_EQ(Cell(0, 0), u"11039 - 11/14/2026 12:00:00 AM");
   EXPECT_FALSE(m_memory.Disk.Content(u"C:\\Backups\\46341"));
   EXPECT_TRUE(m_memory.Disk.Content(u"C:\\Backups\\46340"));
-  EXPECT_EQ(Enabled(), kCancelAlone);
   EXPECT_EQ(m_memory.Shell.Calls, TLines());
+}
+
+TEST_F(RestoreWindow, AfterARemovalTheNextRowIsSelectedAndAtTheEndTheOneBefore) {
+  for (const char* name : {"46340", "46341", "46342"})
+    AddBackup(name);
+  Open();
+  Select(1);
+  Press(L"10034");
+  EXPECT_EQ(SelectedRow(), 1);
+  EXPECT_EQ(Cell(1, 0), u"11039 - 11/14/2026 12:00:00 AM");
+  EXPECT_EQ(Enabled(), kAll);
+  Press(L"10034");
+  EXPECT_EQ(SelectedRow(), 0);
+  Press(L"10034");
+  EXPECT_EQ(SelectedRow(), -1);
+  EXPECT_EQ(Enabled(), kCancelAlone);
+}
+
+TEST_F(RestoreWindow, TheDeleteKeyRemovesTheSelectedRow) {
+  AddBackup("46340");
+  AddBackup("46341");
+  Open();
+  ::SendMessageW(List(), WM_KEYDOWN, VK_DELETE, 1);
+  EXPECT_EQ(RowCount(), 1);
+  EXPECT_FALSE(m_memory.Disk.Content(u"C:\\Backups\\46341"));
+  ::SendMessageW(List(), WM_KEYDOWN, VK_DELETE, 1);
+  ::SendMessageW(List(), WM_KEYDOWN, VK_DELETE, 1);
+  EXPECT_EQ(RowCount(), 0);
+  EXPECT_EQ(m_memory.Shell.Calls, TLines());
+}
+
+TEST_F(RestoreWindow, ADoubleClickOnARowViewsIt) {
+  AddBackup("46340");
+  Open();
+  // A file that can't be read says so instead of opening the viewer.
+  m_memory.Disk.FailReading(5);
+  NMITEMACTIVATE click = {};
+  click.hdr = {List(), 101, NM_DBLCLK};
+  click.iItem = -1;
+  ::SendMessageW(m_dialog->Handle(), WM_NOTIFY, 101, reinterpret_cast<LPARAM>(&click));
+  EXPECT_EQ(m_memory.Shell.Calls, TLines());
+  click.iItem = 0;
+  ::SendMessageW(m_dialog->Handle(), WM_NOTIFY, 101, reinterpret_cast<LPARAM>(&click));
+  ASSERT_EQ(m_memory.Shell.Calls.size(), 1U);
+  EXPECT_TRUE(m_memory.Shell.Calls[0].starts_with("failure 40001 | 40012(")) << m_memory.Shell.Calls[0];
+}
+
+// A second window of the thread, as a message box or another program's window is.
+TEST_F(RestoreWindow, TheControlWithTheKeyboardGetsItBackWhenTheDialogIsActiveAgain) {
+  AddBackup("46340");
+  Open();
+  ShowWindow(m_dialog->Handle(), SW_SHOW);
+  const HWND other = CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 100, 100,
+                                     nullptr, nullptr, ProgramInstance(), nullptr);
+  SetActiveWindow(m_dialog->Handle());
+  SetFocus(Button(L"10003"));
+  SetActiveWindow(other);
+  ASSERT_NE(GetFocus(), Button(L"10003"));
+  SetActiveWindow(m_dialog->Handle());
+  EXPECT_EQ(GetFocus(), Button(L"10003"));
+  // A control that takes no input any more leaves the keyboard to the first.
+  SetActiveWindow(other);
+  EnableWindow(Button(L"10003"), FALSE);
+  SetActiveWindow(m_dialog->Handle());
+  EXPECT_EQ(GetFocus(), List());
+  DestroyWindow(other);
 }
 
 TEST_F(RestoreWindow, ARowWhoseFileCannotBeDeletedStays) {

@@ -1,0 +1,22 @@
+// The system's sign for "please wait", while this thread is busy and handles no messages.
+#pragma once
+
+#include "ui/windows/controlsapi.h"
+
+namespace corvalt {
+
+class TWaitCursor {
+ public:
+  TWaitCursor() : m_previous(SetCursor(LoadCursorW(nullptr, reinterpret_cast<const wchar_t*>(IDC_WAIT)))) {
+  }
+  ~TWaitCursor() {
+    SetCursor(m_previous);
+  }
+  TWaitCursor(const TWaitCursor&) = delete;
+  TWaitCursor& operator=(const TWaitCursor&) = delete;
+
+ private:
+  HCURSOR m_previous;
+};
+
+}  // namespace corvalt
