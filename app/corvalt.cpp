@@ -18,6 +18,22 @@ void ShowFailure(TSystem& system, const std::exception_ptr& failure) {
   system.TheShell.ShowMessage(DescribeException(failure, system.Locale), kName, TMessageKind::Failure);
 }
 
+// The system's dialogs, its help viewer and the taskbar expect COM on the thread of the windows.
+class TComApartment {
+ public:
+  TComApartment() : m_result(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE)) {
+  }
+  ~TComApartment() {
+    if (SUCCEEDED(m_result))
+      CoUninitialize();
+  }
+  TComApartment(const TComApartment&) = delete;
+  TComApartment& operator=(const TComApartment&) = delete;
+
+ private:
+  HRESULT m_result;
+};
+
 int RunProgram(TWindowsSystem& windows, TSystem& system, int show) {
   TGlobalVars vars;
   TGlobalReg reg;
@@ -36,6 +52,7 @@ int RunProgram(TWindowsSystem& windows, TSystem& system, int show) {
 }
 
 int RunGuarded(int show) {
+  const TComApartment com;
   TWindowsSystem windows;
   TSystem system = windows.Bundle();
   try {

@@ -27,6 +27,12 @@ Text RepairMessage(std::size_t notSaved, std::size_t notDeleted, const TLanguage
   return message;
 }
 
+TextId EndLine(TProgressMode mode, TRunEnd end) {
+  if (mode == TProgressMode::Scan)
+    return end == TRunEnd::Complete ? TextId::ScanComplete : TextId::TitleError;
+  return end == TRunEnd::Complete ? TextId::RepairComplete : TextId::TitleError;
+}
+
 }  // namespace
 
 Text ProgressCaption(TProgressMode mode, const TLanguageTexts& texts) {
@@ -34,11 +40,10 @@ Text ProgressCaption(TProgressMode mode, const TLanguageTexts& texts) {
   return LanguageText(texts, id) + u" ...";
 }
 
-TProgressOutcome ProgressOutcome(TProgressMode mode, TextView message, std::size_t problemCount,
+TProgressOutcome ProgressOutcome(TProgressMode mode, TRunEnd end, TextView message, std::size_t problemCount,
                                  const TLanguageTexts& texts) {
-  if (mode == TProgressMode::Repair)
-    return {LanguageText(texts, TextId::RepairComplete), Text(message), false};
-  TProgressOutcome outcome = {LanguageText(texts, TextId::ScanComplete), Text(message), problemCount > 0};
+  TProgressOutcome outcome = {LanguageText(texts, EndLine(mode, end)), Text(message), false};
+  outcome.OffersRepair = mode == TProgressMode::Scan && problemCount > 0;
   if (outcome.OffersRepair)
     outcome.Message += u"\r\n\r\n" + LanguageText(texts, TextId::InviteRepair);
   return outcome;
@@ -53,8 +58,11 @@ Text RepairMessage(const TCleaningOutcome& outcome, const TLanguageTexts& texts)
 }
 
 std::vector<Text> SectionLines(const TLanguageTexts& texts) {
-  std::vector<Text> lines = {PlainText(LanguageText(texts, TextId::ScanComplete)),
-                             PlainText(LanguageText(texts, TextId::RepairComplete))};
+  std::vector<Text> lines;
+  for (const TProgressMode mode : {TProgressMode::Scan, TProgressMode::Repair}) {
+    for (const TRunEnd end : {TRunEnd::Complete, TRunEnd::Failed})
+      lines.push_back(PlainText(LanguageText(texts, EndLine(mode, end))));
+  }
   for (const TSection& section : SectionCatalogue())
     lines.push_back(ScanningLine(texts, section.ProgressName));
   return lines;
@@ -62,8 +70,9 @@ std::vector<Text> SectionLines(const TLanguageTexts& texts) {
 
 std::vector<Text> OutcomeMessages(const TLanguageTexts& texts) {
   const TSummary widest = WidestSummary(texts);
-  return {PlainText(ProgressOutcome(TProgressMode::Scan, widest.FinalMessage, widest.Total, texts).Message),
-          PlainText(RepairMessage(kMany, kMany, texts))};
+  const TProgressOutcome scan =
+      ProgressOutcome(TProgressMode::Scan, TRunEnd::Complete, widest.FinalMessage, widest.Total, texts);
+  return {PlainText(scan.Message), PlainText(RepairMessage(kMany, kMany, texts))};
 }
 
 }  // namespace corvalt

@@ -11,6 +11,9 @@ namespace corvalt {
 
 enum class TProgressMode { Scan = 1, Repair = 2 };
 
+// How a run came to its end: Failed when an error ended it early.
+enum class TRunEnd { Complete, Failed };
+
 Text ProgressCaption(TProgressMode mode, const TLanguageTexts& texts);
 
 struct TProgressOutcome {
@@ -19,8 +22,9 @@ struct TProgressOutcome {
   bool OffersRepair = false;
 };
 
-// The end of a run: its message, and after a scan that found problems the invitation to repair them.
-TProgressOutcome ProgressOutcome(TProgressMode mode, TextView message, std::size_t problemCount,
+// The end of a run: its message, and after a scan that found problems the invitation to repair them, also
+// where an error ended the scan early.
+TProgressOutcome ProgressOutcome(TProgressMode mode, TRunEnd end, TextView message, std::size_t problemCount,
                                  const TLanguageTexts& texts);
 
 // What a repair left, one line each: how many entries were not saved and how many could not be deleted. Empty

@@ -1,11 +1,25 @@
 #include "ui/regmain.h"
 
+#include <algorithm>
+
 #include "repair/ignorereg.h"
 #include "system/systemerror.h"
 #include "ui/regjump.h"
 #include "ui/report.h"
 
 namespace corvalt {
+
+namespace {
+
+// Whether any section is ticked. A group's own check mark does not tell: one that is ticked in part looks
+// like an unticked one to the group above it after a start.
+bool AnyTicked(const std::vector<std::unique_ptr<TTreeNode>>& nodes) {
+  return std::any_of(nodes.begin(), nodes.end(), [](const std::unique_ptr<TTreeNode>& node) {
+    return node->Children.empty() ? node->State == TCheckState::Checked : AnyTicked(node->Children);
+  });
+}
+
+}  // namespace
 
 // The dialog is remembered as long as it is open. However it is left, the thread that it shows is told to
 // stop before the dialog goes, and so never reaches it again. The thread runs on to its next check; nobody
@@ -77,6 +91,11 @@ bool TRegMain::CanExport() const {
 void TRegMain::Scan() {
   if (!CanScan())
     return;
+  if (!AnyTicked(m_sections.Model().Roots())) {
+    m_system.TheShell.ShowMessage(Plain(TextId::HintScan), Plain(TextId::TitleInformation),
+                                  TMessageKind::Information);
+    return;
+  }
   m_rows.ForgetSelection();
   m_results.Clear();
   ActionsChanged();
@@ -97,6 +116,7 @@ TProgressEnd TRegMain::RunWithProgress(TProgressMode mode) {
   const std::unique_ptr<TProgressView> progress = m_view.CreateProgress(mode);
   const TOpenDialog open(*this, *progress);
   m_scanned = false;
+  m_runEnd = TRunEnd::Complete;
   if (mode == TProgressMode::Scan) {
     const TScanContext context = {
         m_system, m_vars, m_reg, m_sections, m_results, m_uiThread, [this](TWorkerThread& thread) {
@@ -119,29 +139,41 @@ void TRegMain::StopRun() {
     m_cleaning->Terminate();
 }
 
-// A failure is said last, when all is as the end leaves it: messages go on under a message box.
+// A failure is shown last, when everything else is done: messages go on being handled under a message box.
 void TRegMain::ScanFinished(TWorkerThread& thread) {
   m_scan = nullptr;
+  if (thread.FatalException())
+    m_runEnd = TRunEnd::Failed;
   m_scanned = !thread.Terminated() && !thread.FatalException();
   // The dialog learns first what its Repair button may do, and then shows it.
   ActionsChanged();
   UpdateSummary();
   m_view.ResultsChanged();
+  RunEnded();
   if (thread.FatalException())
-    ShowFailure(Say(TextId::ScanFailed, DescribeException(thread.FatalException(), m_system.Locale)));
+    ShowFailure(Plain(TextId::ScanFailed, DescribeException(thread.FatalException(), m_system.Locale)));
 }
 
 void TRegMain::CleaningFinished(TWorkerThread& thread) {
   const Text message = RepairMessage(m_cleaning->Outcome(), m_vars.Texts);
   m_cleaning = nullptr;
+  if (thread.FatalException())
+    m_runEnd = TRunEnd::Failed;
   m_rows.DropRemoved();
   UpdateSummary();
   m_view.ResultsChanged();
   ActionsChanged();
-  if (m_progress != nullptr)
-    m_progress->ShowResult(message, 0);
+  // After a failure the counts stay: what is left is not as the final message says it.
+  if (m_progress != nullptr && m_runEnd == TRunEnd::Complete)
+    m_progress->ShowResult(m_runEnd, message, 0);
+  RunEnded();
   if (thread.FatalException())
     ShowFailure(thread.FatalException());
+}
+
+void TRegMain::RunEnded() {
+  if (m_progress != nullptr)
+    m_progress->RunEnded(m_runEnd);
 }
 
 void TRegMain::MaintenanceFinished(TWorkerThread& thread) {
@@ -160,14 +192,14 @@ void TRegMain::ActionsChanged() {
 Text TRegMain::EmptyHint() const {
   if (WorkerRuns())
     return {};
-  return Say(m_scanned ? TextId::NoProblemFound : TextId::HintScan);
+  return Plain(m_scanned ? TextId::NoProblemFound : TextId::HintScan);
 }
 
 void TRegMain::UpdateSummary() {
   const TSummary summary = Summarize(m_results, m_vars.Texts);
   m_view.ShowSummary(summary);
   if (m_progress != nullptr)
-    m_progress->ShowResult(summary.FinalMessage, summary.Total);
+    m_progress->ShowResult(m_runEnd, summary.FinalMessage, summary.Total);
 }
 
 void TRegMain::SaveReport(TextView fileName) {
@@ -175,11 +207,11 @@ void TRegMain::SaveReport(TextView fileName) {
   const std::vector<std::uint8_t> bytes(report.begin(), report.end());
   const TSystemError error = m_system.Files.ReplaceFile(fileName, bytes);
   if (error.Failed()) {
-    ShowFailure(Say(TextId::ReportNotSaved, m_system.Locale.SystemMessage(error.Code)));
+    ShowFailure(Plain(TextId::ReportNotSaved, m_system.Locale.SystemMessage(error.Code)));
     return;
   }
-  m_system.TheShell.ShowMessage(Say(TextId::ReportSaved) + u" " + Text(fileName),
-                                Say(TextId::TitleInformation), TMessageKind::Information);
+  m_system.TheShell.ShowMessage(Plain(TextId::ReportSaved) + u" " + Text(fileName),
+                                Plain(TextId::TitleInformation), TMessageKind::Information);
 }
 
 void TRegMain::OpenSelected() {
@@ -193,15 +225,15 @@ void TRegMain::ShowFailure(const std::exception_ptr& failure) {
 }
 
 void TRegMain::ShowFailure(TextView message) {
-  m_system.TheShell.ShowMessage(message, Say(TextId::TitleError), TMessageKind::Failure);
+  m_system.TheShell.ShowMessage(message, Plain(TextId::TitleError), TMessageKind::Failure);
 }
 
 bool TRegMain::ConfirmIgnore() {
-  return m_system.TheShell.ShowMessage(Say(TextId::ConfirmIgnore), Say(TextId::TitleConfirm),
+  return m_system.TheShell.ShowMessage(Plain(TextId::ConfirmIgnore), Plain(TextId::TitleConfirm),
                                        TMessageKind::Question) == TAnswer::Yes;
 }
 
-Text TRegMain::Say(TextId id, TextView argument) const {
+Text TRegMain::Plain(TextId id, TextView argument) const {
   return PlainText(LanguageText(m_vars.Texts, id, argument));
 }
 

@@ -29,8 +29,11 @@ class TProgressView : public TProgressDialog {
   // Shows the dialog; returns when it has been left, whether its thread has ended or not.
   virtual TProgressEnd ShowModal() = 0;
 
-  // The run has ended with this message and this many problems left to repair.
-  virtual void ShowResult(TextView message, std::size_t problemCount) = 0;
+  // The run has ended in this way, with this message and this many problems left to repair.
+  virtual void ShowResult(TRunEnd end, TextView message, std::size_t problemCount) = 0;
+
+  // The run has ended and its result is shown: draws the attention of a user who does not look at the dialog.
+  virtual void RunEnded(TRunEnd end) = 0;
 
   // Whether the Repair button may be pressed now. Called whenever it changes, also while the button is not
   // shown yet.
@@ -100,6 +103,8 @@ class TRegMain {
   }
   bool CanExport() const;
 
+  // A scan without a ticked section is not begun, and a message box says so. A scan clears the results of the
+  // one before.
   void Scan();
   void Repair();
 
@@ -108,7 +113,7 @@ class TRegMain {
   // What stands in the results tree while it has no rows.
   Text EmptyHint() const;
 
-  // Writes the report and says so, or says the system's reason why not.
+  // Writes the report, and shows a message that it is saved, or the system's reason why it is not.
   void SaveReport(TextView fileName);
 
   // Says what failed, in a message box.
@@ -127,10 +132,11 @@ class TRegMain {
   void CleaningFinished(TWorkerThread& thread);
   void MaintenanceFinished(TWorkerThread& thread);
   void ActionsChanged();
+  void RunEnded();
   void ShowFailure(TextView message);
   bool ConfirmIgnore();
-  // The text as a message box shows it.
-  Text Say(TextId id, TextView argument = {}) const;
+  // The text as a message box shows it, each "&" once.
+  Text Plain(TextId id, TextView argument = {}) const;
 
   TSystem& m_system;
   const TGlobalVars& m_vars;
@@ -147,6 +153,9 @@ class TRegMain {
   TCleaning* m_cleaning = nullptr;
   TPrepare* m_prepare = nullptr;
   TProgressView* m_progress = nullptr;
+
+  // Of the run that the progress dialog shows.
+  TRunEnd m_runEnd = TRunEnd::Complete;
 
   // The last run was a scan that came to its end.
   bool m_scanned = false;

@@ -47,8 +47,12 @@ class TMainRig::TDialog : public TProgressView {
       throw std::runtime_error("the dialog is gone");
     return m_record->End;
   }
-  void ShowResult(TextView message, std::size_t problemCount) override {
-    m_record->Results.push_back(EncodeUtf8(message) + "|" + std::to_string(problemCount));
+  void ShowResult(TRunEnd end, TextView message, std::size_t problemCount) override {
+    m_record->Results.push_back((end == TRunEnd::Failed ? "failed: " : "") + EncodeUtf8(message) + "|" +
+                                std::to_string(problemCount));
+  }
+  void RunEnded(TRunEnd end) override {
+    m_record->Ends.push_back(end);
   }
   void EnableRepair(bool enabled) override {
     m_record->MayRepair = enabled;

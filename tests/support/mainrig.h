@@ -26,7 +26,8 @@ struct TDialogRecord {
   TProgressMode Mode = TProgressMode::Scan;
   bool IsThere = true;
   std::vector<std::string> Updates;  // labels and bars, as TRecordingDialog words them
-  std::vector<std::string> Results;  // "message|count"
+  std::vector<std::string> Results;  // "message|count", with "failed: " before it
+  std::vector<TRunEnd> Ends;
   bool MayRepair = false;
   TProgressEnd End = TProgressEnd::Closed;
 };

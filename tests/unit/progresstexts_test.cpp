@@ -17,14 +17,16 @@ TEST(ProgressTexts, TheCaptionSaysWhatRuns) {
 }
 
 TEST(ProgressTexts, AScanThatFindsNothingShowsTheMessageAlone) {
-  const TProgressOutcome outcome = ProgressOutcome(TProgressMode::Scan, u"11016,11017.", 0, NumberedTexts());
+  const TProgressOutcome outcome =
+      ProgressOutcome(TProgressMode::Scan, TRunEnd::Complete, u"11016,11017.", 0, NumberedTexts());
   EXPECT_EQ(outcome.SectionLine, u"11031");
   EXPECT_EQ(outcome.Message, u"11016,11017.");
   EXPECT_FALSE(outcome.OffersRepair);
 }
 
 TEST(ProgressTexts, AScanThatFindsOneProblemInvitesToRepairAfterABlankLine) {
-  const TProgressOutcome outcome = ProgressOutcome(TProgressMode::Scan, u"11012,11014.", 1, NumberedTexts());
+  const TProgressOutcome outcome =
+      ProgressOutcome(TProgressMode::Scan, TRunEnd::Complete, u"11012,11014.", 1, NumberedTexts());
   EXPECT_EQ(outcome.SectionLine, u"11031");
   EXPECT_EQ(outcome.Message, u"11012,11014.\r\n\r\n11033");
   EXPECT_TRUE(outcome.OffersRepair);
@@ -32,11 +34,24 @@ TEST(ProgressTexts, AScanThatFindsOneProblemInvitesToRepairAfterABlankLine) {
 
 TEST(ProgressTexts, ARepairIsNeverFollowedByAnother) {
   for (const std::size_t left : {0u, 3u}) {
-    const TProgressOutcome outcome = ProgressOutcome(TProgressMode::Repair, u"11008", left, NumberedTexts());
+    const TProgressOutcome outcome =
+        ProgressOutcome(TProgressMode::Repair, TRunEnd::Complete, u"11008", left, NumberedTexts());
     EXPECT_EQ(outcome.SectionLine, u"11034");
     EXPECT_EQ(outcome.Message, u"11008");
     EXPECT_FALSE(outcome.OffersRepair);
   }
+}
+
+TEST(ProgressTexts, ARunThatFailedIsNotSaidToBeComplete) {
+  const TLanguageTexts texts = NumberedTexts();
+  const TProgressOutcome scan =
+      ProgressOutcome(TProgressMode::Scan, TRunEnd::Failed, u"11012,11014.", 1, texts);
+  EXPECT_EQ(scan.SectionLine, u"40001");
+  EXPECT_TRUE(scan.OffersRepair);
+  const TProgressOutcome repair =
+      ProgressOutcome(TProgressMode::Repair, TRunEnd::Failed, u"11012,11014.", 1, texts);
+  EXPECT_EQ(repair.SectionLine, u"40001");
+  EXPECT_FALSE(repair.OffersRepair);
 }
 
 TEST(ProgressTexts, TheModesHaveTheNumbersOfTheDialog) {
@@ -44,11 +59,13 @@ TEST(ProgressTexts, TheModesHaveTheNumbersOfTheDialog) {
   EXPECT_EQ(static_cast<int>(TProgressMode::Repair), 2);
 }
 
-TEST(ProgressTexts, TheSectionLinesAreBothEndsAndEverySectionOnce) {
+TEST(ProgressTexts, TheSectionLinesAreTheFourEndsAndEverySectionOnce) {
   const std::vector<Text> lines = SectionLines(NumberedTexts());
-  ASSERT_EQ(lines.size(), 24U);
+  ASSERT_EQ(lines.size(), 26U);
   EXPECT_EQ(lines[0], u"11031");
-  EXPECT_EQ(lines[1], u"11034");
+  EXPECT_EQ(lines[1], u"40001");
+  EXPECT_EQ(lines[2], u"11034");
+  EXPECT_EQ(lines[3], u"40001");
   EXPECT_TRUE(std::any_of(lines.begin(), lines.end(),
                           [](const Text& line) { return line == u"11035 Windows Fonts..."; }));
 }

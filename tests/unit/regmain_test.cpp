@@ -282,6 +282,20 @@ TEST(MainWindowScan, ShowsItsProgressInTheDialog) {
   EXPECT_TRUE(updates[1].starts_with("section: 11035 ") && updates[1].ends_with("...")) << updates[1];
 }
 
+TEST(MainWindowScan, WithNoSectionTickedSaysSoAndKeepsTheResults) {
+  TScannedRig rig(2);
+  rig.Main.Rows().Select(rig.Row(0, 0));
+  rig.Main.Sections().CheckOnly({});
+  rig.Main.Scan();
+  EXPECT_EQ(rig.Shell.Calls, TLines({"information 10045 | 40017"}));
+  EXPECT_TRUE(rig.Dialogs.empty());
+  EXPECT_EQ(rig.RowCount(), 2u);
+  EXPECT_EQ(rig.Main.Rows().Selected(), rig.Row(0, 0));
+  rig.Main.Sections().CheckOnly({TMainRig::kSection});
+  rig.Main.Scan();
+  EXPECT_EQ(rig.Dialogs.size(), 1u);
+}
+
 TEST(MainWindowScan, BeginsWithAnEmptyTreeAndNoSelection) {
   TScannedRig rig(2);
   rig.Main.Rows().Select(rig.Row(0, 0));
@@ -323,6 +337,15 @@ TEST(MainWindowScan, MeasuresTheRowsAsTheWindowSays) {
   rig.Main.SetMeasure([](TextView) { return 5000; });
   rig.Main.Scan();
   EXPECT_GT(rig.Main.Results().ColumnWidth(), 5000);
+}
+
+TEST(MainWindowScan, TellsItsDialogOnceThatItHasEnded) {
+  TMainRig rig;
+  rig.Break(0);
+  rig.Main.Scan();
+  rig.Main.Repair();
+  EXPECT_EQ(rig.Dialogs[0].Ends, std::vector<TRunEnd>({TRunEnd::Complete}));
+  EXPECT_EQ(rig.Dialogs[1].Ends, std::vector<TRunEnd>({TRunEnd::Complete}));
 }
 
 TEST(MainWindowScan, ClosedInTheMiddleKeepsWhatItFound) {
@@ -417,10 +440,12 @@ TEST(MainWindowScan, ThatFailsSaysWhyAndLeavesEverythingUsable) {
             TLines({"failure 40001 | 40002(40003(C:\\Program Files\\Tessaly\\\\data\\xdata.dat))"}));
   // What was found before the failure is there.
   EXPECT_EQ(rig.RowCount(), 1u);
-  EXPECT_EQ(rig.Dialogs[0].Results, TLines({"11012,11014.|1"}));
+  EXPECT_EQ(rig.Dialogs[0].Results, TLines({"failed: 11012,11014.|1"}));
+  EXPECT_EQ(rig.Dialogs[0].Ends, std::vector<TRunEnd>({TRunEnd::Failed}));
   EXPECT_EQ(rig.Enabled(), "scan repair restore export");
   rig.Main.Sections().CheckOnly({TMainRig::kSection});
   rig.Main.Scan();
+  EXPECT_EQ(rig.Dialogs[1].Results, TLines({"11012,11014.|1"}));
   EXPECT_EQ(rig.Shell.Calls.size(), 1u);
   EXPECT_EQ(rig.RowCount(), 1u);
 }
@@ -555,7 +580,8 @@ TEST(MainWindowRepair, IsDoneWithTheWindowWhenItSaysAFailure) {
   };
   rig.Main.Repair();
   EXPECT_EQ(enabled, "scan repair restore export");
-  EXPECT_EQ(results, TLines({"11013(2),11015(2).|2", "11008|0"}));
+  // The text of a repair that came to its end is not among them.
+  EXPECT_EQ(results, TLines({"failed: 11013(2),11015(2).|2"}));
 }
 
 // From the scan's dialog on

@@ -28,8 +28,11 @@ constexpr DWORD kLabelStyle = SS_NOPREFIX;
 
 }  // namespace
 
-TfrmScan::TfrmScan(const TLanguageTexts& texts, HWND owner, TProgressMode mode)
-    : m_texts(texts), m_mode(mode), m_picture(LoadPicture(kProgressIcon, DrawnSize(Scale()(kPictureSize)))) {
+TfrmScan::TfrmScan(const TLanguageTexts& texts, HWND owner, TProgressMode mode, TTaskbarButton& taskbar)
+    : m_texts(texts),
+      m_mode(mode),
+      m_taskbar(taskbar),
+      m_picture(LoadPicture(kProgressIcon, DrawnSize(Scale()(kPictureSize)))) {
   CreateModal(u"TfrmScan", PlainText(ProgressCaption(mode, texts)), owner, kInside, 0);
   m_sectionLabel = AddControl(u"STATIC", {}, kLabelStyle | SS_ENDELLIPSIS, 0, 0, 0, 0, 0);
   m_overallBar = AddControl(kProgressClass, {}, 0, 0, 0, 0, 0, 0);
@@ -42,6 +45,10 @@ TfrmScan::TfrmScan(const TLanguageTexts& texts, HWND owner, TProgressMode mode)
   m_closeButton = AddButton(LanguageText(texts, TextId::ButtonCancel), IDCANCEL, 0, 0, 0, 0);
   ShowWindow(m_repairButton, SW_HIDE);
   Layout();
+}
+
+TfrmScan::~TfrmScan() {
+  m_taskbar.HideProgress();
 }
 
 int TfrmScan::ContentWidth() const {
@@ -81,10 +88,13 @@ TProgressEnd TfrmScan::ShowModal() {
   return m_end;
 }
 
-void TfrmScan::ShowResult(TextView message, std::size_t problemCount) {
-  const TProgressOutcome outcome = ProgressOutcome(m_mode, message, problemCount, m_texts);
-  SetOverallPosition(100);
-  SetSectionPosition(100);
+void TfrmScan::ShowResult(TRunEnd end, TextView message, std::size_t problemCount) {
+  const TProgressOutcome outcome = ProgressOutcome(m_mode, end, message, problemCount, m_texts);
+  // After a failure the bars stay where the run came to.
+  if (end == TRunEnd::Complete) {
+    SetOverallPosition(100);
+    SetSectionPosition(100);
+  }
   ShowWindow(m_image, SW_HIDE);
   SetSectionLabel(PlainText(outcome.SectionLine));
   SetItemLabel(PlainText(outcome.Message));
@@ -93,6 +103,16 @@ void TfrmScan::ShowResult(TextView message, std::size_t problemCount) {
     return;
   // The keyboard stays where it is: a key that was meant for Cancel must not begin a repair.
   ShowWindow(m_repairButton, SW_SHOW);
+}
+
+void TfrmScan::RunEnded(TRunEnd end) {
+  if (end == TRunEnd::Failed)
+    m_taskbar.ShowError();
+  else
+    m_taskbar.HideProgress();
+  m_taskbar.Flash();
+  // Screen readers read the label that says the outcome.
+  NotifyWinEvent(EVENT_SYSTEM_ALERT, m_itemLabel, OBJID_CLIENT, CHILDID_SELF);
 }
 
 void TfrmScan::EnableRepair(bool enabled) {
@@ -109,6 +129,7 @@ void TfrmScan::SetItemLabel(TextView text) {
 
 void TfrmScan::SetOverallPosition(std::int32_t position) {
   ::SendMessageW(m_overallBar, PBM_SETPOS, static_cast<WPARAM>(position), 0);
+  m_taskbar.ShowProgress(position);
 }
 
 void TfrmScan::SetSectionPosition(std::int32_t position) {

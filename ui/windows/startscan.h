@@ -5,16 +5,19 @@
 #include "ui/regmain.h"
 #include "ui/windows/images.h"
 #include "ui/windows/modalwindow.h"
+#include "ui/windows/taskbarbutton.h"
 
 namespace corvalt {
 
 class TfrmScan : public TModalWindow, public TProgressView {
  public:
-  // The texts must outlive the dialog.
-  TfrmScan(const TLanguageTexts& texts, HWND owner, TProgressMode mode);
+  // The texts and the button must outlive the dialog.
+  TfrmScan(const TLanguageTexts& texts, HWND owner, TProgressMode mode, TTaskbarButton& taskbar);
+  ~TfrmScan() override;
 
   TProgressEnd ShowModal() override;
-  void ShowResult(TextView message, std::size_t problemCount) override;
+  void ShowResult(TRunEnd end, TextView message, std::size_t problemCount) override;
+  void RunEnded(TRunEnd end) override;
   void EnableRepair(bool enabled) override;
   void SetSectionLabel(TextView text) override;
   void SetItemLabel(TextView text) override;
@@ -31,6 +34,7 @@ class TfrmScan : public TModalWindow, public TProgressView {
 
   const TLanguageTexts& m_texts;
   TProgressMode m_mode;
+  TTaskbarButton& m_taskbar;
   TIcon m_picture;
   HWND m_sectionLabel = nullptr;
   HWND m_itemLabel = nullptr;

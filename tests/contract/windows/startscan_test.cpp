@@ -50,6 +50,61 @@ LRESULT CALLBACK NoteWhetherTheOwnerIsEnabled(HWND window, UINT message, WPARAM 
   return DefSubclassProc(window, message, wParam, lParam);
 }
 
+// A taskbar that notes what it is told.
+class TNotingTaskbar : public TTaskbarButton {
+ public:
+  void ShowProgress(int percent) override {
+    Calls.push_back("progress " + std::to_string(percent));
+  }
+  void ShowError() override {
+    Calls.emplace_back("error");
+  }
+  void HideProgress() override {
+    Calls.emplace_back("hide");
+  }
+  void Flash() override {
+    Calls.emplace_back("flash");
+  }
+
+  TLines Calls;
+};
+
+// Notes the events of this process that assistive technology hears, and the text that they are about.
+class TEventListener {
+ public:
+  TEventListener()
+      : m_hook(SetWinEventHook(EVENT_SYSTEM_ALERT, EVENT_SYSTEM_ALERT, GetModuleHandleW(nullptr), Note,
+                               GetCurrentProcessId(), 0, WINEVENT_INCONTEXT)) {
+    Heard().clear();
+  }
+  ~TEventListener() {
+    UnhookWinEvent(m_hook);
+  }
+  TEventListener(const TEventListener&) = delete;
+  TEventListener& operator=(const TEventListener&) = delete;
+  static TLines& Heard() {
+    static TLines heard;
+    return heard;
+  }
+
+ private:
+  static void CALLBACK Note(HWINEVENTHOOK, DWORD, HWND window, LONG, LONG, DWORD, DWORD) {
+    Heard().push_back(TextOf(window));
+  }
+
+  HWINEVENTHOOK m_hook;
+};
+
+Text NameOf(IAccessible& object) {
+  VARIANT self = {};
+  self.vt = VT_I4;
+  BSTR name = nullptr;
+  object.get_accName(self, &name);
+  const Text text(FromWide(name, SysStringLen(name)));
+  SysFreeString(name);
+  return text;
+}
+
 // A dialog over a window in the middle of nowhere.
 class ProgressDialog : public testing::Test {
  protected:
@@ -59,7 +114,7 @@ class ProgressDialog : public testing::Test {
   }
 
   TfrmScan& Open(TProgressMode mode) {
-    return m_dialog.emplace(m_rig.Vars.Texts, m_owner, mode);
+    return m_dialog.emplace(m_rig.Vars.Texts, m_owner, mode, m_taskbar);
   }
   HWND Control(int number) const {
     HWND control = GetWindow(m_dialog->Handle(), GW_CHILD);
@@ -87,6 +142,7 @@ class ProgressDialog : public testing::Test {
   static constexpr int kCloseButton = 7;
 
   TScanRig m_rig;
+  TNotingTaskbar m_taskbar;
   HWND m_owner = CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, 100, 100, 800, 600, nullptr, nullptr,
                                  ProgramInstance(), nullptr);
   std::optional<TfrmScan> m_dialog;
@@ -131,7 +187,7 @@ TEST_F(ProgressDialog, ShowsTheProgressInItsBarsAndLines) {
 }
 
 TEST_F(ProgressDialog, AScanThatFindsNothingEndsWithFullBarsAndNoRepairButton) {
-  Open(TProgressMode::Scan).ShowResult(u"11016,11017.", 0);
+  Open(TProgressMode::Scan).ShowResult(TRunEnd::Complete, u"11016,11017.", 0);
   EXPECT_EQ(Position(kOverallBar), 100);
   EXPECT_EQ(Position(kSectionBar), 100);
   EXPECT_TRUE(IsHidden(Control(kPicture)));
@@ -142,20 +198,31 @@ TEST_F(ProgressDialog, AScanThatFindsNothingEndsWithFullBarsAndNoRepairButton) {
 }
 
 TEST_F(ProgressDialog, AScanThatFindsProblemsOffersTheRepairAfterABlankLine) {
-  Open(TProgressMode::Scan).ShowResult(u"11012,11014.", 1);
+  Open(TProgressMode::Scan).ShowResult(TRunEnd::Complete, u"11012,11014.", 1);
   EXPECT_EQ(TextOf(Control(kItemLabel)), "11012,11014.\r\n\r\n11033");
   EXPECT_FALSE(IsHidden(Control(kRepairButton)));
 }
 
 TEST_F(ProgressDialog, ARepairEndsWithItsMessageAloneAndNoSecondRepair) {
   TfrmScan& dialog = Open(TProgressMode::Repair);
-  dialog.ShowResult(u"11012,11014.", 1);
-  dialog.ShowResult(u"11008", 0);
+  dialog.ShowResult(TRunEnd::Complete, u"11012,11014.", 1);
+  dialog.ShowResult(TRunEnd::Complete, u"11008", 0);
   EXPECT_EQ(TextOf(Control(kSectionLabel)), "11034");
   EXPECT_EQ(TextOf(Control(kItemLabel)), "11008");
   EXPECT_TRUE(IsHidden(Control(kRepairButton)));
   EXPECT_TRUE(IsHidden(Control(kPicture)));
   EXPECT_EQ(Position(kOverallBar), 100);
+  EXPECT_EQ(TextOf(Control(kCloseButton)), "10014");
+}
+
+TEST_F(ProgressDialog, ARunThatFailedSaysSoAndItsBarsStayWhereTheyWere) {
+  TfrmScan& dialog = Open(TProgressMode::Scan);
+  dialog.SetOverallPosition(40);
+  dialog.ShowResult(TRunEnd::Failed, u"11012,11014.", 1);
+  EXPECT_EQ(TextOf(Control(kSectionLabel)), "40001");
+  EXPECT_EQ(Position(kOverallBar), 40);
+  EXPECT_TRUE(IsHidden(Control(kPicture)));
+  EXPECT_FALSE(IsHidden(Control(kRepairButton)));
   EXPECT_EQ(TextOf(Control(kCloseButton)), "10014");
 }
 
@@ -187,7 +254,7 @@ TEST_F(ProgressDialog, EveryWayOfClosingItIsNoWishForARepair) {
 
 TEST_F(ProgressDialog, ItsRepairButtonClosesItAndSaysWhatIsWanted) {
   TfrmScan& dialog = Open(TProgressMode::Scan);
-  dialog.ShowResult(u"11013(3),11015(3).", 3);
+  dialog.ShowResult(TRunEnd::Complete, u"11013(3),11015(3).", 3);
   ::PostMessageW(Control(kRepairButton), BM_CLICK, 0, 0);
   EXPECT_EQ(dialog.ShowModal(), TProgressEnd::RepairWanted);
   EXPECT_FALSE(IsWindowVisible(dialog.Handle()));
@@ -197,11 +264,67 @@ TEST_F(ProgressDialog, ItsRepairButtonClosesItAndSaysWhatIsWanted) {
 TEST_F(ProgressDialog, ItsRepairButtonWaitsUntilARepairMayBegin) {
   TfrmScan& dialog = Open(TProgressMode::Scan);
   dialog.EnableRepair(false);
-  dialog.ShowResult(u"11012,11014.", 1);
+  dialog.ShowResult(TRunEnd::Complete, u"11012,11014.", 1);
   EXPECT_FALSE(IsHidden(Control(kRepairButton)));
   EXPECT_FALSE(IsWindowEnabled(Control(kRepairButton)));
   dialog.EnableRepair(true);
   EXPECT_TRUE(IsWindowEnabled(Control(kRepairButton)));
+}
+
+// Who does not look at the dialog
+
+TEST_F(ProgressDialog, TheTaskbarShowsItsProgressAndFlashesAtTheEnd) {
+  TfrmScan& dialog = Open(TProgressMode::Scan);
+  dialog.SetOverallPosition(40);
+  dialog.ShowResult(TRunEnd::Complete, u"11016,11017.", 0);
+  dialog.RunEnded(TRunEnd::Complete);
+  EXPECT_EQ(m_taskbar.Calls, TLines({"progress 40", "progress 100", "hide", "flash"}));
+}
+
+TEST_F(ProgressDialog, TheTaskbarShowsAnErrorUntilTheDialogIsClosed) {
+  TfrmScan& dialog = Open(TProgressMode::Scan);
+  dialog.SetOverallPosition(40);
+  dialog.ShowResult(TRunEnd::Failed, u"11012,11014.", 1);
+  dialog.RunEnded(TRunEnd::Failed);
+  m_dialog.reset();
+  EXPECT_EQ(m_taskbar.Calls, TLines({"progress 40", "error", "flash", "hide"}));
+}
+
+TEST_F(ProgressDialog, ADialogThatIsClosedInTheMiddleTakesItsProgressFromTheTaskbar) {
+  Open(TProgressMode::Repair).SetOverallPosition(40);
+  m_dialog.reset();
+  EXPECT_EQ(m_taskbar.Calls, TLines({"progress 40", "hide"}));
+}
+
+TEST_F(ProgressDialog, ItsEndIsAnAlertAboutTheOutcome) {
+  const TEventListener listener;
+  TfrmScan& dialog = Open(TProgressMode::Scan);
+  dialog.ShowResult(TRunEnd::Complete, u"11012,11014.", 1);
+  EXPECT_EQ(TEventListener::Heard(), TLines());
+  dialog.RunEnded(TRunEnd::Complete);
+  EXPECT_EQ(TEventListener::Heard(), TLines({"11012,11014.\r\n\r\n11033"}));
+}
+
+TEST_F(ProgressDialog, IsADialogWithItsTextsToAssistiveTechnology) {
+  TfrmScan& dialog = Open(TProgressMode::Scan);
+  ShowWindow(dialog.Handle(), SW_SHOW);
+  dialog.SetSectionLabel(u"11035 Windows Fonts...");
+  dialog.SetItemLabel(u"Software\\A & B");
+  IAccessible* object = nullptr;
+  ASSERT_EQ(AccessibleObjectFromWindow(dialog.Handle(), static_cast<DWORD>(OBJID_CLIENT),
+                                       __uuidof(IAccessible), reinterpret_cast<void**>(&object)),
+            S_OK);
+  VARIANT self = {};
+  self.vt = VT_I4;
+  VARIANT role = {};
+  EXPECT_EQ(object->get_accRole(self, &role), S_OK);
+  EXPECT_EQ(role.lVal, ROLE_SYSTEM_DIALOG);
+  EXPECT_EQ(NameOf(*object), u"11035 ...");
+  BSTR description = nullptr;
+  EXPECT_EQ(object->get_accDescription(self, &description), S_OK);
+  EXPECT_EQ(FromWide(description, SysStringLen(description)), u"11035 Windows Fonts...\r\nSoftware\\A & B");
+  SysFreeString(description);
+  object->Release();
 }
 
 // The keyboard
@@ -210,14 +333,14 @@ TEST_F(ProgressDialog, TheKeyboardStaysOnItsCloseButtonWhenTheRepairIsOffered) {
   TfrmScan& dialog = Open(TProgressMode::Scan);
   ShowWindow(dialog.Handle(), SW_SHOW);
   SetFocus(Control(kCloseButton));
-  dialog.ShowResult(u"11012,11014.", 1);
+  dialog.ShowResult(TRunEnd::Complete, u"11012,11014.", 1);
   EXPECT_EQ(GetFocus(), Control(kCloseButton));
 }
 
 TEST_F(ProgressDialog, EnterPressesTheButtonThatHasTheKeyboard) {
   TfrmScan& dialog = Open(TProgressMode::Scan);
   ShowWindow(dialog.Handle(), SW_SHOW);
-  dialog.ShowResult(u"11012,11014.", 1);
+  dialog.ShowResult(TRunEnd::Complete, u"11012,11014.", 1);
   for (const int button : {kRepairButton, kCloseButton}) {
     SetFocus(Control(button));
     const LRESULT answer = ::SendMessageW(dialog.Handle(), DM_GETDEFID, 0, 0);
