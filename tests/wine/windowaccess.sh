@@ -65,6 +65,24 @@ number_of() {
   row_field "$1" "$2" 1
 }
 
+# The alert at a scan's end, heard by another process.
+alert_is_heard() {
+  local listener
+  reader listen alert >"$work/heard" &
+  listener=$!
+  eventually grep -q listening "$work/heard"
+  press "$title" 'Scan registry for problems'
+  wait "$listener"
+  cat "$work/heard"
+  grep -q 'problems found.*Click Repair' "$work/heard"
+}
+
+# object_is TITLE NUMBER ROLE NAME
+object_is() {
+  reader object "$1" "$2" | tee "$work/object"
+  [[ $(cut -f 1,2 "$work/object") == "$3"$'\t'"$4" ]]
+}
+
 start_window_tests
 fill_prefix
 problem_count >"$work/count"
@@ -139,6 +157,12 @@ ok "the chooser follows" grep -x '\*Repair this problem' <(reader chooser)
 key Left Left
 ok "a closed section says so" eventually has_states results 'Obsolete software' collapsed
 ok "its problems have no rows" lacks_row results 'Corvalt Empty'
+ok "the drop-down list on the row has a name" object_is "$title" 2003 46 'Action:'
+ok "another process hears the end of a scan" alert_is_heard
+ok "the dialog is one, with its title" object_is 'Scanning ...' 0 18 'Scanning ...'
+ok "and its texts" grep -q 'The scan is complete. | .*problems found' "$work/object"
+press 'Scanning ...' Close
+ok "it closes" reader gone 'Scanning ...'
 ok "the program ends" close_window
 
 echo "$passed passed, $failed failed"

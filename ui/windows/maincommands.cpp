@@ -8,6 +8,7 @@
 #include "ui/suitelinks.h"
 #include "ui/windows/ignorereg.h"
 #include "ui/windows/restoredeleted.h"
+#include "ui/windows/waitcursor.h"
 
 namespace corvalt {
 
@@ -142,6 +143,7 @@ void TMainCommands::Export() {
     const Text fileName = ReportFileName(chosen);
     if (fileName != chosen && !MayWrite(fileName))
       continue;
+    const TWaitCursor wait;
     m_main.SaveReport(fileName);
     return;
   }
@@ -155,6 +157,8 @@ bool TMainCommands::MayWrite(TextView fileName) {
 }
 
 void TMainCommands::OpenInRegistryEditor() {
+  // The walk through the editor's tree takes up to seconds.
+  const TWaitCursor wait;
   m_main.OpenSelected();
 }
 

@@ -37,6 +37,9 @@ class TMainCommands {
 
   static const std::vector<TAction>& Actions();
 
+  static bool IsCommand(int number) {
+    return Find(number) != nullptr;
+  }
   bool IsEnabled(int command) const;
 
   // Does nothing for a number that is no command. Dialogs open over this window.

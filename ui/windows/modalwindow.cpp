@@ -3,10 +3,18 @@
 #include <algorithm>
 
 #include "core/languagetexts.h"
+#include "ui/windows/namedaccessible.h"
 
 namespace corvalt {
 
 namespace {
+
+Text TextOf(HWND window) {
+  Text text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, u'\0');
+  const int length = GetWindowTextW(window, WideBuffer(text), static_cast<int>(text.size()));
+  text.resize(static_cast<std::size_t>(length));
+  return text;
+}
 
 // Keeps the window within the work area of the screen that its owner is on.
 POINT CentredOver(HWND owner, SIZE size) {
@@ -129,6 +137,18 @@ LRESULT TModalWindow::ButtonOfEnter() const {
   return id == 0 ? 0 : MAKELRESULT(id, DC_HASDEFID);
 }
 
+// The visible texts of the dialog from top to bottom, a line each.
+Text TModalWindow::SpokenText() const {
+  Text spoken;
+  for (HWND child = GetWindow(Handle(), GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+    const bool isLabel = (::SendMessageW(child, WM_GETDLGCODE, 0, 0) & DLGC_STATIC) != 0;
+    const Text text = isLabel && IsWindowVisible(child) ? TextOf(child) : Text();
+    if (!text.empty())
+      spoken += (spoken.empty() ? u"" : u"\r\n") + text;
+  }
+  return spoken;
+}
+
 LRESULT TModalWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_COMMAND:
@@ -140,6 +160,14 @@ LRESULT TModalWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       break;
     case DM_GETDEFID:
       return ButtonOfEnter();
+    case WM_ACTIVATE:
+      m_focus.OnActivate(Handle(), wParam, GetNextDlgTabItem(Handle(), nullptr, FALSE));
+      return 0;
+    case WM_GETOBJECT:
+      if (static_cast<LONG>(lParam) == OBJID_CLIENT)
+        return TNamedAccessible::Answer(Handle(), wParam,
+                                        {TextOf(Handle()), SpokenText(), ROLE_SYSTEM_DIALOG});
+      break;
     case WM_SYSCOLORCHANGE:
     case WM_SETTINGCHANGE:
       TellChildren(message, wParam, lParam);

@@ -3,6 +3,7 @@
 
 #include <initializer_list>
 
+#include "ui/windows/focuskeeper.h"
 #include "ui/windows/gdi.h"
 #include "ui/windows/window.h"
 
@@ -10,17 +11,17 @@ namespace corvalt {
 
 class TModalWindow : public TWindow {
  public:
-  // Shows the window over its owner and answers when it has been closed. The owner takes no input meanwhile.
+  // Shows the window over its owner and returns when it has been closed. The owner takes no input meanwhile.
   void RunModal();
 
  protected:
-  // The inside is said at 96 dots per inch; the window stands centred over its owner.
+  // The size of the inside is given at 96 dots per inch; the window stands centred over its owner.
   void CreateModal(TextView className, TextView caption, HWND owner, SIZE inside, DWORD extraStyle);
 
   // Takes the window off the screen; its owner takes input again.
   void Hide();
 
-  // Ends RunModal. Asked by the close box, Escape and the cancel button through WM_CLOSE.
+  // Ends RunModal. Called for the close box, Escape and the cancel button through WM_CLOSE.
   void Close();
 
   // Controls of the dialog, placed at 96 dots per inch, in the dialog's font.
@@ -55,10 +56,12 @@ class TModalWindow : public TWindow {
 
  private:
   LRESULT ButtonOfEnter() const;
+  Text SpokenText() const;
 
   TScale m_scale;
   TTextMeter m_meter{m_scale, false};
   HWND m_owner = nullptr;
+  TFocusKeeper m_focus;
   int m_defaultButton = 0;
   bool m_closed = false;
 };

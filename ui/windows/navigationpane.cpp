@@ -34,6 +34,11 @@ void TNavigationPane::Create(HWND parent, HIMAGELIST images) {
 }
 
 void TNavigationPane::OnCreate() {
+  for (const auto& [caption, heading] :
+       {std::pair{&m_tasksCaption, &m_tasksHeading}, std::pair{&m_sectionsCaption, &m_sectionsHeading}}) {
+    *heading = CreateWindowExW(0, L"STATIC", Wide(*caption), WS_CHILD | WS_VISIBLE | SS_OWNERDRAW, 0, 0, 0, 0,
+                               Handle(), nullptr, ProgramInstance(), nullptr);
+  }
   for (const TTaskLink& link : m_links) {
     const HWND button = CreateWindowExW(
         0, L"BUTTON", Wide(link.Caption), WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_OWNERDRAW, 0, 0, 0, 0,
@@ -76,10 +81,17 @@ RECT TNavigationPane::ContentPlace() const {
 }
 
 void TNavigationPane::OnSize() {
-  const int width = static_cast<int>(ClientSize().cx) - 2 * m_scale(kMargin);
+  const int wholeWidth = static_cast<int>(ClientSize().cx);
+  const int width = wholeWidth - 2 * m_scale(kMargin);
+  MoveWindow(m_tasksHeading, 0, 0, wholeWidth, m_scale(kGroupHeader), TRUE);
+  MoveWindow(m_sectionsHeading, 0, SectionsTop(), wholeWidth, m_scale(kGroupHeader), TRUE);
+  // What is cut off at one width may be read at another.
+  for (const HWND heading : {m_tasksHeading, m_sectionsHeading})
+    InvalidateRect(heading, nullptr, FALSE);
   int top = m_scale(kGroupHeader + kLinkTop);
   for (const HWND button : m_buttons) {
     MoveWindow(button, m_scale(kMargin), top, std::max(width, 0), m_scale(kLinkHeight), TRUE);
+    InvalidateRect(button, nullptr, FALSE);
     top += m_scale(kLinkHeight);
   }
   if (m_content == nullptr)
@@ -109,7 +121,7 @@ LRESULT TNavigationPane::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       OnPaint();
       return 0;
     case WM_DRAWITEM:
-      DrawLink(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+      DrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
       return TRUE;
     case WM_SETCURSOR: {
       const bool isLink =
@@ -132,23 +144,30 @@ void TNavigationPane::OnPaint() {
   HDC window = BeginPaint(Handle(), &paint);
   if (HDC dc = m_buffer.Begin(window, ClientSize())) {
     FillRect(dc, &paint.rcPaint, GetSysColorBrush(COLOR_WINDOW));
-    DrawGroup(dc, m_tasksCaption, 0);
-    DrawGroup(dc, m_sectionsCaption, SectionsTop());
     m_buffer.Show(window, paint.rcPaint);
   }
   EndPaint(Handle(), &paint);
 }
 
-void TNavigationPane::DrawGroup(HDC dc, const Text& caption, int top) {
-  RECT header = {0, top, ClientSize().cx, top + m_scale(kGroupHeader)};
-  FillRect(dc, &header, GetSysColorBrush(COLOR_BTNFACE));
+void TNavigationPane::DrawItem(const DRAWITEMSTRUCT& item) {
+  if (item.hwndItem == m_tasksHeading)
+    DrawHeading(item, m_tasksCaption);
+  else if (item.hwndItem == m_sectionsHeading)
+    DrawHeading(item, m_sectionsCaption);
+  else
+    DrawLink(item);
+}
+
+void TNavigationPane::DrawHeading(const DRAWITEMSTRUCT& item, const Text& caption) const {
+  RECT header = item.rcItem;
+  FillRect(item.hDC, &header, GetSysColorBrush(COLOR_BTNFACE));
   const RECT line = {header.left, header.bottom - 1, header.right, header.bottom};
-  FillRect(dc, &line, GetSysColorBrush(COLOR_BTNSHADOW));
+  FillRect(item.hDC, &line, GetSysColorBrush(COLOR_BTNSHADOW));
   header.left += m_scale(kMargin + 2);
-  const TSelected font(dc, m_boldFont.Get());
-  SetBkMode(dc, TRANSPARENT);
-  SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
-  DrawTextW(dc, Wide(caption), -1, &header, DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX);
+  const TSelected font(item.hDC, m_boldFont.Get());
+  SetBkMode(item.hDC, TRANSPARENT);
+  SetTextColor(item.hDC, GetSysColor(COLOR_BTNTEXT));
+  DrawTextW(item.hDC, Wide(caption), -1, &header, DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX);
 }
 
 void TNavigationPane::DrawLink(const DRAWITEMSTRUCT& item) {

@@ -36,7 +36,8 @@ class TNavigationPane : public TWindow {
   void OnCreate();
   void OnSize();
   void OnPaint();
-  void DrawGroup(HDC dc, const Text& caption, int top);
+  void DrawItem(const DRAWITEMSTRUCT& item);
+  void DrawHeading(const DRAWITEMSTRUCT& item, const Text& caption) const;
   void DrawLink(const DRAWITEMSTRUCT& item);
   RECT ContentPlace() const;
   int SectionsTop() const;
@@ -49,6 +50,9 @@ class TNavigationPane : public TWindow {
   TGdiObject m_boldFont = MakeWindowFont(m_scale, true);
   TPaintBuffer m_buffer;
   HIMAGELIST m_images = nullptr;
+  // Labels that the pane draws, so that other programs can read them.
+  HWND m_tasksHeading = nullptr;
+  HWND m_sectionsHeading = nullptr;
   std::vector<HWND> m_buttons;
   HWND m_content = nullptr;
 };

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "ui/windows/commands.h"
+#include "ui/windows/namedaccessible.h"
 
 namespace corvalt {
 
@@ -50,6 +51,29 @@ void TRowWidgets::Create(HFONT font) {
   for (const HWND control : {m_chooser, m_button})
     ::SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
   m_tip.Create(m_tree.Handle());
+  m_chooserMessages.Attach(m_chooser, [this](UINT message, WPARAM wParam, LPARAM lParam) {
+    return OnChooserMessage(message, wParam, lParam);
+  });
+  m_buttonMessages.Attach(m_button, [this](UINT message, WPARAM wParam, LPARAM lParam) {
+    return OnButtonMessage(message, wParam, lParam);
+  });
+}
+
+std::optional<LRESULT> TRowWidgets::OnChooserMessage(UINT message, WPARAM wParam, LPARAM lParam) const {
+  // A closed list would take the wheel for a choice: whoever scrolls over it wants to see other rows.
+  if (message == WM_MOUSEWHEEL && !ListIsOpen())
+    return ::SendMessageW(m_tree.Handle(), message, wParam, lParam);
+  if (message == WM_GETOBJECT && static_cast<LONG>(lParam) == OBJID_CLIENT)
+    return TNamedAccessible::Answer(m_chooser, wParam, {m_rows.ActionLabel(), {}, {}});
+  return std::nullopt;
+}
+
+std::optional<LRESULT> TRowWidgets::OnButtonMessage(UINT message, WPARAM wParam, LPARAM lParam) const {
+  if (message != WM_GETOBJECT || static_cast<LONG>(lParam) != OBJID_CLIENT ||
+      m_rows.SelectedProblem() == nullptr)
+    return std::nullopt;
+  const TRowControls controls = m_rows.Controls();
+  return TNamedAccessible::Answer(m_button, wParam, {controls.ButtonCaption, controls.ButtonTip, {}});
 }
 
 void TRowWidgets::Fill() {
@@ -67,7 +91,7 @@ void TRowWidgets::Fill() {
   }
   constexpr UINT kResize = SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE;
   SetWindowPos(m_chooser, nullptr, 0, 0, chooserWidth, m_scale(kListHeight), kResize);
-  ::SendMessageW(m_chooser, CB_SETCURSEL, static_cast<WPARAM>(controls.Choice), 0);
+  ShowChoice();
   SetWindowTextW(m_button, Wide(controls.ButtonCaption));
   const int caption = m_tree.MeasureText(controls.ButtonCaption) + m_scale(kButtonMargin);
   const int buttonWidth = std::max(m_scale(static_cast<int>(kButton.cx)), caption);
@@ -114,6 +138,39 @@ int TRowWidgets::ChooserHeight() const {
 // From a row's text to its chooser.
 int TRowWidgets::LabelWidth() const {
   return m_tree.MeasureText(m_rows.ActionLabel() + u"    ");
+}
+
+bool TRowWidgets::ListIsOpen() const {
+  return ::SendMessageW(m_chooser, CB_GETDROPPEDSTATE, 0, 0) != 0;
+}
+
+void TRowWidgets::ShowChoice() {
+  if (m_rows.SelectedProblem() != nullptr)
+    ::SendMessageW(m_chooser, CB_SETCURSEL, static_cast<WPARAM>(m_rows.Controls().Choice), 0);
+}
+
+bool TRowWidgets::IsChoiceMade(int notice) {
+  switch (notice) {
+    case CBN_DROPDOWN:
+      m_isCancelled = false;
+      return false;
+    case CBN_SELENDCANCEL:
+      m_isCancelled = true;
+      return false;
+    case CBN_CLOSEUP:
+      if (m_isCancelled)
+        ShowChoice();
+      return !m_isCancelled;
+    case CBN_SELCHANGE:
+      // In the open list it says where the user is looking.
+      return !ListIsOpen();
+    default:
+      return false;
+  }
+}
+
+bool TRowWidgets::ChoiceDiffers() const {
+  return m_rows.SelectedProblem() != nullptr && Choice() != m_rows.Controls().Choice;
 }
 
 std::int32_t TRowWidgets::Choice() const {

@@ -4,6 +4,7 @@
 #include "ui/resultsrows.h"
 #include "ui/resultstree.h"
 #include "ui/windows/gdi.h"
+#include "ui/windows/subclass.h"
 #include "ui/windows/tip.h"
 #include "ui/windows/treecontrol.h"
 
@@ -21,8 +22,13 @@ class TRowWidgets {
   // Where they stand: outside the window while no problem is selected.
   void Place();
 
-  // The place of the chosen entry in the drop-down list.
+  // Whether a notice of the drop-down list (CBN_...) means that the user has made a choice: in the open list
+  // with a click or Enter, in the closed one with a key. Leaving the open list with Escape brings the row's
+  // own choice back.
+  bool IsChoiceMade(int notice);
+  // The place of the chosen entry in the drop-down list, and whether it is another than the row's.
   std::int32_t Choice() const;
+  bool ChoiceDiffers() const;
   void DrawChoice(const DRAWITEMSTRUCT& item) const;
   int ChoiceHeight() const;
 
@@ -38,7 +44,11 @@ class TRowWidgets {
   bool MoveFocus(HWND window, bool isBack);
 
  private:
+  std::optional<LRESULT> OnChooserMessage(UINT message, WPARAM wParam, LPARAM lParam) const;
+  std::optional<LRESULT> OnButtonMessage(UINT message, WPARAM wParam, LPARAM lParam) const;
   int LabelWidth() const;
+  bool ListIsOpen() const;
+  void ShowChoice();
 
   TResultsRows& m_rows;
   TResultsTreeModel& m_results;
@@ -46,6 +56,9 @@ class TRowWidgets {
   TScale m_scale;
   TTip m_tip;
   HWND m_chooser = nullptr;
+  TSubclass m_chooserMessages;
+  TSubclass m_buttonMessages;
+  bool m_isCancelled = false;  // the open list is being left without a choice
   HWND m_button = nullptr;
 };
 

@@ -14,6 +14,11 @@ int WaitUntilSaid(const TProgram& program, TextView title, TextView text);
 int PrintControls(const TProgram& program, TextView title);
 int AskToClose(const TProgram& program);
 
+// What the program tells assistive technology
+int Listen(const TProgram& program, TextView event);
+// The name, role and description that MSAA gives to a control, or to a window where there is no such control.
+int PrintObject(const TProgram& program, TextView title, LONG number);
+
 // Parts of windows
 int PrintList(const TProgram& program, TextView title);
 int PrintChoices(const TProgram& program);

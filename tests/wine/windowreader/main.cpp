@@ -99,6 +99,13 @@ const TCommand kCommands[] = {
      [](const TProgram& program, const TWords& words) { return Toggle(OutlineOf(program, words), words.NumberAt(1)); }},
     {u"select", u"TREE ROW", u"selects the row",
      [](const TProgram& program, const TWords& words) { return Select(OutlineOf(program, words), words.NumberAt(1)); }},
+    {u"listen", u"EVENT",
+     u"waits for an \"alert\" of the program, as assistive technology hears it, and prints what it is about",
+     [](const TProgram& program, const TWords& words) { return Listen(program, words.At(0)); }},
+    {u"object", u"TITLE NUMBER", u"role, name and description to MSAA of a control of the window, 0 for the window itself",
+     [](const TProgram& program, const TWords& words) {
+       return PrintObject(program, words.At(0), words.NumberAt(1));
+     }},
     {u"close", u"", u"asks the main window to close, as the system's task list does",
      [](const TProgram& program, const TWords&) { return AskToClose(program); }},
     {u"resources", u"", u"what the program holds: handles, windows, USER, GDI objects, kilobytes",
