@@ -11,18 +11,35 @@ namespace {
 
 // Sizes at 96 dots per inch.
 constexpr SIZE kInside = {750, 527};
+constexpr SIZE kSmallestInside = {420, 320};
 constexpr int kNavigationWidth = 230;
 constexpr int kNarrowestNavigation = 120;
 constexpr int kSplitterWidth = 4;
 constexpr int kSummaryHeight = 27;
 constexpr int kSummaryMargin = 8;
 constexpr int kFirstColumnWidth = 300;
+// Beside the text of the widest row: the scan adds as many pixels.
+constexpr int kColumnRoom = 100;
 constexpr int kSmallPicture = 16;
 constexpr int kToolbarPicture = 24;
+
+// Posted to itself once the user has made a choice in the row's drop-down list: what follows may ask, or take
+// the row away, and the list is in the middle of closing when it tells.
+constexpr UINT kTakeChoice = WM_APP + 1;
 
 // Whether a context menu that is asked for at this place is asked for with a key.
 bool IsFromKeyboard(POINT place) {
   return place.x == -1 && place.y == -1;
+}
+
+bool IsKeyDown(const MSG& message, WPARAM key) {
+  return message.message == WM_KEYDOWN && message.wParam == key;
+}
+
+// Whether a key message comes from a key that is held down.
+bool IsRepeated(const MSG& message) {
+  constexpr LPARAM kWasDown = 1 << 30;
+  return (message.lParam & kWasDown) != 0;
 }
 
 }  // namespace
@@ -71,7 +88,7 @@ std::vector<TTaskLink> TfrmRegMain::TaskLinks() const {
 }
 
 void TfrmRegMain::WidenForTexts() {
-  m_navigationWidth = std::max(m_navigationWidth, m_navigation.WantedWidth());
+  m_navigationWidth = std::max({m_navigationWidth, m_navigation.WantedWidth(), m_sectionsTree.WantedWidth()});
   const int summary = m_meter.Width(PlainText(WidestSummary(m_vars.Texts).Label));
   const int wanted = std::max(m_toolbar.WantedWidth(),
                               m_navigationWidth + m_scale(kSplitterWidth + 2 * kSummaryMargin) + summary);
@@ -107,7 +124,10 @@ int TfrmRegMain::Run() {
   while (GetMessageW(&message, nullptr, 0, 0) > 0) {
     if (TranslateAcceleratorW(Handle(), m_accelerators, &message))
       continue;
-    if (IsTab(message) && m_rowWidgets.MoveFocus(Handle(), GetKeyState(VK_SHIFT) < 0))
+    if (IsKeyDown(message, VK_RETURN) && !IsRepeated(message) && RunFocused())
+      continue;
+    if (IsKeyDown(message, VK_TAB) && GetKeyState(VK_CONTROL) >= 0 &&
+        m_rowWidgets.MoveFocus(Handle(), GetKeyState(VK_SHIFT) < 0))
       continue;
     if (IsDialogMessageW(Handle(), &message))
       continue;
@@ -117,17 +137,30 @@ int TfrmRegMain::Run() {
   return static_cast<int>(message.wParam);
 }
 
-bool TfrmRegMain::IsTab(const MSG& message) const {
-  return message.message == WM_KEYDOWN && message.wParam == VK_TAB && GetKeyState(VK_CONTROL) >= 0;
+// Enter does what the link or button with the keyboard does. The system's own way with Enter looks for a
+// default button, which this window does not have.
+bool TfrmRegMain::RunFocused() {
+  const int command = GetDlgCtrlID(GetFocus());
+  if (!TMainCommands::IsCommand(command))
+    return false;
+  OnCommand(command, BN_CLICKED);
+  return true;
 }
 
 LRESULT TfrmRegMain::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == m_taskbar.CreatedMessage() && message != 0) {
+    m_taskbar.OnCreated();
+    return 0;
+  }
   switch (message) {
     case WM_CREATE:
       OnCreate();
       return 0;
     case WM_SIZE:
       OnSize();
+      return 0;
+    case WM_GETMINMAXINFO:
+      SetSmallestSize(*reinterpret_cast<MINMAXINFO*>(lParam));
       return 0;
     case WM_PAINT:
       PaintSummaryStrip();
@@ -172,7 +205,10 @@ LRESULT TfrmRegMain::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         ReleaseCapture();
       return 0;
     case WM_ACTIVATE:
-      OnActivate(LOWORD(wParam) != WA_INACTIVE);
+      m_focus.OnActivate(Handle(), wParam, m_sectionsTree.Handle());
+      return 0;
+    case kTakeChoice:
+      TakeChoice();
       return 0;
     case WM_CLOSE:
       OnClose();
@@ -199,6 +235,7 @@ LRESULT TfrmRegMain::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void TfrmRegMain::OnCreate() {
+  m_taskbar.Attach(Handle());
   m_toolbar.Create(Handle(), m_meter.Font(), m_actionImages.Get(), m_vars.Texts);
   m_statusBar.Create(Handle(), m_meter.Font());
   // No counts before there was a scan.
@@ -213,7 +250,7 @@ void TfrmRegMain::OnCreate() {
   m_main.Results().SetColumnWidth(m_scale(kFirstColumnWidth));
   m_resultsTree.Create(Handle(), kResultsTreeId, m_sectionImages.Get());
   m_resultsTree.SetHeaderCaption(Plain(TextId::ColumnProblems));
-  m_main.SetMeasure([this](TextView text) { return m_resultsTree.MeasureText(text); });
+  m_main.SetMeasure([this](TextView text) { return MeasureForColumn(text); });
   m_main.Results().OnRows = [this] { m_resultsTree.RefreshSoon(); };
   m_main.Results().OnColumnWidth = [this] { m_resultsTree.ColumnChanged(); };
   m_rowWidgets.Create(m_meter.Font());
@@ -221,6 +258,13 @@ void TfrmRegMain::OnCreate() {
   m_accelerators = CreateAcceleratorTableW(keys.data(), static_cast<int>(keys.size()));
   // Last: a window that can't be created leaves no thread.
   m_main.StartMaintenance();
+}
+
+// What the scan makes room for in the column: a row's first line with the word before the key. The scan adds
+// the pixels beside the text for a display of 96 dots per inch.
+int TfrmRegMain::MeasureForColumn(TextView text) const {
+  const int prefix = m_resultsTree.MeasureText(Plain(TextId::RowLocation) + u" ");
+  return prefix + m_resultsTree.MeasureText(text) + m_scale(kColumnRoom) - kColumnRoom;
 }
 
 void TfrmRegMain::OnFailure(const std::exception_ptr& failure) {
@@ -241,6 +285,13 @@ void TfrmRegMain::OnSize() {
   MoveWindow(m_summary, left + margin, top, std::max(width - margin, 0), summary, TRUE);
   MoveWindow(m_resultsTree.Handle(), left, top + summary, width, std::max(height - summary, 0), TRUE);
   InvalidateRect(Handle(), nullptr, TRUE);
+}
+
+void TfrmRegMain::SetSmallestSize(MINMAXINFO& info) const {
+  RECT frame = {0, 0, m_scale(static_cast<int>(kSmallestInside.cx)),
+                m_scale(static_cast<int>(kSmallestInside.cy))};
+  AdjustWindowRectEx(&frame, static_cast<DWORD>(GetWindowLongPtrW(Handle(), GWL_STYLE)), TRUE, 0);
+  info.ptMinTrackSize = {frame.right - frame.left, frame.bottom - frame.top};
 }
 
 // The strip behind the summary is as white as the tree below it.
@@ -284,17 +335,6 @@ bool TfrmRegMain::OnSetCursor(HWND over) {
   return true;
 }
 
-// The control that had the keyboard gets it back with the window.
-void TfrmRegMain::OnActivate(bool isActive) {
-  if (!isActive) {
-    m_lastFocus = GetFocus();
-    return;
-  }
-  const bool isOurs =
-      m_lastFocus != nullptr && IsChild(Handle(), m_lastFocus) && IsWindowEnabled(m_lastFocus);
-  SetFocus(isOurs ? m_lastFocus : m_sectionsTree.Handle());
-}
-
 void TfrmRegMain::OnClose() {
   EnableWindow(Handle(), FALSE);
   EndThreads();
@@ -331,8 +371,8 @@ void TfrmRegMain::ActionsChanged() {
 
 void TfrmRegMain::OnCommand(int command, int notice) {
   if (command == kChooserId) {
-    if (notice == CBN_SELCHANGE)
-      ChoiceMade();
+    if (m_rowWidgets.IsChoiceMade(notice))
+      ::PostMessageW(Handle(), kTakeChoice, 0, 0);
     return;
   }
   // A disabled window has a dialog open, or is closing: it takes nothing that others post to it.
@@ -359,16 +399,20 @@ void TfrmRegMain::ShowContextMenu(POINT place) {
   DestroyMenu(menu);
 }
 
-void TfrmRegMain::ChoiceMade() {
+void TfrmRegMain::TakeChoice() {
+  if (!m_rowWidgets.ChoiceDiffers())
+    return;
   m_main.Rows().Choose(m_rowWidgets.Choice());
   ResultsChanged();
+  if (TResultsNode* selected = m_main.Rows().Selected())
+    m_resultsTree.SelectRow(selected);
   ActionsChanged();
 }
 
 // What the work asks of the window
 
 std::unique_ptr<TProgressView> TfrmRegMain::CreateProgress(TProgressMode mode) {
-  return std::make_unique<TfrmScan>(m_vars.Texts, Handle(), mode);
+  return std::make_unique<TfrmScan>(m_vars.Texts, Handle(), mode, m_taskbar);
 }
 
 void TfrmRegMain::ShowSummary(const TSummary& summary) {

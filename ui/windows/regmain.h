@@ -2,12 +2,14 @@
 #pragma once
 
 #include "ui/regmain.h"
+#include "ui/windows/focuskeeper.h"
 #include "ui/windows/images.h"
 #include "ui/windows/mainbars.h"
 #include "ui/windows/maincommands.h"
 #include "ui/windows/maintrees.h"
 #include "ui/windows/navigationpane.h"
 #include "ui/windows/rowwidgets.h"
+#include "ui/windows/taskbarbutton.h"
 #include "ui/windows/treecontrol.h"
 #include "ui/windows/window.h"
 
@@ -37,11 +39,12 @@ class TfrmRegMain : public TWindow, private TRegMainView {
 
   void OnCreate();
   void OnSize();
+  void SetSmallestSize(MINMAXINFO& info) const;
   void PaintSummaryStrip();
+  int MeasureForColumn(TextView text) const;
   void OnClose();
   void EndThreads();
   void OnCommand(int command, int notice);
-  void OnActivate(bool isActive);
   bool OnSetCursor(HWND over);
   // A language with long texts gets a wider pane and a wider window.
   void WidenForTexts();
@@ -49,14 +52,14 @@ class TfrmRegMain : public TWindow, private TRegMainView {
   RECT ResultsPlace() const;
   bool IsOverSplitter() const;
   void MoveSplitter(int x);
-  bool IsTab(const MSG& message) const;
+  bool RunFocused();
 
   // A context menu at this place of the screen; (-1, -1) for the keyboard's. The window shows it for its
   // inside.
   bool IsInside(POINT place) const;
   void ShowContextMenu(POINT place);
 
-  void ChoiceMade();
+  void TakeChoice();
   std::vector<TTaskLink> TaskLinks() const;
   Text Plain(TextId id) const;
 
@@ -76,9 +79,10 @@ class TfrmRegMain : public TWindow, private TRegMainView {
   TNavigationPane m_navigation;
   TMainToolbar m_toolbar;
   TMainStatusBar m_statusBar;
+  TWindowsTaskbarButton m_taskbar;
   HWND m_summary = nullptr;
   HACCEL m_accelerators = nullptr;
-  HWND m_lastFocus = nullptr;
+  TFocusKeeper m_focus;
   int m_navigationWidth;
   bool m_dragging = false;
 };

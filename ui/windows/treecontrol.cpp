@@ -10,6 +10,9 @@ namespace {
 
 constexpr TextView kClassName = u"TessalyTree";
 
+// WM_MOUSEHWHEEL, which the headers declare for Windows Vista and later only.
+constexpr UINT kMouseTilt = 0x020E;
+
 constexpr int kWidestTip = 600;  // at 96 dots per inch
 
 // How long rows that were added one after the other wait to be shown, in milliseconds.
@@ -83,7 +86,14 @@ LRESULT TTreeControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       OnScroll(SB_HORZ, wParam);
       return 0;
     case WM_MOUSEWHEEL:
-      OnWheel(wParam);
+      // With Shift the wheel goes sideways: up is to the left.
+      if ((GET_KEYSTATE_WPARAM(wParam) & MK_SHIFT) != 0)
+        OnSidewaysWheel(wParam, false);
+      else
+        OnWheel(wParam);
+      return 0;
+    case kMouseTilt:
+      OnSidewaysWheel(wParam, true);
       return 0;
     case WM_MOUSEMOVE:
       OnMouseMove({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});

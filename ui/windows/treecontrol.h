@@ -50,7 +50,7 @@ class TTreeControlOwner {
   // Rows lie elsewhere in the window: scrolled, opened, closed, resized.
   virtual void RowsMoved() = 0;
 
-  // The width of the one column, in pixels; of a control with a header alone. The control is told of a change
+  // The width of the one column, in pixels; only of a control with a header. The control is told of a change
   // by ColumnChanged.
   virtual int ColumnWidth() const = 0;
   virtual void SetColumnWidth(int width) = 0;
@@ -75,7 +75,7 @@ class TTreeControl : public TWindow {
   void Refresh();
   // The same for rows of which more may follow at once: it happens before long, once for all of them.
   void RefreshSoon();
-  // After a row changed its look alone.
+  // After only a row's look has changed.
   void RepaintRow(TTreeNode* node);
 
   // Makes a row the selected one and brings it into sight.
@@ -87,6 +87,9 @@ class TTreeControl : public TWindow {
   int TextLeft(int level) const;
 
   void ColumnChanged();
+
+  // The width at which no text of an open row is cut off, with the scroll bar beside it.
+  int WantedWidth();
 
   // In the tree's font, of one line.
   int MeasureText(TextView text) const {
@@ -129,6 +132,7 @@ class TTreeControl : public TWindow {
   void OnMouseMove(POINT point);
   void OnScroll(int bar, WPARAM wParam);
   void OnWheel(WPARAM wParam);
+  void OnSidewaysWheel(WPARAM wParam, bool isToTheRight);
   void OnButtonDown(POINT point, bool isDouble);
   bool OnKeyDown(WPARAM key);
   void Press(TTreeKey key);
@@ -163,6 +167,7 @@ class TTreeControl : public TWindow {
   HWND m_header = nullptr;
   const TTreeNode* m_tipNode = nullptr;  // only compared: the row may have gone
   TWheel m_wheel;
+  TWheel m_sidewaysWheel;
   bool m_refreshIsDue = false;
   std::int64_t m_announcedRows = 0;
 };

@@ -46,6 +46,8 @@ void TTreeControl::OnSize() {
   if (m_header != nullptr && m_owner.ColumnWidth() < size.cx)
     m_owner.SetColumnWidth(static_cast<int>(size.cx));
   UpdateScrollBars();
+  // Captions that are cut off, and the hint, look different at another width.
+  InvalidateRect(Handle(), nullptr, FALSE);
   m_owner.RowsMoved();
 }
 
@@ -109,6 +111,23 @@ void TTreeControl::OnWheel(WPARAM wParam) {
   ScrollTo(m_geometry.ScrollLeft(), m_geometry.ScrollTop() - distance);
 }
 
+void TTreeControl::OnSidewaysWheel(WPARAM wParam, bool isToTheRight) {
+  const int page = static_cast<int>(ClientSize().cx);
+  const int distance = m_sidewaysWheel.Distance(wParam, m_geometry.Measures().RowUnit, page);
+  ScrollTo(m_geometry.ScrollLeft() + (isToTheRight ? distance : -distance), m_geometry.ScrollTop());
+}
+
+int TTreeControl::WantedWidth() {
+  int widest = 0;
+  for (TTreeNode* node = m_layout.FirstRow(); node != nullptr; node = m_layout.NextRow(node)) {
+    const TRowLook look = m_owner.LookOf(*node);
+    const int left = m_geometry.LinePlace(m_layout.RowOf(node), 0, look.Image != kNoImage, 0).Left;
+    for (const TRowLine& line : look.Lines)
+      widest = std::max(widest, left + m_painter.LineWidth(line));
+  }
+  return widest + m_geometry.Measures().TextMargin + 1 + GetSystemMetrics(SM_CXVSCROLL);
+}
+
 void TTreeControl::BringIntoSight(TTreeNode* node) {
   for (TTreeNode* above = node->Parent; above != nullptr; above = above->Parent) {
     if (!above->Expanded)
@@ -139,6 +158,11 @@ bool TTreeControl::OnKeyDown(WPARAM key) {
   if (key == VK_SPACE) {
     if (m_model.Selected() != nullptr)
       ToggleCheck(m_model.Selected());
+    return true;
+  }
+  if (GetKeyState(VK_CONTROL) < 0 && (key == VK_LEFT || key == VK_RIGHT)) {
+    const int step = key == VK_LEFT ? -m_geometry.Measures().RowUnit : m_geometry.Measures().RowUnit;
+    ScrollTo(m_geometry.ScrollLeft() + step, m_geometry.ScrollTop());
     return true;
   }
   const std::optional<TTreeKey> treeKey = KeyOf(key);

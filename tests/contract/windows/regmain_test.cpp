@@ -187,12 +187,36 @@ TEST_F(MainWindow, TheSectionsTreeFillsTheNavigationPaneBelowTheTasks) {
   constexpr int kGroupHeader = 25;
   constexpr int kBelow = 25;
   const SIZE pane = SizeOf(Navigation());
-  EXPECT_EQ(pane.cx, 230);
+  // Wider than 230 where a caption needs it: "HKEY_LOCAL_MACHINE" on the third level does.
+  EXPECT_GE(pane.cx, 230);
   const HWND tree = GetDlgItem(Navigation(), kSectionsTreeId);
   EXPECT_EQ(SizeOf(tree).cx, pane.cx);
   EXPECT_EQ(SizeOf(tree).cy, pane.cy - kTasks - 2 * kGroupHeader - kBelow);
   SetWindowPos(Window(), nullptr, 0, 0, 900, 700, SWP_NOMOVE | SWP_NOZORDER);
   EXPECT_EQ(SizeOf(tree).cy, SizeOf(Navigation()).cy - kTasks - 2 * kGroupHeader - kBelow);
+}
+
+TEST_F(MainWindow, NoSectionsCaptionIsCutOffAtFirst) {
+  const HWND tree = GetDlgItem(Navigation(), kSectionsTreeId);
+  RECT inside = {};
+  GetClientRect(tree, &inside);
+  const TTextMeter meter(TScale(), false);
+  // Three levels of 18 pixels, check box, margin and picture stand before it.
+  const int left = 3 * 18 + 18 + 4 + 20;
+  EXPECT_LE(left + meter.Width(u"HKEY_LOCAL_MACHINE"), inside.right - 5);
+}
+
+TEST_F(MainWindow, TheHeadingsOfThePaneAreLabelsWithTheirText) {
+  TLines headings;
+  for (HWND label = nullptr; (label = FindWindowExW(Navigation(), label, L"Static", nullptr)) != nullptr;)
+    headings.push_back(TextOf(label));
+  EXPECT_EQ(headings, TLines({"10022", "11002"}));
+}
+
+TEST_F(MainWindow, CannotBeMadeSmallerThanItsPartsNeed) {
+  SetWindowPos(Window(), nullptr, 0, 0, 10, 10, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+  EXPECT_GE(m_window->ClientSize().cx, 420);
+  EXPECT_GE(m_window->ClientSize().cy, 280);
 }
 
 TEST_F(MainWindow, TheResultsTreeHasOneColumnAsWideAsItselfUnderAHeader) {
@@ -268,6 +292,20 @@ TEST_F(MainWindow, F1OpensTheHelpTopicWhateverHasTheKeyboard) {
   ::PostMessageW(Window(), WM_KEYDOWN, VK_F1, 1);
   RunToTheEnd();
   EXPECT_EQ(Calls(), TLines(controls.size() + 1, "help C:\\Suite\\\\help.chm /Registry_Cleaner.htm"));
+}
+
+TEST_F(MainWindow, EnterOnATaskDoesIt) {
+  // With nothing ticked the scan says so, and does not run.
+  const HWND sections = GetDlgItem(Navigation(), kSectionsTreeId);
+  m_window->Show(SW_SHOW);
+  ::SendMessageW(sections, WM_KEYDOWN, VK_HOME, 1);
+  ::SendMessageW(sections, WM_KEYDOWN, VK_SPACE, 1);
+  SetFocus(GetDlgItem(Navigation(), kCmdScan));
+  ::PostMessageW(GetFocus(), WM_KEYDOWN, VK_RETURN, 1);
+  // A key that is held repeats: that counts for nothing.
+  ::PostMessageW(GetFocus(), WM_KEYDOWN, VK_RETURN, (1 << 30) | 1);
+  RunToTheEnd();
+  EXPECT_EQ(Calls(), TLines({"information 10045 | 40017"}));
 }
 
 TEST_F(MainWindow, F5AndTheInertEntriesDoNothing) {

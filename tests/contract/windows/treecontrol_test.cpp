@@ -21,6 +21,8 @@ class TreeControl : public testing::Test, private TTreeControlOwner {
   }
   ~TreeControl() override {
     DestroyWindow(m_control.Handle());
+    if (m_wide.Handle() != nullptr)
+      DestroyWindow(m_wide.Handle());
     DestroyWindow(m_frame);
   }
 
@@ -101,17 +103,31 @@ class TreeControl : public testing::Test, private TTreeControlOwner {
   void RowsMoved() override {
   }
   int ColumnWidth() const override {
-    return 0;
+    return m_columnWidth;
   }
-  void SetColumnWidth(int) override {
+  void SetColumnWidth(int width) override {
+    m_columnWidth = width;
   }
 
   HWND m_frame = CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 300, 300, nullptr,
                                  nullptr, ProgramInstance(), nullptr);
 
  protected:
+  int m_columnWidth = 0;
   TTreeModel m_model;
   TTreeControl m_control{m_model, *this, {}};
+  // A second one with a header over a wide column.
+  TTreeControl m_wide{m_model, *this, {.NodesClose = true, .HasHeader = true, .HighlightText = false}};
+  void CreateWide() {
+    m_columnWidth = 1000;
+    m_wide.Create(m_frame, 2, nullptr);
+    MoveWindow(m_wide.Handle(), 0, 0, 200, 200, FALSE);
+    Add(u"Row");
+    m_wide.Refresh();
+  }
+  int Sideways() const {
+    return GetScrollPos(m_wide.Handle(), SB_HORZ);
+  }
 };
 
 VARIANT Child(LONG number) {
@@ -191,6 +207,63 @@ TEST_F(TreeControl, ARowThatTookAnothersPlaceHasItsOwnTip) {
   m_model.Delete(m_model.FirstRoot());
   Add(u"Short");
   EXPECT_EQ(TipOfRow(0), u"");
+}
+
+// Another width
+
+TEST_F(TreeControl, CaptionsAreDrawnAnewWhenTheWidthChanges) {
+  Add(u"A caption that does not fit into two hundred pixels");
+  RedrawWindow(m_control.Handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+  MoveWindow(m_control.Handle(), 0, 0, 260, 200, TRUE);
+  RECT dirty = {};
+  GetUpdateRect(m_control.Handle(), &dirty, FALSE);
+  EXPECT_EQ(dirty.left, 0);
+  EXPECT_EQ(dirty.right, 260);
+}
+
+TEST_F(TreeControl, TheWantedWidthLeavesNoCaptionCutOff) {
+  TTreeNode* section = AddOpen(u"Section");
+  Add(u"A caption that does not fit into two hundred pixels", section);
+  MoveWindow(m_control.Handle(), 0, 0, m_control.WantedWidth(), 200, FALSE);
+  EXPECT_EQ(TipOfRow(1), u"");
+}
+
+// Sideways
+
+TEST_F(TreeControl, TheWheelWithShiftAndTheTiltedWheelScrollSideways) {
+  constexpr UINT kTilt = 0x020E;
+  CreateWide();
+  ::SendMessageW(m_wide.Handle(), WM_MOUSEWHEEL, MAKEWPARAM(MK_SHIFT, -WHEEL_DELTA), 0);
+  const int once = Sideways();
+  EXPECT_GT(once, 0);
+  ::SendMessageW(m_wide.Handle(), kTilt, MAKEWPARAM(0, WHEEL_DELTA), 0);
+  EXPECT_EQ(Sideways(), 2 * once);
+  ::SendMessageW(m_wide.Handle(), WM_MOUSEWHEEL, MAKEWPARAM(MK_SHIFT, WHEEL_DELTA), 0);
+  ::SendMessageW(m_wide.Handle(), kTilt, MAKEWPARAM(0, -WHEEL_DELTA), 0);
+  EXPECT_EQ(Sideways(), 0);
+}
+
+TEST_F(TreeControl, ControlWithTheArrowsScrollsSidewaysAndKeepsTheSelection) {
+  CreateWide();
+  BYTE keys[256] = {};
+  GetKeyboardState(keys);
+  keys[VK_CONTROL] = 0x80;
+  SetKeyboardState(keys);
+  ::SendMessageW(m_wide.Handle(), WM_KEYDOWN, VK_RIGHT, 1);
+  EXPECT_GT(Sideways(), 0);
+  EXPECT_EQ(m_model.Selected(), nullptr);
+  ::SendMessageW(m_wide.Handle(), WM_KEYDOWN, VK_LEFT, 1);
+  EXPECT_EQ(Sideways(), 0);
+  keys[VK_CONTROL] = 0;
+  SetKeyboardState(keys);
+}
+
+TEST_F(TreeControl, WithoutRowsThereIsNothingToScrollSideways) {
+  CreateWide();
+  EXPECT_NE(GetWindowLongPtrW(m_wide.Handle(), GWL_STYLE) & WS_HSCROLL, 0);
+  m_model.Clear();
+  m_wide.Refresh();
+  EXPECT_EQ(GetWindowLongPtrW(m_wide.Handle(), GWL_STYLE) & WS_HSCROLL, 0);
 }
 
 // What is hidden is not selected
