@@ -83,7 +83,7 @@ TSystemError TWindowsConsole::Write(std::string_view utf8) {
   return text ? WriteUnits(m_output, *text) : TSystemError{kErrorInvalidData};
 }
 
-// Nobody is left to be told of a failure.
+// There is no place left where a failure could be reported.
 void TWindowsConsole::Tell(TextView line) {
   ShowProgress({});
   WriteText(m_error, Text(line) + u"\n");

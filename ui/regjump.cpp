@@ -20,13 +20,13 @@ constexpr std::uintptr_t kVkHome = 36;
 constexpr std::uintptr_t kVkLeft = 37;
 constexpr std::uintptr_t kVkRight = 39;
 
-// A key message says how often the key was pressed; a tree view may take a message of no presses for none.
+// A key message holds how often the key was pressed; a tree view may ignore one that holds 0.
 constexpr std::intptr_t kPressedOnce = 1;
 
 // Deeper than the editor's tree is ever left open: it climbs to the top node.
 constexpr int kClimbs = 31;
 
-// Bits per pixel of the displays of old, slow-drawing machines, where the walk waits for nothing.
+// Bits per pixel of the displays of old, slow-drawing machines, where the walk makes no pauses.
 constexpr std::uint32_t kBitsWithoutPauses = 8;
 
 constexpr auto kLevelPause = 750ms;
@@ -51,7 +51,7 @@ Text WithoutFirst(TextView text, TextView part) {
   return at == Text::npos ? rest : rest.erase(at, part.size());
 }
 
-// Letters of the 7-bit alphabet alone.
+// Changes only the letters of ASCII.
 std::uintptr_t UpperAscii(char16_t unit) {
   return unit >= u'a' && unit <= u'z' ? unit - u'a' + u'A' : unit;
 }

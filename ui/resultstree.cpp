@@ -6,7 +6,7 @@ TResultsTreeModel::TResultsTreeModel(std::function<int(TextView)> measure) : m_m
 }
 
 void TResultsTreeModel::Clear() {
-  // The scan clears a tree that its start has emptied already; then nothing is touched that somebody may be
+  // The scan clears a tree that its start has emptied already; then it must not touch what somebody may be
   // drawing.
   if (m_model.TotalCount() != 0)
     m_model.Clear();

@@ -12,8 +12,8 @@ Text CountText(const TLanguageTexts& texts, std::size_t count, TextId none, Text
   return LanguageText(texts, several, DecimalText(static_cast<std::int64_t>(count)));
 }
 
-// Everything but the counts, from the counts.
-void SayCounts(TSummary& summary, const TLanguageTexts& texts) {
+// Sets the texts of a summary from its counts.
+void WordCounts(TSummary& summary, const TLanguageTexts& texts) {
   summary.TotalText =
       CountText(texts, summary.Total, TextId::NoProblemFound, TextId::OneProblemFound, TextId::ProblemsFound);
   summary.SelectedText = CountText(texts, summary.Selected, TextId::NoProblemSelected,
@@ -34,7 +34,7 @@ TSummary Summarize(TResultsTree& tree, const TLanguageTexts& texts) {
         ++summary.Selected;
     }
   }
-  SayCounts(summary, texts);
+  WordCounts(summary, texts);
   return summary;
 }
 
@@ -43,7 +43,7 @@ TSummary WidestSummary(const TLanguageTexts& texts) {
   TSummary summary;
   summary.Total = kMany;
   summary.Selected = kMany;
-  SayCounts(summary, texts);
+  WordCounts(summary, texts);
   return summary;
 }
 

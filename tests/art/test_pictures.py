@@ -21,7 +21,7 @@ import render  # noqa: E402
 SVG = "{http://www.w3.org/2000/svg}"
 # As many as the window loads: 100 and the picture's place in the list of sections.
 SECTIONS = range(100, 100 + int(re.search(r"kSectionIconCount = (\d+)", (TOP / "ui/windows/images.h").read_text())[1]))
-ACTIONS = (205, 206, 209, 210, 216, 217, 218, 219, 220)
+ACTIONS = (205, 206, 209, 210)
 PROGRESS = 300
 PALETTE = {"#566880", "#ffffff", "#d3dce8", "#f5bd41", "#66c97c", "#ea6a5e", "#79bdf2"}
 # Drawn for the sizes from 48 pixels on, on a finer grid.

@@ -21,7 +21,7 @@ struct TTextPiece {
 
 class TTextGeometry {
  public:
-  // measure answers the width of a text without line ends. The lines must outlive this object.
+  // measure returns the width of a text without line ends. The lines must outlive this object.
   TTextGeometry(const TTextLines& lines, std::function<int(TextView)> measure);
 
   // Of the widest line. Nothing is farther to the right than 2^30 pixels: what would be lies there.
@@ -36,7 +36,7 @@ class TTextGeometry {
   std::size_t PlaceAt(std::size_t line, int left);
 
   // Goes through the line's pieces, from the one at this distance from the line's beginning on, until the
-  // callback answers false. A piece lies within the selection or outside of it.
+  // callback returns false. A piece lies within the selection or outside of it.
   void ForPieces(std::size_t line, int from, const TTextCursor& selection,
                  const std::function<bool(const TTextPiece&)>& onPiece);
 

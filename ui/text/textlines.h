@@ -1,4 +1,4 @@
-// A long text cut into lines, and the selection in it, for a view that draws the lines in sight alone. Places
+// A long text cut into lines, and the selection in it, for a view that draws only the lines in sight. Places
 // are offsets in units from the text's beginning, from 0 to its length.
 #pragma once
 

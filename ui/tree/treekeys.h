@@ -12,10 +12,10 @@ enum class TTreeKey { Up, Down, Left, Right, Home, End, PageUp, PageDown, Open, 
 
 class TTreeKeys {
  public:
-  // A tree whose nodes never close answers keys that would close one by doing nothing.
+  // closes: whether the user may close nodes; keys that would close one do nothing otherwise.
   TTreeKeys(TTreeModel& model, TTreeLayout& layout, bool closes);
 
-  // Opens or closes the selected row, or answers the row that the key moves the selection to: the selected
+  // Opens or closes the selected row, or returns the row that the key moves the selection to: the selected
   // one when it moves nowhere, null in an empty tree. pageHeight is in pixels.
   TTreeNode* Press(TTreeKey key, int pageHeight);
 

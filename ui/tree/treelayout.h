@@ -19,14 +19,14 @@ struct TTreeRow {
 
 class TTreeLayout {
  public:
-  // heightOf answers a row's height in pixels; the model must be told when it changes.
+  // heightOf returns a row's height in pixels; the model must be told when it changes.
   TTreeLayout(TTreeModel& model, std::function<int(const TTreeNode&)> heightOf);
 
   // Pixels of all rows together, and their number.
   std::int64_t TotalHeight();
   std::int64_t RowCount();
 
-  // The row at a place; nothing above the first and below the last.
+  // The row at a place; nullopt above the first and below the last.
   std::optional<TTreeRow> RowAt(std::int64_t y);
 
   // The row of a node, all of whose parents must be open.

@@ -1,5 +1,5 @@
-// What a control of our own answers to assistive technology, as far as all of them answer alike: an object
-// without children, names and actions, which takes the keyboard.
+// A control of ours as assistive technology sees it: the part that all of them have in common, an object
+// without children, names and actions that takes the keyboard.
 #pragma once
 
 #include <atomic>

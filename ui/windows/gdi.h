@@ -80,7 +80,7 @@ class TWindowDc {
 // is kept and grows with the window.
 class TPaintBuffer {
  public:
-  // A device context as large as the window, good until the next call. Null when there is no memory for it.
+  // A device context as large as the window, valid until the next call. Null when there is no memory for it.
   HDC Begin(HDC window, SIZE size);
   void Show(HDC window, const RECT& area) const;
   // A part of the picture to another place.
@@ -92,7 +92,7 @@ class TPaintBuffer {
   SIZE m_size = {0, 0};
 };
 
-// Sizes are said at 96 dots per inch.
+// Turns sizes in pixels at 96 dots per inch into pixels on this display.
 class TScale {
  public:
   TScale();
@@ -113,8 +113,9 @@ TGdiObject MakeWindowFont(const TScale& scale, bool bold);
 // Pixels of one line of text.
 SIZE MeasureTextIn(HDC dc, TextView text);
 
-// Measures one line of text in the window's font, a hundred thousand texts a second: what asks the system for
-// a device context each time does a tenth of that. The widths of the usual letters add up.
+// Measures one line of text in the window's font. It keeps a device context and the widths of the usual
+// letters, whose sum is the width of a text: that is ten times as fast as asking the system for each text,
+// and a scan measures a hundred thousand texts.
 class TTextMeter {
  public:
   TTextMeter(const TScale& scale, bool bold);
@@ -128,8 +129,8 @@ class TTextMeter {
   }
 
  private:
-  // Of a unit that the system places beside others as it is; a character that joins others, or is one half
-  // of a pair, has none.
+  // The width of a unit that the system draws beside others as it is. None for a character that joins others,
+  // and for one half of a surrogate pair.
   std::optional<int> WidthOfUnit(char16_t unit) const;
 
   TGdiObject m_font;

@@ -7,10 +7,10 @@ namespace corvalt {
 
 // Resource numbers of the icons; each holds every size that a display may want.
 inline constexpr int kProgramIcon = 1;
-inline constexpr int kFirstSectionIcon = 100;  // and one for each picture of the section list, 26 in all
+inline constexpr int kFirstSectionIcon = 100;  // and one for each picture of the section list
 inline constexpr int kSectionIconCount = 26;
 inline constexpr int kFirstActionIcon = 200;  // and one for each action picture, by its number
-inline constexpr int kActionIconCount = 21;
+inline constexpr int kActionIconCount = 11;
 inline constexpr int kProgressIcon = 300;
 
 // Owns an image list.

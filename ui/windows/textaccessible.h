@@ -1,5 +1,5 @@
 // What assistive technology sees of a text view: a text that can't be changed. The system's own object for
-// text boxes is lent to their class alone, and not by every system.
+// text boxes works for windows of their class only, and not every system has it.
 #pragma once
 
 #include "ui/windows/accessible.h"

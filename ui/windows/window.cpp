@@ -32,7 +32,7 @@ HINSTANCE ProgramInstance() {
 TWindow::~TWindow() {
   if (m_handle == nullptr)
     return;
-  // What is left of this object can't answer messages any more.
+  // The derived part of this object has gone, so that it can't handle messages any more.
   SetWindowLongPtrW(m_handle, GWLP_USERDATA, 0);
   DestroyWindow(m_handle);
 }
@@ -74,7 +74,8 @@ LRESULT TWindow::Answer(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
       OnFailure(std::current_exception());
       return 0;
     }
-    // The window goes unseen, without another word to this object.
+    // Returning -1 makes the system destroy the window. This object gets no message of that any more, and
+    // CreateHandle throws the exception.
     m_creationFailure = std::current_exception();
     SetWindowLongPtrW(window, GWLP_USERDATA, 0);
     m_handle = nullptr;

@@ -18,8 +18,8 @@ class TWindow {
     return m_handle;
   }
 
-  // The system tells its top-level windows alone that colours or settings have changed; the controls in them
-  // learn it from here.
+  // Passes a message on to the controls in the window: the system sends changes of colours and settings to
+  // top-level windows only.
   void TellChildren(UINT message, WPARAM wParam, LPARAM lParam) const;
 
   // Size of the inside, in pixels.
@@ -38,12 +38,12 @@ class TWindow {
   void CreateHandle(TextView className, TextView title, DWORD style, DWORD extendedStyle, const TPlace& place,
                     HWND parent, HMENU menuOrId, UINT classStyle);
 
-  // Called for every message from WM_NCCREATE on. An answer without the default handling is the message's
-  // own.
+  // Called for every message from WM_NCCREATE on; returns what the window procedure returns. Default does
+  // what the system does with a message.
   virtual LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) = 0;
 
-  // Told of an exception that the handling of a message has thrown: none may pass through the system's
-  // dispatching. It goes up to the window above this one; the topmost one says it.
+  // Called with an exception that OnMessage has thrown, because none may pass through the system's
+  // dispatching. Passes it on to the parent or owner; the main window shows it to the user.
   virtual void OnFailure(const std::exception_ptr& failure);
 
   LRESULT Default(UINT message, WPARAM wParam, LPARAM lParam) {
