@@ -5,12 +5,18 @@ folder_sources(sharedSources app corvalt.cpp corvaltc.cpp)
 add_library(app_common STATIC ${sharedSources})
 target_link_libraries(app_common PUBLIC Corvalt::ui_windows Corvalt::ui_console)
 
+# The version stands in project() only.
+set(versionHeader "${CMAKE_BINARY_DIR}/generated/app/version.h")
+configure_file("${CMAKE_SOURCE_DIR}/app/version.h.in" "${versionHeader}" @ONLY)
+target_include_directories(app_common PUBLIC "${CMAKE_BINARY_DIR}/generated")
+
 # Builds what ships and nothing else.
 add_custom_target(programs)
 add_dependencies(programs program_manual program_data)
 
 # What the resource compiler reads without telling the build.
-file(GLOB resourceFiles CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/app/resources/*" "${CMAKE_SOURCE_DIR}/app/version.h")
+file(GLOB resourceFiles CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/app/resources/*")
+list(APPEND resourceFiles "${versionHeader}")
 
 # add_windows_program(NAME [WIN32]): app/NAME.cpp with its resources, app/resources/NAME.rc.
 function(add_windows_program name)
@@ -32,3 +38,8 @@ add_windows_program(corvaltc)
 target_include_directories(corvalt PRIVATE "${CMAKE_BINARY_DIR}")
 set_property(SOURCE "${CMAKE_SOURCE_DIR}/app/resources/corvalt.rc" APPEND PROPERTY OBJECT_DEPENDS "${programIcons}")
 add_dependencies(corvalt program_pictures)
+
+# cmake --install BUILD --prefix FOLDER leaves the complete program folder in FOLDER.
+install(TARGETS corvalt corvaltc RUNTIME DESTINATION .)
+install(FILES "${programFolder}/help.chm" DESTINATION .)
+install(DIRECTORY "${programFolder}/data" "${programFolder}/languages" DESTINATION .)

@@ -1,4 +1,5 @@
 # The test programs. tests/support/ is shared by all of them.
+include(GoogleTest)
 set(BUILD_GMOCK OFF)
 set(INSTALL_GTEST OFF)
 add_subdirectory(/usr/src/googletest "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL SYSTEM)
@@ -23,21 +24,29 @@ endif()
 set(precompiledTestHeaders <gtest/gtest.h> <algorithm> <deque> <functional> <map> <memory> <optional> <set> <sstream>
                            <string> <vector>)
 
-# add_test_program(NAME folder...): the program NAME of the sources in the folders.
+# add_test_program(NAME folder...): the program corvalt_NAME_tests of the sources in the folders. Each of its tests is
+# known to ctest under its own name.
 function(add_test_program name)
+  set(program corvalt_${name}_tests)
   set(sources "")
   foreach(folder IN LISTS ARGN)
     folder_sources(found ${folder})
     list(APPEND sources ${found})
   endforeach()
-  add_executable(${name} ${sources})
+  add_executable(${program} ${sources})
   # Optimising a long test body under the sanitizers takes half a minute a file; what is tested stays optimised.
-  target_compile_options(${name} PRIVATE -O0)
-  target_link_libraries(${name} PRIVATE test_support GTest::gtest_main)
-  target_precompile_headers(${name} PRIVATE ${precompiledTestHeaders})
-  finish_program(${name})
-  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
-  add_dependencies(${name} program_data)
+  target_compile_options(${program} PRIVATE -O0)
+  target_link_libraries(${program} PRIVATE test_support GTest::gtest_main)
+  target_precompile_headers(${program} PRIVATE ${precompiledTestHeaders})
+  finish_program(${program})
+  set_target_properties(${program} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+  add_dependencies(${program} program_data)
+  # Asked for its tests when ctest runs: a cross build needs no Wine. Under Wine one test at a time has the registry.
+  set(properties TIMEOUT 120 LABELS ${name})
+  if(WIN32)
+    list(APPEND properties RESOURCE_LOCK wine)
+  endif()
+  gtest_discover_tests(${program} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120 PROPERTIES ${properties})
 endfunction()
 
 if(WIN32)
@@ -45,9 +54,13 @@ if(WIN32)
 else()
   set(contractFolder tests/contract/memory)
 endif()
-add_test_program(corvalt_unit_tests tests/unit)
-add_test_program(corvalt_contract_tests tests/contract ${contractFolder})
-add_test_program(corvalt_thread_tests tests/threads)
+add_test_program(unit tests/unit)
+add_test_program(contract tests/contract ${contractFolder})
+add_test_program(thread tests/threads)
+
+# All that ./test runs, without what else a preset may hold.
+add_custom_target(test_programs)
+add_dependencies(test_programs corvalt_unit_tests corvalt_contract_tests corvalt_thread_tests)
 
 # Helpers of the scripts in tests/wine/: each NAME.cpp is a program wine_NAME, and so is the window reader's folder.
 function(add_wine_helper name)
@@ -56,6 +69,7 @@ function(add_wine_helper name)
   target_link_libraries(wine_${name} PRIVATE ntdll psapi)
   target_link_options(wine_${name} PRIVATE -municode)
   set_target_properties(wine_${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+  add_dependencies(test_programs wine_${name})
 endfunction()
 
 if(WIN32)

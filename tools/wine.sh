@@ -35,14 +35,16 @@ start_display() {
   rm -f "$number_file"
 }
 
-# start_wine PREFIX: starts the prefix's server, and makes the prefix if there is none yet.
+# start_wine PREFIX [PERSISTENCE]: starts the prefix's server, and makes the prefix if there is none yet. The server
+# stays until it is ended, or as many seconds after the last program as are given.
 start_wine() {
   export WINEPREFIX=$1
   if [[ ! -e $WINEPREFIX/.complete ]]; then
     rm -rf "$WINEPREFIX"
     mkdir -p "$WINEPREFIX"
   fi
-  taskset -c "$wine_core" "$wine_server" -p
+  # A server that runs already is told by its exit code 2.
+  taskset -c "$wine_core" "$wine_server" -p"${2:-}" || (($? == 2))
   if [[ ! -e $WINEPREFIX/.complete ]]; then
     run_windows wineboot -i >/dev/null 2>&1
     run_windows reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f >/dev/null
@@ -54,17 +56,46 @@ start_wine() {
   fi
 }
 
-# start_fresh_wine FOLDER: starts a prefix in which nothing ran before. It is a copy of one that is made once.
-start_fresh_wine() {
+# make_pristine_wine FOLDER: the prefix that others are copies of, made once. Scripts that begin together wait for the
+# one that makes it.
+make_pristine_wine() {
+  mkdir -p "$1"
+  local lock
+  exec {lock}>"$1/lock"
+  flock "$lock"
   if [[ ! -e $1/pristine/.complete ]]; then
-    start_wine "$1/pristine"
-    "$wine_server" -k
-    "$wine_server" -w
+    # The server would hold the lock as long as it runs.
+    start_wine "$1/pristine" {lock}>&-
+    end_wine_server
   fi
-  WINEPREFIX=$1/used "$wine_server" -k 2>/dev/null || true
-  rm -rf "$1/used"
-  cp -a "$1/pristine" "$1/used"
-  start_wine "$1/used"
+  exec {lock}>&-
+}
+
+# start_fresh_wine FOLDER: starts a prefix in which nothing ran before. Each core has one, so that scripts on different
+# cores don't meet.
+start_fresh_wine() {
+  make_pristine_wine "$1"
+  local prefix=$1/core$wine_core
+  WINEPREFIX=$prefix "$wine_server" -k 2>/dev/null || true
+  rm -rf "$prefix"
+  cp -a "$1/pristine" "$prefix"
+  start_wine "$prefix"
+}
+
+# start_lasting_wine FOLDER: starts a prefix that keeps what earlier programs left in it. Its server ends some time after
+# the last program, so that a row of short programs has one server.
+start_lasting_wine() {
+  make_pristine_wine "$1"
+  if [[ ! -e $1/lasting/.complete ]]; then
+    cp -a "$1/pristine" "$1/lasting.$$"
+    mv -T "$1/lasting.$$" "$1/lasting" || rm -r "$1/lasting.$$"
+  fi
+  start_wine "$1/lasting" 10
+}
+
+end_wine_server() {
+  "$wine_server" -k
+  "$wine_server" -w
 }
 
 run_windows() {
