@@ -22,7 +22,7 @@ CONFIGURATION = TOP / ".clang-tidy"
 # The Windows build compiles everything, but clang reads Linux's headers with less ado: it comes last.
 PRESETS = ["native-debug", "fuzz", "windows-x64"]
 # Options that clang lacks, and instrumentation that it need not see.
-GCC_OPTIONS = ("-fsanitize", "-fno-sanitize", "-Wno-restrict")
+GCC_OPTIONS = ("-fsanitize", "-fno-sanitize", "-Wno-restrict", "-Winvalid-pch", "-fpch")
 CROSS_COMPILER = "x86_64-w64-mingw32-g++-posix"
 # The whole depth of the analyzer takes four fifths of the time and finds nothing more here.
 ANALYZER = [word for part in ("-analyzer-config", "mode=shallow") for word in ("-Xclang", part)]
@@ -72,7 +72,7 @@ def arguments_of(preset, entry):
     for word in words[first:]:
         if skip:
             skip = False
-        elif word in ("-o", "-MT", "-MF"):
+        elif word in ("-o", "-MT", "-MF", "-include"):  # without precompiled headers: each file includes what it uses
             skip = True
         elif word not in ("-c", "-MD", entry["file"]) and not word.startswith(GCC_OPTIONS):
             kept.append(word)

@@ -1,6 +1,6 @@
 """The pictures: every one that the program asks for is there, drawn in the set's style, and becomes a whole icon.
 
-Runs from the top of the project: python3 tests/art/test_pictures.py
+Runs from the top of the project: python3 tests/art/pictures_test.py
 """
 
 import pathlib
