@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/memory/memorysystem.h"
+#include "tests/support/largeinput.h"
 
 namespace corvalt {
 
@@ -37,13 +38,13 @@ TEST(BackupView, OfAnEmptyFileIsEmpty) {
 }
 
 TEST(BackupView, ShowsAFileOfFiftyMegabytesWhole) {
-  constexpr std::size_t kLines = 1000000;
+  const std::size_t lines = LargeInput(1000000, 50000);
   std::string file;
-  for (std::size_t i = 0; i < kLines; ++i)
+  for (std::size_t i = 0; i < lines; ++i)
     file.append("\"name\"=hex:00,11,22,33,44,55,66,77,88,99,aa,bb,cc,", 50).append("\0\n", 2);
-  ASSERT_GT(file.size(), 50U * 1000 * 1000);
+  ASSERT_GT(file.size(), lines * 50);
   const Text shown = Shown(file);
-  EXPECT_EQ(shown.size(), file.size() + kLines);
+  EXPECT_EQ(shown.size(), file.size() + lines);
   EXPECT_EQ(shown.substr(0, 6), u"\"name\"");
   EXPECT_EQ(shown.substr(shown.size() - 4), u",\x2400\r\n");
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/memory/memorysystem.h"
+#include "tests/support/largeinput.h"
 #include "tests/support/nastyregistry.h"
 
 namespace corvalt {
@@ -352,10 +353,10 @@ TEST_F(IORegistry, NamesOf255UnitsAndDeepTreesComeBack) {
 }
 
 TEST_F(IORegistry, ValuesOfSeveralMebibytesComeBack) {
-  constexpr std::size_t kUnits = 1024 * 1024;
-  Set(u"string", kRegSz, StringBytes(Text(2 * kUnits, u'x')));
-  Set(u"binary", kRegBinary, TBytes(3 * kUnits, 0xA5));
-  Set(u"exact", kRegSz, UnitBytes(Text(kUnits, char16_t(0x401))));
+  const std::size_t units = LargeInput(1024, 384) * 1024;
+  Set(u"string", kRegSz, StringBytes(Text(2 * units, u'x')));
+  Set(u"binary", kRegBinary, TBytes(3 * units, 0xA5));
+  Set(u"exact", kRegSz, UnitBytes(Text(units, char16_t(0x401))));
   ExpectRoundTrip();
 }
 
@@ -474,16 +475,16 @@ TEST_F(IORegistry, ARootIsNeverDeleted) {
 }
 
 TEST_F(IORegistry, AnythingComesBackByteForByte) {
-  constexpr std::size_t kValues = 100000;
+  const std::size_t wanted = LargeInput(100000, 10000);
   std::size_t values = 0;
-  for (const TNastyKey& key : MakeNastyTree(20240607, kValues, u"\\K")) {
+  for (const TNastyKey& key : MakeNastyTree(20240607, wanted, u"\\K")) {
     const Text fullPath = u"HKEY_CURRENT_USER" + key.Path;
     System.Registry.AddKey(fullPath);
     for (const TRawValue& value : key.Values)
       System.Registry.SetRaw(fullPath, value);
     values += key.Values.size();
   }
-  EXPECT_EQ(values, kValues);
+  EXPECT_EQ(values, wanted);
   ExpectRoundTrip();
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/memory/memorysystem.h"
+#include "tests/support/largeinput.h"
 
 namespace corvalt {
 
@@ -355,7 +356,7 @@ TEST(RegFileReader, AFoldNeverSwallowsAValueOfOurOwn) {
   EXPECT_EQ(reading.Skipped, 1U);
 }
 
-// Readers that go over a line more than a few times would not end here.
+// Readers that go over a line more than a few times would not end here, at the whole size.
 class RegFileReaderHugeFile : public testing::Test {
  protected:
   static std::string Repeated(std::string_view part, std::size_t times) {
@@ -366,51 +367,51 @@ class RegFileReaderHugeFile : public testing::Test {
     return text;
   }
 
-  static constexpr std::size_t kMany = 4 * 1024 * 1024;
+  const std::size_t m_many = LargeInput(4 * 1024 * 1024, 128 * 1024);
 };
 
 TEST_F(RegFileReaderHugeFile, OfOneLine) {
-  EXPECT_EQ(ReadBelowKey(std::string(64 * 1024 * 1024, 'x')).Skipped, 1U);
+  EXPECT_EQ(ReadBelowKey(std::string(16 * m_many, 'x')).Skipped, 1U);
 }
 
-TEST_F(RegFileReaderHugeFile, OfTenMillionEmptyLines) {
-  const std::string lines(10'000'000, '\n');
+TEST_F(RegFileReaderHugeFile, OfMillionsOfEmptyLines) {
+  const std::string lines(LargeInput(10'000'000, 250'000), '\n');
   EXPECT_EQ(ReadBelowKey(lines).Skipped, 0U);
 }
 
 TEST_F(RegFileReaderHugeFile, OfEmptyLinesBehindAFold) {
-  EXPECT_EQ(ReadBelowKey("\"a\"=hex:01,\\" + std::string(kMany, '\n')).Skipped, 1U);
+  EXPECT_EQ(ReadBelowKey("\"a\"=hex:01,\\" + std::string(m_many, '\n')).Skipped, 1U);
 }
 
 TEST_F(RegFileReaderHugeFile, OfBackslashes) {
-  const std::string backslashes(kMany, '\\');
+  const std::string backslashes(m_many, '\\');
   EXPECT_EQ(ReadBelowKey(backslashes).Skipped, 1U);
   EXPECT_EQ(ReadBelowKey("\"" + backslashes).Skipped, 1U);
   EXPECT_EQ(ReadBelowKey("\"a\"=hex:" + backslashes).Skipped, 1U);
 }
 
 TEST_F(RegFileReaderHugeFile, OfFolds) {
-  EXPECT_EQ(ReadBelowKey("\"a\"=hex:" + Repeated("\\\n", kMany)).Skipped, kMany);
+  EXPECT_EQ(ReadBelowKey("\"a\"=hex:" + Repeated("\\\n", m_many)).Skipped, m_many);
 }
 
 TEST_F(RegFileReaderHugeFile, OfOneString) {
-  const TReading reading = ReadBelowKey("\"a\"=\"" + std::string(kMany, 'x') + "\"");
+  const TReading reading = ReadBelowKey("\"a\"=\"" + std::string(m_many, 'x') + "\"");
   EXPECT_EQ(reading.Skipped, 0U);
   ASSERT_EQ(reading.Entries.size(), 1U);
-  EXPECT_GT(reading.Entries.front().size(), 4 * kMany);
+  EXPECT_GT(reading.Entries.front().size(), 4 * m_many);
 }
 
 TEST_F(RegFileReaderHugeFile, OfStringsWithoutAnEnd) {
-  EXPECT_EQ(ReadBelowKey(Repeated("@=\"a\n", kMany / 4)).Skipped, kMany / 4);
+  EXPECT_EQ(ReadBelowKey(Repeated("@=\"a\n", m_many / 4)).Skipped, m_many / 4);
 }
 
 TEST_F(RegFileReaderHugeFile, OfBrackets) {
-  EXPECT_EQ(ReadBelowKey(std::string(kMany, ']')).Skipped, 1U);
-  EXPECT_EQ(ReadBelowKey(std::string(kMany, '[')).Skipped, 1U);
+  EXPECT_EQ(ReadBelowKey(std::string(m_many, ']')).Skipped, 1U);
+  EXPECT_EQ(ReadBelowKey(std::string(m_many, '[')).Skipped, 1U);
 }
 
 TEST_F(RegFileReaderHugeFile, OfOneValueOfOurOwn) {
-  EXPECT_EQ(ReadBelowKey(";TIORegistry value=:3:" + std::string(kMany, '0')).Skipped, 0U);
+  EXPECT_EQ(ReadBelowKey(";TIORegistry value=:3:" + std::string(m_many, '0')).Skipped, 0U);
 }
 
 }  // namespace corvalt
