@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr std::int32_t kCode = 11;
 constexpr TextView kUninstall = u"\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\";
 
 Text FullPathOf(TextView entry) {
@@ -19,11 +19,11 @@ void SetText(TScanRig& rig, TextView entry, TextView name, TextView text) {
 
 ScanProblem Missing(TextView entry, TextView command) {
   return KeyProblem(kHkeyLocalMachine, Text(kUninstall) + Text(entry), u"", u"",
-                    u"11067(" + Text(command) + u")");
+                    Says(TextId::MissingUninstaller, command));
 }
 
 ScanProblem WithoutUninstaller(TextView entry) {
-  return KeyProblem(kHkeyLocalMachine, Text(kUninstall) + Text(entry), u"", u"", u"11066");
+  return KeyProblem(kHkeyLocalMachine, Text(kUninstall) + Text(entry), u"", u"", Says(TextId::NoUninstaller));
 }
 
 void ListManyPrograms(TScanRig& rig) {
@@ -47,7 +47,7 @@ TEST(AddRemovePrograms, EveryProblemOfALargerRegistryWithAllFields) {
   TScanRig rig;
   ListManyPrograms(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::AddRemovePrograms});
 
   EXPECT_EQ(AllFields(rig.Headers()),
             AllFields({SectionHeader(u"Add/Remove Programs", 13, kHkeyLocalMachine, 4)}));
@@ -60,7 +60,7 @@ TEST(AddRemovePrograms, ProblemsComeInTheOrderOfThePlatform) {
   TScanRig rig(TNameOrder::Wine);
   ListManyPrograms(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::AddRemovePrograms});
 
   EXPECT_EQ(AllFields(rig.Problems()),
             AllFields({Missing(u"_gone", u"\"C:\\Old\\uninst.exe\" /remove"), WithoutUninstaller(u"Bare"),
@@ -71,7 +71,7 @@ TEST(AddRemovePrograms, AnEmptyEntryHasNoUninstaller) {
   TScanRig rig;
   rig.System.Registry.AddKey(FullPathOf(u"Empty"));
 
-  rig.Run({kCode});
+  rig.Run({Section::AddRemovePrograms});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({WithoutUninstaller(u"Empty")}));
 }
@@ -81,7 +81,7 @@ TEST(AddRemovePrograms, AnEntryWithoutUninstallerButWithASubkeyIsLeftAlone) {
   SetText(rig, u"Parent", u"DisplayName", u"Parent");
   rig.System.Registry.AddKey(FullPathOf(u"Parent\\Child"));
 
-  rig.Run({kCode});
+  rig.Run({Section::AddRemovePrograms});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -91,7 +91,7 @@ TEST(AddRemovePrograms, AnyValueWhoseNameHoldsOneOfTheNamesCountsAsAnUninstaller
        {u"NoUninstallStringHere", u"uninstallstring_old", u"MyQuietUninstallString", u"xSYSTEMCOMPONENTx"}) {
     TScanRig rig;
     SetText(rig, u"App", name, u"C:\\Old\\gone.exe");
-    rig.Run({kCode});
+    rig.Run({Section::AddRemovePrograms});
     EXPECT_TRUE(rig.Headers().empty()) << EncodeUtf8(name);
   }
 }
@@ -101,7 +101,7 @@ TEST(AddRemovePrograms, ANameThatIsCutShortDoesNotCount) {
   SetText(rig, u"App", u"UninstallStrin", u"x");
   SetText(rig, u"App", u"System Component", u"x");
 
-  rig.Run({kCode});
+  rig.Run({Section::AddRemovePrograms});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({WithoutUninstaller(u"App")}));
 }
@@ -111,7 +111,7 @@ TEST(AddRemovePrograms, TheNamesAreNotJoinedAcrossValues) {
   SetText(rig, u"App", u"Uninstall", u"x");
   SetText(rig, u"App", u"String", u"x");
 
-  rig.Run({kCode});
+  rig.Run({Section::AddRemovePrograms});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({WithoutUninstaller(u"App")}));
 }
@@ -119,11 +119,11 @@ TEST(AddRemovePrograms, TheNamesAreNotJoinedAcrossValues) {
 TEST(AddRemovePrograms, TheQuietCommandStandsInForAnEmptyOne) {
   TScanRig rig;
   SetText(rig, u"App", u"QuietUninstallString", u"C:\\Old\\quiet.exe");
-  rig.Run({kCode});
+  rig.Run({Section::AddRemovePrograms});
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"App", u"C:\\Old\\quiet.exe")}));
 
   SetText(rig, u"App", u"UninstallString", u"C:\\Old\\loud.exe");
-  rig.Run({kCode});
+  rig.Run({Section::AddRemovePrograms});
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"App", u"C:\\Old\\loud.exe")}));
 }
 
@@ -133,7 +133,7 @@ TEST(AddRemovePrograms, TheQuietCommandIsNotAskedWhenTheOtherExists) {
   SetText(rig, u"App", u"UninstallString", u"C:\\App\\uninst.exe");
   SetText(rig, u"App", u"QuietUninstallString", u"C:\\Old\\quiet.exe");
 
-  rig.Run({kCode});
+  rig.Run({Section::AddRemovePrograms});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -143,7 +143,7 @@ TEST(AddRemovePrograms, AnEntryWithTwoEmptyCommandsIsNotReported) {
   SetText(rig, u"App", u"UninstallString", u"");
   rig.System.Registry.SetInteger(FullPathOf(u"App"), u"QuietUninstallString", 1);
 
-  rig.Run({kCode});
+  rig.Run({Section::AddRemovePrograms});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -153,7 +153,7 @@ TEST(AddRemovePrograms, ACommandIsNotExpanded) {
   rig.System.Disk.AddFile(u"C:\\Windows\\uninst.exe");
   rig.System.Registry.SetExpand(FullPathOf(u"App"), u"UninstallString", u"%windir%\\uninst.exe");
 
-  rig.Run({kCode});
+  rig.Run({Section::AddRemovePrograms});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"App", u"%windir%\\uninst.exe")}));
 }
@@ -163,7 +163,7 @@ TEST(AddRemovePrograms, ACommandIsCutAtItsFirstComma) {
   rig.System.Disk.AddFile(u"C:\\Windows\\system32\\rundll32.exe");
   SetText(rig, u"App", u"UninstallString", u"rundll32.exe setupapi.dll,InstallHinfSection");
 
-  rig.Run({kCode});
+  rig.Run({Section::AddRemovePrograms});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -172,7 +172,7 @@ TEST(AddRemovePrograms, TheUsersListIsNotVisited) {
   TScanRig rig;
   rig.System.Registry.AddKey(u"HKEY_CURRENT_USER" + Text(kUninstall) + u"Empty");
 
-  rig.Run({kCode});
+  rig.Run({Section::AddRemovePrograms});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -183,7 +183,7 @@ TEST(AddRemovePrograms, TheSectionMovesTheOverallBarToItsOwnPlaceAndNamesTheEntr
     rig.System.Registry.SetInteger(FullPathOf(NumberedName(u"p", i)), u"SystemComponent", 1);
   rig.System.Registry.Deny(FullPathOf(u"p000"));
 
-  rig.Run({kCode});
+  rig.Run({Section::AddRemovePrograms});
 
   std::vector<std::string> expected = SectionStart("Add/Remove Programs", 100);
   const std::vector<std::string> again = SectionStart("Add/Remove Programs", 64);
@@ -198,17 +198,17 @@ TEST(AddRemovePrograms, ACancelledScanFinishesItsItemAndLooksAtNoOther) {
   rig.System.Registry.AddKey(FullPathOf(u"One"));
   rig.System.Registry.AddKey(FullPathOf(u"Two"));
 
-  rig.RunAndCancel({kCode}, 1);
+  rig.RunAndCancel({Section::AddRemovePrograms}, 1);
   EXPECT_TRUE(rig.Headers().empty());
 
-  rig.RunAndCancel({kCode}, 2);
+  rig.RunAndCancel({Section::AddRemovePrograms}, 2);
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({WithoutUninstaller(u"One")}));
 }
 
 TEST(AddRemovePrograms, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   TScanRig rig;
   ListManyPrograms(rig);
-  ExpectConsistentWhereverCancelled(rig, kCode);
+  ExpectConsistentWhereverCancelled(rig, Section::AddRemovePrograms);
 }
 
 }  // namespace corvalt

@@ -1,13 +1,14 @@
 #include <gtest/gtest.h>
 
 #include "formats/inflate.h"
+#include "tests/support/largeinput.h"
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr std::int32_t kCode = 100;
 constexpr TextView kCatalogueFile = u"C:\\Program Files\\Tessaly\\data\\xdata.dat";
 constexpr TextView kServices = u"\\SYSTEM\\CurrentControlSet\\Services\\";
 constexpr TextView kHelperObjects =
@@ -79,7 +80,7 @@ TEST(AdwareAndSpyware, EveryProblemOfALargerRegistryWithAllFields) {
     TScanRig rig(order);
     InfectMachine(rig);
 
-    rig.Run({kCode});
+    rig.Run({Section::AdwareAndSpyware});
 
     EXPECT_EQ(AllFields(rig.Headers()), AllFields({SectionHeader(u"Adware and Spyware", 22, kNoRootKey, 6)}));
     EXPECT_EQ(
@@ -103,7 +104,7 @@ TEST(AdwareAndSpyware, ACleanMachineLeavesNoHeader) {
               "<service>Bad</service><regkey>HKEY_CURRENT_USER\\Bad</regkey>"
               "<regvalue>HKEY_CURRENT_USER\\Bad\\v</regvalue><bho>{1}</bho><toolbar>{1}</toolbar>");
 
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
 
   EXPECT_TRUE(rig.Headers().empty());
   EXPECT_EQ(rig.Failure, nullptr);
@@ -114,7 +115,7 @@ TEST(AdwareAndSpyware, TheNamesOfTheUpperLevelsDoNotMatter) {
   rig.System.Registry.AddKey(Machine(kServices) + u"Bad");
   rig.WriteCatalogue("<service><bho><whatever>Bad</whatever><service>Bad</service></bho></service>");
 
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({BadKey(kHkeyLocalMachine, Text(kServices) + u"Bad")}));
 }
@@ -124,7 +125,7 @@ TEST(AdwareAndSpyware, TheLetterCaseOfAKindDoesNotMatter) {
     TScanRig rig;
     rig.System.Registry.AddKey(Machine(kServices) + u"Svc");
     WriteTraces(rig, "<" + kind + ">Svc</" + kind + ">");
-    rig.Run({kCode});
+    rig.Run({Section::AdwareAndSpyware});
     EXPECT_EQ(AllFields(rig.Problems()), AllFields({BadKey(kHkeyLocalMachine, Text(kServices) + u"Svc")}))
         << kind;
   }
@@ -135,7 +136,7 @@ TEST(AdwareAndSpyware, AnyOtherKindIsIgnored) {
   rig.System.Registry.AddKey(Machine(kServices) + u"Svc");
   WriteTraces(rig, "<services>Svc</services><x:service>Svc</x:service><process>Svc</process>");
 
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -145,7 +146,7 @@ TEST(AdwareAndSpyware, TheFirstChildIsATraceTooWhenItsNameSaysSo) {
   rig.System.Registry.AddKey(Machine(kServices) + u"BadSvc");
   rig.WriteCatalogue("<list><program><service>BadSvc</service></program></list>");
 
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
 
   EXPECT_EQ(AllFields(rig.Problems()),
             AllFields({KeyProblem(kHkeyLocalMachine, Text(kServices) + u"BadSvc", u"", u"", u" BadSvc")}));
@@ -156,7 +157,7 @@ TEST(AdwareAndSpyware, AnAmpersandOfTheNameIsNotDoubled) {
   rig.System.Registry.AddKey(Machine(kServices) + u"Svc");
   rig.WriteCatalogue("<l><p><n> A &amp; B </n><service>Svc</service></p></l>");
 
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
 
   ASSERT_EQ(rig.Problems().size(), 1u);
   EXPECT_EQ(rig.Problems().front().Description, u"  A & B ");
@@ -167,7 +168,7 @@ TEST(AdwareAndSpyware, AProgramWithoutANameGivesABlankDescription) {
   rig.System.Registry.AddKey(Machine(kServices) + u"Svc");
   rig.WriteCatalogue("<l><p><n/><service>Svc</service></p></l>");
 
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
 
   ASSERT_EQ(rig.Problems().size(), 1u);
   EXPECT_EQ(rig.Problems().front().Description, u" ");
@@ -185,7 +186,7 @@ TEST(AdwareAndSpyware, ServicesAndHelperObjectsAreUsedUntrimmedAndSkippedWhenBla
               "<service> padded </service><service> tight </service><service>  </service><service/>"
               "<bho> {1} </bho><bho> {2} </bho><bho>  </bho><bho/>");
 
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
 
   EXPECT_EQ(AllFields(rig.Problems()),
             AllFields({BadKey(kHkeyLocalMachine, Text(kServices) + u" padded "),
@@ -198,7 +199,7 @@ TEST(AdwareAndSpyware, AToolbarIsAValueOfTheToolbarKeyUntrimmed) {
   rig.System.Registry.Set(Machine(kToolbar), u" {2} ", u"");
   WriteTraces(rig, "<toolbar>{1}</toolbar><toolbar> {1}</toolbar><toolbar> {2} </toolbar>");
 
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({BadValue(kHkeyLocalMachine, kToolbar, u"{1}"),
                                                   BadValue(kHkeyLocalMachine, kToolbar, u" {2} ")}));
@@ -212,7 +213,7 @@ TEST(AdwareAndSpyware, AKeyTraceIsTrimmedAfterItsRoot) {
               "<regkey>HKEY_LOCAL_MACHINE\\ Software\\Bad </regkey>"
               "<regkey> HKEY_LOCAL_MACHINE\\Software\\Bad</regkey>");
 
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
 
   // The second names no root, because of its leading blank, and so means the user's.
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({BadKey(kHkeyLocalMachine, u"Software\\Bad"),
@@ -225,7 +226,7 @@ TEST(AdwareAndSpyware, AKeyTraceWithoutAKeyPathIsSkipped) {
               "<regkey>HKEY_LOCAL_MACHINE</regkey><regkey>HKEY_LOCAL_MACHINE\\</regkey>"
               "<regkey>HKEY_LOCAL_MACHINE\\  </regkey><regkey/>");
 
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -244,7 +245,7 @@ TEST(AdwareAndSpyware, EveryRootIsKnownByItsExactNameAlone) {
     rig.System.Registry.Set(RootKeyName(each.Root) + u"\\Software\\Bad", u"v", u"");
     WriteTraces(rig, "<regkey>" + each.Name + "\\Software\\Bad</regkey><regvalue>" + each.Name +
                          "\\Software\\Bad\\v</regvalue>");
-    rig.Run({kCode});
+    rig.Run({Section::AdwareAndSpyware});
     EXPECT_EQ(AllFields(rig.Problems()),
               AllFields({BadKey(each.Root, u"Software\\Bad"), BadValue(each.Root, u"Software\\Bad", u"v")}))
         << each.Name;
@@ -263,7 +264,7 @@ TEST(AdwareAndSpyware, AValueTraceIsSplitAtItsLastBackslashAndNotTrimmed) {
               "<regvalue>HKEY_CURRENT_USER\\Software\\Bad\\absent</regvalue>"
               "<regvalue>HKEY_CURRENT_USER\\Software\\Absent\\v</regvalue>");
 
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({BadValue(kHkeyCurrentUser, u"Software\\Bad", u" v "),
                                                   BadValue(kHkeyCurrentUser, u"Software\\Bad", u"")}));
@@ -273,12 +274,12 @@ TEST(AdwareAndSpyware, AValueTraceWithoutAKeyIsLookedUpInTheRootItself) {
   TScanRig rig;
   rig.System.Registry.Set(u"HKEY_LOCAL_MACHINE", u"bad", u"");
   WriteTraces(rig, "<regvalue>HKEY_LOCAL_MACHINE\\bad</regvalue><regvalue>HKEY_LOCAL_MACHINE</regvalue>");
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({BadValue(kHkeyLocalMachine, u"", u"bad")}));
 
   // Without any backslash it is the root's default value.
   rig.System.Registry.Set(u"HKEY_LOCAL_MACHINE", u"", u"");
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
   EXPECT_EQ(AllFields(rig.Problems()),
             AllFields({BadValue(kHkeyLocalMachine, u"", u"bad"), BadValue(kHkeyLocalMachine, u"", u"")}));
 }
@@ -291,7 +292,7 @@ TEST(AdwareAndSpyware, AKeyThatDoesNotOpenExistsButItsValuesAreSkipped) {
               "<regvalue>HKEY_CURRENT_USER\\Software\\Bad\\v</regvalue>"
               "<regkey>HKEY_CURRENT_USER\\Software\\Bad</regkey>");
 
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({BadKey(kHkeyCurrentUser, u"Software\\Bad")}));
 }
@@ -302,11 +303,11 @@ TEST(AdwareAndSpyware, AnIgnoreEntryMeetsARegistryTraceWithoutABackslashAfterThe
   rig.System.Registry.AddKey(u"HKEY_CURRENT_USER\\Software\\Bad");
   WriteTraces(rig, "<regkey>HKEY_CURRENT_USER\\Software\\Bad</regkey>");
   rig.Reg.IgnoreList = {u"hkey_current_user\\software\\bad"};
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
   EXPECT_EQ(rig.Problems().size(), 1u);
 
   rig.Reg.IgnoreList = {u"HKEY_CURRENT_USERSoftware\\Bad"};
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
   EXPECT_TRUE(rig.Headers().empty());
 }
 
@@ -319,7 +320,7 @@ TEST(AdwareAndSpyware, ProgressNamesTheProgramWithoutABlank) {
   }
   rig.WriteCatalogue("<l>" + programs + "</l>");
 
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
 
   // Ten programs without children make no call, but count: the 51st call is that of the 61st program, and
   // 61 x 100 / 120 = 50.8; the 101st that of the 111th, 92.5, a half that goes to the even number.
@@ -331,7 +332,7 @@ TEST(AdwareAndSpyware, AProgramWithoutChildrenIsPassedOver) {
   TScanRig rig;
   rig.WriteCatalogue("<l><p/><p></p><p> text alone </p></l>");
 
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
 
   EXPECT_TRUE(rig.Headers().empty());
   EXPECT_EQ(rig.Failure, nullptr);
@@ -341,7 +342,7 @@ TEST(AdwareAndSpyware, AnEmptyCatalogueFindsNothing) {
   TScanRig rig;
   rig.WriteCatalogue("<list/>");
 
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
 
   EXPECT_TRUE(rig.Headers().empty());
   EXPECT_EQ(rig.Failure, nullptr);
@@ -356,7 +357,7 @@ TEST(AdwareAndSpyware, ACancelledScanFinishesItsTraceAndLooksAtNoOther) {
       "<l><p><n>Bad</n><toolbar>{1}</toolbar><toolbar>{2}</toolbar></p>"
       "<p><n>Bad</n><toolbar>{3}</toolbar></p></l>");
 
-  rig.RunAndCancel({kCode, 3}, 1);
+  rig.RunAndCancel({Section::AdwareAndSpyware, Section::ObsoleteSoftware}, 1);
 
   EXPECT_EQ(AllFields(rig.Headers()), AllFields({SectionHeader(u"Adware and Spyware", 22, kNoRootKey, 1)}));
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({BadValue(kHkeyLocalMachine, kToolbar, u"{1}")}));
@@ -369,7 +370,7 @@ TEST(AdwareAndSpyware, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   rig.System.Registry.Set(u"HKEY_CURRENT_USER\\Bad", u"v", u"");
   WriteTraces(rig,
               "<toolbar>{1}</toolbar><toolbar>{2}</toolbar><regvalue>HKEY_CURRENT_USER\\Bad\\v</regvalue>");
-  ExpectConsistentWhereverCancelled(rig, kCode);
+  ExpectConsistentWhereverCancelled(rig, Section::AdwareAndSpyware);
 }
 
 TEST(AdwareAndSpyware, WhatDoesNotReadAsACatalogueEndsTheScanWithItsName) {
@@ -382,7 +383,7 @@ TEST(AdwareAndSpyware, WhatDoesNotReadAsACatalogueEndsTheScanWithItsName) {
         PackDataFile("no markup"), PackDataFile("<list>"), PackDataFile("<list><p></list></p>")}) {
     TScanRig rig;
     rig.System.Disk.AddFile(kCatalogueFile, content);
-    rig.Run({kCode});
+    rig.Run({Section::AdwareAndSpyware});
     EXPECT_EQ(FailureOf(rig), kUnreadable) << content.size() << " bytes";
   }
 }
@@ -393,7 +394,7 @@ TEST(AdwareAndSpyware, ATraceThatIsNoUnicodeTextEndsTheScanAndReportsNothing) {
   rig.System.Registry.Set(Machine(kToolbar), u"", u"");
   WriteTraces(rig, "<toolbar>\xFF</toolbar>");
 
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
 
   EXPECT_EQ(FailureOf(rig), kUnreadable);
   EXPECT_TRUE(rig.Problems().empty());
@@ -401,15 +402,15 @@ TEST(AdwareAndSpyware, ATraceThatIsNoUnicodeTextEndsTheScanAndReportsNothing) {
 
 TEST(AdwareAndSpyware, AMissingOrUnreadableCatalogueEndsTheScanWithItsName) {
   TScanRig rig;
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
   EXPECT_EQ(FailureOf(rig), kUnreadable);
 
   InfectMachine(rig);
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
   EXPECT_EQ(rig.Failure, nullptr);
 
   rig.System.Disk.MakeUnreadable(kCatalogueFile);
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
   EXPECT_EQ(FailureOf(rig), kUnreadable);
 }
 
@@ -418,12 +419,13 @@ TEST(AdwareAndSpyware, ACatalogueThatInflatesBeyondTheLimitEndsTheScan) {
   const std::string after = "</list>";
   const std::size_t room = kLargestInflated - before.size() - after.size();
   TScanRig rig;
-  rig.WriteCatalogue(before + std::string(room, ' ') + after);
-  rig.Run({kCode});
+  // The largest one takes seconds to check; a part of it shows as well that the size alone is no fault.
+  rig.WriteCatalogue(before + std::string(LargeInput(room, room / 16), ' ') + after);
+  rig.Run({Section::AdwareAndSpyware});
   EXPECT_EQ(rig.Failure, nullptr);
 
   rig.WriteCatalogue(before + std::string(room + 1, ' ') + after);
-  rig.Run({kCode});
+  rig.Run({Section::AdwareAndSpyware});
   EXPECT_EQ(FailureOf(rig), kUnreadable);
 }
 
@@ -432,7 +434,7 @@ TEST(AdwareAndSpyware, ABrokenCatalogueKeepsEarlierSectionsAndAnUnfinishedHeader
   rig.System.Registry.Set(u"HKEY_CURRENT_USER\\Software\\Vendor", u"Exe", u"C:\\Old\\app.exe");
   rig.System.Registry.AddKey(u"HKEY_CURRENT_USER\\Software\\Empty");
 
-  rig.Run({22, kCode, 3});
+  rig.Run({Section::FilesOfCurrentUser, Section::AdwareAndSpyware, Section::ObsoleteSoftware});
 
   EXPECT_EQ(FailureOf(rig), kUnreadable);
   EXPECT_EQ(AllFields(rig.Headers()),

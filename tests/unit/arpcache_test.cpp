@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr std::int32_t kCode = 19;
 constexpr TextView kCache = u"\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Management\\ARPCache\\";
 constexpr TextView kUninstall =
     u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
@@ -22,7 +22,7 @@ void Install(TScanRig& rig, TextView program) {
 
 ScanProblem Gone(TextView program) {
   return KeyProblem(kHkeyLocalMachine, Text(kCache) + Text(program), u"", u"",
-                    u"11067(" + Text(program) + u")");
+                    Says(TextId::MissingUninstaller, program));
 }
 
 void CacheManyPrograms(TScanRig& rig) {
@@ -39,7 +39,7 @@ TEST(ArpCache, EveryProblemOfALargerRegistryWithAllFields) {
   TScanRig rig;
   CacheManyPrograms(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::ArpCache});
 
   EXPECT_EQ(AllFields(rig.Headers()), AllFields({SectionHeader(u"ARP Cache", 22, kNoRootKey, 3)}));
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Gone(u"Gone"), Gone(u"_old"), Gone(u"{1-2}")}));
@@ -49,7 +49,7 @@ TEST(ArpCache, ProblemsComeInTheOrderOfThePlatform) {
   TScanRig rig(TNameOrder::Wine);
   CacheManyPrograms(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::ArpCache});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Gone(u"_old"), Gone(u"Gone"), Gone(u"{1-2}")}));
 }
@@ -58,11 +58,11 @@ TEST(ArpCache, AnEntryOfTheSameNameIsEnoughWhateverItsContents) {
   TScanRig rig;
   Cache(rig, u"App");
   Install(rig, u"Other");
-  rig.Run({kCode});
+  rig.Run({Section::ArpCache});
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Gone(u"App")}));
 
   Install(rig, u"App");
-  rig.Run({kCode});
+  rig.Run({Section::ArpCache});
   EXPECT_TRUE(rig.Headers().empty());
 }
 
@@ -72,7 +72,7 @@ TEST(ArpCache, NamesCompareAsKeyNamesDo) {
   Cache(rig, u"M\u00DCLLER 2");
   Install(rig, u"m\u00FCller");
 
-  rig.Run({kCode});
+  rig.Run({Section::ArpCache});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Gone(u"M\u00DCLLER 2")}));
 }
@@ -82,7 +82,7 @@ TEST(ArpCache, AnEntryBelowAnotherDoesNotCount) {
   Cache(rig, u"App");
   Install(rig, u"Other\\App");
 
-  rig.Run({kCode});
+  rig.Run({Section::ArpCache});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Gone(u"App")}));
 }
@@ -90,11 +90,11 @@ TEST(ArpCache, AnEntryBelowAnotherDoesNotCount) {
 TEST(ArpCache, NothingIsReportedWhenTheUninstallListDoesNotOpen) {
   TScanRig rig;
   Cache(rig, u"App");
-  rig.Run({kCode});
+  rig.Run({Section::ArpCache});
   EXPECT_TRUE(rig.Headers().empty());
 
   rig.System.Registry.Deny(kUninstall);
-  rig.Run({kCode});
+  rig.Run({Section::ArpCache});
   EXPECT_TRUE(rig.Headers().empty());
 }
 
@@ -103,7 +103,7 @@ TEST(ArpCache, AnEmptyUninstallListMakesEveryEntryAProblem) {
   Cache(rig, u"App");
   rig.System.Registry.AddKey(kUninstall);
 
-  rig.Run({kCode});
+  rig.Run({Section::ArpCache});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Gone(u"App")}));
 }
@@ -113,7 +113,7 @@ TEST(ArpCache, ProgressNamesTheKeyWithItsLeadingBackslash) {
   for (int i = 0; i < 120; ++i)
     Cache(rig, NumberedName(u"p", i));
 
-  rig.Run({kCode});
+  rig.Run({Section::ArpCache});
 
   const std::string key = "item: \\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Management\\ARPCache\\";
   EXPECT_EQ(rig.Dialog.Updates, UpdatesOf("ARP Cache", {key + "p050", "bar: 42", key + "p100", "bar: 84"}));
@@ -123,7 +123,7 @@ TEST(ArpCache, ACancelledScanLooksAtNoItem) {
   TScanRig rig;
   CacheManyPrograms(rig);
 
-  rig.RunAndCancel({kCode}, 1);
+  rig.RunAndCancel({Section::ArpCache}, 1);
 
   EXPECT_TRUE(rig.Headers().empty());
 }

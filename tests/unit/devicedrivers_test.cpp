@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
 
 namespace corvalt {
 
 namespace {
-
-constexpr std::int32_t kCode = 16;
 
 // Tells the scan to terminate when the section's bar moves for the first time.
 class TCancellingDialog : public TRecordingDialog {
@@ -24,7 +23,7 @@ class TCancellingDialog : public TRecordingDialog {
 TEST(DeviceDrivers, TheSectionNeverAddsANode) {
   TScanRig rig;
 
-  rig.Run({kCode});
+  rig.Run({Section::DeviceDrivers});
 
   EXPECT_TRUE(rig.Headers().empty());
   EXPECT_EQ(rig.Reads(), 0);
@@ -34,7 +33,7 @@ TEST(DeviceDrivers, TheSectionNeverAddsANode) {
 TEST(DeviceDrivers, TheBarMovesThroughAHundredAndOneStepsWithoutALabel) {
   TScanRig rig;
 
-  rig.Run({kCode});
+  rig.Run({Section::DeviceDrivers});
 
   // The 51st and the 101st of the 101 calls.
   EXPECT_EQ(rig.Dialog.Updates, UpdatesOf("Device Drivers", {"item: ", "bar: 51", "item: ", "bar: 101"}));
@@ -43,7 +42,7 @@ TEST(DeviceDrivers, TheBarMovesThroughAHundredAndOneStepsWithoutALabel) {
 TEST(DeviceDrivers, TheSectionSleepsAMillisecondAStep) {
   TScanRig rig;
 
-  rig.Run({kCode});
+  rig.Run({Section::DeviceDrivers});
 
   EXPECT_EQ(rig.System.Clock.Slept, std::chrono::milliseconds(101));
 }
@@ -51,7 +50,7 @@ TEST(DeviceDrivers, TheSectionSleepsAMillisecondAStep) {
 TEST(DeviceDrivers, ACancelledSectionRunsToItsEndAndMovesTheDialogNoMore) {
   TScanRig rig;
   TCancellingDialog dialog;
-  rig.Sections.CheckOnly({kCode, 17});
+  rig.Sections.CheckOnly({Section::DeviceDrivers, 17});
   rig.System.Registry.Set(u"HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\gone", u"ImagePath",
                           u"C:\\Old\\gone.exe");
   bool finished = false;
@@ -78,7 +77,7 @@ TEST(DeviceDrivers, ItsStepsCountForTheSectionsThatFollow) {
   }
   rig.System.Registry.Set(u"HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\VxD", u"Value", u"");
 
-  rig.Run({kCode, 17, 18});
+  rig.Run({Section::DeviceDrivers, 17, 18});
 
   // The services make calls 102 to 150, VxD, which names no image, none of them; the virtual devices' first
   // value is call 151.

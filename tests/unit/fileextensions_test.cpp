@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr std::int32_t kCode = 5;
 constexpr TextView kFileExts = u"\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts\\";
 
 Text FullPathOf(TextView extension) {
@@ -14,7 +14,7 @@ Text FullPathOf(TextView extension) {
 }
 
 ScanProblem Empty(TextView extension) {
-  return KeyProblem(kHkeyCurrentUser, Text(kFileExts) + Text(extension), u"", u"", u"11044");
+  return KeyProblem(kHkeyCurrentUser, Text(kFileExts) + Text(extension), u"", u"", Says(TextId::EmptyKey));
 }
 
 void AddManyExtensions(TScanRig& rig) {
@@ -39,7 +39,7 @@ TEST(FileExtensions, EveryProblemOfALargerRegistryWithAllFields) {
   TScanRig rig;
   AddManyExtensions(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::FileExtensions});
 
   EXPECT_EQ(AllFields(rig.Headers()), AllFields({SectionHeader(u"File Extensions", 7, kNoRootKey, 5)}));
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Empty(u".choice"), Empty(u".Empty"), Empty(u".subs"),
@@ -50,7 +50,7 @@ TEST(FileExtensions, ProblemsComeInTheOrderOfThePlatform) {
   TScanRig rig(TNameOrder::Wine);
   AddManyExtensions(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::FileExtensions});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Empty(u".choice"), Empty(u".Empty"), Empty(u".subs"),
                                                   Empty(u"_zz"), Empty(u"openwithprogids")}));
@@ -61,11 +61,11 @@ TEST(FileExtensions, OneValueOfTheKeyOrOfEitherSubkeyMakesItUsed) {
     TScanRig rig;
     rig.System.Registry.AddKey(FullPathOf(u".abc\\OpenWithList"));
     rig.System.Registry.AddKey(FullPathOf(u".abc\\OpenWithProgids"));
-    rig.Run({kCode});
+    rig.Run({Section::FileExtensions});
     EXPECT_EQ(AllFields(rig.Problems()), AllFields({Empty(u".abc")}));
 
     rig.System.Registry.Set(FullPathOf(subKey), u"", u"");
-    rig.Run({kCode});
+    rig.Run({Section::FileExtensions});
     EXPECT_TRUE(rig.Headers().empty()) << EncodeUtf8(subKey);
   }
 }
@@ -75,7 +75,7 @@ TEST(FileExtensions, ValuesOfAnyOtherSubkeyDoNotCount) {
   rig.System.Registry.Set(FullPathOf(u".abc\\UserChoice"), u"Progid", u"abcfile");
   rig.System.Registry.Set(FullPathOf(u".abc\\OpenWithList\\Below"), u"a", u"b");
 
-  rig.Run({kCode});
+  rig.Run({Section::FileExtensions});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Empty(u".abc")}));
 }
@@ -84,7 +84,7 @@ TEST(FileExtensions, AKeyThatDoesNotOpenIsTakenForUsed) {
   TScanRig rig;
   rig.System.Registry.Deny(FullPathOf(u".abc"));
 
-  rig.Run({kCode});
+  rig.Run({Section::FileExtensions});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -94,7 +94,7 @@ TEST(FileExtensions, ASubkeyThatDoesNotOpenDoesNotMakeItUsed) {
   rig.System.Registry.Set(FullPathOf(u".abc\\OpenWithList"), u"a", u"b");
   rig.System.Registry.Deny(FullPathOf(u".abc\\OpenWithList"));
 
-  rig.Run({kCode});
+  rig.Run({Section::FileExtensions});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Empty(u".abc")}));
 }
@@ -103,18 +103,18 @@ TEST(FileExtensions, TheShellsOwnKeysAreNeverReportedWhateverTheirCase) {
   TScanRig rig;
   for (const TextView name : {u"ddecache", u"OpenWithList"})
     rig.System.Registry.AddKey(FullPathOf(name));
-  rig.Run({kCode});
+  rig.Run({Section::FileExtensions});
   EXPECT_TRUE(rig.Headers().empty());
 
   rig.System.Registry.AddKey(FullPathOf(u"ddecache2"));
-  rig.Run({kCode});
+  rig.Run({Section::FileExtensions});
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Empty(u"ddecache2")}));
 }
 
 TEST(FileExtensions, NoSettingsLeaveNoHeader) {
   TScanRig rig;
 
-  rig.Run({kCode});
+  rig.Run({Section::FileExtensions});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -125,7 +125,7 @@ TEST(FileExtensions, ProgressNamesTheKeyOfEveryExtension) {
     rig.System.Registry.Set(FullPathOf(NumberedName(u".e", i)), u"", u"");
   rig.System.Registry.Deny(FullPathOf(u".e000"));
 
-  rig.Run({kCode});
+  rig.Run({Section::FileExtensions});
 
   const std::string key = "item: Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts\\";
   EXPECT_EQ(rig.Dialog.Updates,
@@ -137,17 +137,17 @@ TEST(FileExtensions, ACancelledScanFinishesItsItemAndLooksAtNoOther) {
   rig.System.Registry.AddKey(FullPathOf(u".a"));
   rig.System.Registry.AddKey(FullPathOf(u".b"));
 
-  rig.RunAndCancel({kCode}, 1);
+  rig.RunAndCancel({Section::FileExtensions}, 1);
   EXPECT_TRUE(rig.Headers().empty());
 
-  rig.RunAndCancel({kCode}, 2);
+  rig.RunAndCancel({Section::FileExtensions}, 2);
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Empty(u".a")}));
 }
 
 TEST(FileExtensions, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   TScanRig rig;
   AddManyExtensions(rig);
-  ExpectConsistentWhereverCancelled(rig, kCode);
+  ExpectConsistentWhereverCancelled(rig, Section::FileExtensions);
 }
 
 }  // namespace corvalt

@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr std::int32_t kCode = 13;
 constexpr TextView kHelp = u"\\SOFTWARE\\Microsoft\\Windows\\Help";
 constexpr TextView kHtmlHelp = u"\\SOFTWARE\\Microsoft\\Windows\\Html Help";
 
@@ -15,8 +15,7 @@ void Register(TScanRig& rig, TextView key, TextView file, TextView folder) {
 }
 
 ScanProblem Missing(TextView key, TextView file, TextView folder, TextView path) {
-  return ValueProblem(kHkeyLocalMachine, key, file, folder,
-                      u"11058(" + Text(file) + u"|" + Text(path) + u")");
+  return ValueProblem(kHkeyLocalMachine, key, file, folder, Says(TextId::MissingHelpFile, file, path));
 }
 
 void RegisterManyFiles(TScanRig& rig) {
@@ -36,7 +35,7 @@ TEST(HelpAndResources, EveryProblemOfALargerRegistryWithAllFields) {
   TScanRig rig;
   RegisterManyFiles(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::HelpAndResources});
 
   EXPECT_EQ(AllFields(rig.Headers()), AllFields({SectionHeader(u"Help and Resources", 15, kNoRootKey, 3)}));
   EXPECT_EQ(AllFields(rig.Problems()),
@@ -49,7 +48,7 @@ TEST(HelpAndResources, ProblemsComeInTheOrderOfThePlatform) {
   TScanRig rig(TNameOrder::Wine);
   RegisterManyFiles(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::HelpAndResources});
 
   EXPECT_EQ(AllFields(rig.Problems()),
             AllFields({Missing(kHelp, u"gone.hlp", u"C:\\Help\\", u"C:\\Help\\gone.hlp"),
@@ -63,7 +62,7 @@ TEST(HelpAndResources, AnEmptyFolderIsTestedAsItStands) {
   Register(rig, kHelp, u"found.hlp", u"");
   Register(rig, kHelp, u"gone.hlp", u"");
 
-  rig.Run({kCode});
+  rig.Run({Section::HelpAndResources});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(kHelp, u"gone.hlp", u"", u"\\gone.hlp")}));
 }
@@ -72,7 +71,7 @@ TEST(HelpAndResources, AFolderThatIsNoTextReadsEmpty) {
   TScanRig rig;
   rig.System.Registry.SetInteger(u"HKEY_LOCAL_MACHINE" + Text(kHelp), u"gone.hlp", 1);
 
-  rig.Run({kCode});
+  rig.Run({Section::HelpAndResources});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(kHelp, u"gone.hlp", u"", u"\\gone.hlp")}));
 }
@@ -81,7 +80,7 @@ TEST(HelpAndResources, TheDefaultValueIsJudgedByItsFolder) {
   TScanRig rig;
   Register(rig, kHelp, u"", u"C:\\Old");
 
-  rig.Run({kCode});
+  rig.Run({Section::HelpAndResources});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(kHelp, u"", u"C:\\Old", u"C:\\Old\\")}));
 }
@@ -91,7 +90,7 @@ TEST(HelpAndResources, APathIsCutAtItsFirstComma) {
   rig.System.Disk.AddFile(u"C:\\Help\\a");
   Register(rig, kHelp, u"a,b.hlp", u"C:\\Help");
 
-  rig.Run({kCode});
+  rig.Run({Section::HelpAndResources});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -100,11 +99,11 @@ TEST(HelpAndResources, EachKeyMayBeMissing) {
   TScanRig rig;
   Register(rig, kHtmlHelp, u"gone.chm", u"C:\\Help");
 
-  rig.Run({kCode});
+  rig.Run({Section::HelpAndResources});
   EXPECT_EQ(rig.Problems().size(), 1u);
 
   rig.System.Registry.RemoveKey(u"HKEY_LOCAL_MACHINE" + Text(kHtmlHelp));
-  rig.Run({kCode});
+  rig.Run({Section::HelpAndResources});
   EXPECT_TRUE(rig.Headers().empty());
 }
 
@@ -118,7 +117,7 @@ TEST(HelpAndResources, EachKeyFillsOneHalfOfTheBar) {
     }
   }
 
-  rig.Run({kCode});
+  rig.Run({Section::HelpAndResources});
 
   // The 51st value of the first key, 51 x 50 / 60 = 42.5, and the 41st of the second, 50 + 41 x 50 / 60
   // = 84.2.
@@ -134,17 +133,17 @@ TEST(HelpAndResources, ACancelledScanFinishesItsItemAndLooksAtNoOther) {
   Register(rig, kHelp, u"b.hlp", u"C:\\Old");
   Register(rig, kHtmlHelp, u"c.chm", u"C:\\Old");
 
-  rig.RunAndCancel({kCode}, 1);
+  rig.RunAndCancel({Section::HelpAndResources}, 1);
   EXPECT_TRUE(rig.Headers().empty());
 
-  rig.RunAndCancel({kCode}, 2);
+  rig.RunAndCancel({Section::HelpAndResources}, 2);
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(kHelp, u"a.hlp", u"C:\\Old", u"C:\\Old\\a.hlp")}));
 }
 
 TEST(HelpAndResources, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   TScanRig rig;
   RegisterManyFiles(rig);
-  ExpectConsistentWhereverCancelled(rig, kCode);
+  ExpectConsistentWhereverCancelled(rig, Section::HelpAndResources);
 }
 
 }  // namespace corvalt

@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr std::int32_t kCode = 15;
 constexpr TextView kOpenSaveMru =
     u"\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\ComDlg32\\OpenSaveMRU";
 constexpr TextView kNul(u"\0", 1);
@@ -25,7 +25,7 @@ void SetOrder(TScanRig& rig, TextView extension, TextView order) {
 
 ScanProblem Missing(TextView extension, TextView name, TextView path) {
   return ValueProblem(kHkeyCurrentUser, Text(kOpenSaveMru) + u"\\" + Text(extension), name, path,
-                      u"11062(" + Text(name) + u"|" + Text(path) + u")");
+                      Says(TextId::MissingRecentFile, name, path));
 }
 
 void RememberManyFiles(TScanRig& rig) {
@@ -53,7 +53,7 @@ TEST(MruLists, EveryProblemOfALargerRegistryWithAllFields) {
   TScanRig rig;
   RememberManyFiles(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::MruLists});
 
   EXPECT_EQ(AllFields(rig.Headers()),
             AllFields({SectionHeader(u"MRU and History Lists", 17, kNoRootKey, 5)}));
@@ -68,7 +68,7 @@ TEST(MruLists, ListsComeInTheOrderOfThePlatformAndTheirFilesInTheOrderOfTheList)
   TScanRig rig(TNameOrder::Wine);
   RememberManyFiles(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::MruLists});
 
   EXPECT_EQ(AllFields(rig.Problems()),
             AllFields({Missing(u"*", u"a", u"C:\\Old\\star.doc"), Missing(u"_x", u"a", u"C:\\Old\\under.doc"),
@@ -80,12 +80,12 @@ TEST(MruLists, TheLastLetterIsNeverVisited) {
   TScanRig rig;
   SetOrder(rig, u"txt", u"a");
   Remember(rig, u"txt", u"a", u"C:\\Old\\a.txt");
-  rig.Run({kCode});
+  rig.Run({Section::MruLists});
   EXPECT_TRUE(rig.Headers().empty());
 
   SetOrder(rig, u"txt", u"ba");
   Remember(rig, u"txt", u"b", u"C:\\Old\\b.txt");
-  rig.Run({kCode});
+  rig.Run({Section::MruLists});
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"txt", u"b", u"C:\\Old\\b.txt")}));
 }
 
@@ -94,7 +94,7 @@ TEST(MruLists, TheDefaultValueIsVisitedFirstUnderTheNameOfOneNul) {
   SetOrder(rig, u"txt", u"a");
   Remember(rig, u"txt", u"", u"C:\\Old\\default.txt");
 
-  rig.Run({kCode});
+  rig.Run({Section::MruLists});
 
   const std::vector<ScanProblem> problems = rig.Problems();
   ASSERT_EQ(problems.size(), 1u);
@@ -110,7 +110,7 @@ TEST(MruLists, AnEmptyOrderReadsNothing) {
   rig.System.Registry.SetInteger(FullPathOf(u"number"), u"MRUList", 5);
   Remember(rig, u"number", u"", u"C:\\Old\\default.txt");
 
-  rig.Run({kCode});
+  rig.Run({Section::MruLists});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -120,7 +120,7 @@ TEST(MruLists, ALetterThatIsNamedTwiceIsVisitedTwice) {
   SetOrder(rig, u"txt", u"aab");
   Remember(rig, u"txt", u"a", u"C:\\Old\\a.txt");
 
-  rig.Run({kCode});
+  rig.Run({Section::MruLists});
 
   EXPECT_EQ(AllFields(rig.Problems()),
             AllFields({Missing(u"txt", u"a", u"C:\\Old\\a.txt"), Missing(u"txt", u"a", u"C:\\Old\\a.txt")}));
@@ -131,7 +131,7 @@ TEST(MruLists, TheNameIsTheLetterOfTheListWhateverTheValuesCase) {
   SetOrder(rig, u"txt", u"Ab");
   Remember(rig, u"txt", u"a", u"C:\\Old\\a.txt");
 
-  rig.Run({kCode});
+  rig.Run({Section::MruLists});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"txt", u"A", u"C:\\Old\\a.txt")}));
 }
@@ -141,7 +141,7 @@ TEST(MruLists, ANamedValueThatIsMissingOrNoTextIsNotReported) {
   SetOrder(rig, u"txt", u"abc");
   rig.System.Registry.SetRaw(FullPathOf(u"txt"), {u"b", kRegBinary, {1, 2}});
 
-  rig.Run({kCode});
+  rig.Run({Section::MruLists});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -152,7 +152,7 @@ TEST(MruLists, APathIsCutAtItsFirstComma) {
   SetOrder(rig, u"txt", u"ab");
   Remember(rig, u"txt", u"a", u"C:\\Docs\\one, two.txt");
 
-  rig.Run({kCode});
+  rig.Run({Section::MruLists});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -164,7 +164,7 @@ TEST(MruLists, ABareNameIsLookedForOnTheSearchPath) {
   Remember(rig, u"txt", u"a", u"found.txt");
   Remember(rig, u"txt", u"b", u"gone.txt");
 
-  rig.Run({kCode});
+  rig.Run({Section::MruLists});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"txt", u"b", u"gone.txt")}));
 }
@@ -172,7 +172,7 @@ TEST(MruLists, ABareNameIsLookedForOnTheSearchPath) {
 TEST(MruLists, NoListsLeaveNoHeader) {
   TScanRig rig;
 
-  rig.Run({kCode});
+  rig.Run({Section::MruLists});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -183,7 +183,7 @@ TEST(MruLists, ProgressNamesTheListAlsoWhenItDoesNotOpen) {
     rig.System.Registry.AddKey(FullPathOf(NumberedName(u"x", i)));
   rig.System.Registry.Deny(FullPathOf(u"x050"));
 
-  rig.Run({kCode});
+  rig.Run({Section::MruLists});
 
   const std::string key =
       "item: Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\ComDlg32\\OpenSaveMRU\\";
@@ -199,10 +199,10 @@ TEST(MruLists, ACancelledScanFinishesItsListAndLooksAtNoOther) {
     Remember(rig, extension, u"b", u"C:\\Old\\b.txt");
   }
 
-  rig.RunAndCancel({kCode}, 1);
+  rig.RunAndCancel({Section::MruLists}, 1);
   EXPECT_TRUE(rig.Headers().empty());
 
-  rig.RunAndCancel({kCode}, 2);
+  rig.RunAndCancel({Section::MruLists}, 2);
   EXPECT_EQ(AllFields(rig.Problems()),
             AllFields({Missing(u"a", u"c", u"C:\\Old\\c.txt"), Missing(u"a", u"b", u"C:\\Old\\b.txt")}));
 }
@@ -210,7 +210,7 @@ TEST(MruLists, ACancelledScanFinishesItsListAndLooksAtNoOther) {
 TEST(MruLists, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   TScanRig rig;
   RememberManyFiles(rig);
-  ExpectConsistentWhereverCancelled(rig, kCode);
+  ExpectConsistentWhereverCancelled(rig, Section::MruLists);
 }
 
 }  // namespace corvalt

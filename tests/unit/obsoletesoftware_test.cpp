@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
 
 namespace corvalt {
 
 namespace {
-
-constexpr std::int32_t kCode = 3;
 
 Text UserKey(TextView vendor) {
   return u"HKEY_CURRENT_USER\\SOFTWARE\\" + Text(vendor);
@@ -17,7 +16,7 @@ Text MachineKey(TextView vendor) {
 }
 
 ScanProblem Empty(TRootKey root, TextView vendor) {
-  return KeyProblem(root, u"\\software\\" + Text(vendor), u"", u"", u"11044");
+  return KeyProblem(root, u"\\software\\" + Text(vendor), u"", u"", Says(TextId::EmptyKey));
 }
 
 void AddManyVendors(TScanRig& rig) {
@@ -41,7 +40,7 @@ TEST(ObsoleteSoftware, EveryProblemOfALargerRegistryWithAllFields) {
   TScanRig rig;
   AddManyVendors(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::ObsoleteSoftware});
 
   EXPECT_EQ(AllFields(rig.Headers()), AllFields({SectionHeader(u"Obsolete software", 5, kNoRootKey, 4)}));
   EXPECT_EQ(AllFields(rig.Problems()),
@@ -53,7 +52,7 @@ TEST(ObsoleteSoftware, ProblemsComeInTheOrderOfThePlatform) {
   TScanRig rig(TNameOrder::Wine);
   AddManyVendors(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::ObsoleteSoftware});
 
   EXPECT_EQ(AllFields(rig.Problems()),
             AllFields({Empty(kHkeyCurrentUser, u"_Old"), Empty(kHkeyCurrentUser, u"Deep"),
@@ -64,11 +63,11 @@ TEST(ObsoleteSoftware, OneValueAnywhereBelowKeepsTheVendor) {
   TScanRig rig;
   rig.System.Registry.AddKey(UserKey(u"Vendor\\A\\B"));
   rig.System.Registry.AddKey(UserKey(u"Vendor\\C\\D"));
-  rig.Run({kCode});
+  rig.Run({Section::ObsoleteSoftware});
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Empty(kHkeyCurrentUser, u"Vendor")}));
 
   rig.System.Registry.SetInteger(UserKey(u"Vendor\\C\\D"), u"n", 0);
-  rig.Run({kCode});
+  rig.Run({Section::ObsoleteSoftware});
   EXPECT_TRUE(rig.Headers().empty());
 }
 
@@ -76,7 +75,7 @@ TEST(ObsoleteSoftware, AnEmptyUnnamedValueIsAValue) {
   TScanRig rig;
   rig.System.Registry.Set(UserKey(u"Vendor"), u"", u"");
 
-  rig.Run({kCode});
+  rig.Run({Section::ObsoleteSoftware});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -87,7 +86,7 @@ TEST(ObsoleteSoftware, AKeyThatDoesNotOpenIsNotEmpty) {
   rig.System.Registry.AddKey(UserKey(u"Parent\\Shut"));
   rig.System.Registry.Deny(UserKey(u"Parent\\Shut"));
 
-  rig.Run({kCode});
+  rig.Run({Section::ObsoleteSoftware});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -97,7 +96,7 @@ TEST(ObsoleteSoftware, PoliciesAreNeverTestedWhateverTheirCase) {
     TScanRig rig;
     rig.System.Registry.AddKey(UserKey(name));
     rig.System.Registry.AddKey(MachineKey(name));
-    rig.Run({kCode});
+    rig.Run({Section::ObsoleteSoftware});
     EXPECT_TRUE(rig.Headers().empty()) << EncodeUtf8(name);
   }
 }
@@ -106,7 +105,7 @@ TEST(ObsoleteSoftware, AKeyThatOnlyBeginsLikePoliciesIsTested) {
   TScanRig rig;
   rig.System.Registry.AddKey(UserKey(u"Policies2"));
 
-  rig.Run({kCode});
+  rig.Run({Section::ObsoleteSoftware});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Empty(kHkeyCurrentUser, u"Policies2")}));
 }
@@ -116,7 +115,7 @@ TEST(ObsoleteSoftware, KeysBelowAVendorAreNotReportedByThemselves) {
   rig.System.Registry.Set(UserKey(u"Vendor"), u"v", u"x");
   rig.System.Registry.AddKey(UserKey(u"Vendor\\Empty"));
 
-  rig.Run({kCode});
+  rig.Run({Section::ObsoleteSoftware});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -130,7 +129,7 @@ TEST(ObsoleteSoftware, EachRootFillsOneHalfOfTheBarAndASkippedKeyMakesNoProgress
     rig.System.Registry.Set(MachineKey(NumberedName(u"w", i)), u"v", u"");
   }
 
-  rig.Run({kCode});
+  rig.Run({Section::ObsoleteSoftware});
 
   // Each list begins with Classes. The user's has 61 keys of which the second is skipped: the 51st call is
   // that of the 52nd key, 52 x 50 / 61 = 42.6; the 101st that of the machine's 41st, 50 + 41 x 50 / 61
@@ -145,17 +144,17 @@ TEST(ObsoleteSoftware, ACancelledScanLooksAtNoOtherItemAndNotAtTheMachine) {
   rig.System.Registry.AddKey(UserKey(u"Beta"));
   rig.System.Registry.AddKey(MachineKey(u"Three"));
 
-  rig.RunAndCancel({kCode}, 1);
+  rig.RunAndCancel({Section::ObsoleteSoftware}, 1);
   EXPECT_TRUE(rig.Headers().empty());
 
-  rig.RunAndCancel({kCode}, 2);
+  rig.RunAndCancel({Section::ObsoleteSoftware}, 2);
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Empty(kHkeyCurrentUser, u"Alpha")}));
 }
 
 TEST(ObsoleteSoftware, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   TScanRig rig;
   AddManyVendors(rig);
-  ExpectConsistentWhereverCancelled(rig, kCode);
+  ExpectConsistentWhereverCancelled(rig, Section::ObsoleteSoftware);
 }
 
 }  // namespace corvalt

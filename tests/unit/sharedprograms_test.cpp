@@ -1,12 +1,13 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
+#include "tests/support/regtext.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr std::int32_t kCode = 9;
 constexpr TextView kSharedDlls = u"\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\SharedDLLs";
 constexpr TextView kFullPath =
     u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\SharedDLLs";
@@ -16,23 +17,26 @@ void Count(TScanRig& rig, TextView file, std::uint32_t count) {
 }
 
 ScanProblem Missing(TextView file, TextView count) {
-  return ValueProblem(kHkeyLocalMachine, kSharedDlls, file, count, u"11059(" + Text(file) + u")");
+  return ValueProblem(kHkeyLocalMachine, kSharedDlls, file, count, Says(TextId::MissingSharedFile, file));
 }
 
 ScanProblem Unused(TextView file) {
-  return ValueProblem(kHkeyLocalMachine, kSharedDlls, file, u"0", u"11060(" + Text(file) + u")");
+  return ValueProblem(kHkeyLocalMachine, kSharedDlls, file, u"0", Says(TextId::UnusedSharedFile, file));
 }
 
 void CountManyFiles(TScanRig& rig) {
   rig.System.Disk.AddFile(u"C:\\Windows\\system32\\used.dll");
   rig.System.Disk.AddFile(u"C:\\Windows\\system32\\unused.dll");
-  Count(rig, u"C:\\Windows\\system32\\used.dll", 3);
-  Count(rig, u"C:\\Windows\\system32\\unused.dll", 0);
-  Count(rig, u"C:\\Old\\gone.dll", 12);
-  Count(rig, u"C:\\Old\\both.dll", 0);
-  Count(rig, u"E:\\removable.dll", 1);
-  rig.System.Registry.Set(kFullPath, u"C:\\Old\\a text.dll", u"0");
-  Count(rig, u"relative.dll", 5);
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\SharedDLLs]
+"C:\\Windows\\system32\\used.dll"=dword:00000003
+"C:\\Windows\\system32\\unused.dll"=dword:00000000
+"C:\\Old\\gone.dll"=dword:0000000c
+"C:\\Old\\both.dll"=dword:00000000
+"E:\\removable.dll"=dword:00000001
+"C:\\Old\\a text.dll"="0"
+"relative.dll"=dword:00000005
+)");
 }
 
 }  // namespace
@@ -41,7 +45,7 @@ TEST(SharedPrograms, EveryProblemOfALargerRegistryWithAllFields) {
   TScanRig rig;
   CountManyFiles(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::SharedPrograms});
 
   EXPECT_EQ(AllFields(rig.Headers()), AllFields({SectionHeader(u"Shared Programs", 11, kNoRootKey, 4)}));
   EXPECT_EQ(AllFields(rig.Problems()),
@@ -53,7 +57,7 @@ TEST(SharedPrograms, ProblemsComeInTheOrderOfThePlatform) {
   TScanRig rig(TNameOrder::Wine);
   CountManyFiles(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::SharedPrograms});
 
   EXPECT_EQ(AllFields(rig.Problems()),
             AllFields({Missing(u"C:\\Old\\a text.dll", u"1"), Missing(u"C:\\Old\\both.dll", u"0"),
@@ -64,7 +68,7 @@ TEST(SharedPrograms, AMissingFileWithCountZeroIsOnlyMissing) {
   TScanRig rig;
   Count(rig, u"C:\\Old\\gone.dll", 0);
 
-  rig.Run({kCode});
+  rig.Run({Section::SharedPrograms});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"C:\\Old\\gone.dll", u"0")}));
 }
@@ -77,7 +81,7 @@ TEST(SharedPrograms, ACountOfAnotherTypeIsOnlyTestedForItsFile) {
   rig.System.Registry.SetRaw(kFullPath, {u"C:\\Windows\\there.dll", kRegBinary, {0, 0, 0, 0}});
   rig.System.Registry.SetRaw(kFullPath, {u"C:\\Old\\gone.dll", kRegBinary, {0, 0, 0, 0}});
 
-  rig.Run({kCode});
+  rig.Run({Section::SharedPrograms});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"C:\\Old\\gone.dll", u"1")}));
 }
@@ -88,7 +92,7 @@ TEST(SharedPrograms, ANegativeCountIsNotZero) {
   Count(rig, u"C:\\Windows\\here.dll", 0x80000000u);
   Count(rig, u"C:\\Old\\gone.dll", 0xFFFFFFFFu);
 
-  rig.Run({kCode});
+  rig.Run({Section::SharedPrograms});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"C:\\Old\\gone.dll", u"-1")}));
 }
@@ -98,7 +102,7 @@ TEST(SharedPrograms, ANameThatIsNoLocalPathExistsAndMayBeUnused) {
   Count(rig, u"relative.dll", 1);
   Count(rig, u"unused.dll", 0);
 
-  rig.Run({kCode});
+  rig.Run({Section::SharedPrograms});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Unused(u"unused.dll")}));
 }
@@ -109,7 +113,7 @@ TEST(SharedPrograms, ANameWithAReferenceIsExpanded) {
   Count(rig, u"%windir%\\here.dll", 1);
   Count(rig, u"%windir%\\gone.dll", 1);
 
-  rig.Run({kCode});
+  rig.Run({Section::SharedPrograms});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"%windir%\\gone.dll", u"1")}));
 }
@@ -117,7 +121,7 @@ TEST(SharedPrograms, ANameWithAReferenceIsExpanded) {
 TEST(SharedPrograms, NothingRegisteredLeavesNoHeader) {
   TScanRig rig;
 
-  rig.Run({kCode});
+  rig.Run({Section::SharedPrograms});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -127,7 +131,7 @@ TEST(SharedPrograms, ProgressNamesTheFile) {
   for (int i = 0; i < 120; ++i)
     Count(rig, NumberedName(u"f", i), 1);
 
-  rig.Run({kCode});
+  rig.Run({Section::SharedPrograms});
 
   const std::string key = "item: SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\SharedDLLs\\";
   EXPECT_EQ(rig.Dialog.Updates,
@@ -139,17 +143,17 @@ TEST(SharedPrograms, ACancelledScanFinishesItsItemAndLooksAtNoOther) {
   Count(rig, u"C:\\Old\\a.dll", 1);
   Count(rig, u"C:\\Old\\b.dll", 1);
 
-  rig.RunAndCancel({kCode}, 1);
+  rig.RunAndCancel({Section::SharedPrograms}, 1);
   EXPECT_TRUE(rig.Headers().empty());
 
-  rig.RunAndCancel({kCode}, 2);
+  rig.RunAndCancel({Section::SharedPrograms}, 2);
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"C:\\Old\\a.dll", u"1")}));
 }
 
 TEST(SharedPrograms, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   TScanRig rig;
   CountManyFiles(rig);
-  ExpectConsistentWhereverCancelled(rig, kCode);
+  ExpectConsistentWhereverCancelled(rig, Section::SharedPrograms);
 }
 
 }  // namespace corvalt

@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr std::int32_t kCode = 10;
 constexpr TextView kAppPaths = u"\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths";
 
 Text FullPathOf(TextView program) {
@@ -21,12 +21,12 @@ void Register(TScanRig& rig, TextView program, TextView target, TextView folder 
 
 ScanProblem Missing(TextView program, TextView target) {
   return KeyProblem(kHkeyLocalMachine, Text(kAppPaths) + u"\\" + Text(program), u"", target,
-                    u"11056(" + Text(target) + u")");
+                    Says(TextId::MissingApplicationFile, target));
 }
 
 // The texts that the section found to be missing.
 std::vector<Text> MissingTargets(TScanRig& rig) {
-  rig.Run({kCode});
+  rig.Run({Section::SoftwareLocations});
   std::vector<Text> targets;
   for (const ScanProblem& problem : rig.Problems())
     targets.push_back(problem.ValueData);
@@ -53,7 +53,7 @@ TEST(SoftwareLocations, EveryProblemOfALargerRegistryWithAllFields) {
   TScanRig rig;
   RegisterManyPrograms(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::SoftwareLocations});
 
   EXPECT_EQ(AllFields(rig.Headers()), AllFields({SectionHeader(u"Software Locations", 12, kNoRootKey, 4)}));
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"Alpha.exe", u"C:\\Old\\alpha.exe"),
@@ -166,7 +166,7 @@ TEST(SoftwareLocations, KeysBelowAProgramAreNotVisited) {
 TEST(SoftwareLocations, NothingRegisteredLeavesNoHeader) {
   TScanRig rig;
 
-  rig.Run({kCode});
+  rig.Run({Section::SoftwareLocations});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -176,7 +176,7 @@ TEST(SoftwareLocations, ProgressNamesTheKeyAndRoundsAHalfToEven) {
   for (int i = 0; i < 120; ++i)
     Register(rig, NumberedName(u"p", i), u"here.exe");
 
-  rig.Run({kCode});
+  rig.Run({Section::SoftwareLocations});
 
   // The 51st and the 101st call: 51 x 100 / 120 = 42.5 and 101 x 100 / 120 = 84.17.
   const std::string key = "item: SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\";
@@ -191,7 +191,7 @@ TEST(SoftwareLocations, AKeyThatDoesNotOpenMakesNoProgress) {
   for (int i = 0; i < 5; ++i)
     rig.System.Registry.Deny(FullPathOf(NumberedName(u"p", i)));
 
-  rig.Run({kCode});
+  rig.Run({Section::SoftwareLocations});
 
   // The 51st call is that of the 56th key: 56 x 100 / 60 = 93.3.
   EXPECT_EQ(rig.Dialog.Updates,
@@ -204,17 +204,17 @@ TEST(SoftwareLocations, ACancelledScanFinishesItsItemAndLooksAtNoOther) {
   Register(rig, u"a.exe", u"C:\\Old\\a.exe");
   Register(rig, u"b.exe", u"C:\\Old\\b.exe");
 
-  rig.RunAndCancel({kCode}, 1);
+  rig.RunAndCancel({Section::SoftwareLocations}, 1);
   EXPECT_TRUE(rig.Headers().empty());
 
-  rig.RunAndCancel({kCode}, 2);
+  rig.RunAndCancel({Section::SoftwareLocations}, 2);
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"a.exe", u"C:\\Old\\a.exe")}));
 }
 
 TEST(SoftwareLocations, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   TScanRig rig;
   RegisterManyPrograms(rig);
-  ExpectConsistentWhereverCancelled(rig, kCode);
+  ExpectConsistentWhereverCancelled(rig, Section::SoftwareLocations);
 }
 
 }  // namespace corvalt

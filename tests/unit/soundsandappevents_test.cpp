@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr std::int32_t kCode = 14;
 constexpr TextView kApps = u"\\AppEvents\\Schemes\\Apps";
 
 Text FullPathOf(TextView subPath) {
@@ -15,7 +15,7 @@ Text FullPathOf(TextView subPath) {
 
 ScanProblem Missing(TextView subPath, TextView name, TextView data) {
   return ValueProblem(kHkeyCurrentUser, Text(kApps) + Text(subPath), name, data,
-                      u"11042(" + Text(name) + u"|" + Text(data) + u")");
+                      Says(TextId::MissingFileOfValue, name, data));
 }
 
 void AssignManySounds(TScanRig& rig) {
@@ -37,7 +37,7 @@ TEST(SoundsAndAppevents, EveryProblemOfALargerRegistryWithAllFields) {
   TScanRig rig;
   AssignManySounds(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::SoundsAndAppevents});
 
   EXPECT_EQ(AllFields(rig.Headers()),
             AllFields({SectionHeader(u"Sounds and Appevents", 1, kHkeyCurrentUser, 5)}));
@@ -53,7 +53,7 @@ TEST(SoundsAndAppevents, ProblemsComeInTheOrderOfThePlatform) {
   TScanRig rig(TNameOrder::Wine);
   AssignManySounds(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::SoundsAndAppevents});
 
   EXPECT_EQ(AllFields(rig.Problems()),
             AllFields({Missing(u"", u"", u"C:\\Old\\top.wav"),
@@ -69,7 +69,7 @@ TEST(SoundsAndAppevents, KeysOutsideTheSchemesAreNotVisited) {
   rig.System.Registry.Set(u"HKEY_CURRENT_USER\\AppEvents\\EventLabels", u"", u"C:\\Old\\a.wav");
   rig.System.Registry.Set(u"HKEY_LOCAL_MACHINE\\AppEvents\\Schemes\\Apps", u"", u"C:\\Old\\a.wav");
 
-  rig.Run({kCode});
+  rig.Run({Section::SoundsAndAppevents});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -80,7 +80,7 @@ TEST(SoundsAndAppevents, BelowAKeyNamedSystemOnlyTheControlSetInUseIsWalked) {
   rig.System.Registry.Set(FullPathOf(u"\\System\\Beep"), u"", u"C:\\Old\\beep.wav");
   rig.System.Registry.Set(FullPathOf(u"\\System\\CURRENTCONTROLSET"), u"", u"C:\\Old\\set.wav");
 
-  rig.Run({kCode});
+  rig.Run({Section::SoundsAndAppevents});
 
   EXPECT_EQ(AllFields(rig.Problems()),
             AllFields({Missing(u"\\System", u"own", u"C:\\Old\\own.wav"),
@@ -93,7 +93,7 @@ TEST(SoundsAndAppevents, TheWalkOfSubkeysEndsAtTheMirror) {
   rig.System.Registry.Set(FullPathOf(u"\\Wow6432Node"), u"", u"C:\\Old\\w.wav");
   rig.System.Registry.Set(FullPathOf(u"\\Zeta"), u"", u"C:\\Old\\z.wav");
 
-  rig.Run({kCode});
+  rig.Run({Section::SoundsAndAppevents});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"\\Alpha", u"", u"C:\\Old\\a.wav")}));
 }
@@ -103,7 +103,7 @@ TEST(SoundsAndAppevents, TheBarStaysAtZero) {
   for (int i = 0; i < 120; ++i)
     rig.System.Registry.Set(FullPathOf(u""), NumberedName(u"v", i), u"");
 
-  rig.Run({kCode});
+  rig.Run({Section::SoundsAndAppevents});
 
   EXPECT_EQ(rig.Dialog.Updates,
             UpdatesOf("Sounds and Appevents", {"item: AppEvents\\Schemes\\Apps\\v050", "bar: 0",
@@ -113,7 +113,7 @@ TEST(SoundsAndAppevents, TheBarStaysAtZero) {
 TEST(SoundsAndAppevents, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   TScanRig rig;
   AssignManySounds(rig);
-  ExpectConsistentWhereverCancelled(rig, kCode);
+  ExpectConsistentWhereverCancelled(rig, Section::SoundsAndAppevents);
 }
 
 }  // namespace corvalt

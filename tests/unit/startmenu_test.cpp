@@ -1,12 +1,13 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
+#include "tests/support/regtext.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr std::int32_t kCode = 7;
 constexpr TextView kPrograms =
     u"\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\MenuOrder\\Start Menu2\\Programs";
 constexpr TextView kAllUsersMenu = u"C:\\Users\\All\\Start Menu\\Programs\\";
@@ -27,25 +28,37 @@ void AddMenu(TScanRig& rig, TextView menu, TextView folder) {
 
 ScanProblem Missing(TextView folder, TextView name) {
   return KeyProblem(kHkeyCurrentUser, Text(kPrograms) + u"\\" + Text(folder), u"", u"",
-                    u"11064(" + Text(name) + u")");
+                    Says(TextId::MissingStartMenuFolder, name));
 }
 
 ScanProblem Empty(TextView folder) {
-  return KeyProblem(kHkeyCurrentUser, Text(kPrograms) + u"\\" + Text(folder), u"", u"", u"11044");
+  return KeyProblem(kHkeyCurrentUser, Text(kPrograms) + u"\\" + Text(folder), u"", u"",
+                    Says(TextId::EmptyKey));
 }
 
 void StoreManyOrders(TScanRig& rig) {
   AddMenu(rig, kAllUsersMenu, u"Accessories\\Games");
   AddMenu(rig, kUserMenu, u"Own");
   AddMenu(rig, kAllUsersMenu, u"Unordered");
-  StoreOrder(rig, u"_Gone");
-  StoreOrder(rig, u"Accessories");
-  StoreOrder(rig, u"Accessories\\Games");
-  StoreOrder(rig, u"Accessories\\Old");
-  StoreOrder(rig, u"Gone parent\\Gone leaf");
-  StoreOrder(rig, u"Own");
-  rig.System.Registry.Set(FullPathOf(u"Unordered"), u"Other", u"text");
-  StoreOrder(rig, u"Denied");
+  LoadRegText(rig.System.Registry, R"(
+[\_Gone]
+"Order"=hex:08,00
+[\Accessories]
+"Order"=hex:08,00
+[\Accessories\Games]
+"Order"=hex:08,00
+[\Accessories\Old]
+"Order"=hex:08,00
+[\Gone parent\Gone leaf]
+"Order"=hex:08,00
+[\Own]
+"Order"=hex:08,00
+[\Unordered]
+"Other"="text"
+[\Denied]
+"Order"=hex:08,00
+)",
+              EncodeUtf8(u"HKEY_CURRENT_USER" + Text(kPrograms)));
   rig.System.Registry.Deny(FullPathOf(u"Denied"));
 }
 
@@ -55,7 +68,7 @@ TEST(StartMenu, EveryProblemOfALargerRegistryWithAllFields) {
   TScanRig rig;
   StoreManyOrders(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::StartMenu});
 
   EXPECT_EQ(AllFields(rig.Headers()), AllFields({SectionHeader(u"Start Menu", 9, kNoRootKey, 4)}));
   EXPECT_EQ(AllFields(rig.Problems()),
@@ -67,7 +80,7 @@ TEST(StartMenu, ProblemsComeInTheOrderOfThePlatform) {
   TScanRig rig(TNameOrder::Wine);
   StoreManyOrders(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::StartMenu});
 
   EXPECT_EQ(AllFields(rig.Problems()),
             AllFields({Missing(u"_Gone", u"_Gone"), Missing(u"Accessories\\Old", u"Old"),
@@ -78,11 +91,11 @@ TEST(StartMenu, AFolderInEitherMenuIsEnough) {
   for (const TextView menu : {kAllUsersMenu, kUserMenu}) {
     TScanRig rig;
     StoreOrder(rig, u"Games");
-    rig.Run({kCode});
+    rig.Run({Section::StartMenu});
     EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"Games", u"Games")}));
 
     AddMenu(rig, menu, u"Games");
-    rig.Run({kCode});
+    rig.Run({Section::StartMenu});
     EXPECT_TRUE(rig.Headers().empty()) << EncodeUtf8(menu);
   }
 }
@@ -92,7 +105,7 @@ TEST(StartMenu, AFileInPlaceOfTheFolderIsNoFolder) {
   StoreOrder(rig, u"Games");
   rig.System.Disk.AddFile(Text(kUserMenu) + u"Games");
 
-  rig.Run({kCode});
+  rig.Run({Section::StartMenu});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"Games", u"Games")}));
 }
@@ -101,11 +114,11 @@ TEST(StartMenu, ALeafBelowTheTopIsLookedForBelowItsParentsFolder) {
   TScanRig rig;
   StoreOrder(rig, u"A\\B\\C");
   AddMenu(rig, kUserMenu, u"C");
-  rig.Run({kCode});
+  rig.Run({Section::StartMenu});
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"A\\B\\C", u"C")}));
 
   AddMenu(rig, kUserMenu, u"A\\B\\C");
-  rig.Run({kCode});
+  rig.Run({Section::StartMenu});
   EXPECT_TRUE(rig.Headers().empty());
 }
 
@@ -116,7 +129,7 @@ TEST(StartMenu, AKeyWithSubkeysIsNeverReported) {
   rig.System.Disk.Remove(u"C:\\Users\\Ann\\Start Menu");
   AddMenu(rig, kUserMenu, u"");
 
-  rig.Run({kCode});
+  rig.Run({Section::StartMenu});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"Gone\\Leaf", u"Leaf")}));
 }
@@ -125,11 +138,11 @@ TEST(StartMenu, ALeafWhoseFolderExistsNeedsAnOrder) {
   TScanRig rig;
   AddMenu(rig, kAllUsersMenu, u"Games");
   rig.System.Registry.AddKey(FullPathOf(u"Games"));
-  rig.Run({kCode});
+  rig.Run({Section::StartMenu});
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Empty(u"Games")}));
 
   rig.System.Registry.SetInteger(FullPathOf(u"Games"), u"ORDER", 0);
-  rig.Run({kCode});
+  rig.Run({Section::StartMenu});
   EXPECT_TRUE(rig.Headers().empty());
 }
 
@@ -137,7 +150,7 @@ TEST(StartMenu, AMissingFolderWithoutOrderIsReportedOnceAsMissing) {
   TScanRig rig;
   rig.System.Registry.AddKey(FullPathOf(u"Games"));
 
-  rig.Run({kCode});
+  rig.Run({Section::StartMenu});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"Games", u"Games")}));
 }
@@ -149,7 +162,7 @@ TEST(StartMenu, AProfileOnADriveThatIsNotFixedIsJudgedAllTheSame) {
   rig.Vars.UserProfileFolder = u"N:\\Ann\\";
   StoreOrder(rig, u"Games");
 
-  rig.Run({kCode});
+  rig.Run({Section::StartMenu});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"Games", u"Games")}));
 }
@@ -158,7 +171,7 @@ TEST(StartMenu, TheTopKeyItselfIsNotJudged) {
   TScanRig rig;
   rig.System.Registry.AddKey(u"HKEY_CURRENT_USER" + Text(kPrograms));
 
-  rig.Run({kCode});
+  rig.Run({Section::StartMenu});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -166,7 +179,7 @@ TEST(StartMenu, TheTopKeyItselfIsNotJudged) {
 TEST(StartMenu, AMissingTopKeyLeavesNoHeader) {
   TScanRig rig;
 
-  rig.Run({kCode});
+  rig.Run({Section::StartMenu});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -181,7 +194,7 @@ TEST(StartMenu, EachLevelBeginsTheBarAnew) {
     }
   }
 
-  rig.Run({kCode});
+  rig.Run({Section::StartMenu});
 
   // A is the first call and B the 62nd; the 51st is the 50th of 60 below A, the 101st the 39th of 60 below B.
   const std::string top =
@@ -195,7 +208,7 @@ TEST(StartMenu, AKeyThatDoesNotOpenMakesProgress) {
   for (int i = 0; i < 51; ++i)
     rig.System.Registry.Deny(FullPathOf(NumberedName(u"c", i)));
 
-  rig.Run({kCode});
+  rig.Run({Section::StartMenu});
 
   EXPECT_EQ(rig.Dialog.Updates,
             UpdatesOf("Start Menu", {"item: Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\"
@@ -208,17 +221,17 @@ TEST(StartMenu, ACancelledScanFinishesItsItemAndLooksAtNoOther) {
   StoreOrder(rig, u"One");
   StoreOrder(rig, u"Two");
 
-  rig.RunAndCancel({kCode}, 1);
+  rig.RunAndCancel({Section::StartMenu}, 1);
   EXPECT_TRUE(rig.Headers().empty());
 
-  rig.RunAndCancel({kCode}, 2);
+  rig.RunAndCancel({Section::StartMenu}, 2);
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"One", u"One")}));
 }
 
 TEST(StartMenu, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   TScanRig rig;
   StoreManyOrders(rig);
-  ExpectConsistentWhereverCancelled(rig, kCode);
+  ExpectConsistentWhereverCancelled(rig, Section::StartMenu);
 }
 
 }  // namespace corvalt

@@ -1,18 +1,18 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr std::int32_t kCode = 8;
 constexpr TextView kRun = u"\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 constexpr TextView kUserRun = u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 constexpr TextView kMachineRun = u"HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 
 ScanProblem Missing(TRootKey root, TextView name, TextView command) {
-  return ValueProblem(root, kRun, name, command, u"11065(" + Text(name) + u"|" + Text(command) + u")");
+  return ValueProblem(root, kRun, name, command, Says(TextId::MissingStartupProgram, name, command));
 }
 
 void RegisterManyPrograms(TScanRig& rig) {
@@ -33,7 +33,7 @@ TEST(StartupPrograms, EveryProblemOfALargerRegistryWithAllFields) {
   TScanRig rig;
   RegisterManyPrograms(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::StartupPrograms});
 
   EXPECT_EQ(AllFields(rig.Headers()), AllFields({SectionHeader(u"Startup programs", 10, kNoRootKey, 4)}));
   EXPECT_EQ(AllFields(rig.Problems()),
@@ -47,7 +47,7 @@ TEST(StartupPrograms, ProblemsComeInTheOrderOfThePlatform) {
   TScanRig rig(TNameOrder::Wine);
   RegisterManyPrograms(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::StartupPrograms});
 
   EXPECT_EQ(AllFields(rig.Problems()),
             AllFields({Missing(kHkeyCurrentUser, u"Bare", u"gone.exe"),
@@ -62,7 +62,7 @@ TEST(StartupPrograms, AnEmptyCommandAndOneThatIsNoTextAreNotReported) {
   rig.System.Registry.SetInteger(kUserRun, u"Number", 1);
   rig.System.Registry.SetRaw(kUserRun, {u"Binary", kRegBinary, {1, 2}});
 
-  rig.Run({kCode});
+  rig.Run({Section::StartupPrograms});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -71,7 +71,7 @@ TEST(StartupPrograms, APercentSignAnywhereUpperCasesTheReportedCommand) {
   TScanRig rig;
   rig.System.Registry.Set(kUserRun, u"Percent", u"C:\\Old\\50%.exe");
 
-  rig.Run({kCode});
+  rig.Run({Section::StartupPrograms});
 
   EXPECT_EQ(AllFields(rig.Problems()),
             AllFields({Missing(kHkeyCurrentUser, u"Percent", u"C:\\OLD\\50%.EXE")}));
@@ -83,7 +83,7 @@ TEST(StartupPrograms, AReferenceIsExpandedWhateverTheTypeOfTheValue) {
   rig.System.Registry.Set(kUserRun, u"Text", u"\"%ProgramFiles%\\App\\app.exe\" -tray");
   rig.System.Registry.SetExpand(kUserRun, u"Expandable", u"%ProgramFiles%\\App\\app.exe -tray");
 
-  rig.Run({kCode});
+  rig.Run({Section::StartupPrograms});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -92,7 +92,7 @@ TEST(StartupPrograms, TheDefaultValueIsAnEntryLikeTheOthers) {
   TScanRig rig;
   rig.System.Registry.Set(kUserRun, u"", u"C:\\Old\\gone.exe");
 
-  rig.Run({kCode});
+  rig.Run({Section::StartupPrograms});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(kHkeyCurrentUser, u"", u"C:\\Old\\gone.exe")}));
 }
@@ -102,7 +102,7 @@ TEST(StartupPrograms, ACommandIsCutAtItsFirstComma) {
   rig.System.Disk.AddFile(u"C:\\Tools\\host.exe");
   rig.System.Registry.Set(kUserRun, u"Host", u"C:\\Tools\\host.exe,Start");
 
-  rig.Run({kCode});
+  rig.Run({Section::StartupPrograms});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -114,7 +114,7 @@ TEST(StartupPrograms, NoOtherStartUpPlaceIsVisited) {
                             u"Gone", u"C:\\Old\\gone.exe");
   }
 
-  rig.Run({kCode});
+  rig.Run({Section::StartupPrograms});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -126,7 +126,7 @@ TEST(StartupPrograms, EachKeyFillsOneHalfOfTheBar) {
     rig.System.Registry.Set(kMachineRun, NumberedName(u"p", i), u"");
   }
 
-  rig.Run({kCode});
+  rig.Run({Section::StartupPrograms});
 
   // The user's 51st, 51 x 50 / 60 = 42.5, and the machine's 41st, 50 + 41 x 50 / 60 = 84.2.
   const std::string key = "item: Software\\Microsoft\\Windows\\CurrentVersion\\Run\\";
@@ -140,17 +140,17 @@ TEST(StartupPrograms, ACancelledScanLooksAtNoOtherItemAndNotAtTheMachine) {
   rig.System.Registry.Set(kUserRun, u"Two", u"C:\\Old\\two.exe");
   rig.System.Registry.Set(kMachineRun, u"Three", u"C:\\Old\\three.exe");
 
-  rig.RunAndCancel({kCode}, 1);
+  rig.RunAndCancel({Section::StartupPrograms}, 1);
   EXPECT_TRUE(rig.Headers().empty());
 
-  rig.RunAndCancel({kCode}, 2);
+  rig.RunAndCancel({Section::StartupPrograms}, 2);
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(kHkeyCurrentUser, u"One", u"C:\\Old\\one.exe")}));
 }
 
 TEST(StartupPrograms, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   TScanRig rig;
   RegisterManyPrograms(rig);
-  ExpectConsistentWhereverCancelled(rig, kCode);
+  ExpectConsistentWhereverCancelled(rig, Section::StartupPrograms);
 }
 
 }  // namespace corvalt

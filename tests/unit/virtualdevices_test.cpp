@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr std::int32_t kCode = 18;
 constexpr TextView kVxd = u"\\SYSTEM\\CurrentControlSet\\Services\\VxD";
 constexpr TextView kDrivers = u"\\SYSTEM\\CurrentControlSet\\Control\\VirtualDeviceDrivers";
 
@@ -15,7 +15,7 @@ Text Full(TextView key) {
 }
 
 ScanProblem Missing(TextView key, TextView name, TextView data) {
-  return ValueProblem(kHkeyLocalMachine, key, name, data, u"11042(" + Text(name) + u"|" + Text(data) + u")");
+  return ValueProblem(kHkeyLocalMachine, key, name, data, Says(TextId::MissingFileOfValue, name, data));
 }
 
 void RegisterManyDrivers(TScanRig& rig) {
@@ -35,7 +35,7 @@ TEST(VirtualDevices, EveryProblemOfALargerRegistryWithAllFields) {
   TScanRig rig;
   RegisterManyDrivers(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::VirtualDevices});
 
   EXPECT_EQ(AllFields(rig.Headers()),
             AllFields({SectionHeader(u"Virtual Devices", 20, kHkeyLocalMachine, 3)}));
@@ -49,7 +49,7 @@ TEST(VirtualDevices, ProblemsComeInTheOrderOfThePlatform) {
   TScanRig rig(TNameOrder::Wine);
   RegisterManyDrivers(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::VirtualDevices});
 
   EXPECT_EQ(AllFields(rig.Problems()),
             AllFields({Missing(Text(kVxd) + u"\\_NDIS", u"StaticVxD", u"C:\\Old\\ndis.vxd"),
@@ -60,7 +60,7 @@ TEST(VirtualDevices, ProblemsComeInTheOrderOfThePlatform) {
 TEST(VirtualDevices, NeitherKeyLeavesNoHeader) {
   TScanRig rig;
 
-  rig.Run({kCode});
+  rig.Run({Section::VirtualDevices});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -69,7 +69,7 @@ TEST(VirtualDevices, EachKeyMayBeMissing) {
   TScanRig rig;
   rig.System.Registry.Set(Full(kDrivers), u"VDD", u"C:\\Old\\vdd.dll");
 
-  rig.Run({kCode});
+  rig.Run({Section::VirtualDevices});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(kDrivers, u"VDD", u"C:\\Old\\vdd.dll")}));
 }
@@ -79,7 +79,7 @@ TEST(VirtualDevices, BelowAKeyNamedSystemOnlyTheControlSetInUseIsWalked) {
   rig.System.Registry.Set(Full(kVxd) + u"\\SYSTEM\\Other", u"", u"C:\\Old\\other.vxd");
   rig.System.Registry.Set(Full(kVxd) + u"\\SYSTEM\\CurrentControlSet", u"", u"C:\\Old\\set.vxd");
 
-  rig.Run({kCode});
+  rig.Run({Section::VirtualDevices});
 
   EXPECT_EQ(AllFields(rig.Problems()),
             AllFields({Missing(Text(kVxd) + u"\\SYSTEM\\CurrentControlSet", u"", u"C:\\Old\\set.vxd")}));
@@ -92,7 +92,7 @@ TEST(VirtualDevices, TheBarShowsZeroAndThenFifty) {
     rig.System.Registry.Set(Full(kDrivers), NumberedName(u"v", i), u"");
   }
 
-  rig.Run({kCode});
+  rig.Run({Section::VirtualDevices});
 
   // The 101st call is that of the second key's 41st value.
   EXPECT_EQ(rig.Dialog.Updates,
@@ -107,7 +107,7 @@ TEST(VirtualDevices, CancellingTheFirstWalkSkipsTheSecondAndEndsTheSection) {
   rig.System.Registry.Set(Full(kVxd), u"Two", u"C:\\Old\\two.vxd");
   rig.System.Registry.Set(Full(kDrivers), u"VDD", u"C:\\Old\\vdd.dll");
 
-  rig.RunAndCancel({kCode}, 2);
+  rig.RunAndCancel({Section::VirtualDevices}, 2);
 
   EXPECT_EQ(AllFields(rig.Headers()),
             AllFields({SectionHeader(u"Virtual Devices", 20, kHkeyLocalMachine, 1)}));
@@ -115,14 +115,14 @@ TEST(VirtualDevices, CancellingTheFirstWalkSkipsTheSecondAndEndsTheSection) {
 
   const int reads = rig.Reads();
   rig.System.Registry.RemoveKey(Full(kDrivers));
-  rig.RunAndCancel({kCode}, 2);
+  rig.RunAndCancel({Section::VirtualDevices}, 2);
   EXPECT_EQ(rig.Reads(), reads);
 }
 
 TEST(VirtualDevices, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   TScanRig rig;
   RegisterManyDrivers(rig);
-  ExpectConsistentWhereverCancelled(rig, kCode);
+  ExpectConsistentWhereverCancelled(rig, Section::VirtualDevices);
 }
 
 }  // namespace corvalt

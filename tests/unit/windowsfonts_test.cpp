@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr std::int32_t kCode = 12;
 constexpr TextView kNtFonts = u"\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\fonts";
 constexpr TextView kFonts = u"\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\fonts";
 
@@ -16,12 +16,11 @@ void Register(TScanRig& rig, TextView font, TextView file) {
 }
 
 ScanProblem Missing(TextView font, TextView file) {
-  return ValueProblem(kHkeyLocalMachine, kNtFonts, font, file,
-                      u"11057(" + Text(file) + u"|" + Text(font) + u")");
+  return ValueProblem(kHkeyLocalMachine, kNtFonts, font, file, Says(TextId::MissingFontFile, file, font));
 }
 
 std::vector<Text> MissingFonts(TScanRig& rig) {
-  rig.Run({kCode});
+  rig.Run({Section::WindowsFonts});
   std::vector<Text> names;
   for (const ScanProblem& problem : rig.Problems())
     names.push_back(problem.ValueName);
@@ -47,7 +46,7 @@ TEST(WindowsFonts, EveryProblemOfALargerRegistryWithAllFields) {
   TScanRig rig;
   RegisterManyFonts(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::WindowsFonts});
 
   EXPECT_EQ(AllFields(rig.Headers()), AllFields({SectionHeader(u"Windows Fonts", 14, kNoRootKey, 3)}));
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"Zapf (TrueType)", u"zapf.ttf"),
@@ -75,11 +74,11 @@ TEST(WindowsFonts, TwoVersionNamesAloneChooseTheNtKey) {
     rig.System.Registry.Set(u"HKEY_LOCAL_MACHINE" + Text(kNtFonts), u"Gone", u"gone.ttf");
     rig.System.Registry.Set(u"HKEY_LOCAL_MACHINE" + Text(kFonts), u"Gone", u"gone.ttf");
 
-    rig.Run({kCode});
+    rig.Run({Section::WindowsFonts});
 
-    EXPECT_EQ(
-        AllFields(rig.Problems()),
-        AllFields({ValueProblem(kHkeyLocalMachine, each.Key, u"Gone", u"gone.ttf", u"11057(gone.ttf|Gone)")}))
+    EXPECT_EQ(AllFields(rig.Problems()),
+              AllFields({ValueProblem(kHkeyLocalMachine, each.Key, u"Gone", u"gone.ttf",
+                                      Says(TextId::MissingFontFile, u"gone.ttf", u"Gone"))}))
         << EncodeUtf8(each.VersionName);
   }
 }
@@ -89,7 +88,7 @@ TEST(WindowsFonts, NothingIsReportedWhereTheVersionsKeyIsMissing) {
   rig.Vars.WindowsVersionName = u"vista";
   Register(rig, u"Gone", u"gone.ttf");
 
-  rig.Run({kCode});
+  rig.Run({Section::WindowsFonts});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -141,7 +140,7 @@ TEST(WindowsFonts, ProgressNamesTheKeyAlone) {
   for (int i = 0; i < 120; ++i)
     Register(rig, NumberedName(u"f", i), u"arial.ttf");
 
-  rig.Run({kCode});
+  rig.Run({Section::WindowsFonts});
 
   const std::string label = "item: SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\fonts";
   EXPECT_EQ(rig.Dialog.Updates, UpdatesOf("Windows Fonts", {label, "bar: 42", label, "bar: 84"}));
@@ -152,17 +151,17 @@ TEST(WindowsFonts, ACancelledScanFinishesItsItemAndLooksAtNoOther) {
   Register(rig, u"One", u"one.ttf");
   Register(rig, u"Two", u"two.ttf");
 
-  rig.RunAndCancel({kCode}, 1);
+  rig.RunAndCancel({Section::WindowsFonts}, 1);
   EXPECT_TRUE(rig.Headers().empty());
 
-  rig.RunAndCancel({kCode}, 2);
+  rig.RunAndCancel({Section::WindowsFonts}, 2);
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"One", u"one.ttf")}));
 }
 
 TEST(WindowsFonts, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
   TScanRig rig;
   RegisterManyFonts(rig);
-  ExpectConsistentWhereverCancelled(rig, kCode);
+  ExpectConsistentWhereverCancelled(rig, Section::WindowsFonts);
 }
 
 }  // namespace corvalt

@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr std::int32_t kCode = 17;
 constexpr TextView kServices = u"\\SYSTEM\\CurrentControlSet\\Services\\";
 
 Text FullPathOf(TextView service) {
@@ -19,7 +19,7 @@ void Register(TScanRig& rig, TextView service, TextView image) {
 
 ScanProblem Missing(TextView service, TextView image) {
   return KeyProblem(kHkeyLocalMachine, Text(kServices) + Text(service), u"ImagePath", image,
-                    u"11061(" + Text(image) + u")");
+                    Says(TextId::MissingServiceFile, image));
 }
 
 void RegisterManyServices(TScanRig& rig) {
@@ -46,7 +46,7 @@ TEST(WindowsServices, EveryProblemOfALargerRegistryWithAllFields) {
   TScanRig rig;
   RegisterManyServices(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::WindowsServices});
 
   EXPECT_EQ(AllFields(rig.Headers()),
             AllFields({SectionHeader(u"Windows Services", 17, kHkeyLocalMachine, 3)}));
@@ -59,7 +59,7 @@ TEST(WindowsServices, ProblemsComeInTheOrderOfThePlatform) {
   TScanRig rig(TNameOrder::Wine);
   RegisterManyServices(rig);
 
-  rig.Run({kCode});
+  rig.Run({Section::WindowsServices});
 
   EXPECT_EQ(AllFields(rig.Problems()), AllFields({Missing(u"_gone", u"C:\\Old\\gone.exe -k"),
                                                   Missing(u"expand", u"%SystemRoot%\\system32\\gone.exe"),
@@ -72,7 +72,7 @@ TEST(WindowsServices, ARelativeDriverPathIsNotJudged) {
   Register(rig, u"b", u"\\SystemRoot\\system32\\drivers\\gone.sys");
   Register(rig, u"c", u"");
 
-  rig.Run({kCode});
+  rig.Run({Section::WindowsServices});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
@@ -86,7 +86,7 @@ TEST(WindowsServices, AServiceWithoutATextForItsImageIsSkippedWithoutProgress) {
     rig.System.Registry.AddKey(FullPathOf(NumberedName(u"s", i)));
   }
 
-  rig.Run({kCode});
+  rig.Run({Section::WindowsServices});
 
   // The 51st call is that of the 54th service: 100 x 54 / 3600 + 100 x 53 / 60 = 89.8.
   EXPECT_EQ(rig.Dialog.Updates,
@@ -98,7 +98,7 @@ TEST(WindowsServices, TheBarLagsTheOrdinaryRatio) {
   for (int i = 0; i < 70; ++i)
     Register(rig, NumberedName(u"s", i), u"");
 
-  rig.Run({kCode});
+  rig.Run({Section::WindowsServices});
 
   // 100 x 51 / 4900 + 100 x 50 / 70 = 72.5, a little below: 72.47; the ordinary ratio would be 72.86.
   EXPECT_EQ(rig.Dialog.Updates,
@@ -110,7 +110,7 @@ TEST(WindowsServices, TheLastServiceFillsTheBar) {
   for (int i = 0; i < 51; ++i)
     Register(rig, NumberedName(u"s", i), u"");
 
-  rig.Run({kCode});
+  rig.Run({Section::WindowsServices});
 
   // 100 x 51 / 2601 + 100 x 50 / 51 = 100.
   EXPECT_EQ(rig.Dialog.Updates,
@@ -120,13 +120,13 @@ TEST(WindowsServices, TheLastServiceFillsTheBar) {
 TEST(WindowsServices, ACancelledSectionRunsToItsEnd) {
   TScanRig rig;
   RegisterManyServices(rig);
-  rig.Run({kCode});
+  rig.Run({Section::WindowsServices});
   const std::vector<std::string> whole = AllFields(rig.Problems());
   const int reads = rig.Reads();
   ASSERT_EQ(whole.size(), 3u);
 
   for (int read = 1; read <= reads; ++read) {
-    rig.RunAndCancel({kCode}, read);
+    rig.RunAndCancel({Section::WindowsServices}, read);
     EXPECT_EQ(AllFields(rig.Problems()), whole) << "cancelled at read " << read;
     EXPECT_EQ(AllFields(rig.Headers()),
               AllFields({SectionHeader(u"Windows Services", 17, kHkeyLocalMachine, 3)}));
@@ -138,7 +138,7 @@ TEST(WindowsServices, ACancelledSectionMovesTheDialogNoMore) {
   for (int i = 0; i < 120; ++i)
     Register(rig, NumberedName(u"s", i), u"");
 
-  rig.RunAndCancel({kCode}, 1);
+  rig.RunAndCancel({Section::WindowsServices}, 1);
 
   EXPECT_EQ(rig.Dialog.Updates, UpdatesOf("Windows Services", {}));
 }
@@ -146,7 +146,7 @@ TEST(WindowsServices, ACancelledSectionMovesTheDialogNoMore) {
 TEST(WindowsServices, NoServicesLeaveNoHeader) {
   TScanRig rig;
 
-  rig.Run({kCode});
+  rig.Run({Section::WindowsServices});
 
   EXPECT_TRUE(rig.Headers().empty());
 }
