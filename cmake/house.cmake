@@ -17,6 +17,15 @@ if(WIN32)
                                                      WINVER=0x0501 _WIN32_WINNT=0x0501 _WIN32_IE=0x0600)
 endif()
 
+# What every target of the house includes somewhere, read by the compiler once. Only the standard library: a header of
+# ours in it would compile everything anew at each change. Targets take it over with REUSE_FROM.
+set(commonHeaders <algorithm> <array> <atomic> <cstdint> <functional> <map> <memory> <mutex> <optional> <set> <span>
+                  <string> <string_view> <thread> <tuple> <utility> <variant> <vector>)
+file(WRITE "${CMAKE_BINARY_DIR}/generated/commonheaders.cpp" "")
+add_library(common_headers OBJECT "${CMAKE_BINARY_DIR}/generated/commonheaders.cpp")
+target_link_libraries(common_headers PRIVATE house_options)
+target_precompile_headers(common_headers PRIVATE ${commonHeaders})
+
 # The sources directly in a folder; a file added or removed is noticed by the next build.
 function(folder_sources result folder)
   file(GLOB found CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/${folder}/*.cpp")
@@ -38,6 +47,7 @@ function(add_house_library name)
   add_library(corvalt_${name} STATIC ${sources})
   add_library(Corvalt::${name} ALIAS corvalt_${name})
   target_link_libraries(corvalt_${name} PUBLIC house_options ${arg_USES} PRIVATE ${arg_PRIVATELY})
+  target_precompile_headers(corvalt_${name} REUSE_FROM common_headers)
 endfunction()
 
 # The letter case tables come from the system on Windows and from a table of our own elsewhere. They are a library

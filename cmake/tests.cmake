@@ -13,16 +13,20 @@ if(WIN32)
 endif()
 configure_file("${CMAKE_SOURCE_DIR}/cmake/sourcefolder.cpp.in" "${CMAKE_BINARY_DIR}/generated/sourcefolder.cpp" @ONLY)
 
+# What the library and the programs of the tests have in common. Optimising a long test body takes half a minute a file;
+# what is tested is compiled as the preset wants it.
+add_library(test_options INTERFACE)
+target_compile_options(test_options INTERFACE -O0)
+target_link_libraries(test_options INTERFACE GTest::gtest)
+
 folder_sources(supportSources tests/support)
 add_library(test_support STATIC ${supportSources} "${CMAKE_BINARY_DIR}/generated/sourcefolder.cpp")
-target_link_libraries(test_support PUBLIC Corvalt::ui_console Corvalt::platform_memory program_zlib GTest::gtest)
+target_link_libraries(test_support PUBLIC Corvalt::ui_console Corvalt::platform_memory program_zlib test_options)
 if(WIN32)
   target_link_libraries(test_support PUBLIC Corvalt::platform_windows)
 endif()
-
-# Read once for all tests: nothing of ours, so that a change of ours compiles no more than without it.
-set(precompiledTestHeaders <gtest/gtest.h> <algorithm> <deque> <functional> <map> <memory> <optional> <set> <sstream>
-                           <string> <vector>)
+# Read once for all tests.
+target_precompile_headers(test_support PRIVATE <gtest/gtest.h> ${commonHeaders} <deque> <sstream>)
 
 # add_test_program(NAME folder...): the program corvalt_NAME_tests of the sources in the folders. Each of its tests is
 # known to ctest under its own name.
@@ -34,10 +38,8 @@ function(add_test_program name)
     list(APPEND sources ${found})
   endforeach()
   add_executable(${program} ${sources})
-  # Optimising a long test body under the sanitizers takes half a minute a file; what is tested stays optimised.
-  target_compile_options(${program} PRIVATE -O0)
   target_link_libraries(${program} PRIVATE test_support GTest::gtest_main)
-  target_precompile_headers(${program} PRIVATE ${precompiledTestHeaders})
+  target_precompile_headers(${program} REUSE_FROM test_support)
   finish_program(${program})
   set_target_properties(${program} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
   add_dependencies(${program} program_data)
@@ -66,6 +68,7 @@ add_dependencies(test_programs corvalt_unit_tests corvalt_contract_tests corvalt
 function(add_wine_helper name)
   add_executable(wine_${name} ${ARGN})
   finish_program(wine_${name})
+  target_precompile_headers(wine_${name} REUSE_FROM common_headers)
   target_link_libraries(wine_${name} PRIVATE ntdll psapi)
   target_link_options(wine_${name} PRIVATE -municode)
   set_target_properties(wine_${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
