@@ -31,12 +31,14 @@ Text UninstallCommand(RegistryStore& registry) {
 void CheckUninstallEntry(TScan& scan, RegistryStore& registry, TextView keyPath) {
   if (!registry.OpenKey(keyPath, false))
     return;
-  if (NamesUninstaller(registry.GetValueNames())) {
+  const bool namesUninstaller = NamesUninstaller(registry.GetValueNames());
+  const bool mayNameUninstaller = !registry.ListedWhole();
+  if (namesUninstaller) {
     const Text command = UninstallCommand(registry);
     if (!command.empty() && !scan.Paths().CommandLineFileExists(command, true)) {
       scan.ReportKey(kHkeyLocalMachine, keyPath, {}, scan.Say(TextId::MissingUninstaller, command));
     }
-  } else if (!registry.HasSubKeys()) {
+  } else if (!mayNameUninstaller && !registry.HasSubKeys() && registry.ListedWhole()) {
     scan.ReportKey(kHkeyLocalMachine, keyPath, {}, scan.Say(TextId::NoUninstaller));
   }
   registry.CloseKey();

@@ -24,26 +24,33 @@ std::size_t FindExtension(TextView text) {
   return TextView::npos;
 }
 
-// What a key says of itself: its default value, and how much else it holds.
+// A key's default value, and how much else the key holds.
 struct TKeyContent {
   Text Default;
-  std::size_t ValueCount = 0;  // a default value that stands alone does not count
+  std::size_t ValueCount = 0;  // a default value that is the only one does not count
   bool HasSubKeys = false;
+  bool IsSeenWhole = false;  // else there may be more than the two fields above tell
 };
 
 std::optional<TKeyContent> ReadContent(RegistryStore& registry, TextView keyPath) {
   if (!registry.OpenKey(keyPath, false))
     return std::nullopt;
+  TKeyContent content;
   const std::vector<Text> names = registry.GetValueNames();
+  content.IsSeenWhole = registry.ListedWhole();
   const bool loneDefault = names.size() == 1 && names.front().empty();
-  TKeyContent content = {registry.ReadString({}), loneDefault ? 0 : names.size(), registry.HasSubKeys()};
+  content.ValueCount = loneDefault ? 0 : names.size();
+  content.Default = registry.ReadString({});
+  content.HasSubKeys = registry.HasSubKeys();
+  content.IsSeenWhole = content.IsSeenWhole && registry.ListedWhole();
   registry.CloseKey();
   return content;
 }
 
-// Whether nothing but fewer than this many values is there.
+// Whether the key holds fewer than this many values and nothing else.
 bool IsHollow(const TKeyContent& content, std::size_t fewerThan) {
-  return content.Default.empty() && !content.HasSubKeys && content.ValueCount < fewerThan;
+  return content.IsSeenWhole && content.Default.empty() && !content.HasSubKeys &&
+         content.ValueCount < fewerThan;
 }
 
 // The checks of single classes, type libraries and interfaces.
@@ -60,6 +67,7 @@ class TComponentChecks {
   void CheckServerKey(TextView classId, TextView suffix, TextId missingText);
   void CheckTypeLibraryVersion(TextView libraryId, TextView version);
   void CheckTypeLibraryLocale(TextView libraryId, TextView localePath);
+  void ReportBroken(TextView identifier, TextView key, TextView data, TextView description);
   bool IsComponentFileValid(TextView originalText);
 
   TScan& m_scan;
@@ -81,6 +89,12 @@ void TComponentChecks::CheckClass(TextView classId) {
     CheckServerKey(classId, suffix, TextId::MissingLocalServer);
 }
 
+// An identifier that the ignore lists cover is not taken for broken by those who link to it.
+void TComponentChecks::ReportBroken(TextView identifier, TextView key, TextView data, TextView description) {
+  if (m_scan.ReportKey(kHkeyClassesRoot, key, data, description))
+    m_scan.ReportedClassIds.Append(identifier);
+}
+
 // The class is reported, and listed as broken, once for each broken server key.
 void TComponentChecks::CheckServerKey(TextView classId, TextView suffix, TextId missingText) {
   const Text classKey = u"\\CLSID\\" + Text(classId);
@@ -88,11 +102,9 @@ void TComponentChecks::CheckServerKey(TextView classId, TextView suffix, TextId 
   if (!server)
     return;
   if (!server->Default.empty() && !IsComponentFileValid(server->Default)) {
-    m_scan.ReportKey(kHkeyClassesRoot, classKey, server->Default, m_scan.Say(missingText, server->Default));
-    m_scan.ReportedClassIds.Append(classId);
+    ReportBroken(classId, classKey, server->Default, m_scan.Say(missingText, server->Default));
   } else if (IsHollow(*server, 1)) {
-    m_scan.ReportKey(kHkeyClassesRoot, classKey, {}, m_scan.Say(TextId::EmptyKey));
-    m_scan.ReportedClassIds.Append(classId);
+    ReportBroken(classId, classKey, {}, m_scan.Say(TextId::EmptyKey));
   }
 }
 
@@ -124,31 +136,27 @@ void TComponentChecks::CheckTypeLibraryLocale(TextView libraryId, TextView local
   if (!library)
     return;
   if (!library->Default.empty() && !IsComponentFileValid(library->Default)) {
-    m_scan.ReportKey(kHkeyClassesRoot, u"\\Typelib\\" + Text(libraryId), library->Default,
-                     m_scan.Say(TextId::MissingTypeLibraryFile, library->Default));
-    m_scan.ReportedClassIds.Append(libraryId);
+    ReportBroken(libraryId, u"\\Typelib\\" + Text(libraryId), library->Default,
+                 m_scan.Say(TextId::MissingTypeLibraryFile, library->Default));
   } else if (IsHollow(*library, 2)) {
-    m_scan.ReportKey(kHkeyClassesRoot, win32Key, {}, m_scan.Say(TextId::EmptyTypeLibraryKey, win32Key));
-    m_scan.ReportedClassIds.Append(libraryId);
+    ReportBroken(libraryId, win32Key, {}, m_scan.Say(TextId::EmptyTypeLibraryKey, win32Key));
   }
 }
 
 void TComponentChecks::CheckInterface(TextView interfaceId) {
   const Text interfaceKey = u"\\Interface\\" + Text(interfaceId);
-  // A link that says nothing is as good as one to an intact key.
-  const auto isIntact = [&](TextView key, const std::optional<Text>& identifier) {
-    return !identifier || identifier->empty() ||
-           (m_registry->KeyExists(Text(key) + *identifier) && !m_scan.ReportedClassIds.Holds(*identifier));
-  };
+  // A link without an identifier is as good as one to an intact key.
   const std::optional<Text> libraryId = DefaultValue(*m_registry, interfaceKey + u"\\TypeLib");
-  if (!isIntact(u"\\typelib\\", libraryId)) {
+  if (libraryId && !libraryId->empty() &&
+      (!m_registry->KeyExists(u"\\typelib\\" + *libraryId) || m_scan.ReportedClassIds.Holds(*libraryId))) {
     m_scan.ReportKey(kHkeyClassesRoot, interfaceKey, *libraryId,
                      m_scan.Say(TextId::BrokenTypeLibraryLink, *libraryId));
   }
   for (const TextView suffix : kStubKeys) {
     const Text stubKey = interfaceKey + Text(suffix);
     const std::optional<Text> classId = DefaultValue(*m_registry, stubKey);
-    if (!isIntact(u"\\CLSID\\", classId))
+    if (classId && !classId->empty() &&
+        (!IsClassRegistered(*m_registry, *classId) || m_scan.ReportedClassIds.Holds(*classId)))
       m_scan.ReportKey(kHkeyClassesRoot, stubKey, *classId, m_scan.Say(TextId::BrokenClassLink, *classId));
   }
 }

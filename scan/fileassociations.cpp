@@ -139,7 +139,7 @@ void TAssociationChecks::CheckVerb(TextView base, TextView verb) {
     // The list of broken classes does not count here.
     const Text classId = m_reader->ReadString(u"CLSID");
     m_reader->CloseKey();
-    if (!classId.empty() && !m_prober->KeyExists(u"\\clsid\\" + classId)) {
+    if (!classId.empty() && !IsClassRegistered(*m_prober, classId)) {
       m_scan.ReportKey(kHkeyClassesRoot, verbKey, classId, m_scan.Say(TextId::BrokenVerb, verb, classId),
                        kProblemImage);
     }
@@ -171,7 +171,7 @@ void TAssociationChecks::CheckHandler(TextView handlersKey, TextView handler, Te
 }
 
 bool TAssociationChecks::IsClassIntact(TextView classId) {
-  return m_prober->KeyExists(u"\\clsid\\" + Text(classId)) && !m_scan.ReportedClassIds.Holds(classId);
+  return IsClassRegistered(*m_prober, classId) && !m_scan.ReportedClassIds.Holds(classId);
 }
 
 bool TAssociationChecks::IsShellTargetValid(TextView text) {

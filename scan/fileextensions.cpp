@@ -9,12 +9,17 @@ namespace {
 
 constexpr TextView kFileExts = u"\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts";
 
+// Whether the open key holds a value, or might: its names can't be enumerated to their end.
+bool MayHoldValues(RegistryStore& registry) {
+  return !registry.GetValueNames().empty() || !registry.ListedWhole();
+}
+
 // Only values count, whatever other subkeys there are. A key that does not open is taken for used.
 bool IsUsed(RegistryStore& registry, const Text& key) {
-  if (!registry.OpenKey(key, false) || !registry.GetValueNames().empty())
+  if (!registry.OpenKey(key, false) || MayHoldValues(registry))
     return true;
   for (const TextView subKey : {u"\\OpenWithList", u"\\OpenWithProgids"}) {
-    if (registry.OpenKey(key + Text(subKey), false) && !registry.GetValueNames().empty())
+    if (registry.OpenKey(key + Text(subKey), false) && MayHoldValues(registry))
       return true;
   }
   return false;

@@ -1,7 +1,10 @@
 // The two recursive walks that scanners share.
 
+#include <algorithm>
+
 #include "base/lettercase.h"
 #include "scan/threadscan.h"
+#include "scan/walkedplaces.h"
 
 namespace corvalt {
 
@@ -23,53 +26,120 @@ bool EndsInSystem(TextView keyPath) {
          LowerCase(keyPath.substr(keyPath.size() - kSystemKeyEnd.size())) == kSystemKeyEnd;
 }
 
+// One walk of TScan::ScanKeyTree.
+class TKeyTreeWalk {
+ public:
+  TKeyTreeWalk(TScan& scan, RegistryStore& registry, TRootKey root, double fraction,
+               const TPhraseMatcher& exclusions)
+      : m_scan(scan), m_registry(registry), m_root(root), m_fraction(fraction), m_exclusions(exclusions) {
+  }
+
+  // The key itself, reached by this name from the key before, and everything below it.
+  void Walk(TextView keyPath, TextView name);
+
+ private:
+  void CheckValues(TextView keyPath, const std::vector<Text>& names);
+
+  TScan& m_scan;
+  RegistryStore& m_registry;
+  TRootKey m_root;
+  double m_fraction;
+  const TPhraseMatcher& m_exclusions;
+  TWalkedPlaces m_places;
+};
+
+void TKeyTreeWalk::Walk(TextView keyPath, TextView name) {
+  if (IsExcluded(m_root, keyPath, m_exclusions) || !m_registry.OpenKey(keyPath, false))
+    return;
+  std::vector<Text> valueNames = m_registry.GetValueNames();
+  const std::vector<Text> subKeys =
+      EndsInSystem(keyPath) ? std::vector<Text>{Text(kControlSetInUse)} : m_registry.GetKeyNames();
+  // A key without subkeys is no parent of anything: no link to it can lead back.
+  const bool goesOn = !subKeys.empty();
+  if (goesOn && !m_places.Enter(m_registry.RealPath(), name)) {
+    m_registry.CloseKey();
+    return;
+  }
+  CheckValues(keyPath, valueNames);
+  m_registry.CloseKey();
+  // The names of a large key aren't kept while the keys below it are walked.
+  std::vector<Text>().swap(valueNames);
+  for (const Text& subKey : subKeys) {
+    if (m_scan.Terminated() || EqualIgnoringCase(subKey, kMirror))
+      break;
+    Walk(Text(keyPath) + u"\\" + subKey, subKey);
+  }
+  if (goesOn)
+    m_places.Leave();
+}
+
+void TKeyTreeWalk::CheckValues(TextView keyPath, const std::vector<Text>& names) {
+  for (const Text& name : names) {
+    if (m_scan.Terminated())
+      return;
+    const TDataType type = m_registry.GetDataType(name);
+    if (type != TDataType::String && type != TDataType::ExpandString)
+      continue;
+    const Text data = m_registry.ReadString(name);
+    // A label costs more than the rest of a call that shows nothing.
+    m_scan.ReportProgress(RoundHalfToEven(100 * m_fraction),
+                          m_scan.IsProgressDue() ? LabelOf(keyPath, name) : Text());
+    if (!m_scan.CommandPathExists(data))
+      m_scan.ReportValue(m_root, keyPath, name, data, m_scan.Say(TextId::MissingFileOfValue, name, data));
+  }
+}
+
+// One walk of TScan::IsKeyEmpty.
+class TEmptyKeyWalk {
+ public:
+  TEmptyKeyWalk(const TScan& scan, RegistryStore& registry) : m_scan(scan), m_registry(registry) {
+  }
+
+  bool IsEmpty(TextView keyPath, TextView name, bool recursive);
+
+ private:
+  bool AreEmpty(TextView keyPath, const std::vector<Text>& subKeys);
+
+  const TScan& m_scan;
+  RegistryStore& m_registry;
+  TWalkedPlaces m_places;
+};
+
+// What can't be seen whole, a link that leads back among it, is not taken for empty.
+bool TEmptyKeyWalk::IsEmpty(TextView keyPath, TextView name, bool recursive) {
+  if (m_scan.Terminated() || !m_registry.OpenKey(keyPath, false))
+    return false;
+  const bool holdsNoValue = m_registry.GetValueNames().empty() && m_registry.ListedWhole();
+  std::vector<Text> subKeys;
+  if (holdsNoValue)
+    subKeys = m_registry.GetKeyNames();
+  const bool isSeenWhole = holdsNoValue && m_registry.ListedWhole();
+  const bool goesOn = isSeenWhole && recursive && !subKeys.empty();
+  const bool entered = goesOn && m_places.Enter(m_registry.RealPath(), name);
+  m_registry.CloseKey();
+  if (!entered)
+    return isSeenWhole && subKeys.empty();
+  const bool isEmpty = AreEmpty(keyPath, subKeys);
+  m_places.Leave();
+  return isEmpty;
+}
+
+bool TEmptyKeyWalk::AreEmpty(TextView keyPath, const std::vector<Text>& subKeys) {
+  return std::all_of(subKeys.begin(), subKeys.end(), [&](const Text& subKey) {
+    return IsEmpty(Text(keyPath) + u"\\" + subKey, subKey, true);
+  });
+}
+
 }  // namespace
 
 void TScan::ScanKeyTree(RegistryStore& registry, TRootKey root, double fraction,
                         const TPhraseMatcher& exclusions, TextView keyPath) {
-  if (IsExcluded(root, keyPath, exclusions) || !registry.OpenKey(keyPath, false))
-    return;
-  std::vector<Text> names = registry.GetValueNames();
-  for (const Text& name : names) {
-    if (Terminated())
-      break;
-    const TDataType type = registry.GetDataType(name);
-    if (type != TDataType::String && type != TDataType::ExpandString)
-      continue;
-    const Text data = registry.ReadString(name);
-    // A label costs more than the rest of a call that shows nothing.
-    ReportProgress(RoundHalfToEven(100 * fraction), IsProgressDue() ? LabelOf(keyPath, name) : Text());
-    if (!CommandPathExists(data)) {
-      ReportValue(root, keyPath, name, data, Say(TextId::MissingFileOfValue, name, data));
-    }
-  }
-  names = registry.GetKeyNames();
-  registry.CloseKey();
-  if (EndsInSystem(keyPath))
-    names = {Text(kControlSetInUse)};
-  for (const Text& name : names) {
-    if (Terminated() || EqualIgnoringCase(name, kMirror))
-      return;
-    ScanKeyTree(registry, root, fraction, exclusions, Text(keyPath) + u"\\" + name);
-  }
+  TKeyTreeWalk(*this, registry, root, fraction, exclusions).Walk(keyPath, {});
 }
 
 bool TScan::IsKeyEmpty(TRootKey rootKey, TextView keyPath, bool recursive) {
   Registry->SetRootKey(rootKey);
-  if (!Registry->OpenKey(keyPath, false))
-    return false;
-  const bool hasValues = !Registry->GetValueNames().empty();
-  std::vector<Text> subKeys;
-  if (!hasValues)
-    subKeys = Registry->GetKeyNames();
-  Registry->CloseKey();
-  if (hasValues || (!subKeys.empty() && !recursive))
-    return false;
-  for (const Text& name : subKeys) {
-    if (!IsKeyEmpty(rootKey, Text(keyPath) + u"\\" + name, true))
-      return false;
-  }
-  return true;
+  return TEmptyKeyWalk(*this, *Registry).IsEmpty(keyPath, {}, recursive);
 }
 
 }  // namespace corvalt

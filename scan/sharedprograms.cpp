@@ -8,9 +8,19 @@ namespace {
 
 constexpr TextView kSharedDlls = u"\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\SharedDLLs";
 
-// A count of another type is never taken for zero.
-std::int32_t CountOf(RegistryStore& registry, TextView name) {
-  return registry.GetDataType(name) == TDataType::Integer ? registry.ReadInteger(name) : 1;
+// A count of another type or size is never taken for zero; the store reads both as zero.
+std::int32_t CountOf(TScan& scan, RegistryStore& registry, TextView name) {
+  if (registry.GetDataType(name) != TDataType::Integer)
+    return 1;
+  const std::int32_t count = registry.ReadInteger(name);
+  TRawRegistry& raw = scan.System().Raw;
+  TRawValue value;
+  if (count != 0)
+    return count;
+  const bool isCount = raw.ReadValue(kHkeyLocalMachine, kSharedDlls, name, value) == TRawResult::Done &&
+                       value.Type == kRegDword && value.Data.size() == sizeof(count);
+  raw.ReleaseKeys();
+  return isCount ? 0 : 1;
 }
 
 }  // namespace
@@ -23,7 +33,7 @@ void ScanSharedPrograms(TScan& scan) {
   for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
     const Text& file = names[i];
     scan.ReportProgress(ShareOfBar(i, names.size(), 100), LabelOf(kSharedDlls, file));
-    const std::int32_t count = CountOf(*registry, file);
+    const std::int32_t count = CountOf(scan, *registry, file);
     if (!scan.CommandPathExists(file)) {
       scan.ReportValue(kHkeyLocalMachine, kSharedDlls, file, DecimalText(count),
                        scan.Say(TextId::MissingSharedFile, file));

@@ -1,6 +1,7 @@
 // Start Menu: the stored sort order of menu folders that are gone.
 
 #include "scan/threadscan.h"
+#include "scan/walkedplaces.h"
 
 namespace corvalt {
 
@@ -11,7 +12,7 @@ constexpr TextView kProgramsOrder =
 constexpr TextView kProgramsMenu = u"\\Start Menu\\Programs\\";
 
 // Only keys without subkeys are judged. Each level of the walk begins the bar anew.
-void CheckMenuFolders(TScan& scan, RegistryStore& registry, TextView keyPath) {
+void CheckMenuFolders(TScan& scan, RegistryStore& registry, TextView keyPath, TWalkedPlaces& places) {
   const Text folderPart = Text(kProgramsMenu) + Text(keyPath.substr(kProgramsOrder.size())) + u"\\";
   const std::vector<Text> names = SubKeyNames(registry, keyPath);
   for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
@@ -20,10 +21,15 @@ void CheckMenuFolders(TScan& scan, RegistryStore& registry, TextView keyPath) {
     if (!registry.OpenKey(key, false))
       continue;
     const bool hasSubKeys = registry.HasSubKeys();
+    const bool mayHaveSubKeys = hasSubKeys || !registry.ListedWhole();
+    const bool isEntered = hasSubKeys && places.Enter(registry.RealPath(), names[i]);
     const bool hasOrder = registry.ValueExists(u"Order");
     registry.CloseKey();
-    if (hasSubKeys) {
-      CheckMenuFolders(scan, registry, key);
+    if (isEntered) {
+      CheckMenuFolders(scan, registry, key, places);
+      places.Leave();
+    } else if (mayHaveSubKeys) {
+      continue;
     } else if (!scan.Paths().DirectoryExists(scan.Vars().AllUsersFolder + folderPart + names[i]) &&
                !scan.Paths().DirectoryExists(scan.Vars().UserProfileFolder + folderPart + names[i])) {
       scan.ReportKey(kHkeyCurrentUser, key, {}, scan.Say(TextId::MissingStartMenuFolder, names[i]));
@@ -37,7 +43,8 @@ void CheckMenuFolders(TScan& scan, RegistryStore& registry, TextView keyPath) {
 
 void ScanStartMenu(TScan& scan) {
   const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(kHkeyCurrentUser);
-  CheckMenuFolders(scan, *registry, kProgramsOrder);
+  TWalkedPlaces places;
+  CheckMenuFolders(scan, *registry, kProgramsOrder, places);
 }
 
 }  // namespace corvalt

@@ -55,6 +55,11 @@ bool BeginsWithArgument(TextView text) {
   return text.substr(0, 2) == u"%1" || (!text.empty() && text.substr(1, 2) == u"%1");
 }
 
+bool IsClassRegistered(RegistryStore& prober, TextView classId) {
+  return prober.KeyExists(u"\\CLSID\\" + Text(classId)) ||
+         prober.KeyExists(u"\\Wow6432Node\\CLSID\\" + Text(classId));
+}
+
 std::vector<Text> SubKeyNames(RegistryStore& registry, TextView keyPath) {
   if (!registry.OpenKey(keyPath, false))
     return {};
@@ -168,9 +173,14 @@ void TScan::AddProblem(TResultsNode* parentNode, TRootKey rootKey, TextView sect
   m_pending.Extra = extra;
 }
 
-void TScan::AddProblemNode() {
+bool TScan::HandOver() {
   if (IsIgnored())
-    return;
+    return false;
+  Synchronize([this] { AddProblemNode(); });
+  return true;
+}
+
+void TScan::AddProblemNode() {
   TResultsTree& results = m_context.Results;
   const int textWidth =
       std::max(results.MeasureText(m_pending.KeyPath), results.MeasureText(m_pending.Description));
@@ -191,21 +201,21 @@ bool TScan::IsIgnored() const {
 void TScan::AddHeader() {
   AddProblem(nullptr, m_section->HeaderRoot, m_section->HeaderCaption, m_section->HeaderImage, {}, {}, {}, {},
              {}, TCheckMark::Repair, TProblemKind::Value);
-  Synchronize([this] { AddProblemNode(); });
+  HandOver();
 }
 
-void TScan::ReportKey(TRootKey rootKey, TextView keyPath, TextView valueData, TextView description,
+bool TScan::ReportKey(TRootKey rootKey, TextView keyPath, TextView valueData, TextView description,
                       std::int32_t imageIndex, TextView valueName) {
   AddProblem(ParentNode, rootKey, {}, imageIndex, keyPath, valueName, valueData, {}, description,
              TCheckMark::Repair, TProblemKind::Key);
-  Synchronize([this] { AddProblemNode(); });
+  return HandOver();
 }
 
-void TScan::ReportValue(TRootKey rootKey, TextView keyPath, TextView valueName, TextView valueData,
+bool TScan::ReportValue(TRootKey rootKey, TextView keyPath, TextView valueName, TextView valueData,
                         TextView description) {
   AddProblem(ParentNode, rootKey, {}, kNoImage, keyPath, valueName, valueData, {}, description,
              TCheckMark::Repair, TProblemKind::Value);
-  Synchronize([this] { AddProblemNode(); });
+  return HandOver();
 }
 
 Text TScan::Say(TextId id, TextView arg1, TextView arg2) const {

@@ -57,11 +57,12 @@ class TScan final : public TWorkerThread {
     return *m_section;
   }
 
-  // Adds a problem to the section that runs, unless the ignore lists cover it. ReportKey: the whole key is
-  // the problem, and the repair deletes it, although a value may be named. ReportValue: only the value is.
-  void ReportKey(TRootKey rootKey, TextView keyPath, TextView valueData, TextView description,
+  // Adds a problem to the section that runs, unless the ignore lists cover it; returns whether it was added.
+  // ReportKey: the whole key is the problem, and the repair deletes it, although a value may be named.
+  // ReportValue: only the value is.
+  bool ReportKey(TRootKey rootKey, TextView keyPath, TextView valueData, TextView description,
                  std::int32_t imageIndex = kNoImage, TextView valueName = {});
-  void ReportValue(TRootKey rootKey, TextView keyPath, TextView valueName, TextView valueData,
+  bool ReportValue(TRootKey rootKey, TextView keyPath, TextView valueName, TextView valueData,
                    TextView description);
 
   // A text of the user's language, each "&" doubled, as descriptions are stored.
@@ -107,11 +108,12 @@ class TScan final : public TWorkerThread {
   void ShowSection();
   void EndSection();
 
-  // The hand-over of one problem: AddProblem fills the pending problem on this thread, AddProblemNode adds it
-  // to the tree on the user-interface thread unless it is ignored.
+  // The hand-over of one problem: AddProblem fills the pending problem, HandOver has AddProblemNode add it to
+  // the tree on the user-interface thread, unless it is ignored; returns whether it was added.
   void AddProblem(TResultsNode* parentNode, TRootKey rootKey, TextView sectionCaption,
                   std::int32_t imageIndex, TextView keyPath, TextView valueName, TextView valueData,
                   TextView extra, TextView description, TCheckMark checkMark, TProblemKind kind);
+  bool HandOver();
   void AddProblemNode();
   void AddHeader();
   bool IsIgnored() const;
@@ -121,7 +123,7 @@ class TScan final : public TWorkerThread {
   TScanContext m_context;
   TCachedFileProbe m_probe;
   TPathChecks m_paths;
-  TPhraseMatcher m_ignored;
+  TPhraseMatcher m_ignored;  // made of both lists when the scan was created
   const TSection* m_section = nullptr;
 
   std::unique_ptr<RegistryStore> Registry;
@@ -145,6 +147,10 @@ Text LabelOf(TextView keyPath, TextView valueName);
 // Whether a command is an argument of its caller: it begins with "%1", or with one character, such as a
 // quote, and "%1".
 bool BeginsWithArgument(TextView text);
+
+// Whether a class of this identifier is registered, in either view: on a 64-bit system classes are registered
+// per bitness, while the program identifiers that name them are shared. prober's root is HKEY_CLASSES_ROOT.
+bool IsClassRegistered(RegistryStore& prober, TextView classId);
 
 // The names of a key's direct subkeys; empty when it does not open. The store is left with no key open.
 std::vector<Text> SubKeyNames(RegistryStore& registry, TextView keyPath);

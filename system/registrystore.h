@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "base/keypaths.h"
@@ -57,6 +58,16 @@ class RegistryStore {
   virtual std::vector<Text> GetValueNames() = 0;
   virtual std::vector<Text> GetKeyNames() = 0;
   virtual bool HasSubKeys() = 0;
+
+  // Whether the last call of the three above saw everything that the open key holds. False too when no key
+  // was open. What such a call returned is a beginning only, and no key is empty because of it.
+  virtual bool ListedWhole() const = 0;
+
+  // Where the open key really lies, as the system names it ("\REGISTRY\USER\...\Software"): registry links
+  // on the way are resolved, and below HKEY_CLASSES_ROOT the user's hive is told from the machine's
+  // (ZwQueryKey with KeyNameInformation, learn.microsoft.com). nullopt when no key is open, for a root that has
+  // no single place, and where the system can't tell.
+  virtual std::optional<Text> RealPath() = 0;
 
   // Deletes a key with all its subkeys; paths as in OpenKey. A key that is itself a registry link, or that
   // holds one below it, is left whole: a link is never followed. False when anything of it remains.

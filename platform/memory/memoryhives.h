@@ -43,6 +43,7 @@ struct TMemoryKey {
   TMemoryRights Rights = TMemoryRights::Everything;
   bool IsVolatile = false;
   bool Deleted = false;                    // deleted while somebody held it open
+  bool ListingFails = false;               // its names can be enumerated only in part
   std::shared_ptr<TMemoryKey> LinkTarget;  // set: this key is a registry link
 };
 

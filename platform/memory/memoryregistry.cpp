@@ -147,6 +147,10 @@ void TMemoryRegistry::MakeLink(TextView fullPath, TextView targetFullPath) {
   Make(fullPath).LinkTarget = target;
 }
 
+void TMemoryRegistry::FailListing(TextView fullPath) {
+  Make(fullPath).ListingFails = true;
+}
+
 void TMemoryRegistry::SetClass(TextView fullPath, TextView className) {
   Make(fullPath).ClassName = Text(className);
 }

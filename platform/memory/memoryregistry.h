@@ -37,6 +37,9 @@ class TMemoryRegistry : public TRegistryFactory {
   void Deny(TextView fullPath);
   void LetUse(TextView fullPath, TMemoryRights rights);
   void MakeLink(TextView fullPath, TextView targetFullPath);
+  // From now on an enumeration of the key's values or subkeys fails before its last name, as RegEnumValue and
+  // RegEnumKeyEx do (learn.microsoft.com) when the key is changed meanwhile or memory is short.
+  void FailListing(TextView fullPath);
   void SetClass(TextView fullPath, TextView className);
   void MakeVolatile(TextView fullPath);
   void SetSecurity(TextView fullPath, const TBytes& descriptor);

@@ -15,6 +15,17 @@ Text TextOf(const TBytes& data) {
   return text;
 }
 
+Text SystemPathOf(const TKeyPlace& place) {
+  switch (place.RootKey) {
+    case kHkeyCurrentUser:
+      return u"\\REGISTRY\\USER\\S-1-5-21-1-2-3-1000" + place.KeyPath;
+    case kHkeyUsers:
+      return u"\\REGISTRY\\USER" + place.KeyPath;
+    default:
+      return u"\\REGISTRY\\MACHINE" + place.KeyPath;
+  }
+}
+
 }  // namespace
 
 // Where a path starts: the root, or the open key for a relative path.
@@ -99,15 +110,37 @@ bool TMemoryRegistryStore::Write(const TRawValue& value) {
 
 std::vector<Text> TMemoryRegistryStore::GetValueNames() {
   std::vector<Text> names;
-  if (!Readable())
-    return names;
-  for (const TRawValue* value : m_hives.OrderedValues(m_key))
-    names.push_back(value->Name);
-  return names;
+  if (Readable()) {
+    for (const TRawValue* value : m_hives.OrderedValues(m_key))
+      names.push_back(value->Name);
+  }
+  return Listed(std::move(names));
 }
 
 std::vector<Text> TMemoryRegistryStore::GetKeyNames() {
-  return Readable() ? m_hives.SubKeyNames(m_key) : std::vector<Text>();
+  return Listed(Readable() ? m_hives.SubKeyNames(m_key) : std::vector<Text>());
+}
+
+// What an enumeration that may fail before its end returns of the names.
+std::vector<Text> TMemoryRegistryStore::Listed(std::vector<Text> names) {
+  m_listedWhole = m_key && !m_key.Key->Deleted && !m_key.Key->ListingFails;
+  if (!m_listedWhole && !names.empty())
+    names.pop_back();
+  return names;
+}
+
+std::optional<Text> TMemoryRegistryStore::RealPath() {
+  if (!m_key)
+    return std::nullopt;
+  std::optional<TKeyPlace> place = m_hives.PlaceOf(m_key.Key);
+  const bool isMerged = m_key.Beneath != nullptr;
+  if (!place && !isMerged && !m_key.Key->SubKeys.empty()) {
+    // The top of a hive lies where the keys below it do.
+    place = m_hives.PlaceOf(m_key.Key->SubKeys.begin()->second);
+    if (place)
+      place->KeyPath.resize(place->KeyPath.rfind(u'\\'));
+  }
+  return place ? std::optional<Text>(SystemPathOf(*place)) : std::nullopt;
 }
 
 bool TMemoryRegistryStore::HasSubKeys() {

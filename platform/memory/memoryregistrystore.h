@@ -36,6 +36,10 @@ class TMemoryRegistryStore : public RegistryStore {
   std::vector<Text> GetValueNames() override;
   std::vector<Text> GetKeyNames() override;
   bool HasSubKeys() override;
+  bool ListedWhole() const override {
+    return m_listedWhole;
+  }
+  std::optional<Text> RealPath() override;
   bool DeleteKey(TextView path) override;
   bool DeleteValue(TextView name) override;
 
@@ -45,12 +49,14 @@ class TMemoryRegistryStore : public RegistryStore {
   bool MayChange() const;
   const TRawValue* FindValue(TextView name) const;
   bool Write(const TRawValue& value);
+  std::vector<Text> Listed(std::vector<Text> names);
 
   TMemoryRegistry& m_registry;
   TMemoryHives& m_hives;
   TRegistryAccess m_access;
   TRootKey m_rootKey = kHkeyCurrentUser;
   TOpenMemoryKey m_key;
+  bool m_listedWhole = false;
 };
 
 }  // namespace corvalt

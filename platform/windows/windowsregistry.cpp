@@ -15,6 +15,9 @@ namespace {
 constexpr DWORD kLargestKeptData = 65536;                                // bytes of one value
 constexpr std::size_t kLargestSnapshot = std::size_t{16} * 1024 * 1024;  // bytes of all values
 
+// The levels of keys that a path may have (Registry Element Size Limits, learn.microsoft.com).
+constexpr std::ptrdiff_t kDeepestKey = 512;
+
 constexpr REGSAM kReadAccess = KEY_READ;
 constexpr REGSAM kFullAccess = KEY_READ | KEY_WRITE;
 
@@ -91,6 +94,13 @@ void TWindowsRegistryStore::SetRootKey(TRootKey rootKey) {
 }
 
 std::optional<TWindowsRegistryStore::TPlace> TWindowsRegistryStore::PlaceOf(TextView path) const {
+  std::optional<TPlace> place = AnyPlaceOf(path);
+  if (place && std::count(place->Path.begin(), place->Path.end(), u'\\') >= kDeepestKey)
+    return std::nullopt;
+  return place;
+}
+
+std::optional<TWindowsRegistryStore::TPlace> TWindowsRegistryStore::AnyPlaceOf(TextView path) const {
   if (IsPlainPath(path))
     return TPlace{m_rootKey, Text(path.substr(1))};
   const std::optional<TParsedKeyPath> parsed = ParseKeyPath(path);
@@ -225,6 +235,7 @@ std::vector<Text> TWindowsRegistryStore::GetValueNames() {
   std::vector<Text> names;
   m_snapshot.Clear();
   m_subKeysCounted = Count();
+  m_listedWhole = false;
   if (!m_subKeysCounted)
     return names;
   m_buffer.Reserve(m_counts, kLargestKeptData);
@@ -235,11 +246,13 @@ std::vector<Text> TWindowsRegistryStore::GetValueNames() {
     m_snapshot.Add(m_buffer);
     names.emplace_back(m_buffer.Name());
   }
+  m_listedWhole = names.size() == m_counts.Values;
   return names;
 }
 
 std::vector<Text> TWindowsRegistryStore::GetKeyNames() {
   std::vector<Text> names;
+  m_listedWhole = false;
   if (!CountSubKeys())
     return names;
   names.reserve(m_counts.SubKeys);
@@ -249,11 +262,32 @@ std::vector<Text> TWindowsRegistryStore::GetKeyNames() {
       break;
     names.push_back(std::move(name));
   }
+  m_listedWhole = names.size() == m_counts.SubKeys;
   return names;
 }
 
 bool TWindowsRegistryStore::HasSubKeys() {
-  return CountSubKeys() && m_counts.SubKeys != 0;
+  m_listedWhole = CountSubKeys();
+  return m_listedWhole && m_counts.SubKeys != 0;
+}
+
+std::optional<Text> TWindowsRegistryStore::RealPath() {
+  if (!m_open)
+    return std::nullopt;
+  const Text path = m_open->Path.empty() ? RealPathOfRoot() : m_calls.SystemName(m_open->Key.Get());
+  return path.empty() ? std::nullopt : std::optional<Text>(path);
+}
+
+// A predefined handle can't be asked, a key directly below it can. HKEY_CLASSES_ROOT shows two hives at once.
+Text TWindowsRegistryStore::RealPathOfRoot() {
+  const HKEY root = m_open->Key.Get();
+  Text name;
+  TRegistryKey below;
+  if (m_open->RootKey == kHkeyClassesRoot || m_calls.EnumKey(root, 0, name) != ERROR_SUCCESS ||
+      m_calls.Open(root, name, KEY_QUERY_VALUE, true, below) != ERROR_SUCCESS)
+    return {};
+  const Text path = m_calls.SystemName(below.Get());
+  return path.substr(0, std::min(path.rfind(u'\\'), path.size()));
 }
 
 bool TWindowsRegistryStore::DeleteKey(TextView path) {

@@ -68,6 +68,10 @@ class TWindowsRegistryStore : public RegistryStore {
   std::vector<Text> GetValueNames() override;
   std::vector<Text> GetKeyNames() override;
   bool HasSubKeys() override;
+  bool ListedWhole() const override {
+    return m_listedWhole;
+  }
+  std::optional<Text> RealPath() override;
   bool DeleteKey(TextView path) override;
   bool DeleteValue(TextView name) override;
 
@@ -86,7 +90,9 @@ class TWindowsRegistryStore : public RegistryStore {
     std::span<const std::uint8_t> Data;
   };
 
+  // nullopt for a path that no key can have, and for one of more names than a registry is deep.
   std::optional<TPlace> PlaceOf(TextView path) const;
+  std::optional<TPlace> AnyPlaceOf(TextView path) const;
   LSTATUS OpenForAccess(const TPlace& place);
   void Forget();
   bool Count();
@@ -102,6 +108,11 @@ class TWindowsRegistryStore : public RegistryStore {
   TRegistryCalls m_calls;
   TKeyChain m_chain{m_calls};
   std::shared_ptr<TKeptKey> m_open;
+
+  // Empty when it can't be told.
+  Text RealPathOfRoot();
+
+  bool m_listedWhole = false;
 
   // Of the open key. The counts that a listing of its values took answer once for its subkeys too.
   TKeyCounts m_counts;

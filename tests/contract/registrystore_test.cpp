@@ -499,6 +499,60 @@ TEST_F(RegistryStoreContract, AWalkMeetsEveryKeyAndValueOnce) {
     EXPECT_EQ(met[i], static_cast<std::int32_t>(i));
 }
 
+// ZwQueryKey, learn.microsoft.com: the name is that of the key the handle stands for.
+TEST_F(RegistryStoreContract, TheRealPathBehindALinkIsThatOfItsTarget) {
+  Create(u"Target\\Sub");
+  m_subject->MakeLink(At(u"Link"), At(u"Target"));
+  const auto store = OpenStore();
+  ASSERT_TRUE(store->OpenKey(At(u"Target\\Sub"), false));
+  const std::optional<Text> real = store->RealPath();
+  ASSERT_TRUE(real.has_value());
+  EXPECT_TRUE(UpperCase(*real).starts_with(u"\\REGISTRY\\USER\\")) << EncodeUtf8(*real);
+  EXPECT_TRUE(UpperCase(*real).ends_with(UpperCase(At(u"Target\\Sub")))) << EncodeUtf8(*real);
+  ASSERT_TRUE(store->OpenKey(At(u"Link\\Sub"), false));
+  EXPECT_EQ(store->RealPath(), real);
+}
+
+TEST_F(RegistryStoreContract, TheRealPathOfARootIsThatOfTheKeysBelowIt) {
+  Create(u"Key");
+  const auto store = OpenStore();
+  EXPECT_EQ(store->RealPath(), std::nullopt);
+  ASSERT_TRUE(store->OpenKey(u"\\", false));
+  const std::optional<Text> root = store->RealPath();
+  ASSERT_TRUE(root.has_value());
+  ASSERT_TRUE(store->OpenKey(At(u"Key"), false));
+  const std::optional<Text> below = store->RealPath();
+  ASSERT_TRUE(below.has_value());
+  EXPECT_EQ(UpperCase(*below), UpperCase(*root + At(u"Key")));
+}
+
+TEST_F(RegistryStoreContract, WhetherAListingIsWholeIsKnown) {
+  const auto store = OpenStore();
+  EXPECT_TRUE(store->GetKeyNames().empty());
+  EXPECT_FALSE(store->ListedWhole());
+  ASSERT_TRUE(store->OpenKey(At(u"Key"), true));
+  EXPECT_TRUE(store->WriteString(u"a", u"text"));
+  EXPECT_EQ(store->GetValueNames(), TNames{u"a"});
+  EXPECT_TRUE(store->ListedWhole());
+  EXPECT_TRUE(store->GetKeyNames().empty());
+  EXPECT_TRUE(store->ListedWhole());
+  EXPECT_FALSE(store->HasSubKeys());
+  EXPECT_TRUE(store->ListedWhole());
+}
+
+// Registry Element Size Limits, learn.microsoft.com: trees are at most 512 levels deep. Through a link to its
+// own parent a path may be longer.
+TEST_F(RegistryStoreContract, APathOfMoreNamesThanARegistryIsDeepIsNotOpened) {
+  Create(u"Key");
+  m_subject->MakeLink(At(u"Key\\Loop"), At(u"Key"));
+  const auto store = OpenStore();
+  Text path = At(u"Key");
+  while (std::count(path.begin(), path.end(), u'\\') < 512)
+    path += u"\\Loop";
+  EXPECT_FALSE(store->OpenKey(path + u"\\Loop", false));
+  EXPECT_FALSE(store->KeyExists(path + u"\\Loop"));
+}
+
 }  // namespace
 
 }  // namespace corvalt
