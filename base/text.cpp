@@ -129,17 +129,7 @@ std::size_t LastPos(TextView sub, TextView text) {
 
 std::vector<Text> SplitLines(TextView text) {
   std::vector<Text> lines;
-  std::size_t begin = 0;
-  while (begin < text.size()) {
-    const std::size_t end = text.find_first_of(u"\r\n", begin);
-    if (end == TextView::npos) {
-      lines.emplace_back(text.substr(begin));
-      break;
-    }
-    lines.emplace_back(text.substr(begin, end - begin));
-    const bool pair = text[end] == u'\r' && end + 1 < text.size() && text[end + 1] == u'\n';
-    begin = end + (pair ? 2 : 1);
-  }
+  VisitLines(text, [&lines](TextView line) { lines.emplace_back(line); });
   return lines;
 }
 

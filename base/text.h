@@ -33,8 +33,22 @@ bool Contains(TextView text, TextView part);
 // 1-based position of the last occurrence of sub in text, 0 when there is none.
 std::size_t LastPos(TextView sub, TextView text);
 
-// The lines of a text, without their ends (CR LF, LF or CR). A last line without an end counts, an empty one
-// does not.
+// Calls visit with each line of a text, of 16-bit units or of characters, without its end (CR LF, LF or CR).
+// A last line without an end counts, an empty one does not.
+template <typename TUnit, typename TVisit>
+void VisitLines(std::basic_string_view<TUnit> text, const TVisit& visit) {
+  constexpr TUnit kEnds[] = {TUnit{'\r'}, TUnit{'\n'}, TUnit{}};
+  while (!text.empty()) {
+    const std::size_t end = text.find_first_of(kEnds);
+    visit(text.substr(0, end));
+    if (end == text.npos)
+      return;
+    const bool pair = text[end] == kEnds[0] && end + 1 < text.size() && text[end + 1] == kEnds[1];
+    text.remove_prefix(end + (pair ? 2 : 1));
+  }
+}
+
+// All lines at once.
 std::vector<Text> SplitLines(TextView text);
 
 // The text with a trailing "\" added when it has none. An empty text becomes "\".

@@ -2,13 +2,14 @@
 
 #include <algorithm>
 
+#include "base/devicenames.h"
 #include "base/lettercase.h"
 
 namespace corvalt {
 
 namespace {
 
-// Longer paths, the terminating NUL included, fail in the system's own way.
+// Longer paths, the terminating NUL included, are asked plainly: the system takes them in another form.
 constexpr std::size_t kMaxPath = 260;
 constexpr std::size_t kRootLength = 3;
 
@@ -28,16 +29,6 @@ bool IsAsciiLetter(char16_t unit) {
 bool NeverInNames(char16_t unit) {
   return unit < 0x20 || unit == u'"' || unit == u'*' || unit == u'/' || unit == u':' || unit == u'<' ||
          unit == u'>' || unit == u'?' || unit == u'|';
-}
-
-// A device answers in every folder, whatever the extension.
-bool IsDeviceName(TextView upperName) {
-  TextView stem = upperName.substr(0, upperName.find(u'.'));
-  stem = stem.substr(0, stem.find_last_not_of(u' ') + 1);
-  const bool numbered = stem.size() == 4 && (stem.starts_with(u"COM") || stem.starts_with(u"LPT")) &&
-                        stem.back() >= u'0' && stem.back() <= u'9';
-  return numbered || stem == u"CON" || stem == u"PRN" || stem == u"AUX" || stem == u"NUL" ||
-         stem == u"CONIN$" || stem == u"CONOUT$" || stem == u"CLOCK$";
 }
 
 // The system rewrites a name that ends like this before it looks.

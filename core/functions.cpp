@@ -1,5 +1,6 @@
 #include "core/functions.h"
 
+#include <algorithm>
 #include <array>
 
 #include "base/lettercase.h"
@@ -13,6 +14,12 @@ constexpr TextView kNetworkPrefix = u"\\\\";
 
 // The system's own limit in any form of a path.
 constexpr std::size_t kLongestPath = 32767;
+
+// Units of one name, on every file system of Windows.
+constexpr std::size_t kLongestName = 255;
+
+// Command lines have few; a text with more is looked at with care for the time that it takes.
+constexpr std::ptrdiff_t kManyBlanks = 32;
 
 bool IsAbsolute(TextView text) {
   return text.size() > 2 && text.substr(1, 2) == u":\\";
@@ -89,14 +96,23 @@ Text ExpandPathVariables(TextView text, const TGlobalVars& vars) {
   return result;
 }
 
+bool TPathChecks::IsOnFixedDrive(TextView path) const {
+  return Contains(m_vars.FixedDrives, UpperCase(DriveOf(path)));
+}
+
 bool TPathChecks::Exists(TextView path, bool filesOnly) {
   return m_probe.FileExists(path) || (!filesOnly && m_probe.DirectoryExists(path));
 }
 
 bool TPathChecks::FileOrFolderExists(TextView path, bool filesOnly) {
-  if (!Contains(m_vars.FixedDrives, UpperCase(DriveOf(path))))
-    return true;
-  if (Exists(path, filesOnly))
+  return !IsOnFixedDrive(path) || Exists(path, filesOnly) || ExistsForOtherBitness(path, filesOnly);
+}
+
+bool TPathChecks::ExistsForOtherBitness(TextView path, bool filesOnly) {
+  const Text& system = m_vars.SystemFolder;
+  const bool isBelowSystem = !system.empty() && EqualIgnoringCase(path.substr(0, system.size()), system);
+  if (isBelowSystem && !m_vars.SysWow64Folder.empty() &&
+      Exists(Joined(m_vars.SysWow64Folder, path.substr(system.size())), filesOnly))
     return true;
   if (m_probe.GetEnvironmentVariable(u"ProgramFiles(x86)").empty())
     return false;
@@ -111,7 +127,11 @@ Text TPathChecks::LongForm(TextView path) {
   return m_probe.GetLongPathName(path).value_or(Text(path));
 }
 
+// A path of another drive exists, and the drive isn't asked for its long form: it may be a medium that has to
+// be put in first.
 std::optional<Text> TPathChecks::FoundAs(TextView path, bool filesOnly) {
+  if (!IsOnFixedDrive(path))
+    return Text(path);
   Text longForm = LongForm(path);
   if (!FileOrFolderExists(longForm, filesOnly))
     return std::nullopt;
@@ -125,11 +145,34 @@ std::optional<Text> TPathChecks::FoundWithOrWithoutExtension(TextView path, bool
 
 std::optional<Text> TPathChecks::LongestExistingFile(TextView command) {
   std::optional<Text> found = FoundWithOrWithoutExtension(command, false);
-  // A longer cut can't exist: on a drive that is not fixed the whole text was found already.
-  const TextView possible = command.substr(0, kLongestPath + 1);
-  for (auto rest = CutAtLastBlank(possible); rest && !found; rest = CutAtLastBlank(*rest))
-    found = FoundWithOrWithoutExtension(*rest, true);
+  if (found)
+    return found;
+  // On a drive that is not fixed the whole text was found already.
+  const bool isMonstrous = std::count(command.begin(), command.end(), u' ') > kManyBlanks;
+  const TextView possible = isMonstrous ? PossiblePart(command) : command;
+  for (auto rest = CutAtLastBlank(possible); rest && !found; rest = CutAtLastBlank(*rest)) {
+    if (isMonstrous && IsStopped())
+      return Text(*rest);
+    if (rest->size() - LastPos(u"\\", *rest) <= kLongestName)
+      found = FoundWithOrWithoutExtension(*rest, true);
+  }
   return found;
+}
+
+// What a command line's file can reach to: no further than a path is long, nor than the first folder that is
+// missing. Otherwise each of thousands of cuts would be looked for.
+TextView TPathChecks::PossiblePart(TextView command) {
+  const TextView possible = command.substr(0, kLongestPath + 1);
+  // A folder before ".." need not exist.
+  if (Contains(possible, u".."))
+    return possible;
+  std::size_t end = possible.find(u'\\');
+  while (end != TextView::npos && !IsStopped()) {
+    end = possible.find(u'\\', end + 1);
+    if (end != TextView::npos && !FileOrFolderExists(possible.substr(0, end), false))
+      return possible.substr(0, end);
+  }
+  return possible;
 }
 
 std::optional<Text> TPathChecks::SplitCommandFile(TextView text) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 #include "base/text.h"
@@ -23,8 +24,12 @@ Text ExpandPathVariables(TextView text, const TGlobalVars& vars);
 // The questions that need the file system and the program environment.
 class TPathChecks {
  public:
-  // Both must outlive the checks.
-  TPathChecks(FileSystemProbe& probe, const TGlobalVars& vars) : m_probe(probe), m_vars(vars) {
+  // Tells that nobody waits for the answer any more.
+  using TStop = std::function<bool()>;
+
+  // Both must outlive the checks. Once stop is true every check may return that the file exists.
+  TPathChecks(FileSystemProbe& probe, const TGlobalVars& vars, TStop stop = {})
+      : m_probe(probe), m_vars(vars), m_stop(std::move(stop)) {
   }
 
   Text ExpandPathVariables(TextView text) const {
@@ -32,10 +37,11 @@ class TPathChecks {
   }
 
   // True for a path that is not on a fixed drive; otherwise whether the file, or without filesOnly the
-  // folder, exists, asked a second time without the 64-bit redirection where there is one.
+  // folder, exists. A 64-bit program asks a second time below SysWOW64 for what is missing below the system
+  // folder (32-bit components name the system folder and lie there), a 32-bit one without the redirection.
   bool FileOrFolderExists(TextView path, bool filesOnly);
 
-  // The longest leading part of a command line that is an existing file, as it was found; nothing when there
+  // The longest leading part of a command line that is an existing file, as it was found; nullopt when there
   // is none.
   std::optional<Text> SplitCommandFile(TextView text);
 
@@ -49,7 +55,12 @@ class TPathChecks {
   }
 
  private:
+  bool IsStopped() const {
+    return m_stop && m_stop();
+  }
+  bool IsOnFixedDrive(TextView path) const;
   bool Exists(TextView path, bool filesOnly);
+  bool ExistsForOtherBitness(TextView path, bool filesOnly);
 
   // The long form of a text that contains "~"; any other text, and one that has no long form, as it is.
   Text LongForm(TextView path);
@@ -58,10 +69,12 @@ class TPathChecks {
   std::optional<Text> FoundAs(TextView path, bool filesOnly);
   std::optional<Text> FoundWithOrWithoutExtension(TextView path, bool filesOnly);
   std::optional<Text> LongestExistingFile(TextView command);
+  TextView PossiblePart(TextView command);
   bool QuotedFileExists(TextView quoted);
 
   FileSystemProbe& m_probe;
   const TGlobalVars& m_vars;
+  TStop m_stop;
 };
 
 // A size in bytes in words: "%d Byte" below 1024 (negative ones included), then KB, MB and GB by powers of

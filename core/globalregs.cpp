@@ -1,5 +1,6 @@
 #include "core/globalregs.h"
 
+#include "core/datafiles.h"
 #include "core/settings.h"
 #include "core/settingskeys.h"
 #include "formats/inflate.h"
@@ -20,11 +21,16 @@ std::unique_ptr<RegistryStore> UserStore(TSystem& system) {
 }
 
 std::vector<Text> LoadExclusions(TSystem& system, const TGlobalVars& vars) {
-  std::vector<std::uint8_t> file;
-  if (system.Files.ReadFile(vars.ProgramFolder + u"data\\registry.dat", file).Failed())
-    return {};
-  const auto content = InflateDataFile(file);
-  return content ? ParseExclusions(SplitLines(DecodeTextFile(*content, system.Locale))) : std::vector<Text>();
+  const auto file = ReadDataFile(system.Files, vars.ProgramFolder + u"data\\registry.dat");
+  const auto content = file ? InflateDataFile(*file) : std::nullopt;
+  std::vector<Text> exclusions;
+  if (!content)
+    return exclusions;
+  VisitFileLines(*content, system.Locale, [&exclusions](TextView line) {
+    if (std::optional<Text> entry = ParseExclusion(line))
+      exclusions.push_back(*std::move(entry));
+  });
+  return exclusions;
 }
 
 void LoadCleanerSettings(TSystem& system, const TGlobalVars& vars, TGlobalReg& reg) {
@@ -42,17 +48,12 @@ void LoadCleanerSettings(TSystem& system, const TGlobalVars& vars, TGlobalReg& r
 
 }  // namespace
 
-std::vector<Text> ParseExclusions(const std::vector<Text>& lines) {
-  std::vector<Text> exclusions;
-  for (const Text& line : lines) {
-    const Text trimmed = Trim(line);
-    if (trimmed.starts_with(u';'))
-      continue;
-    Text entry = Trim(CutAt(u"//", trimmed));
-    if (!entry.empty())
-      exclusions.push_back(std::move(entry));
-  }
-  return exclusions;
+std::optional<Text> ParseExclusion(TextView line) {
+  const Text trimmed = Trim(line);
+  Text entry = Trim(CutAt(u"//", trimmed));
+  if (trimmed.starts_with(u';') || entry.empty())
+    return std::nullopt;
+  return entry;
 }
 
 std::vector<Text> LoadIgnoreList(TSystem& system) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "base/text.h"
@@ -21,8 +22,9 @@ struct TGlobalReg {
 // Fills all of it. A missing or unreadable exclusion file leaves the exclusions empty.
 void FillGlobalReg(TSystem& system, const TGlobalVars& vars, TGlobalReg& reg);
 
-// The exclusions that a data file's lines say: comments, remarks and empty lines removed, the rest trimmed.
-std::vector<Text> ParseExclusions(const std::vector<Text>& lines);
+// The exclusion that a line of the data file holds: without its remark, trimmed. nullopt for a comment and
+// for a line that holds none.
+std::optional<Text> ParseExclusion(TextView line);
 
 // The enabled and switched-off entries that are stored with true, in enumeration order.
 std::vector<Text> LoadIgnoreList(TSystem& system);

@@ -1,5 +1,8 @@
 #include "core/globals.h"
 
+#include <algorithm>
+
+#include "base/devicenames.h"
 #include "base/lettercase.h"
 #include "core/settings.h"
 #include "core/settingskeys.h"
@@ -96,6 +99,8 @@ void FillFolders(TSystem& system, TGlobalVars& vars) {
   FillShellFolders(system, kHkeyLocalMachine, u"Common ", vars.AllUsersFolder, vars.CommonStartupFolder,
                    vars.CommonStartMenuFolder, vars.CommonProgramsFolder);
   MakeLongWithBackslash(system, vars);
+  if (sizeof(void*) == 8)
+    vars.SysWow64Folder = vars.WindowsFolder + u"SysWOW64\\";
 }
 
 // The parts of text between separators that are not empty.
@@ -142,6 +147,24 @@ Text ParentFolder(const Text& folder) {
   return parent.empty() ? folder : parent;
 }
 
+// Whether a path names a device: by its form ("\\\\.\\"), or by one of its names.
+bool NamesDevice(TextView path) {
+  const std::vector<Text> names = NonEmptyParts(ReplaceAll(path, u"/", u"\\"), u'\\');
+  return path.starts_with(u"\\\\.\\") || std::any_of(names.begin(), names.end(), IsDeviceName);
+}
+
+// The data path of the portable mode as its file gives it; a relative one lies in the program's folder. Empty
+// for one that can't be meant: a device, or a folder relative to a drive's current one ("D:data").
+Text DataPathOf(const Text& given, const Text& programFolder) {
+  const bool hasDrive = given.size() > 1 && given[1] == u':';
+  if (given.empty() || NamesDevice(given) || (hasDrive && !given.substr(2).starts_with(u'\\')))
+    return {};
+  if (hasDrive || given.starts_with(u"\\\\"))
+    return given;
+  // "\data" begins at the root of the program's drive.
+  return given.starts_with(u'\\') ? programFolder.substr(0, 2) + given : programFolder + given;
+}
+
 void FillPortableMode(TSystem& system, TGlobalVars& vars, Text& dataPath) {
   vars.IsPortable = false;
   std::vector<std::uint8_t> bytes;
@@ -153,7 +176,7 @@ void FillPortableMode(TSystem& system, TGlobalVars& vars, Text& dataPath) {
   if (ParseInteger(type).value_or(0) == 0)
     return;
   vars.IsPortable = true;
-  dataPath = settings.Read(u"Portable", u"DataPath").value_or(Text());
+  dataPath = DataPathOf(settings.Read(u"Portable", u"DataPath").value_or(Text()), vars.ProgramFolder);
   if (dataPath.empty())
     dataPath = ParentFolder(vars.ProgramFolder) + u"data\\common\\Administrator\\";
   dataPath = WithTrailingBackslash(dataPath);

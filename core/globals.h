@@ -40,6 +40,10 @@ struct TGlobalVars {
   Text SkinPath;
   TLanguageTexts Texts;
 
+  // What 32-bit programs see for the system folder, with a trailing "\". Empty in a 32-bit program, which
+  // sees it there itself.
+  Text SysWow64Folder;
+
   // Where the program lies, with a trailing "\".
   Text ProgramFolder;
 };

@@ -1,5 +1,7 @@
 #include "core/languagetexts.h"
 
+#include "base/devicenames.h"
+#include "core/datafiles.h"
 #include "core/globals.h"
 #include "core/settingskeys.h"
 #include "formats/textfile.h"
@@ -11,9 +13,8 @@ namespace {
 constexpr TextView kEnglishFile = u"english.lng";
 
 TLanguageTable LoadTable(TSystem& system, const Text& path) {
-  std::vector<std::uint8_t> bytes;
-  system.Files.ReadFile(path, bytes);
-  return TLanguageTable::FromFile(bytes, system.Locale);
+  const auto bytes = ReadDataFile(system.Files, path);
+  return bytes ? TLanguageTable::FromFile(*bytes, system.Locale) : TLanguageTable();
 }
 
 Text LanguagesFolder(TextView programFolder) {
@@ -31,7 +32,7 @@ Text ChooseLanguage(TSystem& system, const Text& languagesFolder, TRegistryAcces
   store->SetRootKey(kHkeyCurrentUser);
   store->OpenKey(kSuiteKey, true);
   Text name = store->ReadString(kLanguageValue);
-  if (name.empty() || !system.Probe.FileExists(languagesFolder + name)) {
+  if (!IsPlainFileName(name) || IsDeviceName(name) || !system.Probe.FileExists(languagesFolder + name)) {
     name = kEnglishFile;
     store->WriteString(kLanguageValue, name);
   }
@@ -43,15 +44,14 @@ Text ChooseLanguage(TSystem& system, const Text& languagesFolder, TRegistryAcces
 
 TLanguageTable TLanguageTable::FromFile(std::span<const std::uint8_t> bytes, TLocale& locale) {
   TLanguageTable table;
-  for (const Text& line : SplitLines(DecodeTextFile(bytes, locale))) {
+  VisitFileLines(bytes, locale, [&table](TextView line) {
     const std::size_t equals = line.find(u'=');
-    if (equals == Text::npos)
-      continue;
-    const TextView view = line;
+    if (equals == TextView::npos)
+      return;
     // Trimmed with its "=", so that a blank after it stays.
-    const Text textWithEquals = Trim(view.substr(equals));
-    table.m_lines.emplace(Trim(view.substr(0, equals)), textWithEquals.substr(1));
-  }
+    const Text textWithEquals = Trim(line.substr(equals));
+    table.m_lines.emplace(Trim(line.substr(0, equals)), textWithEquals.substr(1));
+  });
   return table;
 }
 

@@ -37,4 +37,20 @@ Text DecodeTextFile(std::span<const std::uint8_t> bytes, TLocale& locale) {
   return text ? *std::move(text) : locale.DecodeAnsi(characters);
 }
 
+void VisitFileLines(std::span<const std::uint8_t> bytes, TLocale& locale,
+                    const std::function<void(TextView line)>& visit) {
+  std::string_view characters = AsCharacters(bytes);
+  if (characters.starts_with(kUtf16LittleEndianMark) || characters.starts_with(kUtf16BigEndianMark)) {
+    VisitLines(TextView(DecodeTextFile(bytes, locale)), visit);
+    return;
+  }
+  if (characters.starts_with(kUtf8Mark))
+    characters.remove_prefix(kUtf8Mark.size());
+  // No character of UTF-8 or of an ANSI code page holds a line's end within it.
+  bool isUtf8 = true;
+  VisitLines(characters, [&](std::string_view line) { isUtf8 = isUtf8 && DecodeUtf8(line).has_value(); });
+  VisitLines(characters,
+             [&](std::string_view line) { visit(isUtf8 ? *DecodeUtf8(line) : locale.DecodeAnsi(line)); });
+}
+
 }  // namespace corvalt

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 
 #include "base/text.h"
@@ -13,6 +14,11 @@ namespace corvalt {
 // one the bytes are UTF-8 when they are valid UTF-8, else they are in the ANSI code page. An odd last byte of
 // UTF-16 is dropped.
 Text DecodeTextFile(std::span<const std::uint8_t> bytes, TLocale& locale);
+
+// Calls visit with each line of what DecodeTextFile returns. Of a file that is not UTF-16 only one line at a
+// time is decoded, so that a large one costs little beside its bytes.
+void VisitFileLines(std::span<const std::uint8_t> bytes, TLocale& locale,
+                    const std::function<void(TextView line)>& visit);
 
 // The parts of it, for files that are written back as they were read.
 inline constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";

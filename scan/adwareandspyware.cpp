@@ -2,6 +2,7 @@
 // data file.
 
 #include "base/lettercase.h"
+#include "core/datafiles.h"
 #include "formats/inflate.h"
 #include "formats/nativexml.h"
 #include "scan/threadscan.h"
@@ -29,10 +30,8 @@ TRootedPath SplitRoot(TextView path) {
 }
 
 std::optional<TNativeXml> LoadCatalogue(TFileStore& files, TextView path) {
-  std::vector<std::uint8_t> file;
-  if (files.ReadFile(path, file).Failed())
-    return std::nullopt;
-  const std::optional<std::vector<std::uint8_t>> content = InflateDataFile(file);
+  const auto file = ReadDataFile(files, path);
+  const auto content = file ? InflateDataFile(*file) : std::nullopt;
   return content ? TNativeXml::Parse(*content) : std::nullopt;
 }
 

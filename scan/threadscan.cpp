@@ -80,7 +80,7 @@ TScan::TScan(TScanContext context, TProgressDialog& progressDialog)
     : TWorkerThread(context.UiThread),
       m_context(std::move(context)),
       m_probe(m_context.System.Probe),
-      m_paths(m_probe, m_context.Vars),
+      m_paths(m_probe, m_context.Vars, [this] { return Terminated(); }),
       m_ignored(IgnoredPhrases(m_context.Reg)),
       Registry(m_context.System.Registry.CreateStore(TRegistryAccess::Read)),
       ProgressDialog(progressDialog) {
@@ -266,7 +266,10 @@ bool TScan::CommandPathExists(TextView originalText) {
     text = CutAt(separator, text);
   for (const TextView module : {u".dll\\", u".ocx\\", u".exe\\"})
     text = CutBelowModule(text, module);
-  return m_paths.CommandLineFileExists(text, true) || m_paths.CommandLineFileExists(CutAt(u"(", text), true);
+  if (m_paths.CommandLineFileExists(text, true))
+    return true;
+  const Text beforeParenthesis = CutAt(u"(", text);
+  return beforeParenthesis.size() != text.size() && m_paths.CommandLineFileExists(beforeParenthesis, true);
 }
 
 }  // namespace corvalt

@@ -8,8 +8,8 @@
 
 namespace corvalt {
 
-// The real places of the keys on the way to the key that is walked. A registry link may lead back to one of its
-// own parents; a walk that followed it would not end.
+// The real places of the keys on the way to the key that is walked. A registry link may lead back to one of
+// its own parents; a walk that followed it would not end.
 class TWalkedPlaces {
  public:
   // Goes on to a key whose real place (RegistryStore::RealPath) this is, reached by name from the key entered

@@ -13,6 +13,12 @@ namespace corvalt {
 // GetDriveType's answer for a fixed drive (DRIVE_FIXED, winbase.h).
 inline constexpr std::uint32_t kDriveFixed = 3;
 
+// Whether the system's error about a path means that there is no such file or folder (winerror.h): file or
+// path not found, and the codes of paths that nothing can have: invalid name, bad path, a file where a folder
+// should be, a path too long. Every other error (no access, a drive that is not ready, a locked file) tells
+// nothing: what can't be asked about exists.
+bool MeansMissing(std::uint32_t error);
+
 struct TFolderEntry {
   Text Name;
   Text ShortName;  // the 8.3 name, empty when it has none of its own
@@ -24,8 +30,8 @@ class FileSystemProbe {
  public:
   virtual ~FileSystemProbe() = default;
 
-  // Plain existence, as the attributes say: a folder is no file and a file no folder. Wildcards match
-  // nothing.
+  // Existence by the attributes: a folder is no file and a file no folder. What can't be asked about, see
+  // MeansMissing, is taken for either. Wildcards match nothing. Paths may be longer than 260 units.
   virtual bool FileExists(TextView path) = 0;
   virtual bool DirectoryExists(TextView path) = 0;
 

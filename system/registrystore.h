@@ -65,8 +65,8 @@ class RegistryStore {
 
   // Where the open key really lies, as the system names it ("\REGISTRY\USER\...\Software"): registry links
   // on the way are resolved, and below HKEY_CLASSES_ROOT the user's hive is told from the machine's
-  // (ZwQueryKey with KeyNameInformation, learn.microsoft.com). nullopt when no key is open, for a root that has
-  // no single place, and where the system can't tell.
+  // (ZwQueryKey with KeyNameInformation, learn.microsoft.com). nullopt when no key is open, for a root that
+  // has no single place, and where the system can't tell.
   virtual std::optional<Text> RealPath() = 0;
 
   // Deletes a key with all its subkeys; paths as in OpenKey. A key that is itself a registry link, or that

@@ -2,21 +2,13 @@
 
 #include <algorithm>
 
+#include "base/devicenames.h"
 #include "platform/memory/memoryfolder.h"
 #include "system/machine.h"
 
 namespace corvalt {
 
 namespace {
-
-bool IsDeviceName(TextView name) {
-  static const std::set<Text> kDevices = {u"CON", u"PRN", u"AUX", u"NUL"};
-  const Text stem = UpperCase(Trim(CutAt(u".", name)));
-  if (kDevices.count(stem) != 0)
-    return true;
-  const bool numbered = stem.size() == 4 && stem[3] >= u'1' && stem[3] <= u'9';
-  return numbered && (stem.substr(0, 3) == u"COM" || stem.substr(0, 3) == u"LPT");
-}
 
 bool HasWildcard(TextView path) {
   return path.find_first_of(u"*?") != TextView::npos;
@@ -109,6 +101,21 @@ void TMemoryDisk::MakeLink(TextView path, bool isNameSurrogate) {
 }
 void TMemoryDisk::MakeUnreadable(TextView path) {
   Find(path)->IsUnreadable = true;
+}
+
+void TMemoryDisk::FailAsking(TextView path, std::uint32_t code) {
+  m_askingFailures[UpperCase(path)] = code;
+}
+
+std::uint32_t TMemoryDisk::AskingFailure(TextView path) const {
+  Text upper;
+  for (const Text& name : Components(path))
+    upper += (upper.empty() ? u"" : u"\\") + UpperCase(name);
+  for (const auto& [failing, code] : m_askingFailures) {
+    if (upper == failing || upper.starts_with(failing + u"\\"))
+      return code;
+  }
+  return 0;
 }
 
 void TMemoryDisk::Remove(TextView path) {
@@ -212,12 +219,16 @@ void TMemoryDisk::Note(std::string_view what, TextView path) const {
 
 bool TMemoryDisk::FileExists(TextView path) {
   ++m_questions;
+  if (const std::uint32_t failure = AskingFailure(path))
+    return !MeansMissing(failure);
   const TMemoryFile* file = Find(path);
   return file != nullptr && !file->IsFolder;
 }
 
 bool TMemoryDisk::DirectoryExists(TextView path) {
   ++m_questions;
+  if (const std::uint32_t failure = AskingFailure(path))
+    return !MeansMissing(failure);
   const TMemoryFile* file = Find(path);
   return file != nullptr && file->IsFolder;
 }
@@ -284,6 +295,8 @@ std::int64_t TMemoryDisk::FileSize(TextView path) {
 
 FileSystemProbe::TListing TMemoryDisk::ListFolder(TextView folder, std::vector<TFolderEntry>& entries) {
   ++m_questions;
+  if (const std::uint32_t failure = AskingFailure(folder))
+    return MeansMissing(failure) ? TListing::Missing : TListing::Unreadable;
   const TMemoryFile* file = Find(folder);
   if (file == nullptr)
     return TListing::Missing;

@@ -54,6 +54,10 @@ class TMemoryDisk : public FileSystemProbe, public TFileStore {
   // A reparse point: a junction, or one that is no name surrogate, such as a deduplicated file.
   void MakeLink(TextView path, bool isNameSurrogate = true);
   void MakeUnreadable(TextView path);
+  // From now on a question about the path, or about anything below it, fails with this code
+  // (GetFileAttributesW, learn.microsoft.com), whether something is there or not; its folders can't be
+  // listed.
+  void FailAsking(TextView path, std::uint32_t code);
   void Remove(TextView path);
   void SetEnvironmentVariable(TextView name, TextView value);
 
@@ -149,6 +153,8 @@ class TMemoryDisk : public FileSystemProbe, public TFileStore {
                             std::span<const std::uint8_t> bytes);
   TSystemError DeleteEntry(TMemoryFile& folder, const TMemoryFile& file, TextView path);
   static TFileInfo InfoOf(const TMemoryFile* file, TextView name);
+  // The code that questions about the path fail with; 0 for none.
+  std::uint32_t AskingFailure(TextView path) const;
   TMemoryFile& Create(TextView path, bool isFolder);
   std::vector<Text> Components(TextView path) const;
   void Note(std::string_view what, TextView path) const;
@@ -162,6 +168,7 @@ class TMemoryDisk : public FileSystemProbe, public TFileStore {
   };
   std::map<Text, TDrive> m_drives;  // by "C:"
   std::map<Text, Text, TLessIgnoringCase> m_environment;
+  std::map<Text, std::uint32_t> m_askingFailures;  // by upper-cased path
   std::vector<TRedirection> m_redirections;
   int m_redirectionOff = 0;
   int m_redirectionSwitches = 0;

@@ -60,14 +60,19 @@ bool IsLinkPath(const Text& path, DWORD attributes) {
   return IsLinkOf(attributes, search ? found.dwReserved0 : 0);
 }
 
-bool IsDevicePath(const Text& path) {
+Text FullPathOf(const Text& path) {
   Text full(kUsualPath, u'\0');
   DWORD length = GetFullPathNameW(Wide(path), kUsualPath, WideBuffer(full), nullptr);
   if (length > full.size()) {
     full.resize(length);
     length = GetFullPathNameW(Wide(path), length, WideBuffer(full), nullptr);
   }
-  return TextView(full).substr(0, length).starts_with(u"\\\\.\\");
+  full.resize(std::min<std::size_t>(length, full.size()));
+  return full;
+}
+
+bool IsDevicePath(const Text& path) {
+  return FullPathOf(path).starts_with(u"\\\\.\\");
 }
 
 std::int64_t SizeOf(DWORD high, DWORD low) {

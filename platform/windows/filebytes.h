@@ -25,6 +25,9 @@ namespace corvalt {
 // The same of what a path with these attributes names; a "\" at its end would follow a link.
 [[nodiscard]] bool IsLinkPath(const Text& path, DWORD attributes);
 
+// The whole path as the system makes it of a relative one or one with "..". Empty when it fails.
+[[nodiscard]] Text FullPathOf(const Text& path);
+
 // Whether the system takes the path for that of a device, such as "nul" or "com1.txt" in any folder.
 [[nodiscard]] bool IsDevicePath(const Text& path);
 

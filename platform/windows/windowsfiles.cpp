@@ -15,16 +15,49 @@ constexpr int kMostTemporaryNames = 100;
 
 constexpr DWORD kNoSuchFile = INVALID_FILE_ATTRIBUTES;
 
+// A path of this many units or more is only taken in the form that names the system's own objects (Maximum
+// Path Length Limitation, learn.microsoft.com).
+constexpr std::size_t kLongestPlainPath = 260;
+
+// The path in a form that the system takes whatever its length.
+Text AnyLength(TextView path) {
+  Text plain(path);
+  if (path.size() < kLongestPlainPath || path.starts_with(u"\\\\?\\") || path.starts_with(u"\\\\.\\"))
+    return plain;
+  const Text full = FullPathOf(plain);
+  if (full.empty() || full.starts_with(u"\\\\.\\"))
+    return plain;
+  return full.starts_with(u"\\\\") ? u"\\\\?\\UNC" + full.substr(1) : u"\\\\?\\" + full;
+}
+
 DWORD AttributesOf(TextView path) {
   if (HoldsNul(path)) {
     SetLastError(ERROR_INVALID_NAME);
     return kNoSuchFile;
   }
-  return GetFileAttributesW(Wide(Text(path)));
+  return GetFileAttributesW(Wide(AnyLength(path)));
 }
 
-bool SaysMissing(DWORD error) {
-  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+enum class TExistence { Missing, File, Folder, Unknown };
+
+TExistence ExistenceOf(DWORD attributes) {
+  return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? TExistence::Folder : TExistence::File;
+}
+
+// The attributes of what can't be opened may still be read in its folder.
+TExistence ExistenceInItsFolder(TextView path) {
+  WIN32_FIND_DATAW found = {};
+  if (path.find_first_of(u"*?") != TextView::npos)
+    return TExistence::Unknown;
+  const TOwnedFind search(FindFirstFileW(Wide(AnyLength(path)), &found));
+  return search ? ExistenceOf(found.dwFileAttributes) : TExistence::Unknown;
+}
+
+TExistence ExistenceAt(TextView path) {
+  const DWORD attributes = AttributesOf(path);
+  if (attributes != kNoSuchFile)
+    return ExistenceOf(attributes);
+  return MeansMissing(GetLastError()) ? TExistence::Missing : ExistenceInItsFolder(path);
 }
 
 TFolderEntry EntryOf(const WIN32_FIND_DATAW& found) {
@@ -45,7 +78,7 @@ bool IsDotName(const Text& name) {
 FileSystemProbe::TListing WithoutListing(TextView folder, DWORD error, std::vector<TFolderEntry>& entries) {
   const DWORD attributes = AttributesOf(folder);
   if (attributes == kNoSuchFile) {
-    const bool missing = SaysMissing(error) && SaysMissing(GetLastError());
+    const bool missing = MeansMissing(error) && MeansMissing(GetLastError());
     return missing ? FileSystemProbe::TListing::Missing : FileSystemProbe::TListing::Unreadable;
   }
   if (error != ERROR_FILE_NOT_FOUND || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
@@ -112,13 +145,13 @@ TWindowsProbe::TWindowsProbe() {
 }
 
 bool TWindowsProbe::FileExists(TextView path) {
-  const DWORD attributes = AttributesOf(path);
-  return attributes != kNoSuchFile && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+  const TExistence existence = ExistenceAt(path);
+  return existence == TExistence::File || existence == TExistence::Unknown;
 }
 
 bool TWindowsProbe::DirectoryExists(TextView path) {
-  const DWORD attributes = AttributesOf(path);
-  return attributes != kNoSuchFile && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  const TExistence existence = ExistenceAt(path);
+  return existence == TExistence::Folder || existence == TExistence::Unknown;
 }
 
 std::optional<Text> TWindowsProbe::GetLongPathName(TextView path) {
@@ -190,7 +223,7 @@ FileSystemProbe::TListing TWindowsProbe::ListFolder(TextView folder, std::vector
   if (folder.empty() || HoldsNul(folder))
     return TListing::Unreadable;
   WIN32_FIND_DATAW found = {};
-  const TOwnedFind search(FindFirstFileW(Wide(WithTrailingBackslash(folder) + u"*"), &found));
+  const TOwnedFind search(FindFirstFileW(Wide(AnyLength(WithTrailingBackslash(folder) + u"*")), &found));
   if (!search)
     return WithoutListing(folder, GetLastError(), entries);
   std::vector<TFolderEntry> listed;

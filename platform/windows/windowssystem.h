@@ -15,7 +15,13 @@ namespace corvalt {
 
 class TWindowsSystem {
  public:
-  // Good as long as this object.
+  // Without it the system would ask the user for a medium whenever a drive that has none is asked about
+  // (SetErrorMode, learn.microsoft.com). It counts for the whole process.
+  TWindowsSystem() {
+    SetErrorMode(SEM_FAILCRITICALERRORS);
+  }
+
+  // Valid as long as this object.
   TSystem Bundle() {
     return {Registry, Raw, Probe, Files, Machine, Locale, Clock, TheShell, Interprocess};
   }

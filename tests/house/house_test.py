@@ -150,6 +150,9 @@ class ManifestAudit(unittest.TestCase):
     def test_a_scale_that_the_system_must_fake(self):
         self.assert_fault(">true</dpiAware>", ">false</dpiAware>", "scale")
 
+    def test_paths_of_260_units_at_most(self):
+        self.assert_fault(">true</longPathAware>", ">false</longPathAware>", "long paths")
+
     def test_another_code_page(self):
         page = '<activeCodePage xmlns="urn:x">UTF-8</activeCodePage></windowsSettings>'
         self.assert_fault("</windowsSettings>", page, "code page")

@@ -57,6 +57,8 @@ def faults(content, level):
     listed = [element.get("Id") for element in root.iter(COMPATIBILITY + "supportedOS")]
     found += [f"does not support {name}" for identity, name in SYSTEMS.items() if identity not in listed]
     found += [f"supports the unknown system {identity}" for identity in listed if identity not in SYSTEMS]
+    if texts(root, SETTINGS_2016 + "longPathAware") != ["true"]:
+        found.append("does not take long paths")
     if any(element.tag.endswith("}activeCodePage") for element in root.iter()):
         found.append("changes what the ANSI code page is")
     return found

@@ -165,7 +165,12 @@ int HealthyEntries() {
 }
 
 std::vector<Text> ShippedExclusions() {
-  return ParseExclusions(LinesOf("data/exclusions.txt"));
+  std::vector<Text> exclusions;
+  for (const Text& line : LinesOf("data/exclusions.txt")) {
+    if (std::optional<Text> entry = ParseExclusion(line))
+      exclusions.push_back(*std::move(entry));
+  }
+  return exclusions;
 }
 
 TFoundLines FoundLines(TScanRig& rig) {

@@ -51,10 +51,10 @@ TEST_F(LinksToClasses, AClassThatOnly32BitProgramsSeeIsThere) {
 TEST_F(LinksToClasses, AClassInNeitherViewIsMissing) {
   LinkFromEverywhere();
   Rig.Run({kCustomControls, kFileAssociations});
-  EXPECT_EQ(Keys(),
-            (TStrings{"\\Interface\\{1}\\ProxyStubClsid", "\\Interface\\{1}\\ProxyStubClsid32", "\\App\\CLSID",
-                      "\\App\\CLSID", "\\App\\Shell\\open", "\\App\\shellex\\ContextMenuHandlers\\Named",
-                      "\\App\\shellex\\PropertySheetHandlers\\{0A}"}));
+  EXPECT_EQ(Keys(), (TStrings{"\\Interface\\{1}\\ProxyStubClsid", "\\Interface\\{1}\\ProxyStubClsid32",
+                              "\\App\\CLSID", "\\App\\CLSID", "\\App\\Shell\\open",
+                              "\\App\\shellex\\ContextMenuHandlers\\Named",
+                              "\\App\\shellex\\PropertySheetHandlers\\{0A}"}));
 }
 
 TEST_F(LinksToClasses, AClassThatWasReportedIsBrokenThoughTheOtherViewHasIt) {

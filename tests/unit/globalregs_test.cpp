@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/datafiles.h"
 #include "platform/memory/memorysystem.h"
 #include "tests/support/datafile.h"
 
@@ -37,6 +38,15 @@ class CleanerSettings : public testing::Test {
   TGlobalVars Vars;
   TGlobalReg Reg;
 };
+
+TTexts ParseExclusions(const TTexts& lines) {
+  TTexts entries;
+  for (const Text& line : lines) {
+    if (const std::optional<Text> entry = ParseExclusion(line))
+      entries.push_back(*entry);
+  }
+  return entries;
+}
 
 TEST(ParseExclusions, ALineWithARemarkYieldsItsEntryTrimmed) {
   EXPECT_EQ(ParseExclusions({u"  \\software\\microsoft\\foo  \t // kept by the system // really"}),
@@ -152,6 +162,22 @@ TEST_F(CleanerSettings, WritingBackWithoutAccessIsSilent) {
   TSystem bundle = System.Bundle();
   SaveCleanerSettings(bundle, TGlobalReg{{}, {}, u"D:\\", 9});
   EXPECT_EQ(System.Registry.FindValue(kSettings, u"regbackupcount")->Data, (TBytes{5, 0, 0, 0}));
+}
+
+TEST_F(CleanerSettings, ADataFileOfLineFeedsIsReadLineByLine) {
+  AddExclusions(std::string(8 * 1024 * 1024, '\n') + "\\entry");
+  EXPECT_EQ(Fill().BuiltInExclusions, TTexts{u"\\entry"});
+}
+
+TEST_F(CleanerSettings, ADataFileThatIsTooLargeCountsAsUnreadable) {
+  AddExclusions("\\entry");
+  const Text path = u"C:\\Corvalt\\data\\registry.dat";
+  const std::string whole = *System.Disk.Content(path);
+  System.Disk.AddFile(path,
+                      whole + std::string(kLargestDataFile - static_cast<std::int64_t>(whole.size()), ' '));
+  EXPECT_EQ(Fill().BuiltInExclusions, TTexts{u"\\entry"});
+  System.Disk.AddFile(path, whole + std::string(kLargestDataFile, ' '));
+  EXPECT_EQ(Fill().BuiltInExclusions, TTexts{});
 }
 
 }  // namespace

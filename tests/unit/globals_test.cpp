@@ -348,6 +348,40 @@ TEST_F(Environment, AProgramAtTheRootHasItsDataThere) {
   EXPECT_EQ(Fill().SuiteDataFolder, u"C:\\data\\common\\Administrator\\TessalySoft\\");
 }
 
+TEST_F(Environment, ARelativePortableDataPathLiesInTheProgramFolder) {
+  const auto backups = [this](std::string_view dataPath) {
+    System.Disk.AddFile(u"C:\\Suite\\Corvalt\\settings.ini",
+                        "[Portable]\nType=1\nDataPath=" + std::string(dataPath));
+    return Fill().SuiteDataFolder;
+  };
+  EXPECT_EQ(backups("data"), u"C:\\Suite\\Corvalt\\data\\TessalySoft\\");
+  EXPECT_EQ(backups("..\\data\\"), u"C:\\Suite\\Corvalt\\..\\data\\TessalySoft\\");
+  EXPECT_EQ(backups("\\data"), u"C:\\data\\TessalySoft\\");
+  EXPECT_EQ(backups("\\\\server\\share"), u"\\\\server\\share\\TessalySoft\\");
+}
+
+TEST_F(Environment, APortableDataPathThatNamesADeviceCountsAsAbsent) {
+  for (const std::string dataPath :
+       {"nul", "D:\\data\\com1", "\\\\.\\PhysicalDrive0", "aux.txt\\data", "D:data"}) {
+    System.Disk.AddFile(u"C:\\Suite\\Corvalt\\settings.ini", "[Portable]\nType=1\nDataPath=" + dataPath);
+    EXPECT_EQ(Fill().SuiteDataFolder, u"C:\\Suite\\data\\common\\Administrator\\TessalySoft\\") << dataPath;
+  }
+}
+
+TEST_F(Environment, ALanguageThatIsNoFileOfItsFolderCountsAsMissing) {
+  constexpr TextView kSuite = u"HKEY_CURRENT_USER\\SOFTWARE\\TessalySoft\\Tessaly Utilities";
+  System.Disk.AddFile(u"C:\\Suite\\Corvalt\\languages\\german.lng", "10001=Datei");
+  System.Disk.AddFile(u"C:\\Suite\\Corvalt\\evil.lng", "10001=x");
+  System.Disk.AddFile(u"C:\\Suite\\Corvalt\\languages\\sub\\evil.lng", "10001=x");
+  for (const TextView name : {u"..\\evil.lng", u"../evil.lng", u"sub\\evil.lng", u".\\german.lng", u"nul",
+                              u"con.lng", u"C:\\Suite\\Corvalt\\evil.lng", u"german.lng:x", u".."}) {
+    System.Registry.Set(kSuite, u"Language", name);
+    EXPECT_EQ(Fill().LanguageName, u"english.lng") << EncodeUtf8(name);
+  }
+  System.Registry.Set(kSuite, u"Language", u"german.lng");
+  EXPECT_EQ(Fill().LanguageName, u"german.lng");
+}
+
 TEST_F(Environment, ThePortableTypeIsAnIntegerOtherThanZero) {
   const auto isPortable = [this](std::string_view type) {
     System.Disk.AddFile(u"C:\\Suite\\Corvalt\\settings.ini", "[Portable]\r\nType=" + std::string(type));

@@ -63,8 +63,8 @@ TEST_F(RegistryLinks, OfTwoLinksToEachOtherOnlyTheFirstIsFollowed) {
   Set(u"\\Software\\B");
   Link(u"\\Software\\A\\ToB", u"\\Software\\B");
   Link(u"\\Software\\B\\ToA", u"\\Software\\A");
-  EXPECT_EQ(KeysFound(), (TStrings{"\\Software\\A", "\\Software\\A\\ToB", "\\Software\\B",
-                                   "\\Software\\B\\ToA"}));
+  EXPECT_EQ(KeysFound(),
+            (TStrings{"\\Software\\A", "\\Software\\A\\ToB", "\\Software\\B", "\\Software\\B\\ToA"}));
 }
 
 TEST_F(RegistryLinks, ManyLinksToAParentCostNoMoreThanThemselves) {
