@@ -153,26 +153,24 @@ std::optional<Text> TPathChecks::LongestExistingFile(TextView command) {
   for (auto rest = CutAtLastBlank(possible); rest && !found; rest = CutAtLastBlank(*rest)) {
     if (isMonstrous && IsStopped())
       return Text(*rest);
-    if (rest->size() - LastPos(u"\\", *rest) <= kLongestName)
-      found = FoundWithOrWithoutExtension(*rest, true);
+    found = FoundWithOrWithoutExtension(*rest, true);
   }
   return found;
 }
 
-// What a command line's file can reach to: no further than a path is long, nor than the first folder that is
-// missing. Otherwise each of thousands of cuts would be looked for.
+// What a command line's file and the blank behind it can reach to: no further than a path and its last name
+// are long, nor than the first folder that is missing. Otherwise each of thousands of cuts would be looked
+// for.
 TextView TPathChecks::PossiblePart(TextView command) {
-  const TextView possible = command.substr(0, kLongestPath + 1);
+  TextView possible = command.substr(0, kLongestPath + 1);
   // A folder before ".." need not exist.
-  if (Contains(possible, u".."))
-    return possible;
-  std::size_t end = possible.find(u'\\');
+  std::size_t end = Contains(possible, u"..") ? TextView::npos : possible.find(u'\\');
   while (end != TextView::npos && !IsStopped()) {
     end = possible.find(u'\\', end + 1);
     if (end != TextView::npos && !FileOrFolderExists(possible.substr(0, end), false))
-      return possible.substr(0, end);
+      possible = possible.substr(0, end);
   }
-  return possible;
+  return possible.substr(0, LastPos(u"\\", possible) + kLongestName + 1);
 }
 
 std::optional<Text> TPathChecks::SplitCommandFile(TextView text) {
