@@ -26,7 +26,7 @@ Text ValuePart(TextView pair) {
   return Text(pair.substr(pair.find(u'=') + 1));
 }
 
-// A key that does not open says as much as one with an empty default value.
+// A key that does not open is treated like one with an empty default value.
 Text DefaultText(RegistryStore& registry, TextView keyPath) {
   return DefaultValue(registry, keyPath).value_or(Text());
 }

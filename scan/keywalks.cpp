@@ -14,7 +14,8 @@ namespace {
 constexpr TextView kSystemKeyEnd = u"\\system";
 constexpr TextView kControlSetInUse = u"CurrentControlSet";
 
-// The 32-bit mirror, at which the walk of a key's subkeys ends.
+// The 32-bit mirror of its parent key. The walk of the parent's subkeys ends at it: the mirror is not walked,
+// and neither are the subkeys that the enumeration returns after it, whatever their names.
 constexpr TextView kMirror = u"wow6432node";
 
 bool IsExcluded(TRootKey root, TextView keyPath, const TPhraseMatcher& exclusions) {

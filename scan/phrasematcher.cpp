@@ -2,8 +2,9 @@
 
 namespace corvalt {
 
-// All phrases grow together, one unit a round: what a new state's failure leads to is shallower, and so
-// complete.
+// In each round every phrase that is not yet complete gets its next unit. So all states of one depth exist
+// before the first of the next depth is made, and a new state can be given its failure, which is never as
+// deep.
 TPhraseMatcher::TPhraseMatcher(const std::vector<Text>& phrases) : m_states(1), m_slots(16, kNone) {
   struct TGrowing {
     TextView Rest;

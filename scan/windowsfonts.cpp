@@ -6,7 +6,8 @@ namespace corvalt {
 
 namespace {
 
-// Two versions alone keep their fonts below the NT key here; on the others the section normally finds no key.
+// Only these two versions keep their fonts below the NT key here; on the others the section normally finds no
+// key.
 TextView FontsKeyOf(TextView windowsVersionName) {
   if (windowsVersionName == u"xp" || windowsVersionName == u"2000") {
     return u"\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\fonts";
