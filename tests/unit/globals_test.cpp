@@ -369,7 +369,6 @@ TEST_F(Environment, APortableDataPathThatNamesADeviceCountsAsAbsent) {
 }
 
 TEST_F(Environment, ALanguageThatIsNoFileOfItsFolderCountsAsMissing) {
-  constexpr TextView kSuite = u"HKEY_CURRENT_USER\\SOFTWARE\\TessalySoft\\Tessaly Utilities";
   System.Disk.AddFile(u"C:\\Suite\\Corvalt\\languages\\german.lng", "10001=Datei");
   System.Disk.AddFile(u"C:\\Suite\\Corvalt\\evil.lng", "10001=x");
   System.Disk.AddFile(u"C:\\Suite\\Corvalt\\languages\\sub\\evil.lng", "10001=x");

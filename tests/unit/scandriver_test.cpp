@@ -320,8 +320,8 @@ TEST(Cancelling, InAKeysValuesEntersNoSubKey) {
   rig.System.Registry.Set(u"HKEY_CURRENT_USER\\A", u"1", u"C:\\gone1");
   rig.System.Registry.Set(u"HKEY_CURRENT_USER\\A", u"2", u"C:\\gone2");
   rig.System.Registry.Set(u"HKEY_CURRENT_USER\\A\\B", u"1", u"C:\\gone1");
-  // The root's values and subkeys, the values of "A", then the type of its first value.
-  rig.RunAndCancel({22}, 4);
+  // Values and subkeys of the root, those of "A", then the type of its first value.
+  rig.RunAndCancel({22}, 5);
   ASSERT_EQ(rig.Problems().size(), 1u);
   EXPECT_EQ(rig.Problems()[0].KeyPath, u"\\A");
   EXPECT_EQ(rig.Problems()[0].ValueName, u"1");
