@@ -13,13 +13,13 @@ std::int32_t CountOf(TScan& scan, RegistryStore& registry, TextView name) {
   if (registry.GetDataType(name) != TDataType::Integer)
     return 1;
   const std::int32_t count = registry.ReadInteger(name);
-  TRawRegistry& raw = scan.System().Raw;
-  TRawValue value;
   if (count != 0)
     return count;
+  TRawRegistry& raw = scan.System().Raw;
+  const TKeysReleased released(raw);
+  TRawValue value;
   const bool isCount = raw.ReadValue(kHkeyLocalMachine, kSharedDlls, name, value) == TRawResult::Done &&
                        value.Type == kRegDword && value.Data.size() == sizeof(count);
-  raw.ReleaseKeys();
   return isCount ? 0 : 1;
 }
 

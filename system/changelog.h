@@ -75,6 +75,12 @@ class TLoggedRegistryStore : public RegistryStore {
   bool HasSubKeys() override {
     return m_store->HasSubKeys();
   }
+  bool ListedWhole() const override {
+    return m_store->ListedWhole();
+  }
+  std::optional<Text> RealPath() override {
+    return m_store->RealPath();
+  }
   bool DeleteKey(TextView path) override;
   bool DeleteValue(TextView name) override;
 
