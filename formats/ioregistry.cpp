@@ -181,7 +181,11 @@ TExportResult TIORegistry::ExportValue(const TKeyPath& key, const TKeyPlace& pla
   const TRawResult read = m_registry.ReadValue(place.RootKey, place.KeyPath, valueName, value);
   if (read != TRawResult::Done)
     return ExportResultOf(read);
-  TExportedKey exported{key.RootKey(), StoredPath(key.Path(), place.KeyPath), place, {}, {std::move(value)}};
+  TExportedKey exported;
+  exported.RootKey = key.RootKey();
+  exported.KeyPath = StoredPath(key.Path(), place.KeyPath);
+  exported.Place = place;
+  exported.Values.push_back(std::move(value));
   if (m_origin)
     exported.Attributes.Hive = HiveOf(exported);
   TRegFileWriter writer(m_locale, m_text);

@@ -40,7 +40,7 @@ TMemoryKeyPointer ChildOf(const TMemoryKeyPointer& key, const Text& upperName, b
   const auto found = key->SubKeys.find(upperName);
   if (found == key->SubKeys.end())
     return nullptr;
-  return found->second->LinkTarget && followLink ? found->second->LinkTarget : found->second;
+  return found->second->IsLink && followLink ? found->second->LinkTarget.lock() : found->second;
 }
 
 TMemoryKeyPointer TopOf(TMemoryKeyPointer key) {
@@ -89,7 +89,7 @@ TBytes StringBytes(TextView text) {
 }
 
 bool HoldsLink(const TMemoryKey& key) {
-  return AnyKey(key, [](const TMemoryKey& each) { return each.LinkTarget != nullptr; });
+  return AnyKey(key, [](const TMemoryKey& each) { return each.IsLink; });
 }
 
 bool HoldsUndeletable(const TMemoryKey& key) {
@@ -103,7 +103,9 @@ TMemoryHives::TMemoryHives(TNameOrder order) : m_order(order), m_now(kFirstTime)
   }
   m_userClasses = NewHive();
   m_machineClasses = Add(Add(m_roots[kHkeyLocalMachine], u"SOFTWARE"), u"Classes");
-  Add(Add(m_roots[kHkeyCurrentUser], u"Software"), u"Classes")->LinkTarget = m_userClasses;
+  const TMemoryKeyPointer link = Add(Add(m_roots[kHkeyCurrentUser], u"Software"), u"Classes");
+  link->IsLink = true;
+  link->LinkTarget = m_userClasses;
   // No Windows has empty classes.
   for (const TMemoryKeyPointer& classes : {m_machineClasses, m_userClasses})
     WriteValue(*classes, {{}, kRegSz, StringBytes({})});

@@ -42,9 +42,10 @@ struct TMemoryKey {
   std::uint64_t LastWrite = 0;
   TMemoryRights Rights = TMemoryRights::Everything;
   bool IsVolatile = false;
-  bool Deleted = false;                    // deleted while somebody held it open
-  bool ListingFails = false;               // its names can be enumerated only in part
-  std::shared_ptr<TMemoryKey> LinkTarget;  // set: this key is a registry link
+  bool Deleted = false;                  // deleted while somebody held it open
+  bool ListingFails = false;             // its names can be enumerated only in part
+  bool IsLink = false;                   // a registry link, to LinkTarget
+  std::weak_ptr<TMemoryKey> LinkTarget;  // gone when the target is deleted
 };
 
 using TMemoryKeyPointer = std::shared_ptr<TMemoryKey>;

@@ -31,7 +31,7 @@ TRawResult TMemoryRawRegistry::Open(TRootKey rootKey, TextView keyPath, TOpenMem
   TOpenMemoryKey found = m_hives.Find(m_hives.Root(rootKey), parsed->Names, false);
   if (!found)
     return TRawResult::Missing;
-  if (found.Key->LinkTarget)
+  if (found.Key->IsLink)
     return TRawResult::Link;
   if (found.Key->Rights == TMemoryRights::Nothing)
     return TRawResult::Denied;
@@ -245,7 +245,7 @@ TRawResult TMemoryRawRegistry::Inspect(const TMemoryKeyPointer& top, const TKeyC
   for (std::size_t i = 0; i < keys.size(); ++i) {
     const TOpenMemoryKey key = {keys[i], nullptr};
     const Text pathBelow = pathsBelow[i];
-    if (keys[i]->LinkTarget)
+    if (keys[i]->IsLink)
       return TRawResult::Link;
     const TRawKey content = Content(key);
     if (!mayDelete(pathBelow, content))

@@ -51,7 +51,7 @@ class TDump {
 
   void Add(const TOpenMemoryKey& key, const std::string& path) {
     const TMemoryKey& own = *key.Key;
-    m_lines.push_back("[" + path + "]" + (own.LinkTarget ? " link" : "") + RightsText(own.Rights));
+    m_lines.push_back("[" + path + "]" + (own.IsLink ? " link" : "") + RightsText(own.Rights));
     if (m_detail == TDumpDetail::Attributes) {
       m_lines.push_back(path + " class " + Escaped(own.ClassName) + (own.IsVolatile ? " volatile" : "") +
                         " security " + HexOf(own.Security) + " time " + std::to_string(own.LastWrite));
@@ -144,7 +144,9 @@ void TMemoryRegistry::LetUse(TextView fullPath, TMemoryRights rights) {
 void TMemoryRegistry::MakeLink(TextView fullPath, TextView targetFullPath) {
   Make(targetFullPath);
   const TMemoryKeyPointer target = Open(targetFullPath).Key;
-  Make(fullPath).LinkTarget = target;
+  TMemoryKey& link = Make(fullPath);
+  link.IsLink = true;
+  link.LinkTarget = target;
 }
 
 void TMemoryRegistry::FailListing(TextView fullPath) {

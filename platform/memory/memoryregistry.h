@@ -71,6 +71,9 @@ class TMemoryRegistry : public TRegistryFactory {
   TMemoryHives& Hives() {
     return m_hives;
   }
+  const TMemoryHives& Hives() const {
+    return m_hives;
+  }
   void SetJournal(TJournal* journal) {
     m_journal = journal;
   }

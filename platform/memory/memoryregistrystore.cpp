@@ -64,7 +64,7 @@ bool TMemoryRegistryStore::OpenKey(TextView path, bool canCreate) {
 
 bool TMemoryRegistryStore::KeyExists(TextView path) {
   const std::optional<TParsedKeyPath> parsed = ParseKeyPath(path);
-  return parsed && m_hives.Find(Start(path), parsed->Names, true);
+  return parsed && KeyNamesFit(parsed->Names) && m_hives.Find(Start(path), parsed->Names, true);
 }
 
 const TRawValue* TMemoryRegistryStore::FindValue(TextView name) const {

@@ -105,6 +105,14 @@ std::string NumberOf(const std::string& description) {
   return description.substr(0, end);
 }
 
+// A scanner that names the hive itself spells it in another way than one that lists its keys, and Wine in
+// another way than Windows: one spelling for all.
+std::string WithOneSpelling(std::string line) {
+  const std::string hive = "HKLM\\SOFTWARE\\";
+  const std::size_t at = line.find(hive);
+  return at == std::string::npos ? line : line.replace(at, hive.size(), "HKLM\\Software\\");
+}
+
 std::string FoundLine(const ScanProblem& problem) {
   const std::string kind = problem.Kind == TProblemKind::Key ? "key " : "value ";
   const std::string place =
@@ -114,7 +122,7 @@ std::string FoundLine(const ScanProblem& problem) {
                                     NumberOf(EncodeUtf8(problem.Description))}) {
     line += column.empty() ? " |" : " | " + column;
   }
-  return line;
+  return WithOneSpelling(line);
 }
 
 std::string Listed(const std::vector<std::pair<std::string, std::string>>& lines, const char* what) {
@@ -190,7 +198,7 @@ TFoundLines ExpectedLines(const std::string& fileName) {
     if (line.starts_with('['))
       section = line.substr(1, line.find(" | ") - 1);
     else if (!line.empty() && !line.starts_with('#'))
-      lines.emplace(section, line.substr(0, line.find('(', line.rfind(" | "))));
+      lines.emplace(section, WithOneSpelling(line.substr(0, line.find('(', line.rfind(" | ")))));
   }
   return lines;
 }

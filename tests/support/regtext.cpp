@@ -4,8 +4,9 @@
 #include <stdexcept>
 
 #include "base/keypaths.h"
-#include "base/lettercase.h"
 #include "formats/ioregistry.h"
+#include "platform/memory/memoryhives.h"
+#include "platform/memory/memoryrawregistry.h"
 #include "platform/memory/memorysystem.h"
 
 namespace corvalt {
@@ -64,15 +65,13 @@ std::string DataText(const TRawValue& value) {
   return type + HexBytes(data);
 }
 
-void AppendKey(const TMemoryRegistry& registry, const TMemoryKey& key, const std::string& path,
+void AppendKey(const TMemoryHives& hives, const TOpenMemoryKey& key, const std::string& path,
                std::string& text) {
   text += (text.empty() ? "[" : "\n[") + path + "]\n";
-  for (const TRawValue* value : registry.OrderedValues(key))
+  for (const TRawValue* value : hives.OrderedValues(key))
     text += (value->Name.empty() ? "@" : Quoted(value->Name)) + "=" + DataText(*value) + "\n";
-  for (const Text& name : registry.SubKeyNames(key)) {
-    const TMemoryKey& subKey = *key.SubKeys.at(UpperCase(name));
-    AppendKey(registry, subKey, path + "\\" + EncodeUtf8(subKey.Name), text);
-  }
+  for (const Text& name : hives.SubKeyNames(key))
+    AppendKey(hives, hives.Find(key, {name}, false), path + "\\" + EncodeUtf8(name), text);
 }
 
 // The text with the path of the top key in each key line.
@@ -105,10 +104,11 @@ std::string RegText(const TMemoryRegistry& registry, TextView fullPath) {
   const std::size_t rootEnd = std::min(fullPath.find(u'\\'), fullPath.size());
   const std::optional<TParsedKeyPath> parsed = ParseKeyPath(fullPath.substr(rootEnd));
   const TRootKey rootKey = RootKeyFromName(fullPath.substr(0, rootEnd));
-  const std::shared_ptr<TMemoryKey> key = registry.Find(rootKey, parsed.value().Names, false);
+  const TMemoryHives& hives = registry.Hives();
+  const TOpenMemoryKey key = hives.Find(hives.Root(rootKey), parsed.value().Names, false);
   std::string text;
   if (key)
-    AppendKey(registry, *key, EncodeUtf8(fullPath), text);
+    AppendKey(hives, key, EncodeUtf8(fullPath), text);
   return text;
 }
 

@@ -98,7 +98,8 @@ TEST_F(ConsoleProgram, HelpNamesEveryCommandAndEveryExitCode) {
   for (const std::string text :
        {"  corvaltc sections\n      40131\n", "  corvaltc scan [--sections", "  corvaltc repair [--sections",
         "  corvaltc backups\n", "  corvaltc restore NAME [--foreign]\n", "  corvaltc ignore list",
-        "  --json       40141\n", "  0  40148\n", "  1  40149\n", "  2  40150\n", "  3  40151\n", "  4  40153\n"})
+        "  --json       40141\n", "  0  40148\n", "  1  40149\n", "  2  40150\n", "  3  40151\n",
+        "  4  40153\n"})
     EXPECT_NE(m_rig.Console.Output.find(text), std::string::npos) << text;
   EXPECT_EQ(m_rig.Starts, 0);
 }

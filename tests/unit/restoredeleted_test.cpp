@@ -419,12 +419,13 @@ TEST(RestoringABackup, IsReadInTheCodePageThatItWasMadeIn) {
   TSystem system = rig.System.Bundle();
   TIORegistry exporter(system.Raw, system.Locale);
   exporter.Clear(OriginHere(system));
-  EXPECT_EQ(exporter.ExportKey(kHkeyCurrentUser, u"\\Software"), TExportResult::Done);
+  EXPECT_EQ(exporter.ExportKey(kHkeyCurrentUser, u"\\Software\\\u0421\u043B\u043E\u0432\u043E"),
+            TExportResult::Done);
   exporter.Finish();
   const std::string file(exporter.ExportedText().begin(), exporter.ExportedText().end());
   EXPECT_NE(file.find("\xD1\xEB\xEE\xE2\xEE"), std::string::npos);
   const TLines before = rig.System.Registry.Dump(u"HKEY_CURRENT_USER");
-  rig.System.Registry.RemoveKey(u"HKEY_CURRENT_USER\\Software");
+  rig.System.Registry.RemoveKey(russian);
   rig.System.Locale.CodePage = 1252;
   rig.AddBackup("2", file);
   EXPECT_EQ(RestoreBackup(system, rig.Vars, u"2").End, TRestoreEnd::Restored);

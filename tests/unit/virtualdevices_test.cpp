@@ -107,7 +107,7 @@ TEST(VirtualDevices, CancellingTheFirstWalkSkipsTheSecondAndEndsTheSection) {
   rig.System.Registry.Set(Full(kVxd), u"Two", u"C:\\Old\\two.vxd");
   rig.System.Registry.Set(Full(kDrivers), u"VDD", u"C:\\Old\\vdd.dll");
 
-  rig.RunAndCancel({Section::VirtualDevices}, 2);
+  rig.RunAndCancel({Section::VirtualDevices}, 3);
 
   EXPECT_EQ(AllFields(rig.Headers()),
             AllFields({SectionHeader(u"Virtual Devices", 20, kHkeyLocalMachine, 1)}));
@@ -115,7 +115,7 @@ TEST(VirtualDevices, CancellingTheFirstWalkSkipsTheSecondAndEndsTheSection) {
 
   const int reads = rig.Reads();
   rig.System.Registry.RemoveKey(Full(kDrivers));
-  rig.RunAndCancel({Section::VirtualDevices}, 2);
+  rig.RunAndCancel({Section::VirtualDevices}, 3);
   EXPECT_EQ(rig.Reads(), reads);
 }
 
