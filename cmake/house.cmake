@@ -10,6 +10,8 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   # 105329).
   target_compile_options(house_options INTERFACE "$<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict;-Wno-stringop-overflow>")
 endif()
+# Paths in the programs begin at the top of the sources, wherever those lie.
+target_compile_options(house_options INTERFACE "-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.")
 target_link_libraries(house_options INTERFACE Threads::Threads)
 if(WIN32)
   # With XP's version number the headers declare only what XP has, and structures keep the sizes that XP's

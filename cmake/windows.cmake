@@ -5,7 +5,8 @@ set(CMAKE_C_COMPILER ${windowsTriple}-gcc-posix)
 set(CMAKE_CXX_COMPILER ${windowsTriple}-g++-posix)
 set(CMAKE_RC_COMPILER ${windowsTriple}-windres)
 set(CMAKE_RC_FLAGS_INIT "--codepage=65001")
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
+# No time in the file: the same sources give the same program.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -Wl,--no-insert-timestamp")
 
 set(CMAKE_FIND_ROOT_PATH /usr/${windowsTriple})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)

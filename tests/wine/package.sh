@@ -1,0 +1,101 @@
+#!/usr/bin/env bash
+# What users download: installed silently over an older version, used, uninstalled and purged under Wine. The installer is a
+# 64-bit build of the same script: a 64-bit Wine runs a 32-bit one as nothing. Ends with "N passed, N failed".
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+source tools/wine.sh
+trap stop_wine EXIT
+
+work=$PWD/build/wine-package
+rm -rf "$work"
+mkdir -p "$work"
+source tests/support/winechecks.sh
+
+packages=$PWD/build/package
+version=$(sed -nE 's/^project\(Corvalt VERSION ([0-9.]+).*/\1/p' CMakeLists.txt)
+installed='C:\Program Files\Tessaly Utilities\Corvalt'
+apps='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Corvalt'
+
+# An installer of version 0.9 with a file that the present one lacks.
+make_older_installer() {
+  local older=$work/older sizes
+  mkdir -p "$older"
+  cp -a "$packages/x64" "$packages/x86" "$older/"
+  echo "gone in later versions" >"$older/x64/old.txt"
+  read -ra sizes < <(python3 packaging/installerlists.py "$older/x64" "$older/x86" "$older/lists")
+  makensis -V2 -NOCD -DNATIVE64 -DVERSION=0.9 -DVERSION_NUMBERS=0.9.0.0 "-DX64=$older/x64" "-DX86=$older/x86" \
+    "-DLISTS=$older/lists" "-DPRODUCT_ICON=$PWD/build/windows-x64/art/program.ico" "-DOUTPUT=$work/older.exe" "${sizes[@]}" \
+    packaging/installer.nsi
+}
+
+# The files of drive C, but for Wine's own logs and temporary files.
+files() {
+  (cd "$WINEPREFIX/drive_c" && find . -type f -not -path '*/Temp/*' -not -path '*/temp/*' | sort) >"$1"
+}
+
+program_files() {
+  (cd "$WINEPREFIX/drive_c/Program Files/Tessaly Utilities/Corvalt" && find . -type f | sort)
+}
+
+apps_value() {
+  run_windows reg query "$apps" /v "$1" | tr -d '\r' | tee "$work/query"
+  grep -qF -- "$2" "$work/query"
+}
+
+# The uninstaller goes on in a copy of itself.
+uninstall() {
+  run_windows "$installed\\uninstall.exe" /S "$@"
+  local tries
+  for ((tries = 0; tries < 300; ++tries)); do
+    if ! run_windows reg query "$apps" >/dev/null 2>&1; then
+      return
+    fi
+    sleep 0.1
+  done
+  return 1
+}
+
+without_suite() {
+  grep -vF 'TessalySoft' "$1"
+}
+
+same_files() {
+  diff <(without_suite "$1") <(without_suite "$2")
+}
+
+ok "the test's installer is made" ./package --native64
+ok "an older version's installer is made" make_older_installer
+
+start_display
+start_fresh_wine "$PWD/build/wine"
+files "$work/files.before"
+dump "$work/dump.before"
+
+ok "the older version installs silently" run_windows "$work/older.exe" /S
+ok "it brings its own file" test -e "$WINEPREFIX/drive_c/Program Files/Tessaly Utilities/Corvalt/old.txt"
+ok "the present version installs over it" run_windows "$packages/Corvalt-$version-setup-native64.exe" /S
+(cd "$packages/x64" && find . -type f && echo ./uninstall.exe) | sort >"$work/expected"
+program_files >"$work/installed"
+ok "exactly its own files are there" diff "$work/expected" "$work/installed"
+ok "Apps shows its version" apps_value DisplayVersion "$version"
+ok "Apps shows its publisher" apps_value Publisher TessalySoft
+ok "Apps shows its icon" apps_value DisplayIcon "$installed\\corvalt.exe,0"
+ok "the start menu has it" test -e "$WINEPREFIX/drive_c/ProgramData/Microsoft/Windows/Start Menu/Programs/Tessaly Utilities/Corvalt.lnk"
+
+folder="$installed"
+code=0
+run_windows "$folder\\corvaltc.exe" repair --sections 3 --yes >"$work/out" 2>"$work/err" || code=$?
+ok "the installed program repairs" test $((code < 2)) = 1
+backups=$(run_windows "$folder\\corvaltc.exe" backups | wc -l)
+ok "its backup is listed" test "$backups" = 1
+echo kept >"$WINEPREFIX/drive_c/Program Files/Tessaly Utilities/Corvalt/mine.txt"
+
+ok "it uninstalls silently" uninstall
+ok "a file of the user's stays" test -e "$WINEPREFIX/drive_c/Program Files/Tessaly Utilities/Corvalt/mine.txt"
+rm -r "$WINEPREFIX/drive_c/Program Files/Tessaly Utilities"
+ok "the backup stays" test -n "$(find "$WINEPREFIX/drive_c/users" -path '*Backups/*' -name '[0-9]*' -not -name '*.log')"
+files "$work/files.after"
+ok "nothing else of it is left on the disk" same_files "$work/files.before" "$work/files.after"
+
+echo "$passed passed, $failed failed"
+exit $((failed > 0))
