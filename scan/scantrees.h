@@ -41,7 +41,7 @@ class TResultsTree {
 
   // Pixels, in the tree's font.
   virtual int MeasureText(TextView text) = 0;
-  virtual int ColumnWidth() = 0;
+  virtual int ColumnWidth() const = 0;
   virtual void SetColumnWidth(int width) = 0;
 };
 

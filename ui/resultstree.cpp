@@ -55,7 +55,7 @@ int TResultsTreeModel::MeasureText(TextView text) {
   return m_measure ? m_measure(text) : 0;
 }
 
-int TResultsTreeModel::ColumnWidth() {
+int TResultsTreeModel::ColumnWidth() const {
   return m_columnWidth;
 }
 

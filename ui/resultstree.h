@@ -26,7 +26,7 @@ class TResultsTreeModel : public TResultsTree {
   TResultsNode* FirstChild(TResultsNode* node) override;
   TResultsNode* NextSibling(TResultsNode* node) override;
   int MeasureText(TextView text) override;
-  int ColumnWidth() override;
+  int ColumnWidth() const override;
   void SetColumnWidth(int width) override;
 
   // Told when the scan has added or deleted a row.
