@@ -9,13 +9,6 @@ namespace corvalt {
 
 namespace {
 
-Text TextOf(HWND window) {
-  Text text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, u'\0');
-  const int length = GetWindowTextW(window, WideBuffer(text), static_cast<int>(text.size()));
-  text.resize(static_cast<std::size_t>(length));
-  return text;
-}
-
 // Keeps the window within the work area of the screen that its owner is on.
 POINT CentredOver(HWND owner, SIZE size) {
   RECT over = {};

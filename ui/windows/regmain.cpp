@@ -284,7 +284,19 @@ void TfrmRegMain::OnSize() {
   const int margin = m_scale(kSummaryMargin);
   MoveWindow(m_summary, left + margin, top, std::max(width - margin, 0), summary, TRUE);
   MoveWindow(m_resultsTree.Handle(), left, top + summary, width, std::max(height - summary, 0), TRUE);
+  FitSummary();
   InvalidateRect(Handle(), nullptr, TRUE);
+}
+
+// One line stands in the middle of its place, which has room for two lines of a longer text.
+void TfrmRegMain::FitSummary() {
+  constexpr LONG_PTR kOneLine = SS_CENTERIMAGE | SS_ENDELLIPSIS;
+  RECT inside = {};
+  GetClientRect(m_summary, &inside);
+  const bool isOneLine = m_meter.Width(TextOf(m_summary)) <= inside.right;
+  const LONG_PTR style = GetWindowLongPtrW(m_summary, GWL_STYLE) & ~kOneLine;
+  SetWindowLongPtrW(m_summary, GWL_STYLE, isOneLine ? style | kOneLine : style);
+  InvalidateRect(m_summary, nullptr, TRUE);
 }
 
 void TfrmRegMain::SetSmallestSize(MINMAXINFO& info) const {
@@ -400,9 +412,12 @@ void TfrmRegMain::ShowContextMenu(POINT place) {
 }
 
 void TfrmRegMain::TakeChoice() {
-  if (!m_rowWidgets.ChoiceDiffers())
+  // The list may tell of one choice twice, and the question about it lets messages through.
+  if (m_isTakingChoice || !m_rowWidgets.ChoiceDiffers())
     return;
+  m_isTakingChoice = true;
   m_main.Rows().Choose(m_rowWidgets.Choice());
+  m_isTakingChoice = false;
   ResultsChanged();
   if (TResultsNode* selected = m_main.Rows().Selected())
     m_resultsTree.SelectRow(selected);
@@ -417,6 +432,7 @@ std::unique_ptr<TProgressView> TfrmRegMain::CreateProgress(TProgressMode mode) {
 
 void TfrmRegMain::ShowSummary(const TSummary& summary) {
   SetWindowTextW(m_summary, Wide(PlainText(summary.Label)));
+  FitSummary();
   m_statusBar.Show(summary, m_meter);
 }
 

@@ -60,6 +60,7 @@ class TfrmRegMain : public TWindow, private TRegMainView {
   void ShowContextMenu(POINT place);
 
   void TakeChoice();
+  void FitSummary();
   std::vector<TTaskLink> TaskLinks() const;
   Text Plain(TextId id) const;
 
@@ -83,6 +84,7 @@ class TfrmRegMain : public TWindow, private TRegMainView {
   HWND m_summary = nullptr;
   HACCEL m_accelerators = nullptr;
   TFocusKeeper m_focus;
+  bool m_isTakingChoice = false;
   int m_navigationWidth;
   bool m_dragging = false;
 };

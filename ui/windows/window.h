@@ -61,4 +61,7 @@ class TWindow {
 // The module that holds the program's resources.
 HINSTANCE ProgramInstance();
 
+// A window's caption, or the text of a control of this program.
+Text TextOf(HWND window);
+
 }  // namespace corvalt
