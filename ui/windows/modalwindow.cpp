@@ -135,7 +135,7 @@ Text TModalWindow::SpokenText() const {
   Text spoken;
   for (HWND child = GetWindow(Handle(), GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
     const bool isLabel = (::SendMessageW(child, WM_GETDLGCODE, 0, 0) & DLGC_STATIC) != 0;
-    const Text text = isLabel && IsWindowVisible(child) ? TextOf(child) : Text();
+    const Text text = isLabel && IsWindowVisible(child) ? CaptionOf(child) : Text();
     if (!text.empty())
       spoken += (spoken.empty() ? u"" : u"\r\n") + text;
   }
@@ -159,7 +159,7 @@ LRESULT TModalWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_GETOBJECT:
       if (static_cast<LONG>(lParam) == OBJID_CLIENT)
         return TNamedAccessible::Answer(Handle(), wParam,
-                                        {TextOf(Handle()), SpokenText(), ROLE_SYSTEM_DIALOG});
+                                        {CaptionOf(Handle()), SpokenText(), ROLE_SYSTEM_DIALOG});
       break;
     case WM_SYSCOLORCHANGE:
     case WM_SETTINGCHANGE:

@@ -293,7 +293,7 @@ void TfrmRegMain::FitSummary() {
   constexpr LONG_PTR kOneLine = SS_CENTERIMAGE | SS_ENDELLIPSIS;
   RECT inside = {};
   GetClientRect(m_summary, &inside);
-  const bool isOneLine = m_meter.Width(TextOf(m_summary)) <= inside.right;
+  const bool isOneLine = m_meter.Width(CaptionOf(m_summary)) <= inside.right;
   const LONG_PTR style = GetWindowLongPtrW(m_summary, GWL_STYLE) & ~kOneLine;
   SetWindowLongPtrW(m_summary, GWL_STYLE, isOneLine ? style | kOneLine : style);
   InvalidateRect(m_summary, nullptr, TRUE);

@@ -101,7 +101,7 @@ LRESULT CALLBACK TWindow::Procedure(HWND window, UINT message, WPARAM wParam, LP
   return result;
 }
 
-Text TextOf(HWND window) {
+Text CaptionOf(HWND window) {
   Text text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, u'\0');
   const int length = GetWindowTextW(window, WideBuffer(text), static_cast<int>(text.size()));
   text.resize(static_cast<std::size_t>(length));

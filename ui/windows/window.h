@@ -62,6 +62,6 @@ class TWindow {
 HINSTANCE ProgramInstance();
 
 // A window's caption, or the text of a control of this program.
-Text TextOf(HWND window);
+Text CaptionOf(HWND window);
 
 }  // namespace corvalt
