@@ -54,8 +54,7 @@ VIAddVersionKey "LegalCopyright" "${PUBLISHER}"
 !insertmacro MUI_PAGE_INSTFILES
 !insertmacro MUI_PAGE_FINISH
 !define MUI_UNCONFIRMPAGE_TEXT_TOP "Backups, settings and the ignore list stay. The backups are in the folder \
-'TessalySoft\Tessaly Utilities\Backups' of each user's application data; run the uninstaller with /PURGE to remove \
-those of this program too."
+'TessalySoft\Tessaly Utilities\Backups' of each user's application data."
 !insertmacro MUI_UNPAGE_CONFIRM
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE "English"
@@ -177,19 +176,6 @@ FunctionEnd
 Section "Uninstall"
   !insertmacro CheckNotRunning "${MAIN_PROGRAM}"
   !insertmacro CheckNotRunning "${CONSOLE_PROGRAM}"
-  ${GetParameters} $0
-  ClearErrors
-  ${GetOptions} $0 "/PURGE" $1
-  ${IfNot} ${Errors}
-    ; The program knows which of the backups are its own.
-    ExecWait '"$INSTDIR\${CONSOLE_PROGRAM}" purge' $1
-    ${If} $1 <> 0
-      MessageBox MB_OK|MB_ICONEXCLAMATION "Not everything could be purged (code $1). Nothing was uninstalled." /SD IDOK
-      SetErrorLevel ${CODE_ABORTED}
-      Quit
-    ${EndIf}
-  ${EndIf}
-
   !include "${LISTS}\remove.nsh"
   Delete "$INSTDIR\${UNINSTALLER}"
   RMDir "$INSTDIR"

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What users download: installed silently over an older version, used, uninstalled and purged under Wine. The installer is a
+# What users download: installed silently over an older version, used and uninstalled under Wine. The installer is a
 # 64-bit build of the same script: a 64-bit Wine runs a 32-bit one as nothing. Ends with "N passed, N failed".
 set -euo pipefail
 cd "$(dirname "$0")/../.."
