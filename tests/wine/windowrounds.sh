@@ -10,6 +10,9 @@ rounds=${1:-10}
 
 # Kilobytes that the allocators may keep.
 memory_room=1024
+# What a round leaves behind is there once a round. The system's own libraries open a handle or a window now and then,
+# such as one for a thread of their pool: fewer than one in three rounds.
+object_room=$((rounds / 3))
 
 # A scan clears the results of the one before; then a problem is selected.
 round() {
@@ -52,7 +55,7 @@ picture after
 reader resources >"$work/after"
 paste "$work/before" "$work/after"
 for name in handles windows user gdi; do
-  ok "no more $name than before" does_not_grow $name
+  ok "no round leaves $name behind" does_not_grow $name $object_room
 done
 ok "no more memory" does_not_grow private $memory_room
 ok "the program ends" close_window
