@@ -68,7 +68,7 @@ add_dependencies(test_programs corvalt_unit_tests corvalt_contract_tests corvalt
 function(add_wine_helper name)
   add_executable(wine_${name} ${ARGN})
   finish_program(wine_${name})
-  target_link_libraries(wine_${name} PRIVATE ntdll psapi)
+  target_link_libraries(wine_${name} PRIVATE ntdll ole32 psapi)
   target_link_options(wine_${name} PRIVATE -municode)
   set_target_properties(wine_${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
   add_dependencies(test_programs wine_${name})
