@@ -173,7 +173,7 @@ TMemoryKeyPointer TMemoryHives::Build(const TOpenMemoryKey& from, const std::vec
   return key;
 }
 
-TRawResult TMemoryHives::Create(TOpenMemoryKey from, const std::vector<Text>& names, const TNewKey& newKey,
+TRawResult TMemoryHives::Create(const TOpenMemoryKey& from, const std::vector<Text>& names, const TNewKey& newKey,
                                 TMemoryKeyPointer& created) {
   if (!from || !KeyNamesFit(names))
     return TRawResult::Failed;

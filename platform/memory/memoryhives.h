@@ -74,7 +74,7 @@ class TMemoryHives {
 
   // Creates the key with its missing parents, links followed; what is missing below HKEY_CLASSES_ROOT is
   // created in the machine's hive. MustBeVolatile, Denied and Failed create nothing.
-  TRawResult Create(TOpenMemoryKey from, const std::vector<Text>& names, const TNewKey& newKey,
+  TRawResult Create(const TOpenMemoryKey& from, const std::vector<Text>& names, const TNewKey& newKey,
                     TMemoryKeyPointer& created);
 
   // The same without regard to rights and volatility, for the test that builds a registry.

@@ -182,9 +182,10 @@ Text TMemoryLocale::DecodeCodePage(std::uint32_t codePage, std::string_view byte
 }
 
 std::string TMemoryLocale::EncodeAnsi(TextView text) {
+  const TCodePageTable* table = TableOf(CodePage);
   std::string bytes;
   for (const char16_t unit : text)
-    bytes.push_back(ByteOf(*TableOf(CodePage), unit).value_or('?'));
+    bytes.push_back(table == nullptr ? '?' : ByteOf(*table, unit).value_or('?'));
   return bytes;
 }
 
