@@ -99,7 +99,18 @@ class Build:
         return Check(f"build-{self.preset}", ["tools/build", self.preset, *self.targets])
 
 
+@dataclasses.dataclass
+class Installer:
+    """The installer that a 64-bit Wine runs, made of both Windows builds."""
+
+    def check(self):
+        return Check("build-installer", ["./package", "--native64"])
+
+
 # The checks of the project
+
+# Scripts that install what users download.
+INSTALLING = {"package", "healthy"}
 
 
 def house_checks():
@@ -148,7 +159,8 @@ def windows_checks():
     preset = "windows-x64"
     for script in sorted(TOP.glob("tests/wine/*.sh"), key=lambda script: -script.stat().st_size):
         command = ["bash", str(script.relative_to(TOP))]
-        yield Check(f"wine-{script.stem}", command, counting_script, (preset,), pinned=True)
+        builds = (preset, "windows-x86", "installer") if script.stem in INSTALLING else (preset,)
+        yield Check(f"wine-{script.stem}", command, counting_script, builds, pinned=True)
     # The optimised build takes the large inputs, the sanitized one smaller ones.
     for name in ("unit", "contract", "thread"):
         command = ["tools/emulator", "--fresh", test_program(preset, name)]
@@ -174,6 +186,7 @@ BUILDS = {
     "native-tsan": Build("native-tsan", ("corvalt_thread_tests",)),
     "windows-x64": Build("windows-x64", ("programs", "test_programs")),
     "windows-x86": Build("windows-x86", ("programs",)),
+    "installer": Installer(),
     "fuzz": Build("fuzz"),
 }
 
@@ -245,7 +258,7 @@ class Runner:
             )
             self.processes.add(process)
         try:
-            return process.wait(TIME_LIMIT if command[0] != "tools/build" else None)
+            return process.wait(None if command[0] in ("tools/build", "./package") else TIME_LIMIT)
         except subprocess.TimeoutExpired:
             self.end(process)
             return f"none within {TIME_LIMIT} s"

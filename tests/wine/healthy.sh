@@ -57,15 +57,22 @@ shows_window() {
   echo "$1: $answer"
 }
 
-# Installs and uninstalls a program: what is there in between and afterwards.
+# Installs and uninstalls a program: what is there in between and afterwards. The uninstaller goes on in a copy of itself.
 installs() {
-  local folder="$WINEPREFIX/drive_c/Corvalt Installed"
-  told run_windows "$work/setup.exe" /S
-  ls "$folder"
-  told run_windows reg query 'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Corvalt Test Installer'
-  told run_windows "C:\\Corvalt Installed\\uninstall.exe" /S '_?=C:\Corvalt Installed'
+  local folder="$WINEPREFIX/drive_c/Program Files/Tessaly Utilities" tries
+  local apps='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Corvalt'
+  told run_windows "$setup" /S
+  (cd "$folder" && find . -type f | sort)
+  told run_windows reg query "$apps" /v DisplayVersion
+  told run_windows 'C:\Program Files\Tessaly Utilities\Corvalt\uninstall.exe' /S
+  for ((tries = 0; tries < 300; ++tries)); do
+    if ! run_windows reg query "$apps" >/dev/null 2>&1; then
+      break
+    fi
+    sleep 0.1
+  done
   ls "$folder" 2>/dev/null || echo "all is gone"
-  told run_windows reg query 'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Corvalt Test Installer'
+  told run_windows reg query "$apps"
 }
 
 # works FILE: what the programs of Windows, an installer and components do, written down.
@@ -99,7 +106,7 @@ restore_all() {
 
 start_display
 start_fresh_wine "$PWD/build/wine"
-makensis -V1 -DPROGRAM="$PWD/$folder/corvaltc.exe" -DTARGET="$work/setup.exe" tests/wine/healthy.nsi
+setup=$(echo "$PWD"/build/package/Corvalt-*-setup-native64.exe)
 
 # The class of all files is empty in a prefix, which would be found there and nowhere else.
 run_windows reg add 'HKCR\*\OpenWithList\notepad.exe' /ve /f >/dev/null
