@@ -9,6 +9,11 @@ CLASSES = (
     ("hkey_local_machine\\software\\classes\\", "hkey_classes_root\\"),
     ("hkey_current_user\\software\\classes\\", "hkey_classes_root\\"),
 )
+# The same settings in the view of 32-bit programs, and in the control set that is the current one.
+OTHER_VIEWS = (
+    (re.compile(r"^(hkey_(?:local_machine|current_user)\\software\\(?:classes\\)?|hkey_classes_root\\)wow6432node\\"), r"\1"),
+    (re.compile(r"^(hkey_local_machine\\system\\)controlset\d{3}\\"), r"\1currentcontrolset\\"),
+)
 QUOTED = re.compile(r'"((?:[^"\\]|\\.)*)"')
 
 
@@ -20,6 +25,12 @@ def unquoted(text):
 def with_parents(path):
     names = path.split("\\")
     return {"\\".join(names[:count]) for count in range(1, len(names) + 1)}
+
+
+def in_the_usual_view(path):
+    for other, usual in OTHER_VIEWS:
+        path = other.sub(usual, path)
+    return path
 
 
 class HealthyRegistry:
@@ -42,7 +53,7 @@ class HealthyRegistry:
 
     def holds(self, kind, trace):
         """Whether the trace would be found on the machine."""
-        place = self._as_classes(trace.lower())
+        place = self._as_classes(in_the_usual_view(trace.lower()))
         if kind == "SERVICE":
             return SERVICES + place in self.keys
         if kind == "BHO":

@@ -195,6 +195,10 @@ class MalformedExclusions(Refusals):
             "\\start menu2",
             "hkey_classes_root\\clsid",
             "\\appevents\\schemes",
+            "\\*\\shell\\",
+            "\\control panel\\desktop\\",
+            "\\explorer\\",
+            "hkey_users\\s-1-5-",
             "\\opensavemru",
             "arpcache",
             "%programfiles%",
@@ -255,6 +259,26 @@ class Explanation(unittest.TestCase):
         ]
         _lines, idle = problems.explained(pack.read_exclusions(pack.read_source(EXCLUSIONS)), written_down)
         self.assertEqual(idle, [])
+
+    def test_the_class_of_shortcuts_is_shielded_wherever_a_section_names_it(self):
+        entries = [exclusion.entry for exclusion in pack.read_exclusions(pack.read_source(EXCLUSIONS))]
+        name = "{00021401-0000-0000-C000-000000000046}"
+        for place, data in (
+            (f"HKCR\\CLSID\\{name}", "C:\\gone.dll"),
+            (f"HKCR\\lnkfile\\shellex\\ContextMenuHandlers{name}", ""),
+            (f"HKCR\\lnkfile\\shellex\\PropertySheetHandlers\\{name}", ""),
+            ("HKCR\\lnkfile\\CLSID", name),
+        ):
+            with self.subTest(place):
+                probe = problems.probe_of(place, "", data)
+                self.assertTrue(any(entry in probe for entry in entries), probe)
+
+    def test_every_shipped_entry_has_a_source_that_can_be_looked_up(self):
+        words = r'text "[^"]{5,}"|MicrosoftDocs/|wine\.inf|reactos|(XP|8\.1) image|how the check|this program'
+        for exclusion in pack.read_exclusions(pack.read_source(EXCLUSIONS)):
+            _reason, _separator, source = exclusion.reason.partition(" | ")
+            self.assertRegex(source, words, exclusion.entry)
+            self.assertNotIn("own knowledge", source, exclusion.entry)
 
     def test_no_shipped_entry_shields_what_is_broken(self):
         broken = problems.read_problems(pack.read_source(BROKEN))
@@ -381,6 +405,16 @@ class InnocentTraces(Refusals):
             ("REGKEY", "HKEY_CLASSES_ROOT\\CLSID\\{86CA1AA0-34AA-4E8B-A509-50C905BAE2A2}"),
             ("BHO", "{1FD49718-1D00-4B19-AF5F-070AF6D5D54C}"),
             ("TOOLBAR", "{2318C2B1-4965-11D4-9B18-009027A5CD4F}"),
+        ):
+            with self.subTest(trace):
+                self.assert_innocent(kind, trace, "a healthy machine holds this")
+
+    def test_what_every_windows_holds_named_in_another_view(self):
+        for kind, trace in (
+            ("REGKEY", "HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Node\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon"),
+            ("REGKEY", "HKEY_CLASSES_ROOT\\WOW6432Node\\CLSID\\{00021401-0000-0000-C000-000000000046}"),
+            ("REGKEY", "HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Services\\RpcSs"),
+            ("REGVALUE", "HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet002\\Services\\Schedule\\ImagePath"),
         ):
             with self.subTest(trace):
                 self.assert_innocent(kind, trace, "a healthy machine holds this")
