@@ -74,7 +74,10 @@ HEADERS = tuple(root.lower() + "\\\\" for root in problems.ROOTS.values())
 
 # What says nothing of a program: names that many programs bear, and identifiers that nobody made.
 GENERIC_NAMES = frozenset(
-    ("agent", "antivirus", "avscan", "pagent", "pcapp", "sentry", "smartsecurity", "update", "updater", "winnet")
+    (
+        *("agent", "antivirus", "avscan", "conduit", "pagent", "pcapp", "sentry", "smartsecurity", "spigot"),
+        *("update", "updater", "winnet"),
+    )
 )
 SHORTEST_NAME = 4
 ALL_ZEROS = re.compile(r"\{0{8}-0{4}-0{4}-0{4}-0{12}\}")
