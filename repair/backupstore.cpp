@@ -38,7 +38,7 @@ TBackupName BackupStore::BeginBackup() {
   Expect(m_system.Files.MakeFolders(m_vars.SuiteBackupsFolder), m_vars.SuiteBackupsFolder);
   m_exporter.Clear(OriginHere(m_system));
   m_collected = TDeletionRight();
-  const TBackupName name = TBackupName::OfTime(m_system.Clock.Now(), m_system.Locale.DecimalSeparator());
+  TBackupName name = TBackupName::OfTime(m_system.Clock.Now(), m_system.Locale.DecimalSeparator());
   TBackupFolder folder = OpenStore();
   m_run = NewRun(folder, name);
   folder.ChangeIndex([this](TIniFile& index) {

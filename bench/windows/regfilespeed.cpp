@@ -162,10 +162,14 @@ class TComparison {
 };
 
 int RunBenchmark(int argc, char** argv) {
-  TComparison comparison;
-  if (comparison.Run(argc > 1 ? std::atoi(argv[1]) : kRounds))
-    return 0;
-  std::puts("A step failed.");
+  try {
+    TComparison comparison;
+    if (comparison.Run(argc > 1 ? std::atoi(argv[1]) : kRounds))
+      return 0;
+    std::puts("A step failed.");
+  } catch (const std::exception& failure) {
+    std::puts(failure.what());
+  }
   return 1;
 }
 
