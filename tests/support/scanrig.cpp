@@ -1,8 +1,6 @@
 #include "tests/support/scanrig.h"
 
-#include <zlib.h>
-
-#include <stdexcept>
+#include "tests/support/datafile.h"
 
 namespace corvalt {
 
@@ -122,17 +120,8 @@ std::vector<std::string> TScanRig::Lines() {
 }
 
 void TScanRig::WriteCatalogue(std::string_view xml) {
-  System.Disk.AddFile(u"C:\\Program Files\\Tessaly\\data\\xdata.dat", PackDataFile(xml));
-}
-
-std::string PackDataFile(std::string_view content) {
-  uLongf length = compressBound(static_cast<uLong>(content.size()));
-  std::string stream(length, '\0');
-  if (compress(reinterpret_cast<Bytef*>(stream.data()), &length,
-               reinterpret_cast<const Bytef*>(content.data()), static_cast<uLong>(content.size())) != Z_OK) {
-    throw std::runtime_error("the content does not compress");
-  }
-  return "\x01\x02" + stream.substr(0, length);
+  const std::vector<std::uint8_t> file = PackDataFile(xml);
+  System.Disk.AddFile(u"C:\\Program Files\\Tessaly\\data\\xdata.dat", std::string(file.begin(), file.end()));
 }
 
 }  // namespace corvalt

@@ -71,7 +71,4 @@ class TScanRig {
   int m_reads = 0;
 };
 
-// The bytes of a data file with this content: two bytes and a zlib stream.
-std::string PackDataFile(std::string_view content);
-
 }  // namespace corvalt

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "formats/inflate.h"
+#include "tests/support/datafile.h"
 #include "tests/support/largeinput.h"
 #include "tests/support/names.h"
 #include "tests/support/problemfields.h"
@@ -22,6 +23,11 @@ Text Machine(TextView key) {
 // The catalogue of one program "Bad" with these traces.
 void WriteTraces(TScanRig& rig, const std::string& traces) {
   rig.WriteCatalogue("<list><program><name>Bad</name>" + traces + "</program></list>");
+}
+
+std::string Packed(std::string_view content) {
+  const std::vector<std::uint8_t> file = PackDataFile(content);
+  return {file.begin(), file.end()};
 }
 
 ScanProblem BadKey(TRootKey root, TextView keyPath) {
@@ -374,13 +380,13 @@ TEST(AdwareAndSpyware, TheTreeStaysConsistentWhereverTheScanIsCancelled) {
 }
 
 TEST(AdwareAndSpyware, WhatDoesNotReadAsACatalogueEndsTheScanWithItsName) {
-  std::string cutOff = PackDataFile("<list><p><n>Bad</n><service>Bad</service></p></list>");
+  std::string cutOff = Packed("<list><p><n>Bad</n><service>Bad</service></p></list>");
   cutOff.resize(cutOff.size() - 6);
-  std::string damaged = PackDataFile("<list><p><n>Bad</n><service>Bad</service></p></list>");
+  std::string damaged = Packed("<list><p><n>Bad</n><service>Bad</service></p></list>");
   damaged[damaged.size() / 2] = static_cast<char>(damaged[damaged.size() / 2] ^ 0x55);
   for (const std::string& content :
-       {std::string(), std::string("\1\2"), std::string("\1\2<list/>"), cutOff, damaged, PackDataFile(""),
-        PackDataFile("no markup"), PackDataFile("<list>"), PackDataFile("<list><p></list></p>")}) {
+       {std::string(), std::string("\1\2"), std::string("\1\2<list/>"), cutOff, damaged, Packed(""),
+        Packed("no markup"), Packed("<list>"), Packed("<list><p></list></p>")}) {
     TScanRig rig;
     rig.System.Disk.AddFile(kCatalogueFile, content);
     rig.Run({Section::AdwareAndSpyware});
