@@ -89,18 +89,15 @@ void TIORegistry::Finish() {
     TRegFileWriter(m_locale, m_text).WriteEnd(CountExported());
 }
 
-TExportResult TIORegistry::ExportKey(TRootKey rootKey, TextView keyPath) {
-  const std::optional<TKeyPath> key = TKeyPath::Parse(rootKey, keyPath);
-  if (!key)
-    return TExportResult::Missing;
-  TKeyPlace place{key->RootKey(), key->Path()};
-  if (!key->IsRoot()) {
+TExportResult TIORegistry::ExportKey(const TKeyPath& key) {
+  TKeyPlace place{key.RootKey(), key.Path()};
+  if (!key.IsRoot()) {
     const TKeysReleased released(m_registry);
-    const TRawResult found = m_registry.FindKey(key->RootKey(), key->Path(), place);
+    const TRawResult found = m_registry.FindKey(key.RootKey(), key.Path(), place);
     if (found != TRawResult::Done)
       return ExportResultOf(found);
   }
-  return ExportKey(*key, place);
+  return ExportKey(key, place);
 }
 
 TExportResult TIORegistry::ExportKey(const TKeyPath& key, const TKeyPlace& place) {
@@ -161,18 +158,15 @@ TRawResult TIORegistry::ReadKey(TExportedKey& key, std::vector<Text>& subKeys) {
   return asked;
 }
 
-TExportResult TIORegistry::ExportValue(TRootKey rootKey, TextView keyPath, TextView valueName) {
-  const std::optional<TKeyPath> key = TKeyPath::Parse(rootKey, keyPath);
-  if (!key)
-    return TExportResult::Missing;
-  TKeyPlace place{key->RootKey(), key->Path()};
-  if (!key->IsRoot()) {
+TExportResult TIORegistry::ExportValue(const TKeyPath& key, TextView valueName) {
+  TKeyPlace place{key.RootKey(), key.Path()};
+  if (!key.IsRoot()) {
     const TKeysReleased released(m_registry);
-    const TRawResult found = m_registry.FindValue(key->RootKey(), key->Path(), valueName, place);
+    const TRawResult found = m_registry.FindValue(key.RootKey(), key.Path(), valueName, place);
     if (found != TRawResult::Done)
       return ExportResultOf(found);
   }
-  return ExportValue(*key, place, valueName);
+  return ExportValue(key, place, valueName);
 }
 
 TExportResult TIORegistry::ExportValue(const TKeyPath& key, const TKeyPlace& place, TextView valueName) {

@@ -54,11 +54,11 @@ class TIORegistry {
   // a backup: it tells where it was made, and Finish ends it.
   void Clear(std::optional<TBackupOrigin> origin = std::nullopt);
 
-  // Each appends one export to the text: a key with its subkeys, or one value under its key. A key path may
-  // lack its leading "\". What is not Done appends nothing at all. Below HKEY_CLASSES_ROOT only the hive that
-  // holds the key, or the value, is read. A backup also keeps the hive and what a key has besides its values.
-  TExportResult ExportKey(TRootKey rootKey, TextView keyPath);
-  TExportResult ExportValue(TRootKey rootKey, TextView keyPath, TextView valueName);
+  // Each appends one export to the text: a key with its subkeys, or one value under its key. A result other
+  // than Done leaves the text as it was. Below HKEY_CLASSES_ROOT only the hive that holds the key, or the
+  // value, is read. A backup also keeps the hive and what a key has besides its values.
+  TExportResult ExportKey(const TKeyPath& key);
+  TExportResult ExportValue(const TKeyPath& key, TextView valueName);
 
   // The same at the place where the key, or the key that holds the value, really lies: read there, and
   // written under the key's own name.

@@ -24,7 +24,7 @@ TImportResult ImportInto(TMemorySystem& system, std::span<const std::uint8_t> by
 TBytes ExportOf(TMemorySystem& system) {
   TIORegistry exporter(system.Raw, system.Locale);
   for (const TRootKey rootKey : kRoots)
-    Expect(exporter.ExportKey(rootKey, u"\\") == TExportResult::Done);
+    Expect(exporter.ExportKey(*TKeyPath::Parse(rootKey, u"\\")) == TExportResult::Done);
   Expect(exporter.HoldsWhatWasExported(exporter.ExportedText()));
   return exporter.ExportedText();
 }

@@ -116,7 +116,7 @@ class TComparison {
   bool Export() {
     const bool ours = m_exports.Measure([this] {
       TIORegistry exporter(m_system.Raw, m_system.Locale);
-      return exporter.ExportKey(kHkeyCurrentUser, kTopPath) == TExportResult::Done &&
+      return exporter.ExportKey(*TKeyPath::Parse(kHkeyCurrentUser, kTopPath)) == TExportResult::Done &&
              !m_system.Files.ReplaceFile(m_ourFile, exporter.ExportedText()).Failed();
     });
     return ours && m_editorExports.Measure([this] {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/memory/memorysystem.h"
+#include "tests/support/keyat.h"
 #include "tests/support/largeinput.h"
 #include "tests/support/nastyregistry.h"
 
@@ -33,7 +34,7 @@ class IORegistry : public testing::Test {
   // What the export of \K says below its key line.
   std::string ExportedBelowKey() {
     Exporter.Clear();
-    EXPECT_EQ(Exporter.ExportKey(kHkeyCurrentUser, u"\\K"), TExportResult::Done);
+    EXPECT_EQ(Exporter.ExportKey(KeyAt(kKey)), TExportResult::Done);
     const std::string head = "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\K]\r\n";
     const std::string text = Exported();
     EXPECT_TRUE(text.starts_with(head)) << text;
@@ -44,7 +45,7 @@ class IORegistry : public testing::Test {
   void ExpectRoundTrip() {
     const TLines before = System.Registry.Dump(u"HKEY_CURRENT_USER");
     Exporter.Clear();
-    ASSERT_EQ(Exporter.ExportKey(kHkeyCurrentUser, u"\\K"), TExportResult::Done);
+    ASSERT_EQ(Exporter.ExportKey(KeyAt(kKey)), TExportResult::Done);
     EXPECT_TRUE(Exporter.HoldsWhatWasExported(Exporter.ExportedText()));
     System.Registry.RemoveKey(kKey);
     const TImportResult imported = Exporter.Import(Exporter.ExportedText());
@@ -69,7 +70,7 @@ TEST_F(IORegistry, AKeyIsWrittenWithItsSubkeys) {
   System.Registry.SetInteger(u"HKEY_LOCAL_MACHINE\\System\\A", u"Number", 0xAB);
   System.Registry.AddKey(u"HKEY_LOCAL_MACHINE\\System\\A\\Empty\\Deeper");
   System.Registry.Set(u"HKEY_LOCAL_MACHINE\\System\\A\\Full", u"Name", u"Data");
-  EXPECT_EQ(Exporter.ExportKey(kHkeyLocalMachine, u"\\SYSTEM\\a"), TExportResult::Done);
+  EXPECT_EQ(Exporter.ExportKey(KeyAt(u"HKEY_LOCAL_MACHINE\\SYSTEM\\a")), TExportResult::Done);
   EXPECT_EQ(Exported(),
             "REGEDIT4\r\n"
             "\r\n"
@@ -89,20 +90,20 @@ TEST_F(IORegistry, AValueIsWrittenAloneUnderItsKey) {
   System.Registry.Set(kKey, u"One", u"1");
   System.Registry.Set(kKey, u"Two", u"2");
   System.Registry.AddKey(u"HKEY_CURRENT_USER\\K\\Sub");
-  EXPECT_EQ(Exporter.ExportValue(kHkeyCurrentUser, u"\\K", u"TWO"), TExportResult::Done);
+  EXPECT_EQ(Exporter.ExportValue(KeyAt(kKey), u"TWO"), TExportResult::Done);
   EXPECT_EQ(Exported(), "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\K]\r\n\"Two\"=\"2\"\r\n");
 }
 
 TEST_F(IORegistry, ANameOfOneNulIsTheDefaultValue) {
   System.Registry.Set(kKey, u"", u"x");
-  EXPECT_EQ(Exporter.ExportValue(kHkeyCurrentUser, u"\\K", TextView(u"\0", 1)), TExportResult::Done);
+  EXPECT_EQ(Exporter.ExportValue(KeyAt(kKey), TextView(u"\0", 1)), TExportResult::Done);
   EXPECT_EQ(Exported(), "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\K]\r\n@=\"x\"\r\n");
 }
 
 TEST_F(IORegistry, ExportsAreCollectedUntilCleared) {
   System.Registry.Set(kKey, u"One", u"1");
-  Exporter.ExportValue(kHkeyCurrentUser, u"\\K", u"One");
-  Exporter.ExportKey(kHkeyCurrentUser, u"\\K");
+  EXPECT_EQ(Exporter.ExportValue(KeyAt(kKey), u"One"), TExportResult::Done);
+  EXPECT_EQ(Exporter.ExportKey(KeyAt(kKey)), TExportResult::Done);
   EXPECT_EQ(Exported(),
             "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\K]\r\n\"One\"=\"1\"\r\n"
             "\r\n[HKEY_CURRENT_USER\\K]\r\n\"One\"=\"1\"\r\n");
@@ -114,7 +115,7 @@ TEST_F(IORegistry, AKeyPathMayLackItsBackslashOrHaveOneTooMany) {
   System.Registry.AddKey(u"HKEY_CURRENT_USER\\K\\Sub");
   for (const TextView path : {u"K\\Sub", u"\\K\\Sub", u"K\\Sub\\", u"\\K\\\\Sub"}) {
     Exporter.Clear();
-    EXPECT_EQ(Exporter.ExportKey(kHkeyCurrentUser, path), TExportResult::Done);
+    EXPECT_EQ(Exporter.ExportKey(*TKeyPath::Parse(kHkeyCurrentUser, path)), TExportResult::Done);
     EXPECT_EQ(Exported(), "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\K\\Sub]\r\n");
   }
 }
@@ -122,7 +123,7 @@ TEST_F(IORegistry, AKeyPathMayLackItsBackslashOrHaveOneTooMany) {
 TEST_F(IORegistry, AWholeRootCanBeExported) {
   System.Registry.Set(u"HKEY_CURRENT_CONFIG", u"a", u"1");
   System.Registry.AddKey(u"HKEY_CURRENT_CONFIG\\K");
-  EXPECT_EQ(Exporter.ExportKey(kHkeyCurrentConfig, u"\\"), TExportResult::Done);
+  EXPECT_EQ(Exporter.ExportKey(KeyAt(u"HKEY_CURRENT_CONFIG\\")), TExportResult::Done);
   EXPECT_EQ(Exported(),
             "REGEDIT4\r\n\r\n[HKEY_CURRENT_CONFIG]\r\n\"a\"=\"1\"\r\n\r\n[HKEY_CURRENT_CONFIG\\K]\r\n");
   EXPECT_TRUE(Exporter.HoldsWhatWasExported(Exporter.ExportedText()));
@@ -130,20 +131,18 @@ TEST_F(IORegistry, AWholeRootCanBeExported) {
 
 TEST_F(IORegistry, WhatIsMissingAppendsNothing) {
   System.Registry.AddKey(kKey);
-  EXPECT_EQ(Exporter.ExportKey(kHkeyCurrentUser, u"\\Gone"), TExportResult::Missing);
-  EXPECT_EQ(Exporter.ExportKey(kHkeyCurrentUser, u"\\\\K"), TExportResult::Missing);
-  EXPECT_EQ(Exporter.ExportValue(kHkeyCurrentUser, u"\\K", u"Gone"), TExportResult::Missing);
-  EXPECT_EQ(Exporter.ExportValue(kHkeyCurrentUser, u"\\Gone", u"x"), TExportResult::Missing);
-  EXPECT_EQ(Exporter.ExportValue(kHkeyCurrentUser, u"\\\\K", u"x"), TExportResult::Missing);
+  EXPECT_EQ(Exporter.ExportKey(KeyAt(u"HKEY_CURRENT_USER\\Gone")), TExportResult::Missing);
+  EXPECT_EQ(Exporter.ExportValue(KeyAt(kKey), u"Gone"), TExportResult::Missing);
+  EXPECT_EQ(Exporter.ExportValue(KeyAt(u"HKEY_CURRENT_USER\\Gone"), u"x"), TExportResult::Missing);
   EXPECT_EQ(Exported(), "REGEDIT4\r\n");
 }
 
 TEST_F(IORegistry, ADeniedKeyBelowLeavesTheWholeExportOut) {
   System.Registry.Set(u"HKEY_CURRENT_USER\\K\\A", u"a", u"1");
   System.Registry.Deny(u"HKEY_CURRENT_USER\\K\\B\\C");
-  EXPECT_EQ(Exporter.ExportKey(kHkeyCurrentUser, u"\\K"), TExportResult::Unreadable);
-  EXPECT_EQ(Exporter.ExportKey(kHkeyCurrentUser, u"\\K\\B\\C"), TExportResult::Unreadable);
-  EXPECT_EQ(Exporter.ExportValue(kHkeyCurrentUser, u"\\K\\B\\C", u"a"), TExportResult::Unreadable);
+  EXPECT_EQ(Exporter.ExportKey(KeyAt(kKey)), TExportResult::Unreadable);
+  EXPECT_EQ(Exporter.ExportKey(KeyAt(u"HKEY_CURRENT_USER\\K\\B\\C")), TExportResult::Unreadable);
+  EXPECT_EQ(Exporter.ExportValue(KeyAt(u"HKEY_CURRENT_USER\\K\\B\\C"), u"a"), TExportResult::Unreadable);
   EXPECT_EQ(Exported(), "REGEDIT4\r\n");
   EXPECT_TRUE(Exporter.HoldsWhatWasExported(BytesOf("REGEDIT4\r\n")));
 }
@@ -151,17 +150,17 @@ TEST_F(IORegistry, ADeniedKeyBelowLeavesTheWholeExportOut) {
 TEST_F(IORegistry, ALinkBelowLeavesTheWholeExportOut) {
   System.Registry.Set(u"HKEY_CURRENT_USER\\Target", u"a", u"1");
   System.Registry.MakeLink(u"HKEY_CURRENT_USER\\K\\Link", u"HKEY_CURRENT_USER\\Target");
-  EXPECT_EQ(Exporter.ExportKey(kHkeyCurrentUser, u"\\K"), TExportResult::Unreadable);
-  EXPECT_EQ(Exporter.ExportKey(kHkeyCurrentUser, u"\\K\\Link"), TExportResult::Unreadable);
-  EXPECT_EQ(Exporter.ExportValue(kHkeyCurrentUser, u"\\K\\Link", u"a"), TExportResult::Unreadable);
+  EXPECT_EQ(Exporter.ExportKey(KeyAt(kKey)), TExportResult::Unreadable);
+  EXPECT_EQ(Exporter.ExportKey(KeyAt(u"HKEY_CURRENT_USER\\K\\Link")), TExportResult::Unreadable);
+  EXPECT_EQ(Exporter.ExportValue(KeyAt(u"HKEY_CURRENT_USER\\K\\Link"), u"a"), TExportResult::Unreadable);
   EXPECT_EQ(Exported(), "REGEDIT4\r\n");
 }
 
 TEST_F(IORegistry, WhatCantBeReadLeavesEarlierExportsAlone) {
   System.Registry.AddKey(u"HKEY_CURRENT_USER\\Good");
   System.Registry.Deny(u"HKEY_CURRENT_USER\\K\\B");
-  Exporter.ExportKey(kHkeyCurrentUser, u"\\Good");
-  Exporter.ExportKey(kHkeyCurrentUser, u"\\K");
+  EXPECT_EQ(Exporter.ExportKey(KeyAt(u"HKEY_CURRENT_USER\\Good")), TExportResult::Done);
+  EXPECT_EQ(Exporter.ExportKey(KeyAt(kKey)), TExportResult::Unreadable);
   EXPECT_EQ(Exported(), "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Good]\r\n");
   EXPECT_TRUE(Exporter.HoldsWhatWasExported(Exporter.ExportedText()));
 }
@@ -291,7 +290,7 @@ TEST_F(IORegistry, BelowAKeyWrittenExactlyEverythingIs) {
             ";TIORegistry key=HKEY_CURRENT_USER:5c004b005c000204\r\n"
             ";TIORegistry value=:1:0000\r\n");
   ExpectRoundTrip();
-  Exporter.ExportKey(kHkeyCurrentUser, u"\\L");
+  EXPECT_EQ(Exporter.ExportKey(KeyAt(u"HKEY_CURRENT_USER\\L")), TExportResult::Done);
   EXPECT_TRUE(Exported().ends_with("\r\n[HKEY_CURRENT_USER\\L]\r\n\"a\"=\"x\"\r\n"));
 }
 
@@ -370,7 +369,7 @@ TEST_F(IORegistry, ValuesComeBackInTheirOrder) {
 TEST_F(IORegistry, AFileIsComparedWithTheRegistryNotWithTheText) {
   Set(u"a", kRegDword, {1, 0, 0, 0});
   System.Registry.AddKey(u"HKEY_CURRENT_USER\\K\\Sub");
-  Exporter.ExportKey(kHkeyCurrentUser, u"\\K");
+  EXPECT_EQ(Exporter.ExportKey(KeyAt(kKey)), TExportResult::Done);
   const std::string sub = "[HKEY_CURRENT_USER\\K\\Sub]";
   const std::string key = "REGEDIT4\n[HKEY_CURRENT_USER\\K]\n";
   const std::string good = key + "\"a\"=dword:1\n" + sub;
@@ -393,7 +392,7 @@ TEST_F(IORegistry, AFileIsComparedWithTheRegistryNotWithTheText) {
 
 TEST_F(IORegistry, TheComparisonKeepsWhatTheRegistrySaidAtTheTimeOfExport) {
   Set(u"a", kRegSz, StringBytes(u"before"));
-  Exporter.ExportKey(kHkeyCurrentUser, u"\\K");
+  EXPECT_EQ(Exporter.ExportKey(KeyAt(kKey)), TExportResult::Done);
   System.Registry.RemoveKey(kKey);
   EXPECT_TRUE(Exporter.HoldsWhatWasExported(Exporter.ExportedText()));
 }

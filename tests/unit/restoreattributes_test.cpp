@@ -4,6 +4,7 @@
 #include "formats/ioregistry.h"
 #include "platform/memory/memorysecurity.h"
 #include "platform/memory/memorysystem.h"
+#include "tests/support/keyat.h"
 
 namespace corvalt {
 
@@ -36,8 +37,8 @@ class RestoredAttributes : public ::testing::Test {
   std::string Exported() const {
     return {m_exporter.ExportedText().begin(), m_exporter.ExportedText().end()};
   }
-  void Export(TRootKey rootKey, TextView keyPath) {
-    EXPECT_EQ(m_exporter.ExportKey(rootKey, keyPath), TExportResult::Done);
+  void Export(TextView fullPath) {
+    EXPECT_EQ(m_exporter.ExportKey(KeyAt(fullPath)), TExportResult::Done);
   }
   TImportResult Import() {
     m_exporter.Finish();
@@ -67,7 +68,7 @@ class RestoredAttributes : public ::testing::Test {
 TEST_F(RestoredAttributes, ComeBackWithTheirKeys) {
   BuildKey();
   const std::vector<std::string> before = Dump();
-  Export(kHkeyCurrentUser, u"\\K");
+  Export(u"HKEY_CURRENT_USER\\K");
   m_system.Registry.RemoveKey(kKey);
   EXPECT_EQ(Import().AttributesLost, 0U);
   EXPECT_EQ(Dump(), before) << Exported();
@@ -76,7 +77,7 @@ TEST_F(RestoredAttributes, ComeBackWithTheirKeys) {
 TEST_F(RestoredAttributes, OfAVolatileKeyComeBack) {
   m_system.Registry.AddKey(Text(kKey) + u"\\Volatile");
   m_system.Registry.MakeVolatile(Text(kKey) + u"\\Volatile");
-  Export(kHkeyCurrentUser, u"\\K\\Volatile");
+  Export(u"HKEY_CURRENT_USER\\K\\Volatile");
   m_system.Registry.RemoveKey(Text(kKey) + u"\\Volatile");
   EXPECT_EQ(Import().AttributesLost, 0U);
   EXPECT_TRUE(m_system.Registry.KeyAt(Text(kKey) + u"\\Volatile")->IsVolatile);
@@ -87,7 +88,7 @@ TEST_F(RestoredAttributes, AKeyBelowAVolatileOneIsCreatedVolatileAlsoWhenNothing
   m_system.Registry.TellsVolatility = false;
   m_system.Registry.AddKey(Text(kKey) + u"\\Sub");
   m_system.Registry.MakeVolatile(kKey);
-  Export(kHkeyCurrentUser, u"\\K\\Sub");
+  Export(u"HKEY_CURRENT_USER\\K\\Sub");
   EXPECT_EQ(Exported().find("volatile"), std::string::npos);
   m_system.Registry.RemoveKey(Text(kKey) + u"\\Sub");
   Import();
@@ -97,7 +98,7 @@ TEST_F(RestoredAttributes, AKeyBelowAVolatileOneIsCreatedVolatileAlsoWhenNothing
 
 TEST_F(RestoredAttributes, OfAKeyThatIsThereAreLeftAsTheyAre) {
   BuildKey();
-  Export(kHkeyCurrentUser, u"\\K");
+  Export(u"HKEY_CURRENT_USER\\K");
   m_system.Registry.SetClass(kKey, u"Newer");
   m_system.Registry.SetSecurity(kKey, DefaultSecurity());
   m_system.Registry.SetLastWrite(kKey, kOldTime + 7);
@@ -110,8 +111,8 @@ TEST_F(RestoredAttributes, OfAKeyThatIsThereAreLeftAsTheyAre) {
 TEST_F(RestoredAttributes, ComeBackAlsoWhenASubkeyWasSavedBeforeItsKey) {
   BuildKey();
   const std::vector<std::string> before = Dump();
-  Export(kHkeyCurrentUser, u"\\K\\Sub");
-  Export(kHkeyCurrentUser, u"\\K");
+  Export(u"HKEY_CURRENT_USER\\K\\Sub");
+  Export(u"HKEY_CURRENT_USER\\K");
   m_system.Registry.RemoveKey(kKey);
   const TImportResult result = Import();
   EXPECT_EQ(result.AttributesLost, 0U);
@@ -121,7 +122,7 @@ TEST_F(RestoredAttributes, ComeBackAlsoWhenASubkeyWasSavedBeforeItsKey) {
 
 TEST_F(RestoredAttributes, ThatCantBeGivenBackAreCounted) {
   BuildKey();
-  Export(kHkeyCurrentUser, u"\\K");
+  Export(u"HKEY_CURRENT_USER\\K");
   m_system.Registry.RemoveKey(kKey);
   m_system.Registry.SetsTimes = false;
   const TImportResult result = Import();
@@ -131,7 +132,7 @@ TEST_F(RestoredAttributes, ThatCantBeGivenBackAreCounted) {
 
 TEST_F(RestoredAttributes, WhatIsInheritedIsNotWritten) {
   m_system.Registry.AddKey(kKey);
-  Export(kHkeyCurrentUser, u"\\K");
+  Export(u"HKEY_CURRENT_USER\\K");
   EXPECT_EQ(Exported().find("security="), std::string::npos);
   EXPECT_NE(Exported().find(";Corvalt time="), std::string::npos);
 }
@@ -139,14 +140,14 @@ TEST_F(RestoredAttributes, WhatIsInheritedIsNotWritten) {
 TEST_F(RestoredAttributes, StandInBackupsOnly) {
   BuildKey();
   m_exporter.Clear();
-  Export(kHkeyCurrentUser, u"\\K");
+  Export(u"HKEY_CURRENT_USER\\K");
   EXPECT_EQ(Exported().find(";Corvalt"), std::string::npos);
 }
 
 TEST_F(RestoredAttributes, NamesComeBackAsTheyWereStored) {
   m_system.Registry.Set(u"HKEY_CURRENT_USER\\clsId\\Sub", u"naMe", u"x");
   const std::vector<std::string> before = m_system.Registry.Dump(kRoot);
-  Export(kHkeyCurrentUser, u"\\CLSID");
+  Export(u"HKEY_CURRENT_USER\\CLSID");
   m_system.Registry.RemoveKey(u"HKEY_CURRENT_USER\\clsId");
   Import();
   EXPECT_EQ(m_system.Registry.Dump(kRoot), before);
@@ -160,7 +161,7 @@ TEST_F(RestoredAttributes, AClassComesFromAndReturnsToItsHive) {
     const TextView own = isUsers ? kUserClass : kMachineClass;
     m_system.Registry.Set(own, u"a", u"own");
     m_exporter.Clear(TBackupOrigin());
-    Export(kHkeyClassesRoot, u"\\Thing");
+    Export(u"HKEY_CLASSES_ROOT\\Thing");
     EXPECT_NE(Exported().find(isUsers ? "\r\n;Corvalt hive=HKEY_CURRENT_USER\r\n"
                                       : "\r\n;Corvalt hive=HKEY_LOCAL_MACHINE\r\n"),
               std::string::npos);
@@ -176,7 +177,7 @@ TEST_F(RestoredAttributes, AClassComesFromAndReturnsToItsHive) {
 TEST_F(RestoredAttributes, OnlyTheHiveThatHoldsTheClassIsExported) {
   m_system.Registry.Set(kUserClass, u"user", u"x");
   m_system.Registry.Set(kMachineClass, u"machine", u"x");
-  Export(kHkeyClassesRoot, u"\\Thing");
+  Export(u"HKEY_CLASSES_ROOT\\Thing");
   EXPECT_NE(Exported().find("\"user\""), std::string::npos);
   EXPECT_EQ(Exported().find("\"machine\""), std::string::npos);
   ASSERT_EQ(m_exporter.Exported().size(), 1U);
@@ -186,7 +187,7 @@ TEST_F(RestoredAttributes, OnlyTheHiveThatHoldsTheClassIsExported) {
 TEST_F(RestoredAttributes, AValueReturnsToTheHiveThatHeldIt) {
   m_system.Registry.AddKey(kUserClass);
   m_system.Registry.Set(kMachineClass, u"machine", u"x");
-  EXPECT_EQ(m_exporter.ExportValue(kHkeyClassesRoot, u"\\Thing", u"MACHINE"), TExportResult::Done);
+  EXPECT_EQ(m_exporter.ExportValue(KeyAt(u"HKEY_CLASSES_ROOT\\Thing"), u"MACHINE"), TExportResult::Done);
   m_system.Registry.RemoveKey(kMachineClass);
   Import();
   EXPECT_TRUE(m_system.Registry.HasValue(kMachineClass, u"machine"));
@@ -197,7 +198,7 @@ TEST_F(RestoredAttributes, ALinkAboveTheKeyKeepsItsSpelling) {
   m_system.Registry.Set(u"HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Services\\Thing", u"a", u"x");
   m_system.Registry.MakeLink(u"HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet",
                              u"HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001");
-  Export(kHkeyLocalMachine, u"\\System\\CurrentControlSet\\services\\thing");
+  Export(u"HKEY_LOCAL_MACHINE\\System\\CurrentControlSet\\services\\thing");
   EXPECT_NE(Exported().find("[HKEY_LOCAL_MACHINE\\System\\CurrentControlSet\\Services\\Thing]"),
             std::string::npos)
       << Exported();

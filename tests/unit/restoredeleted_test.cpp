@@ -6,6 +6,7 @@
 
 #include "platform/memory/memorysystem.h"
 #include "repair/backuporigin.h"
+#include "tests/support/keyat.h"
 #include "tests/support/scanrig.h"
 #include "ui/restoremodel.h"
 
@@ -284,7 +285,7 @@ std::string OwnBackup(TRestoreRig& rig) {
   TSystem system = rig.System.Bundle();
   TIORegistry exporter(system.Raw, system.Locale);
   exporter.Clear(OriginHere(system));
-  EXPECT_EQ(exporter.ExportKey(kHkeyCurrentUser, u"\\Software\\Old"), TExportResult::Done);
+  EXPECT_EQ(exporter.ExportKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")), TExportResult::Done);
   exporter.Finish();
   rig.System.Registry.RemoveKey(kKey);
   return {exporter.ExportedText().begin(), exporter.ExportedText().end()};
@@ -419,7 +420,7 @@ TEST(RestoringABackup, IsReadInTheCodePageThatItWasMadeIn) {
   TSystem system = rig.System.Bundle();
   TIORegistry exporter(system.Raw, system.Locale);
   exporter.Clear(OriginHere(system));
-  EXPECT_EQ(exporter.ExportKey(kHkeyCurrentUser, u"\\Software\\\u0421\u043B\u043E\u0432\u043E"),
+  EXPECT_EQ(exporter.ExportKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\\u0421\u043B\u043E\u0432\u043E")),
             TExportResult::Done);
   exporter.Finish();
   const std::string file(exporter.ExportedText().begin(), exporter.ExportedText().end());

@@ -179,7 +179,7 @@ class RegFileOnWindows : public testing::Test {
         WritePlainValue(plainKey->Get(), value);
     }
     m_before = DumpBelow(m_path);
-    EXPECT_EQ(m_exporter.ExportKey(kScratchRoot, m_path), TExportResult::Done);
+    EXPECT_EQ(m_exporter.ExportKey(*TKeyPath::Parse(kScratchRoot, m_path)), TExportResult::Done);
   }
 
   void DeleteEverything() {
