@@ -4,14 +4,13 @@
 
 #include "base/devicenames.h"
 #include "base/lettercase.h"
+#include "base/limits.h"
 
 namespace corvalt {
 
 namespace {
 
-// Longer paths, the terminating NUL included, are asked plainly: the system takes them in another form.
-constexpr std::size_t kMaxPath = 260;
-constexpr std::size_t kRootLength = 3;
+constexpr std::size_t kRootLength = 3;  // "C:\"
 
 // A listing costs about as much as three plain questions, and most folders are asked about once or twice.
 constexpr int kQuestionsBeforeListing = 3;

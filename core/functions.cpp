@@ -4,6 +4,7 @@
 #include <array>
 
 #include "base/lettercase.h"
+#include "base/limits.h"
 
 namespace corvalt {
 
@@ -11,12 +12,6 @@ namespace {
 
 constexpr TextView kProgramExtension = u".exe";
 constexpr TextView kNetworkPrefix = u"\\\\";
-
-// The system's own limit in any form of a path.
-constexpr std::size_t kLongestPath = 32767;
-
-// Units of one name, on every file system of Windows.
-constexpr std::size_t kLongestName = 255;
 
 // Command lines have few; a text with more is looked at with care for the time that it takes.
 constexpr std::ptrdiff_t kManyBlanks = 32;
@@ -170,7 +165,7 @@ TextView TPathChecks::PossiblePart(TextView command) {
     if (end != TextView::npos && !FileOrFolderExists(possible.substr(0, end), false))
       possible = possible.substr(0, end);
   }
-  return possible.substr(0, LastPos(u"\\", possible) + kLongestName + 1);
+  return possible.substr(0, LastPos(u"\\", possible) + kLongestFileName + 1);
 }
 
 std::optional<Text> TPathChecks::SplitCommandFile(TextView text) {

@@ -30,6 +30,8 @@ struct TFileInfo {
 // The temporary file through which ReplaceFile writes: TARGET.PROCESS-NUMBER.tmp, with the identifier of the
 // writing process in decimal. One that is left was written by a process that was ended in the middle.
 [[nodiscard]] Text TemporaryNameOf(TextView target, std::uint32_t processId, int number);
+// How many numbers are tried while files of these names exist.
+inline constexpr int kMostTemporaryNames = 100;
 struct TTemporaryName {
   Text Target;
   std::uint32_t ProcessId = 0;

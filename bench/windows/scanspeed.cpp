@@ -7,6 +7,7 @@
 #include <functional>
 #include <random>
 
+#include "base/limits.h"
 #include "core/cachedfileprobe.h"
 #include "platform/memory/memorysystem.h"
 #include "platform/windows/windowssystem.h"
@@ -176,12 +177,11 @@ class TBareWalk {
   }
 
   static std::vector<Text> SubKeyNames(HKEY key, DWORD count) {
-    constexpr DWORD kLongestKeyName = 256;
     std::vector<Text> names;
     names.reserve(count);
-    wchar_t name[kLongestKeyName] = {};
+    wchar_t name[kLongestKeyName + 1] = {};
     for (DWORD i = 0; i < count; ++i) {
-      DWORD length = kLongestKeyName;
+      DWORD length = kLongestKeyName + 1;
       if (RegEnumKeyExW(key, i, name, &length, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS)
         names.emplace_back(FromWide(name, length));
     }

@@ -3,15 +3,12 @@
 #include <algorithm>
 
 #include "base/lettercase.h"
+#include "base/limits.h"
 #include "platform/memory/memorysecurity.h"
 
 namespace corvalt {
 
 namespace {
-
-constexpr std::size_t kLongestKeyName = 255;      // units
-constexpr std::size_t kDeepestKey = 512;          // levels
-constexpr std::size_t kLongestValueName = 16383;  // units
 
 // A FILETIME of the year 2024, and how much later each change is than the one before: a second.
 constexpr std::uint64_t kFirstTime = 133500000000000000;

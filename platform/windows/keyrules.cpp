@@ -1,5 +1,7 @@
 #include "platform/windows/keyrules.h"
 
+#include "base/limits.h"
+
 namespace corvalt {
 
 bool IsPlainPath(TextView path) {

@@ -9,8 +9,6 @@
 
 namespace corvalt {
 
-inline constexpr std::size_t kLongestKeyName = 255;  // units, page "Registry Element Size Limits"
-
 // Whether a path is from the root and written as the system takes it, which makes taking it apart
 // superfluous: no doubled or trailing separator, no NUL, no name that is too long.
 bool IsPlainPath(TextView path);

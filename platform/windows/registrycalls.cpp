@@ -7,11 +7,12 @@ namespace corvalt {
 
 namespace {
 
-// A text passed to the system may have 32,767 units; keys nested deeper than that are reached step by step.
-constexpr std::size_t kLongestPath = 16000;
+// Units of a path in one call. The system takes kLongestPath with the parent's path before it; deeper keys
+// are reached in steps.
+constexpr std::size_t kLongestStep = 16000;
 
 constexpr std::size_t kClassNameUnits = 32768;  // more than any system lets a class name have
-constexpr DWORD kKeyNameUnits = 512;            // more than any system lets a key have
+constexpr DWORD kKeyNameUnits = 512;            // longer than kLongestKeyName with its NUL
 constexpr DWORD kLargestValueNameUnits = 32768;
 constexpr DWORD kSmallestNameBuffer = 256;   // units
 constexpr DWORD kSmallestDataBuffer = 4096;  // bytes
@@ -130,8 +131,8 @@ void TValueBuffer::Reserve(const TKeyCounts& counts, DWORD dataLimit) {
 
 LSTATUS TRegistryCalls::Near(HKEY parent, TextView path, bool create, TNearKey& place) {
   place.Parent = parent;
-  while (path.size() > kLongestPath) {
-    const std::size_t end = path.rfind(u'\\', kLongestPath);
+  while (path.size() > kLongestStep) {
+    const std::size_t end = path.rfind(u'\\', kLongestStep);
     if (end == TextView::npos)
       return ERROR_INVALID_PARAMETER;
     TRegistryKey step;

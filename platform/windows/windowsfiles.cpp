@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/limits.h"
 #include "platform/windows/filebytes.h"
 #include "platform/windows/windowsfolder.h"
 #include "system/machine.h"
@@ -10,19 +11,12 @@ namespace corvalt {
 
 namespace {
 
-constexpr DWORD kLongestPath = 260;  // characters, of a long path name
-constexpr int kMostTemporaryNames = 100;
-
 constexpr DWORD kNoSuchFile = INVALID_FILE_ATTRIBUTES;
-
-// A path of this many units or more is only taken in the form that names the system's own objects (Maximum
-// Path Length Limitation, learn.microsoft.com).
-constexpr std::size_t kLongestPlainPath = 260;
 
 // The path in a form that the system takes whatever its length.
 Text AnyLength(TextView path) {
   Text plain(path);
-  if (path.size() < kLongestPlainPath || path.starts_with(u"\\\\?\\") || path.starts_with(u"\\\\.\\"))
+  if (path.size() < kMaxPath || path.starts_with(u"\\\\?\\") || path.starts_with(u"\\\\.\\"))
     return plain;
   const Text full = FullPathOf(plain);
   if (full.empty() || full.starts_with(u"\\\\.\\"))
@@ -157,9 +151,9 @@ bool TWindowsProbe::DirectoryExists(TextView path) {
 std::optional<Text> TWindowsProbe::GetLongPathName(TextView path) {
   if (m_getLongPathName == nullptr || HoldsNul(path))
     return std::nullopt;
-  Text longPath(kLongestPath, u'\0');
-  const DWORD length = m_getLongPathName(Wide(Text(path)), WideBuffer(longPath), kLongestPath);
-  if (length == 0 || length > kLongestPath)
+  Text longPath(kMaxPath, u'\0');
+  const DWORD length = m_getLongPathName(Wide(Text(path)), WideBuffer(longPath), kMaxPath);
+  if (length == 0 || length > kMaxPath)
     return std::nullopt;
   longPath.resize(length);
   return longPath;

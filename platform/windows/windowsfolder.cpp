@@ -12,7 +12,6 @@ namespace {
 
 constexpr ULONG kFileAsLink = FILE_NON_DIRECTORY_FILE | FILE_OPEN_REPARSE_POINT;
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-constexpr int kMostTemporaryNames = 100;
 
 // Classes of NtSetInformationFile and NtQueryInformationFile (learn.microsoft.com, FILE_INFORMATION_CLASS).
 constexpr int kFileRenameInformation = 10;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "base/limits.h"
 #include "platform/windows/windowsapi.h"
 // The system's own headers expect windows.h before them.
 #include <sddl.h>
@@ -10,9 +11,6 @@
 namespace corvalt {
 
 namespace {
-
-constexpr std::size_t kFirstPathUnits = 260;
-constexpr std::size_t kMostPathUnits = 32768;  // no path of the system is longer
 
 // TOKEN_USER with the identifier behind it; empty on failure. Aligned as the record needs it.
 std::vector<std::uint64_t> ReadTokenUser() {
@@ -48,7 +46,7 @@ Text TWindowsMachine::GetSystemDirectory(std::size_t bufferLength) {
 
 Text TWindowsMachine::ProgramFile() {
   // A path that does not fit is cut, and fills the buffer whole.
-  for (std::size_t units = kFirstPathUnits; units <= kMostPathUnits * 2; units *= 2) {
+  for (std::size_t units = kMaxPath; units <= 2 * (kLongestPath + 1); units *= 2) {
     Text path(units, u'\0');
     const DWORD length = GetModuleFileNameW(nullptr, WideBuffer(path), static_cast<DWORD>(units));
     if (length < units) {

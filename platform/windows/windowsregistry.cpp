@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/lettercase.h"
+#include "base/limits.h"
 #include "platform/windows/keyrules.h"
 #include "platform/windows/keytree.h"
 
@@ -14,9 +15,6 @@ namespace {
 
 constexpr DWORD kLargestKeptData = 65536;                                // bytes of one value
 constexpr std::size_t kLargestSnapshot = std::size_t{16} * 1024 * 1024;  // bytes of all values
-
-// The levels of keys that a path may have (Registry Element Size Limits, learn.microsoft.com).
-constexpr std::ptrdiff_t kDeepestKey = 512;
 
 constexpr REGSAM kReadAccess = KEY_READ;
 constexpr REGSAM kFullAccess = KEY_READ | KEY_WRITE;
@@ -95,7 +93,8 @@ void TWindowsRegistryStore::SetRootKey(TRootKey rootKey) {
 
 std::optional<TWindowsRegistryStore::TPlace> TWindowsRegistryStore::PlaceOf(TextView path) const {
   std::optional<TPlace> place = AnyPlaceOf(path);
-  if (place && std::count(place->Path.begin(), place->Path.end(), u'\\') >= kDeepestKey)
+  if (place &&
+      static_cast<std::size_t>(std::count(place->Path.begin(), place->Path.end(), u'\\')) >= kDeepestKey)
     return std::nullopt;
   return place;
 }

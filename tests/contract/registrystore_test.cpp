@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "base/lettercase.h"
+#include "base/limits.h"
 #include "tests/contract/registrycontract.h"
 
 namespace corvalt {
@@ -9,9 +10,6 @@ namespace {
 
 using RegistryStoreContract = TRegistryContract;
 using TNames = std::vector<Text>;
-
-constexpr std::size_t kLongestKeyName = 255;
-constexpr std::size_t kLongestValueName = 16383;
 
 TEST_F(RegistryStoreContract, NamesCompareWithoutRegardToCaseAndKeepTheirs) {
   const auto store = OpenStoreAt(u"Größe Ärger");

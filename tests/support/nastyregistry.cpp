@@ -6,15 +6,15 @@
 #include <set>
 
 #include "base/lettercase.h"
+#include "base/limits.h"
 #include "platform/memory/memoryregistry.h"
 
 namespace corvalt {
 
 namespace {
 
-constexpr std::size_t kValuesAKey = 12;     // on average
-constexpr std::size_t kLongestPath = 1500;  // units
-constexpr std::size_t kLongestName = 255;   // units, of a key
+constexpr std::size_t kValuesAKey = 12;         // on average
+constexpr std::size_t kLongestMadePath = 1500;  // units
 constexpr std::size_t kBigData = 2 * 1024 * 1024;
 constexpr std::size_t kValuesABigOne = 40000;  // values that one of 2 MiB stands for
 
@@ -49,8 +49,8 @@ class TNastyMaker {
     for (;;) {
       const Text& parent = Chance(3) ? tree.back().Path : tree[Below(tree.size())].Path;
       Text path = parent + u"\\";
-      path += Name(kLongestName, true);
-      if (path.size() < kLongestPath && m_paths.insert(path).second)
+      path += Name(kLongestKeyName, true);
+      if (path.size() < kLongestMadePath && m_paths.insert(path).second)
         return path;
     }
   }
@@ -65,7 +65,7 @@ class TNastyMaker {
       case 2:
         return static_cast<char16_t>(0x400 + Below(0x100));
       case 3:
-        return static_cast<char16_t>(0xD800 + Below(0x800));  // a surrogate, mostly alone
+        return static_cast<char16_t>(0xD800 + Below(0x800));  // a surrogate, mostly without its pair
       case 4:
         return static_cast<char16_t>(1 + Below(0x9F));  // control characters too
       case 5:
