@@ -146,6 +146,10 @@ TextView WithoutLeadingBackslash(TextView text) {
   return text;
 }
 
+bool HoldsNul(TextView text) {
+  return text.find(u'\0') != TextView::npos;
+}
+
 Text DecimalText(std::int64_t number) {
   return FromAscii(std::to_string(number));
 }

@@ -57,6 +57,22 @@ Text WithTrailingBackslash(TextView text);
 // The text without its first "\", if it begins with one.
 TextView WithoutLeadingBackslash(TextView text);
 
+// Whether the text holds a NUL unit. Windows ends a text at its first one, so that a name with one in it
+// would mean another name.
+bool HoldsNul(TextView text);
+
+// Appends the units to a container of bytes, the low byte of each first.
+template <typename TByteContainer>
+void AppendUnits(TextView text, TByteContainer& bytes) {
+  using TByte = typename TByteContainer::value_type;
+  std::size_t at = bytes.size();
+  bytes.resize(at + 2 * text.size());
+  for (const char16_t unit : text) {
+    bytes[at++] = static_cast<TByte>(unit & 0xFF);
+    bytes[at++] = static_cast<TByte>(unit >> 8);
+  }
+}
+
 // A whole number in decimal, with "-" before a negative one.
 Text DecimalText(std::int64_t number);
 

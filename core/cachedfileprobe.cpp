@@ -89,6 +89,7 @@ TCachedFileProbe::TFinding TCachedFileProbe::Find(TextView path) {
 }
 
 std::optional<TCachedFileProbe::TQuestion> TCachedFileProbe::TakeApart(TextView path) {
+  // The system takes longer paths in another form.
   if (path.size() <= kRootLength || path.size() >= kMaxPath || path.substr(1, 2) != u":\\" ||
       !IsAsciiLetter(path[0]))
     return std::nullopt;

@@ -205,12 +205,8 @@ std::string TIniFile::Encoded(TLocale& locale) const {
 
 std::string TIniFile::EncodedAsUtf16() const {
   std::string bytes(kUtf16LittleEndianMark);
-  for (const TLine& line : m_lines) {
-    for (const char16_t unit : line.Content + line.End) {
-      bytes.push_back(static_cast<char>(unit & 0xFF));
-      bytes.push_back(static_cast<char>(unit >> 8));
-    }
-  }
+  for (const TLine& line : m_lines)
+    AppendUnits(line.Content + line.End, bytes);
   return bytes;
 }
 

@@ -57,11 +57,6 @@ struct TRegFileAttributes {
   bool operator==(const TRegFileAttributes&) const = default;
 };
 
-// REGEDIT4 holds the data of these types in the ANSI code page.
-inline bool IsTextType(std::uint32_t type) {
-  return type == kRegSz || type == kRegExpandSz || type == kRegMultiSz;
-}
-
 inline constexpr TextView kRegFileHeader = u"REGEDIT4";
 inline constexpr TextView kDwordWord = u"dword:";
 inline constexpr TextView kHexWord = u"hex";

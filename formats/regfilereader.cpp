@@ -9,23 +9,6 @@ namespace corvalt {
 
 namespace {
 
-void AppendUnits(TextView text, TBytes& bytes) {
-  std::size_t at = bytes.size();
-  bytes.resize(at + 2 * text.size());
-  for (const char16_t unit : text) {
-    bytes[at++] = static_cast<std::uint8_t>(unit & 0xFF);
-    bytes[at++] = static_cast<std::uint8_t>(unit >> 8);
-  }
-}
-
-// The units of an even number of bytes.
-Text TextOf(const TBytes& bytes) {
-  Text text;
-  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
-    text.push_back(static_cast<char16_t>(bytes[i] | (bytes[i + 1] << 8)));
-  return text;
-}
-
 TextView WithoutBlanks(TextView text) {
   constexpr TextView kBlanks = u" \t";
   const std::size_t first = text.find_first_not_of(kBlanks);
@@ -125,7 +108,7 @@ bool TRegFileReader::ReadKeyLine() {
 
 bool TRegFileReader::SetKey(TextView rootName, TextView keyPath) {
   const Text root = UpperCase(rootName);
-  if (!IsRootKeyName(root) || keyPath.find(u'\0') != TextView::npos || !OpensKey(keyPath))
+  if (!IsRootKeyName(root) || HoldsNul(keyPath) || !OpensKey(keyPath))
     return false;
   m_entry.RootKey = RootKeyFromName(root);
   m_entry.KeyPath = keyPath;
@@ -279,7 +262,7 @@ bool TRegFileReader::ReadExactText(Text& text) {
   TBytes bytes;
   if (!m_cursor.TakePairs(kExactContinuation, bytes) || bytes.size() % 2 != 0)
     return false;
-  text = TextOf(bytes);
+  text = UnitsOf(bytes);
   return true;
 }
 
@@ -315,7 +298,7 @@ bool TRegFileReader::ReadClass() {
   TBytes bytes;
   if (!ReadAttributeBytes(bytes) || bytes.size() % 2 != 0)
     return false;
-  m_attributes.ClassName = TextOf(bytes);
+  m_attributes.ClassName = UnitsOf(bytes);
   return true;
 }
 

@@ -35,13 +35,10 @@ std::string TwoDigits(char byte) {
   return {kDigits[value >> 4], kDigits[value & 15]};
 }
 
-// The units as little-endian bytes.
-std::string UnitsOf(TextView text) {
+// The units as characters of a line's data.
+std::string CharsOfUnits(TextView text) {
   std::string bytes;
-  for (const char16_t unit : text) {
-    bytes.push_back(static_cast<char>(unit & 0xFF));
-    bytes.push_back(static_cast<char>(unit >> 8));
-  }
+  AppendUnits(text, bytes);
   return bytes;
 }
 
@@ -52,12 +49,6 @@ std::string BigEndian(std::uint64_t number) {
   return bytes;
 }
 
-void TakeUnits(const TBytes& data, Text& text) {
-  text.resize(data.size() / 2);
-  for (std::size_t i = 0; i < text.size(); ++i)
-    text[i] = static_cast<char16_t>(data[2 * i] | (data[2 * i + 1] << 8));
-}
-
 bool IsAscii(TextView text) {
   return std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; });
 }
@@ -65,12 +56,6 @@ bool IsAscii(TextView text) {
 // Line breaks would end the line, and other control characters are at the mercy of whoever opens the file.
 bool HoldsControls(TextView text) {
   return std::any_of(text.begin(), text.end(), [](char16_t unit) { return unit < u' ' && unit != u'\t'; });
-}
-
-// Whether the data are whole units that end in a NUL.
-bool IsTerminated(const TBytes& data) {
-  const std::size_t size = data.size();
-  return size >= 2 && size % 2 == 0 && data[size - 1] == 0 && data[size - 2] == 0;
 }
 
 }  // namespace
@@ -140,11 +125,11 @@ bool TRegFileWriter::AppendPlainData(const TRawValue& value) {
 }
 
 bool TRegFileWriter::AppendTextData(const TRawValue& value) {
-  if (!IsTerminated(value.Data))
+  if (!EndsInNul(value.Data))
     return false;
-  TakeUnits(value.Data, m_units);
+  m_units = UnitsOf(value.Data);
   const TextView text = TextView(m_units).substr(0, m_units.size() - 1);
-  if (value.Type != kRegMultiSz && text.find(u'\0') != TextView::npos)
+  if (value.Type != kRegMultiSz && HoldsNul(text))
     return false;
   if (value.Type == kRegSz && !HoldsControls(text))
     return AppendQuoted(text);
@@ -212,7 +197,7 @@ void TRegFileWriter::WriteAttributes(const TRegFileAttributes& attributes) {
     FlushLine();
   }
   if (!attributes.ClassName.empty())
-    WriteAttribute(kClassWord, UnitsOf(attributes.ClassName));
+    WriteAttribute(kClassWord, CharsOfUnits(attributes.ClassName));
   if (attributes.IsVolatile) {
     m_line = Ascii(kBackupLine) + Ascii(kVolatileLine);
     FlushLine();
@@ -266,7 +251,7 @@ void TRegFileWriter::AppendExactBytes(std::string_view data) {
 }
 
 void TRegFileWriter::AppendExactText(TextView text) {
-  AppendExactBytes(UnitsOf(text));
+  AppendExactBytes(CharsOfUnits(text));
 }
 
 void TRegFileWriter::AppendDigits(std::uint8_t byte) {

@@ -7,8 +7,4 @@ Text FullKeyText(const ScanProblem& problem) {
   return RootKeyName(problem.RootKey) + (hasSeparator ? u"" : u"\\") + problem.KeyPath;
 }
 
-bool IsDefaultValueName(TextView valueName) {
-  return valueName.empty() || valueName == TextView(u"\0", 1);
-}
-
 }  // namespace corvalt

@@ -19,7 +19,7 @@ std::int32_t CountOf(TScan& scan, RegistryStore& registry, TextView name) {
   const TKeysReleased released(raw);
   TRawValue value;
   const bool isCount = raw.ReadValue(kHkeyLocalMachine, kSharedDlls, name, value) == TRawResult::Done &&
-                       value.Type == kRegDword && value.Data.size() == sizeof(count);
+                       IntegerOf(value.Type, value.Data).has_value();
   return isCount ? 0 : 1;
 }
 

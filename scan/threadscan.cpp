@@ -22,14 +22,14 @@ Text TokenOf(std::int32_t code) {
   return u"." + DecimalText(code) + u".";
 }
 
-// What the ignore lists hold against a problem, folded for the comparison. A built-in entry can't begin with
-// ";".
+// The entries of both ignore lists that count, in lower case for the comparison. Built-in entries can't be
+// switched off.
 std::vector<Text> IgnoredPhrases(const TGlobalReg& reg) {
   std::vector<Text> phrases;
   for (const Text& entry : reg.BuiltInExclusions)
     phrases.push_back(LowerCase(entry));
   for (const Text& entry : reg.IgnoreList) {
-    if (!entry.starts_with(u';'))
+    if (!entry.starts_with(kOffMark))
       phrases.push_back(LowerCase(entry));
   }
   return phrases;

@@ -11,29 +11,9 @@
 
 #include "base/keypaths.h"
 #include "base/text.h"
+#include "system/registryvalues.h"
 
 namespace corvalt {
-
-// Registry value types (winnt.h). Any other number is carried as it is.
-inline constexpr std::uint32_t kRegNone = 0;
-inline constexpr std::uint32_t kRegSz = 1;
-inline constexpr std::uint32_t kRegExpandSz = 2;
-inline constexpr std::uint32_t kRegBinary = 3;
-inline constexpr std::uint32_t kRegDword = 4;
-inline constexpr std::uint32_t kRegDwordBigEndian = 5;
-inline constexpr std::uint32_t kRegLink = 6;
-inline constexpr std::uint32_t kRegMultiSz = 7;
-inline constexpr std::uint32_t kRegQword = 11;
-
-using TBytes = std::vector<std::uint8_t>;
-
-struct TRawValue {
-  Text Name;  // as it is stored; empty: the default value
-  std::uint32_t Type = kRegNone;
-  TBytes Data;
-
-  bool operator==(const TRawValue&) const = default;
-};
 
 // One key: its values and the names of its direct subkeys, as they are stored and both in the platform's
 // enumeration order.

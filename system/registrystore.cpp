@@ -1,6 +1,6 @@
 #include "system/registrystore.h"
 
-#include "system/rawregistry.h"
+#include "system/registryvalues.h"
 
 namespace corvalt {
 

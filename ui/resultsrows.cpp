@@ -49,8 +49,6 @@ std::vector<TRowLine> TResultsRows::Lines(const TResultsNode& node) const {
                             : u" - " + Plain(TextId::HeaderScanning) + u"...";
     return {{problem.SectionCaption + ending, true, false}};
   }
-  const Text location =
-      problem.Kind == TProblemKind::File ? problem.KeyPath : RootKeyName(problem.RootKey) + problem.KeyPath;
   const bool isSelected = problem.StateFlag1;
   std::vector<TRowLine> lines = {{Plain(TextId::RowLocation) + u" " + location, false, false},
                                  {PlainText(problem.Description), false, !isSelected}};

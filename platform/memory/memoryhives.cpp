@@ -14,10 +14,6 @@ namespace {
 constexpr std::uint64_t kFirstTime = 133500000000000000;
 constexpr std::uint64_t kTimeStep = 10000000;
 
-bool HoldsNul(TextView name) {
-  return name.find(u'\0') != TextView::npos;
-}
-
 bool AnyKey(const TMemoryKey& key, bool (*test)(const TMemoryKey&)) {
   if (test(key))
     return true;
@@ -56,33 +52,6 @@ bool KeyNamesFit(const std::vector<Text>& names) {
 
 bool ValueNameFits(TextView name) {
   return name.size() <= kLongestValueName && !HoldsNul(name);
-}
-
-Text StoredValueName(TextView name) {
-  return name == TextView(u"\0", 1) ? Text() : Text(name);
-}
-
-TBytes IntegerBytes(std::uint32_t value) {
-  TBytes bytes;
-  for (int shift = 0; shift < 32; shift += 8)
-    bytes.push_back(static_cast<std::uint8_t>(value >> shift));
-  return bytes;
-}
-
-TBytes UnitBytes(TextView text) {
-  TBytes bytes;
-  bytes.reserve(2 * text.size() + 2);
-  for (const char16_t unit : text) {
-    bytes.push_back(static_cast<std::uint8_t>(unit & 0xFF));
-    bytes.push_back(static_cast<std::uint8_t>(unit >> 8));
-  }
-  return bytes;
-}
-
-TBytes StringBytes(TextView text) {
-  TBytes bytes = UnitBytes(text);
-  bytes.insert(bytes.end(), {0, 0});
-  return bytes;
 }
 
 bool HoldsLink(const TMemoryKey& key) {

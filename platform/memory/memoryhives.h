@@ -120,14 +120,6 @@ class TMemoryHives {
 bool KeyNamesFit(const std::vector<Text>& names);
 bool ValueNameFits(TextView name);
 
-// A name of one NUL unit means the default value.
-Text StoredValueName(TextView name);
-
-// The bytes of an integer; of a string value as Windows stores it, with its terminating NUL; and without it.
-TBytes IntegerBytes(std::uint32_t value);
-TBytes StringBytes(TextView text);
-TBytes UnitBytes(TextView text);
-
 // Whether a link stands at or below the key; whether the user may not read or not delete the key or one below
 // it.
 bool HoldsLink(const TMemoryKey& key);

@@ -163,7 +163,7 @@ TRawResult TMemoryRawRegistry::WriteValue(TRootKey rootKey, TextView keyPath, co
   if (opened != TRawResult::Done)
     return opened;
   m_registry.Note("write value", value.Name);
-  m_hives.WriteValue(*key.Key, {StoredValueName(value.Name), value.Type, value.Data});
+  m_hives.WriteValue(*key.Key, {Text(StoredValueName(value.Name)), value.Type, value.Data});
   return TRawResult::Done;
 }
 

@@ -4,17 +4,6 @@ namespace corvalt {
 
 namespace {
 
-Text TextOf(const TBytes& data) {
-  Text text;
-  for (std::size_t i = 0; i + 1 < data.size(); i += 2) {
-    const auto unit = static_cast<char16_t>(data[i] | (data[i + 1] << 8));
-    if (unit == u'\0')
-      break;
-    text.push_back(unit);
-  }
-  return text;
-}
-
 Text SystemPathOf(const TKeyPlace& place) {
   switch (place.RootKey) {
     case kHkeyCurrentUser:
@@ -78,26 +67,20 @@ TDataType TMemoryRegistryStore::GetDataType(TextView name) {
 
 Text TMemoryRegistryStore::ReadString(TextView name) {
   const TRawValue* value = FindValue(name);
-  const bool isText = value != nullptr && (value->Type == kRegSz || value->Type == kRegExpandSz);
-  return isText ? TextOf(value->Data) : Text();
+  return value != nullptr && IsStringType(value->Type) ? StringOf(value->Data) : Text();
 }
 
 std::int32_t TMemoryRegistryStore::ReadInteger(TextView name) {
   const TRawValue* value = FindValue(name);
-  if (value == nullptr || value->Type != kRegDword || value->Data.size() != 4)
-    return 0;
-  std::uint32_t number = 0;
-  for (std::size_t i = 0; i < 4; ++i)
-    number |= static_cast<std::uint32_t>(value->Data[i]) << (8 * i);
-  return static_cast<std::int32_t>(number);
+  return value == nullptr ? 0 : IntegerOf(value->Type, value->Data).value_or(0);
 }
 
 bool TMemoryRegistryStore::WriteString(TextView name, TextView value) {
-  return Write({StoredValueName(name), kRegSz, StringBytes(value.substr(0, value.find(u'\0')))});
+  return Write({Text(StoredValueName(name)), kRegSz, StringBytes(value.substr(0, value.find(u'\0')))});
 }
 
 bool TMemoryRegistryStore::WriteInteger(TextView name, std::int32_t value) {
-  return Write({StoredValueName(name), kRegDword, IntegerBytes(static_cast<std::uint32_t>(value))});
+  return Write({Text(StoredValueName(name)), kRegDword, IntegerBytes(static_cast<std::uint32_t>(value))});
 }
 
 bool TMemoryRegistryStore::Write(const TRawValue& value) {

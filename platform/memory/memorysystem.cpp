@@ -275,7 +275,7 @@ bool TMemoryShell::OpensWithFullAccess(std::uint32_t rootKey, TextView subKey) {
 TLockAnswer TMemoryInterprocess::Lock(const TLockWish& wish, const std::function<bool()>& stop) {
   const Text name = UpperCase(wish.Name) + (wish.ForAllUsers ? Text() : u" " + User);
   const auto end = std::chrono::steady_clock::now() + std::min(wish.Patience, LongestPatience);
-  if (Contains(wish.Name, TextView(u"\0", 1)))
+  if (HoldsNul(wish.Name))
     return {};
   std::unique_lock<std::mutex> hold(Locks->Mutex);
   Names.push_back(name);

@@ -37,11 +37,10 @@ std::optional<Text> JoinNames(const std::vector<Text>& names) {
 }
 
 std::optional<TextView> SystemValueName(TextView name) {
-  if (name == TextView(u"\0", 1))
-    return TextView();
-  if (HoldsNul(name))
+  const TextView stored = StoredValueName(name);
+  if (HoldsNul(stored))
     return std::nullopt;
-  return name;
+  return stored;
 }
 
 TRawResult RawResultOf(LSTATUS status) {

@@ -11,7 +11,7 @@ namespace {
 // are reached in steps.
 constexpr std::size_t kLongestStep = 16000;
 
-constexpr std::size_t kClassNameUnits = 32768;  // more than any system lets a class name have
+constexpr std::size_t kClassNameUnits = 32768;  // longer than any class name
 constexpr DWORD kKeyNameUnits = 512;            // longer than kLongestKeyName with its NUL
 constexpr DWORD kLargestValueNameUnits = 32768;
 constexpr DWORD kSmallestNameBuffer = 256;   // units
@@ -30,10 +30,6 @@ void Grow(TValueBuffer& buffer, DWORD neededSize) {
   }
   buffer.NameUnits.resize(kLargestValueNameUnits);
   buffer.Bytes.resize(std::max<std::size_t>(buffer.Bytes.size() * 2, kSmallestDataBuffer));
-}
-
-bool IsStringType(DWORD type) {
-  return type == kRegSz || type == kRegExpandSz || type == kRegMultiSz;
 }
 
 std::uint64_t NumberOf(const FILETIME& time) {
@@ -266,7 +262,7 @@ LSTATUS TRegistryCalls::SetValue(HKEY key, const Text& name, DWORD type, std::sp
     return ERROR_INVALID_PARAMETER;
   const auto size = static_cast<DWORD>(data.size());
   ++m_count;
-  if (!IsStringType(type))
+  if (!IsTextType(type))
     return RegSetValueExW(key, Wide(name), 0, type, data.data(), size);
   // The system looks at the unit behind a string without a terminator and stores it too when it is NUL, so
   // something else must stand there. The unit before the data is looked at when there is but one byte.

@@ -65,11 +65,6 @@ inline TextView FromWide(const wchar_t* text) {
   return TextView(reinterpret_cast<const char16_t*>(text));
 }
 
-// The system ends a text at its first NUL; a name that holds one would silently mean another name.
-inline bool HoldsNul(TextView text) {
-  return text.find(u'\0') != TextView::npos;
-}
-
 // The predefined handle of a root key: its 32 bits, sign-extended as winreg.h does it.
 inline HKEY RootHandle(TRootKey rootKey) {
   return reinterpret_cast<HKEY>(static_cast<LONG_PTR>(static_cast<LONG>(rootKey)));

@@ -18,20 +18,6 @@ constexpr REGSAM kChangeAccess = KEY_READ | KEY_WRITE;
 
 constexpr TextView kUserClasses = u"\\Software\\Classes\\";
 
-bool IsStringType(std::uint32_t type) {
-  return type == kRegSz || type == kRegExpandSz || type == kRegMultiSz;
-}
-
-// Whether the bytes end with a NUL unit, so that the system stores them as they are.
-bool EndsLikeText(const TBytes& data) {
-  const std::size_t size = data.size();
-  return size >= 2 && size % 2 == 0 && data[size - 1] == 0 && data[size - 2] == 0;
-}
-
-bool IsGone(LSTATUS status) {
-  return status == ERROR_KEY_DELETED || status == ERROR_INVALID_HANDLE;
-}
-
 }  // namespace
 
 TWindowsRawRegistry::TWindowsRawRegistry() : m_view(OwnView()) {
@@ -295,7 +281,7 @@ TRawResult TWindowsRawRegistry::WriteTo(HKEY handle, const Text& name, const TRa
   if (written != ERROR_SUCCESS)
     return RawResultOf(written);
   // The system may add a terminator to strings without one, so those are read back.
-  if (!IsStringType(value.Type) || EndsLikeText(value.Data))
+  if (!IsTextType(value.Type) || EndsInNul(value.Data))
     return TRawResult::Done;
   const LSTATUS read = m_calls.QueryValue(handle, name, m_buffer);
   const bool same =

@@ -19,17 +19,6 @@ constexpr std::size_t kLargestSnapshot = std::size_t{16} * 1024 * 1024;  // byte
 constexpr REGSAM kReadAccess = KEY_READ;
 constexpr REGSAM kFullAccess = KEY_READ | KEY_WRITE;
 
-Text TextOf(std::span<const std::uint8_t> data) {
-  Text text(data.size() / sizeof(char16_t), u'\0');
-  std::memcpy(text.data(), data.data(), text.size() * sizeof(char16_t));
-  text.resize(std::min(text.find(u'\0'), text.size()));
-  return text;
-}
-
-std::span<const std::uint8_t> BytesOf(const void* data, std::size_t size) {
-  return {static_cast<const std::uint8_t*>(data), size};
-}
-
 }  // namespace
 
 void TValueSnapshot::Clear() {
@@ -185,16 +174,12 @@ TDataType TWindowsRegistryStore::GetDataType(TextView name) {
 
 Text TWindowsRegistryStore::ReadString(TextView name) {
   const std::optional<TValue> value = FindValue(name);
-  const bool isText = value && (value->Type == kRegSz || value->Type == kRegExpandSz);
-  return isText ? TextOf(value->Data) : Text();
+  return value && IsStringType(value->Type) ? StringOf(value->Data) : Text();
 }
 
 std::int32_t TWindowsRegistryStore::ReadInteger(TextView name) {
   const std::optional<TValue> value = FindValue(name);
-  std::int32_t number = 0;
-  if (value && value->Type == kRegDword && value->Data.size() == sizeof(number))
-    std::memcpy(&number, value->Data.data(), sizeof(number));
-  return number;
+  return value ? IntegerOf(value->Type, value->Data).value_or(0) : 0;
 }
 
 bool TWindowsRegistryStore::ReadBool(TextView name) {
@@ -210,12 +195,11 @@ bool TWindowsRegistryStore::Write(TextView name, DWORD type, std::span<const std
 }
 
 bool TWindowsRegistryStore::WriteString(TextView name, TextView value) {
-  const Text stored(value.substr(0, value.find(u'\0')));
-  return Write(name, kRegSz, BytesOf(stored.c_str(), (stored.size() + 1) * sizeof(char16_t)));
+  return Write(name, kRegSz, StringBytes(value.substr(0, value.find(u'\0'))));
 }
 
 bool TWindowsRegistryStore::WriteInteger(TextView name, std::int32_t value) {
-  return Write(name, kRegDword, BytesOf(&value, sizeof(value)));
+  return Write(name, kRegDword, IntegerBytes(static_cast<std::uint32_t>(value)));
 }
 
 bool TWindowsRegistryStore::WriteBool(TextView name, bool value) {

@@ -1,6 +1,7 @@
 #include "ui/console/problemlisting.h"
 
 #include "core/languagetexts.h"
+#include "system/registryvalues.h"
 #include "ui/console/output.h"
 #include "ui/problemsjson.h"
 
@@ -8,15 +9,8 @@ namespace corvalt {
 
 namespace {
 
-Text PathOf(const ScanProblem& problem) {
-  return problem.Kind == TProblemKind::File ? problem.KeyPath
-                                            : RootKeyName(problem.RootKey) + problem.KeyPath;
-}
-
-// A name of one NUL means the default value too.
 Text ValueOf(const ScanProblem& problem) {
-  const bool isDefault = problem.ValueName.empty() || problem.ValueName == TextView(u"\0", 1);
-  return isDefault ? u"(default)" : problem.ValueName;
+  return IsDefaultValueName(problem.ValueName) ? u"(default)" : problem.ValueName;
 }
 
 std::string Block(TResultsTree& results, TResultsNode* header) {
