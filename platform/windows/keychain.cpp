@@ -1,6 +1,7 @@
 #include "platform/windows/keychain.h"
 
 #include "base/lettercase.h"
+#include "platform/windows/keyrules.h"
 
 namespace corvalt {
 
@@ -11,10 +12,6 @@ bool IsKeyPrefix(TextView prefix, TextView path) {
     return false;
   const TextView head = path.substr(0, prefix.size());
   return head == prefix || EqualIgnoringCase(head, prefix);
-}
-
-bool IsTooOld(LSTATUS status) {
-  return status == ERROR_KEY_DELETED || status == ERROR_INVALID_HANDLE;
 }
 
 }  // namespace
@@ -53,7 +50,7 @@ LSTATUS TKeyChain::Open(TRootKey rootKey, TextView path, REGSAM access, bool asL
     const TKeptKey& parent = *m_kept.back();
     status = m_calls.Open(parent.Key.Get(), path.substr(parent.Path.size() + 1), access, asLink, opened);
   }
-  if (IsTooOld(status)) {
+  if (IsGone(status)) {
     Clear();
     status = m_calls.Open(RootHandle(rootKey), path, access, asLink, opened);
   }
@@ -73,7 +70,7 @@ LSTATUS TKeyChain::Create(TRootKey rootKey, TextView path, REGSAM access, const 
     status =
         m_calls.Create(parent.Key.Get(), path.substr(parent.Path.size() + 1), access, newKey, created, isNew);
   }
-  if (IsTooOld(status)) {
+  if (IsGone(status)) {
     Clear();
     status = m_calls.Create(RootHandle(rootKey), path, access, newKey, created, isNew);
   }
@@ -97,7 +94,7 @@ bool TKeyChain::Exists(TRootKey rootKey, TextView path) {
     const TextView rest = path.substr(parent->Path.size() + 1);
     status = m_calls.Open(parent->Key.Get(), rest, KEY_READ, false, opened);
   }
-  if (IsTooOld(status))
+  if (IsGone(status))
     status = m_calls.Open(RootHandle(rootKey), path, KEY_READ, false, opened);
   return status == ERROR_SUCCESS || status == ERROR_ACCESS_DENIED;
 }

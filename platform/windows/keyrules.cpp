@@ -43,6 +43,21 @@ std::optional<TextView> SystemValueName(TextView name) {
   return stored;
 }
 
+TRawResult SystemValueOf(TextView keyPath, TextView name, TSystemValue& value) {
+  std::optional<Text> path = SystemPath(keyPath);
+  if (!path)
+    return TRawResult::Failed;
+  const std::optional<TextView> systemName = SystemValueName(name);
+  if (!systemName)
+    return TRawResult::Missing;
+  value = {*std::move(path), Text(*systemName)};
+  return TRawResult::Done;
+}
+
+bool IsGone(LSTATUS status) {
+  return status == ERROR_KEY_DELETED || status == ERROR_INVALID_HANDLE;
+}
+
 TRawResult RawResultOf(LSTATUS status) {
   switch (status) {
     case ERROR_SUCCESS:

@@ -25,6 +25,19 @@ std::optional<Text> JoinNames(const std::vector<Text>& names);
 // a NUL otherwise: the system would cut it and take another value.
 std::optional<TextView> SystemValueName(TextView name);
 
+// A value's key path and name as the system takes them.
+struct TSystemValue {
+  Text KeyPath;  // as SystemPath
+  Text Name;     // as SystemValueName
+};
+
+// Done with the value; else Failed for a path that opens no key, or Missing for a name that no value can
+// have.
+TRawResult SystemValueOf(TextView keyPath, TextView name, TSystemValue& value);
+
 TRawResult RawResultOf(LSTATUS status);
+
+// Whether the error means that the key behind a handle was deleted, or the handle closed.
+bool IsGone(LSTATUS status);
 
 }  // namespace corvalt

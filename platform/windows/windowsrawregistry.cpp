@@ -116,17 +116,15 @@ TRawResult TWindowsRawRegistry::ReadKey(TRootKey rootKey, TextView keyPath, TRaw
 TRawResult TWindowsRawRegistry::ReadValue(TRootKey rootKey, TextView keyPath, TextView name,
                                           TRawValue& value) {
   const std::lock_guard<std::mutex> hold(m_mutex);
-  const std::optional<Text> path = SystemPath(keyPath);
-  const std::optional<TextView> systemName = SystemValueName(name);
-  if (!path)
-    return TRawResult::Failed;
-  if (!systemName)
-    return TRawResult::Missing;
-  Text storedName(*systemName);
-  const TRawResult result = WithKey(rootKey, *path, kReadAccess, [&](const TKeptKey& key) {
-    const LSTATUS status = m_calls.QueryValue(key.Key.Get(), Text(*systemName), m_buffer);
-    if (status == ERROR_SUCCESS && !systemName->empty())
-      storedName = m_names.AsStored(key, Text(*systemName));
+  TSystemValue at;
+  const TRawResult named = SystemValueOf(keyPath, name, at);
+  if (named != TRawResult::Done)
+    return named;
+  Text storedName = at.Name;
+  const TRawResult result = WithKey(rootKey, at.KeyPath, kReadAccess, [&](const TKeptKey& key) {
+    const LSTATUS status = m_calls.QueryValue(key.Key.Get(), at.Name, m_buffer);
+    if (status == ERROR_SUCCESS && !at.Name.empty())
+      storedName = m_names.AsStored(key, at.Name);
     return status;
   });
   if (result == TRawResult::Done)
@@ -161,20 +159,18 @@ TRawResult TWindowsRawRegistry::FindKey(TRootKey rootKey, TextView keyPath, TKey
 TRawResult TWindowsRawRegistry::FindValue(TRootKey rootKey, TextView keyPath, TextView name,
                                           TKeyPlace& place) {
   const std::lock_guard<std::mutex> hold(m_mutex);
-  const std::optional<Text> path = SystemPath(keyPath);
-  const std::optional<TextView> systemName = SystemValueName(name);
-  if (!path)
-    return TRawResult::Failed;
-  if (!systemName)
-    return TRawResult::Missing;
+  TSystemValue at;
+  const TRawResult named = SystemValueOf(keyPath, name, at);
+  if (named != TRawResult::Done)
+    return named;
   TKeyPlace found;
-  TRawResult result = PlaceOfKey(rootKey, *path, found);
+  TRawResult result = PlaceOfKey(rootKey, at.KeyPath, found);
   if (result != TRawResult::Done)
     return result;
-  const auto holdsValue = [&](const TKeyPlace& at) {
-    return WithKey(at.RootKey, at.KeyPath.substr(1), kReadAccess, [&](const TKeptKey& key) {
+  const auto holdsValue = [&](const TKeyPlace& holder) {
+    return WithKey(holder.RootKey, holder.KeyPath.substr(1), kReadAccess, [&](const TKeptKey& key) {
       DWORD type = kRegNone;
-      return m_calls.QueryType(key.Key.Get(), Text(*systemName), type);
+      return m_calls.QueryType(key.Key.Get(), at.Name, type);
     });
   };
   result = holdsValue(found);
@@ -364,15 +360,13 @@ TRawResult TWindowsRawRegistry::DeleteValue(TRootKey rootKey, TextView keyPath, 
       return found;
   }
   const std::lock_guard<std::mutex> hold(m_mutex);
-  const std::optional<Text> path = SystemPath(place.KeyPath.empty() ? keyPath : TextView(place.KeyPath));
-  const std::optional<TextView> systemName = SystemValueName(name);
-  if (!path)
-    return TRawResult::Failed;
-  if (!systemName)
-    return TRawResult::Missing;
+  TSystemValue at;
+  const TRawResult named = SystemValueOf(place.KeyPath.empty() ? keyPath : TextView(place.KeyPath), name, at);
+  if (named != TRawResult::Done)
+    return named;
   const TRootKey root = place.KeyPath.empty() ? rootKey : place.RootKey;
-  return WithKey(root, *path, kChangeAccess,
-                 [&](const TKeptKey& key) { return m_calls.DeleteValue(key.Key.Get(), Text(*systemName)); });
+  return WithKey(root, at.KeyPath, kChangeAccess,
+                 [&](const TKeptKey& key) { return m_calls.DeleteValue(key.Key.Get(), at.Name); });
 }
 
 TRawResult TWindowsRawRegistry::DeleteKeyAt(const TKeyPlace& place, const TKeyCheck& mayDelete) {
@@ -395,25 +389,24 @@ TRawResult TWindowsRawRegistry::DeleteKeyAt(const TKeyPlace& place, const TKeyCh
 TRawResult TWindowsRawRegistry::DeleteValueAt(const TKeyPlace& place, TextView name,
                                               const TValueCheck& mayDelete) {
   const std::lock_guard<std::mutex> hold(m_mutex);
-  const std::optional<Text> path = SystemPath(place.KeyPath);
-  const std::optional<TextView> systemName = SystemValueName(name);
-  if (!path || path->empty())
+  TSystemValue at;
+  const TRawResult named = SystemValueOf(place.KeyPath, name, at);
+  if (named != TRawResult::Done)
+    return named;
+  if (at.KeyPath.empty())
     return TRawResult::Failed;
-  if (!systemName)
-    return TRawResult::Missing;
   TKeptPointer key;
-  const TRawResult opened = OpenForDeletion(place, *path, key);
+  const TRawResult opened = OpenForDeletion(place, at.KeyPath, key);
   if (opened != TRawResult::Done)
     return opened;
-  const Text asked(*systemName);
-  const LSTATUS read = m_calls.QueryValue(key->Key.Get(), asked, m_buffer);
+  const LSTATUS read = m_calls.QueryValue(key->Key.Get(), at.Name, m_buffer);
   if (read != ERROR_SUCCESS)
     return RawResultOf(read);
-  const Text stored = asked.empty() ? asked : m_names.AsStored(*key, asked);
+  const Text stored = at.Name.empty() ? at.Name : m_names.AsStored(*key, at.Name);
   if (!mayDelete({stored, m_buffer.Type, TBytes(m_buffer.Data().begin(), m_buffer.Data().end())}))
     return TRawResult::Refused;
-  const TRawResult deleted = RawResultOf(m_calls.DeleteValue(key->Key.Get(), asked));
-  m_names.Drop(*key, asked);
+  const TRawResult deleted = RawResultOf(m_calls.DeleteValue(key->Key.Get(), at.Name));
+  m_names.Drop(*key, at.Name);
   return deleted;
 }
 
