@@ -56,6 +56,10 @@ std::span<const TSection> SectionCatalogue() {
   return kSections;
 }
 
+Text SectionToken(TextView code) {
+  return u"." + Text(code) + u".";
+}
+
 Text ScanningLine(const TLanguageTexts& texts, TextView progressName) {
   return PlainText(LanguageText(texts, TextId::ScanningSection)) + u" " + Text(progressName) + u"...";
 }

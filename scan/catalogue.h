@@ -54,7 +54,11 @@ struct TSection {
 // All sections in the order in which they run, which is also the order of the Sections tree's leaves.
 std::span<const TSection> SectionCatalogue();
 
-// What the progress dialog says while the section of this name is scanned.
+// The section's code as it stands in a list of ticked sections, between marks that keep "1" from being found
+// in "12".
+Text SectionToken(TextView code);
+
+// What the progress dialog shows while the section of this name is scanned.
 Text ScanningLine(const TLanguageTexts& texts, TextView progressName);
 
 // The Sections tree's two inner nodes, which are no sections.

@@ -36,12 +36,14 @@ struct ScanProblem {
   bool StateFlag2 = false;  // removed by the repair
 };
 
+// The root's name and the key path after it, exactly as the problem holds them.
+Text KeyText(const ScanProblem& problem);
+
+// Where the problem is, for the user: the path of a file, else KeyText.
+Text PlaceText(const ScanProblem& problem);
+
 // The full text of the problem's key, root name first. Key paths from the adware catalogue have no leading
 // "\" and get their separator here.
 Text FullKeyText(const ScanProblem& problem);
-
-// Whether a value name means the key's default value: the empty name, and one NUL, which the MRU scanner
-// reads it by.
-bool IsDefaultValueName(TextView valueName);
 
 }  // namespace corvalt

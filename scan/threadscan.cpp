@@ -18,10 +18,6 @@ constexpr std::int32_t kProgressThreshold = 50;
 // The one section name that is never throttled. No section bears it.
 constexpr TextView kUnthrottledSection = u"ShortCuts";
 
-Text TokenOf(std::int32_t code) {
-  return u"." + DecimalText(code) + u".";
-}
-
 // The entries of both ignore lists that count, in lower case for the comparison. Built-in entries can't be
 // switched off.
 std::vector<Text> IgnoredPhrases(const TGlobalReg& reg) {
@@ -94,7 +90,7 @@ void TScan::Execute() {
   const Text enabled = CollectEnabledSections(m_context.Sections.FirstRoot());
   std::int32_t ordinal = 0;
   for (const TSection& section : SectionCatalogue()) {
-    if (!Contains(enabled, TokenOf(section.Code)))
+    if (!Contains(enabled, SectionToken(DecimalText(section.Code))))
       continue;
     BeginSection(++ordinal, section.ProgressName);
     RunSection(section);
@@ -119,7 +115,7 @@ Text TScan::CollectEnabledSections(TSectionsNode* node) {
     if (child != nullptr) {
       enabled += CollectEnabledSections(child);
     } else if (sections.CheckState(node) == TCheckState::Checked) {
-      enabled += TokenOf(sections.Code(node));
+      enabled += SectionToken(DecimalText(sections.Code(node)));
       ++EnabledSectionCount;
     }
   }
@@ -193,8 +189,7 @@ void TScan::AddProblemNode() {
 }
 
 bool TScan::IsIgnored() const {
-  const Text probe = RootKeyName(m_pending.RootKey) + m_pending.KeyPath + u"\\" + m_pending.ValueName +
-                     u"\\" + m_pending.ValueData;
+  const Text probe = KeyText(m_pending) + u"\\" + m_pending.ValueName + u"\\" + m_pending.ValueData;
   return m_ignored.OccursIn(LowerCase(probe));
 }
 

@@ -17,7 +17,7 @@ Text CountText(std::size_t count) {
 }
 
 void AddProblem(const ScanProblem& problem, std::vector<Text>& lines) {
-  lines.push_back(u"Section: " + RootKeyName(problem.RootKey) + problem.KeyPath);
+  lines.push_back(u"Section: " + KeyText(problem));
   lines.push_back(u"Reason : " + problem.Description);
   lines.emplace_back();
 }

@@ -50,7 +50,7 @@ std::vector<TRowLine> TResultsRows::Lines(const TResultsNode& node) const {
     return {{problem.SectionCaption + ending, true, false}};
   }
   const bool isSelected = problem.StateFlag1;
-  std::vector<TRowLine> lines = {{Plain(TextId::RowLocation) + u" " + location, false, false},
+  std::vector<TRowLine> lines = {{Plain(TextId::RowLocation) + u" " + PlaceText(problem), false, false},
                                  {PlainText(problem.Description), false, !isSelected}};
   if (isSelected)
     lines.push_back({ActionLabel() + u" ", false, false});

@@ -10,10 +10,6 @@ namespace corvalt {
 
 namespace {
 
-Text TokenOf(TextView code) {
-  return u"." + Text(code) + u".";
-}
-
 void CollectLeaves(TTreeNode* node, std::vector<TSectionsNode*>& leaves) {
   if (node->Children.empty())
     leaves.push_back(static_cast<TSectionsNode*>(node));
@@ -51,11 +47,11 @@ void TSectionsTreeModel::LoadChecks(TSystem& system) {
   if (registry->OpenKey(kSectionsKey, false)) {
     for (const Text& name : registry->GetValueNames()) {
       if (registry->ReadBool(name))
-        ticked += TokenOf(name);
+        ticked += SectionToken(name);
     }
   }
   for (TSectionsNode* leaf : Leaves()) {
-    const bool isTicked = ticked.empty() || Contains(ticked, TokenOf(DecimalText(leaf->NodeCode)));
+    const bool isTicked = ticked.empty() || Contains(ticked, SectionToken(DecimalText(leaf->NodeCode)));
     leaf->State = isTicked ? TCheckState::Checked : TCheckState::Unchecked;
   }
   RecomputeParents();

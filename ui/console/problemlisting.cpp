@@ -18,7 +18,7 @@ std::string Block(TResultsTree& results, TResultsNode* header) {
                       std::to_string(results.ChildCount(header)) + ")\n";
   for (TResultsNode* node = results.FirstChild(header); node != nullptr; node = results.NextSibling(node)) {
     const ScanProblem& problem = results.Data(node);
-    block += "  " + LineText(PathOf(problem)) + "\n";
+    block += "  " + LineText(PlaceText(problem)) + "\n";
     if (problem.Kind == TProblemKind::Value)
       block += "    Value: " + LineText(ValueOf(problem)) + "\n";
     block += "    " + LineText(PlainText(problem.Description)) + "\n";
