@@ -11,10 +11,15 @@
 
 namespace corvalt {
 
+// An entry of the ignore list that begins with this unit is switched off: it is kept and not applied.
+inline constexpr char16_t kOffMark = u';';
+
 struct TGlobalReg {
   std::vector<Text> BuiltInExclusions;
-  std::vector<Text>
-      IgnoreList;     // as stored: a switched-off entry begins with ";". Changes on the UI thread only.
+  std::vector<Text> IgnoreList;  // as stored, kOffMark included; changes on the user-interface thread only
+
+  // The backup settings of the suite's older versions. This program keeps its backups elsewhere, and reads
+  // and writes these two only because those versions expect to find them.
   Text BackupFolder;  // ends with "\"
   std::int32_t BackupCount = 0;
 };

@@ -77,7 +77,7 @@ void DeleteAllBut(RegistryStore& store, const std::vector<Text>& entries) {
 }  // namespace
 
 Text IgnoreEntryOf(const ScanProblem& problem) {
-  return RootKeyName(problem.RootKey) + problem.KeyPath + u"\\" + problem.ValueName;
+  return KeyText(problem) + u"\\" + problem.ValueName;
 }
 
 void AddIgnoreEntry(TSystem& system, TGlobalReg& reg, TextView entry) {

@@ -20,9 +20,6 @@ void AddIgnoreEntry(TSystem& system, TGlobalReg& reg, TextView entry);
 // Writes one entry into the registry, beside what is there.
 void StoreIgnoreEntry(TSystem& system, TextView entry);
 
-// An entry that begins with this unit is kept and not applied.
-inline constexpr char16_t kOffMark = u';';
-
 // Puts the entries into the list in memory, and makes the stored list the same: new values are written, then
 // the others deleted, so that a program that is ended in the middle loses no entry. What other copies of the
 // program have stored since this one read the list stays, and joins the list in memory. An entry that is

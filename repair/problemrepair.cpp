@@ -23,7 +23,7 @@ std::optional<TKeyPath> KeyOf(const ScanProblem& problem) {
 
 // The name as the registry takes it: empty for the default value.
 Text ValueNameOf(const ScanProblem& problem) {
-  return IsDefaultValueName(problem.ValueName) ? Text() : problem.ValueName;
+  return Text(StoredValueName(problem.ValueName));
 }
 
 // The Start Menu keys from this one upward that may be deleted when they are empty, without the key that
@@ -38,17 +38,6 @@ std::vector<TKeyPath> MenuKeysUpward(const TKeyPath& key) {
       return keys;
     keys.push_back(*menuKey);
   }
-}
-
-// The bytes of a string value as RegistryStore writes it, up to the first NUL and with one behind it.
-TBytes StoredString(TextView text) {
-  TBytes bytes;
-  for (const char16_t unit : text.substr(0, text.find(u'\0'))) {
-    bytes.push_back(static_cast<std::uint8_t>(unit & 0xFF));
-    bytes.push_back(static_cast<std::uint8_t>(unit >> 8));
-  }
-  bytes.insert(bytes.end(), 2, 0);
-  return bytes;
 }
 
 }  // namespace
@@ -215,7 +204,8 @@ void TProblemDeleter::RewriteMruList(const TKeyPath& key) {
       order += name;
   }
   if (m_registry->WriteString(kMruList, order))
-    m_right.NoteWritten(*place, {Text(kMruList), kRegSz, StoredString(order)});
+    m_right.NoteWritten(*place,
+                        {Text(kMruList), kRegSz, StringBytes(TextView(order).substr(0, order.find(u'\0')))});
   m_registry->CloseKey();
 }
 
