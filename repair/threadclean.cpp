@@ -27,7 +27,7 @@ TCleaning::TCleaning(TCleaningContext context, TProgressDialog& ownerDialog)
 
 void TCleaning::Execute() {
   SetOnTerminate(m_context.OnFinished);
-  ForEachProblem([this](TResultsNode* node) {
+  ForEachProblem(m_context.Results, [this](const TResultsNode* node) {
     ++m_total;
     if (IsChecked(node))
       ++m_checked;
@@ -58,7 +58,7 @@ TDeletionRight TCleaning::PrepareDeletions() {
       right = TDeletionRight::WithoutBackup(m_context.System);
     if (!right)
       return MakeBackup();
-    ForEachProblem([this, &right](TResultsNode* node) {
+    ForEachProblem(m_context.Results, [this, &right](const TResultsNode* node) {
       if (IsChecked(node))
         FindPlaces(m_context.System.Raw, *right, m_context.Results.Data(node));
     });
@@ -94,7 +94,7 @@ TDeletionRight TCleaning::MakeBackup() {
 
 void TCleaning::BackUpChecked() {
   std::size_t done = 0;
-  ForEachProblem([this, &done](TResultsNode* node) {
+  ForEachProblem(m_context.Results, [this, &done](const TResultsNode* node) {
     if (IsChecked(node))
       BackUp(m_context.Results.Data(node), done++);
   });
@@ -110,26 +110,25 @@ void TCleaning::BackUp(const ScanProblem& problem, std::size_t done) {
 }
 
 void TCleaning::DeleteProblems(TProblemDeleter& deleter) {
-  TResultsTree& results = m_context.Results;
-  for (TResultsNode* header = results.FirstRoot(); header != nullptr && !Terminated();
-       header = results.NextSibling(header)) {
+  const TResultsTree& results = m_context.Results;
+  ForEachHeader(results, [&](const TResultsNode* header) {
+    if (Terminated())
+      return;
     if (IsChecked(header)) {
       StatusText = Say(TextId::RepairingSection) + u" " + results.Data(header).SectionCaption + u"...";
       UpdateStatus();
     }
     DeleteChecked(header, deleter);
-  }
+  });
 }
 
-void TCleaning::DeleteChecked(TResultsNode* header, TProblemDeleter& deleter) {
-  TResultsTree& results = m_context.Results;
-  for (TResultsNode* node = results.FirstChild(header); node != nullptr && !Terminated();
-       node = results.NextSibling(node)) {
-    if (!IsChecked(node))
-      continue;
+void TCleaning::DeleteChecked(const TResultsNode* header, TProblemDeleter& deleter) {
+  ForEachProblem(m_context.Results, header, [&](TResultsNode* node) {
+    if (Terminated() || !IsChecked(node))
+      return;
     DeleteProblem(node, deleter);
     ++m_deletions;
-  }
+  });
 }
 
 void TCleaning::DeleteProblem(TResultsNode* node, TProblemDeleter& deleter) {
@@ -179,15 +178,7 @@ void TCleaning::UpdateItem() {
   });
 }
 
-void TCleaning::ForEachProblem(const std::function<void(TResultsNode*)>& visit) {
-  TResultsTree& results = m_context.Results;
-  for (TResultsNode* header = results.FirstRoot(); header != nullptr; header = results.NextSibling(header)) {
-    for (TResultsNode* node = results.FirstChild(header); node != nullptr; node = results.NextSibling(node))
-      visit(node);
-  }
-}
-
-bool TCleaning::IsChecked(TResultsNode* node) {
+bool TCleaning::IsChecked(const TResultsNode* node) const {
   return m_context.Results.CheckState(node) == TCheckState::Checked;
 }
 

@@ -59,13 +59,12 @@ class TCleaning final : public TWorkerThread {
   void BackUpChecked();
   void BackUp(const ScanProblem& problem, std::size_t done);
   void DeleteProblems(TProblemDeleter& deleter);
-  void DeleteChecked(TResultsNode* header, TProblemDeleter& deleter);
+  void DeleteChecked(const TResultsNode* header, TProblemDeleter& deleter);
   void DeleteProblem(TResultsNode* node, TProblemDeleter& deleter);
   Text ItemTextOf(const ScanProblem& problem, const TDeletionResult& result) const;
   void UpdateStatus();
   void UpdateItem();
-  void ForEachProblem(const std::function<void(TResultsNode*)>& visit);
-  bool IsChecked(TResultsNode* node);
+  bool IsChecked(const TResultsNode* node) const;
   Text Say(TextId id) const;
   [[noreturn]] void EndWith(TextId id) const;
 

@@ -11,8 +11,8 @@ namespace corvalt {
 
 enum class TCheckState { Unchecked, Checked, Mixed };
 
-// A node of the results tree, good until it is deleted or the tree is cleared. The tree alone knows what it
-// is.
+// A node of the results tree, valid until it is deleted or the tree is cleared. A handle: what the node holds
+// is read and changed through the tree only, so that a const tree can be read and not changed.
 struct TResultsNode;
 
 // Two levels: section headers at the root, problems below them. Changes on the user-interface thread only,
@@ -31,19 +31,39 @@ class TResultsTree {
   virtual void DeleteNode(TResultsNode* node) = 0;
 
   virtual ScanProblem& Data(TResultsNode* node) = 0;
-  virtual std::size_t ChildCount(TResultsNode* node) = 0;
-  virtual TCheckState CheckState(TResultsNode* node) = 0;
+  virtual const ScanProblem& Data(const TResultsNode* node) const = 0;
+  virtual std::size_t ChildCount(const TResultsNode* node) const = 0;
+  virtual TCheckState CheckState(const TResultsNode* node) const = 0;
 
-  // Null where there is none.
-  virtual TResultsNode* FirstRoot() = 0;
-  virtual TResultsNode* FirstChild(TResultsNode* node) = 0;
-  virtual TResultsNode* NextSibling(TResultsNode* node) = 0;
+  // nullptr where there is none.
+  virtual TResultsNode* FirstRoot() const = 0;
+  virtual TResultsNode* FirstChild(const TResultsNode* node) const = 0;
+  virtual TResultsNode* NextSibling(const TResultsNode* node) const = 0;
 
   // Pixels, in the tree's font.
-  virtual int MeasureText(TextView text) = 0;
+  virtual int MeasureText(TextView text) const = 0;
   virtual int ColumnWidth() const = 0;
   virtual void SetColumnWidth(int width) = 0;
 };
+
+// Call visit with each section header, with each problem below one header, and with each problem of the tree,
+// in tree order. visit deletes no node.
+template <typename TVisit>
+void ForEachHeader(const TResultsTree& tree, const TVisit& visit) {
+  for (TResultsNode* header = tree.FirstRoot(); header != nullptr; header = tree.NextSibling(header))
+    visit(header);
+}
+
+template <typename TVisit>
+void ForEachProblem(const TResultsTree& tree, const TResultsNode* header, const TVisit& visit) {
+  for (TResultsNode* node = tree.FirstChild(header); node != nullptr; node = tree.NextSibling(node))
+    visit(node);
+}
+
+template <typename TVisit>
+void ForEachProblem(const TResultsTree& tree, const TVisit& visit) {
+  ForEachHeader(tree, [&](TResultsNode* header) { ForEachProblem(tree, header, visit); });
+}
 
 struct TSectionsNode;
 
@@ -52,11 +72,11 @@ class TSectionsTree {
  public:
   virtual ~TSectionsTree() = default;
 
-  virtual TSectionsNode* FirstRoot() = 0;
-  virtual TSectionsNode* FirstChild(TSectionsNode* node) = 0;
-  virtual TSectionsNode* NextSibling(TSectionsNode* node) = 0;
-  virtual TCheckState CheckState(TSectionsNode* node) = 0;
-  virtual std::int32_t Code(TSectionsNode* node) = 0;
+  virtual TSectionsNode* FirstRoot() const = 0;
+  virtual TSectionsNode* FirstChild(const TSectionsNode* node) const = 0;
+  virtual TSectionsNode* NextSibling(const TSectionsNode* node) const = 0;
+  virtual TCheckState CheckState(const TSectionsNode* node) const = 0;
+  virtual std::int32_t Code(const TSectionsNode* node) const = 0;
 };
 
 // The labels and bars that a worker moves, on the user-interface thread. Positions are 0 to 100.

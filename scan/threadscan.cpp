@@ -108,7 +108,7 @@ void TScan::RunSection(const TSection& section) {
 }
 
 Text TScan::CollectEnabledSections(TSectionsNode* node) {
-  TSectionsTree& sections = m_context.Sections;
+  const TSectionsTree& sections = m_context.Sections;
   Text enabled;
   for (; node != nullptr; node = sections.NextSibling(node)) {
     TSectionsNode* child = sections.FirstChild(node);

@@ -30,7 +30,7 @@ struct TScanContext {
   TSystem& System;
   const TGlobalVars& Vars;
   const TGlobalReg& Reg;
-  TSectionsTree& Sections;
+  const TSectionsTree& Sections;
   TResultsTree& Results;
   TUiThread& UiThread;
   TWorkerThread::TEndHandler OnFinished;  // runs on the user-interface thread when the scan has ended

@@ -64,7 +64,7 @@ std::string JsonString(TextView text) {
   return json + "\"";
 }
 
-TSystemError WriteProblemsJson(TResultsTree& results,
+TSystemError WriteProblemsJson(const TResultsTree& results,
                                const std::function<TSystemError(std::string_view piece)>& write) {
   TSystemError error;
   std::string piece = "{\"sections\":[";
@@ -74,15 +74,16 @@ TSystemError WriteProblemsJson(TResultsTree& results,
       piece.clear();
     }
   };
-  for (TResultsNode* header = results.FirstRoot(); header != nullptr; header = results.NextSibling(header)) {
+  ForEachHeader(results, [&](const TResultsNode* header) {
     piece += (header == results.FirstRoot() ? "\n" : ",\n") + HeaderJson(results.Data(header));
-    TResultsNode* const first = results.FirstChild(header);
-    for (TResultsNode* node = first; node != nullptr && !error.Failed(); node = results.NextSibling(node)) {
-      piece += (node == first ? "\n" : ",\n") + ProblemJson(results.Data(node));
+    ForEachProblem(results, header, [&](const TResultsNode* node) {
+      if (error.Failed())
+        return;
+      piece += (node == results.FirstChild(header) ? "\n" : ",\n") + ProblemJson(results.Data(node));
       writeFrom(kPiece);
-    }
+    });
     piece += "]}";
-  }
+  });
   piece += "]}\n";
   writeFrom(0);
   return error;

@@ -15,7 +15,7 @@ namespace corvalt {
 // each line ended by LF. A root key is its full name, or null for none. UTF-8 in which a control character
 // and a lone surrogate are \u escapes, so that every text can be read back unit by unit. Written in pieces of
 // about 64 KB, so that it never stands in memory whole; the first failure of write ends it and is returned.
-TSystemError WriteProblemsJson(TResultsTree& results,
+TSystemError WriteProblemsJson(const TResultsTree& results,
                                const std::function<TSystemError(std::string_view piece)>& write);
 
 // A text as a JSON string, with its quotes.

@@ -35,7 +35,7 @@ TextView ExtensionOf(TextView fileName) {
 
 }  // namespace
 
-std::vector<Text> ReportLines(TResultsTree& results, TClock& clock, TLocale& locale) {
+std::vector<Text> ReportLines(const TResultsTree& results, TClock& clock, TLocale& locale) {
   std::vector<Text> lines = {
       u"Report created on " + locale.FormatShortDate(clock.Now()) + u" by Tessaly Utilities.",
       {},
@@ -43,19 +43,19 @@ std::vector<Text> ReportLines(TResultsTree& results, TClock& clock, TLocale& loc
       Rule(),
   };
   std::size_t total = 0;
-  for (TResultsNode* header = results.FirstRoot(); header != nullptr; header = results.NextSibling(header)) {
+  ForEachHeader(results, [&](const TResultsNode* header) {
     AddHeader(results.Data(header), lines);
-    for (TResultsNode* node = results.FirstChild(header); node != nullptr; node = results.NextSibling(node)) {
+    ForEachProblem(results, header, [&](const TResultsNode* node) {
       AddProblem(results.Data(node), lines);
       ++total;
-    }
-  }
+    });
+  });
   lines.push_back(Rule());
   lines.push_back(u"Problems found on your computer (Total " + CountText(total) + u" Problems):");
   return lines;
 }
 
-std::string ReportBytes(TResultsTree& results, TClock& clock, TLocale& locale) {
+std::string ReportBytes(const TResultsTree& results, TClock& clock, TLocale& locale) {
   std::string bytes;
   for (const Text& line : ReportLines(results, clock, locale))
     bytes += locale.EncodeAnsi(line) + "\r\n";

@@ -143,20 +143,7 @@ void TResultsRows::IgnoreSelected() {
 }
 
 void TResultsRows::DropRemoved() {
-  TTreeModel& model = m_tree.Model();
-  TResultsNode* next = nullptr;
-  for (TResultsNode* header = m_tree.FirstRoot(); header != nullptr; header = next) {
-    next = m_tree.NextSibling(header);
-    model.DeleteChildren(header, [](const TTreeNode& child) {
-      return static_cast<const TResultsNode&>(child).Problem.StateFlag2;
-    });
-    if (header->Children.empty()) {
-      model.Delete(header);
-      continue;
-    }
-    header->State = TTreeModel::StateFromChildren(*header);
-    header->Problem.ChildCount = static_cast<std::uint32_t>(header->Children.size());
-  }
+  m_tree.DeleteProblems([](const TResultsNode& node) { return node.Problem.StateFlag2; });
 }
 
 Text TResultsRows::Plain(TextId id, TextView argument) const {

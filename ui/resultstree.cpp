@@ -31,27 +31,46 @@ ScanProblem& TResultsTreeModel::Data(TResultsNode* node) {
   return node->Problem;
 }
 
-std::size_t TResultsTreeModel::ChildCount(TResultsNode* node) {
+const ScanProblem& TResultsTreeModel::Data(const TResultsNode* node) const {
+  return node->Problem;
+}
+
+std::size_t TResultsTreeModel::ChildCount(const TResultsNode* node) const {
   return node->Children.size();
 }
 
-TCheckState TResultsTreeModel::CheckState(TResultsNode* node) {
+TCheckState TResultsTreeModel::CheckState(const TResultsNode* node) const {
   return node->State;
 }
 
-TResultsNode* TResultsTreeModel::FirstRoot() {
+TResultsNode* TResultsTreeModel::FirstRoot() const {
   return static_cast<TResultsNode*>(m_model.FirstRoot());
 }
 
-TResultsNode* TResultsTreeModel::FirstChild(TResultsNode* node) {
+TResultsNode* TResultsTreeModel::FirstChild(const TResultsNode* node) const {
   return static_cast<TResultsNode*>(m_model.FirstChild(node));
 }
 
-TResultsNode* TResultsTreeModel::NextSibling(TResultsNode* node) {
+TResultsNode* TResultsTreeModel::NextSibling(const TResultsNode* node) const {
   return static_cast<TResultsNode*>(m_model.NextSibling(node));
 }
 
-int TResultsTreeModel::MeasureText(TextView text) {
+void TResultsTreeModel::DeleteProblems(const std::function<bool(const TResultsNode&)>& test) {
+  TResultsNode* next = nullptr;
+  for (TResultsNode* header = FirstRoot(); header != nullptr; header = next) {
+    next = NextSibling(header);
+    m_model.DeleteChildren(
+        header, [&test](const TTreeNode& child) { return test(static_cast<const TResultsNode&>(child)); });
+    if (header->Children.empty()) {
+      m_model.Delete(header);
+      continue;
+    }
+    header->State = TTreeModel::StateFromChildren(*header);
+    header->Problem.ChildCount = static_cast<std::uint32_t>(header->Children.size());
+  }
+}
+
+int TResultsTreeModel::MeasureText(TextView text) const {
   return m_measure ? m_measure(text) : 0;
 }
 

@@ -20,19 +20,24 @@ class TResultsTreeModel : public TResultsTree {
   TResultsNode* AddNode(TResultsNode* parent) override;
   void DeleteNode(TResultsNode* node) override;
   ScanProblem& Data(TResultsNode* node) override;
-  std::size_t ChildCount(TResultsNode* node) override;
-  TCheckState CheckState(TResultsNode* node) override;
-  TResultsNode* FirstRoot() override;
-  TResultsNode* FirstChild(TResultsNode* node) override;
-  TResultsNode* NextSibling(TResultsNode* node) override;
-  int MeasureText(TextView text) override;
+  const ScanProblem& Data(const TResultsNode* node) const override;
+  std::size_t ChildCount(const TResultsNode* node) const override;
+  TCheckState CheckState(const TResultsNode* node) const override;
+  TResultsNode* FirstRoot() const override;
+  TResultsNode* FirstChild(const TResultsNode* node) const override;
+  TResultsNode* NextSibling(const TResultsNode* node) const override;
+  int MeasureText(TextView text) const override;
   int ColumnWidth() const override;
   void SetColumnWidth(int width) override;
 
-  // Told when the scan has added or deleted a row.
+  // Deletes the problems that test returns true for, and every header left without problems. The other
+  // headers get the state and the number of what is left below them.
+  void DeleteProblems(const std::function<bool(const TResultsNode&)>& test);
+
+  // Called when the scan has added or deleted a row.
   std::function<void()> OnRows;
 
-  // Told when the column's width changes.
+  // Called when the column's width changes.
   std::function<void()> OnColumnWidth;
 
   TTreeModel& Model() {

@@ -74,23 +74,23 @@ void TSectionsTreeModel::CheckOnly(const std::vector<std::int32_t>& codes) {
   RecomputeParents();
 }
 
-TSectionsNode* TSectionsTreeModel::FirstRoot() {
+TSectionsNode* TSectionsTreeModel::FirstRoot() const {
   return static_cast<TSectionsNode*>(m_model.FirstRoot());
 }
 
-TSectionsNode* TSectionsTreeModel::FirstChild(TSectionsNode* node) {
+TSectionsNode* TSectionsTreeModel::FirstChild(const TSectionsNode* node) const {
   return static_cast<TSectionsNode*>(m_model.FirstChild(node));
 }
 
-TSectionsNode* TSectionsTreeModel::NextSibling(TSectionsNode* node) {
+TSectionsNode* TSectionsTreeModel::NextSibling(const TSectionsNode* node) const {
   return static_cast<TSectionsNode*>(m_model.NextSibling(node));
 }
 
-TCheckState TSectionsTreeModel::CheckState(TSectionsNode* node) {
+TCheckState TSectionsTreeModel::CheckState(const TSectionsNode* node) const {
   return node->State;
 }
 
-std::int32_t TSectionsTreeModel::Code(TSectionsNode* node) {
+std::int32_t TSectionsTreeModel::Code(const TSectionsNode* node) const {
   return node->NodeCode;
 }
 

@@ -29,11 +29,11 @@ class TSectionsTreeModel : public TSectionsTree {
   // Ticks exactly the sections with these codes; unknown codes are passed over.
   void CheckOnly(const std::vector<std::int32_t>& codes);
 
-  TSectionsNode* FirstRoot() override;
-  TSectionsNode* FirstChild(TSectionsNode* node) override;
-  TSectionsNode* NextSibling(TSectionsNode* node) override;
-  TCheckState CheckState(TSectionsNode* node) override;
-  std::int32_t Code(TSectionsNode* node) override;
+  TSectionsNode* FirstRoot() const override;
+  TSectionsNode* FirstChild(const TSectionsNode* node) const override;
+  TSectionsNode* NextSibling(const TSectionsNode* node) const override;
+  TCheckState CheckState(const TSectionsNode* node) const override;
+  std::int32_t Code(const TSectionsNode* node) const override;
 
   TTreeModel& Model() {
     return m_model;

@@ -25,15 +25,13 @@ void WordCounts(TSummary& summary, const TLanguageTexts& texts) {
 
 }  // namespace
 
-TSummary Summarize(TResultsTree& tree, const TLanguageTexts& texts) {
+TSummary Summarize(const TResultsTree& tree, const TLanguageTexts& texts) {
   TSummary summary;
-  for (TResultsNode* header = tree.FirstRoot(); header != nullptr; header = tree.NextSibling(header)) {
-    for (TResultsNode* node = tree.FirstChild(header); node != nullptr; node = tree.NextSibling(node)) {
-      ++summary.Total;
-      if (tree.CheckState(node) == TCheckState::Checked)
-        ++summary.Selected;
-    }
-  }
+  ForEachProblem(tree, [&](const TResultsNode* node) {
+    ++summary.Total;
+    if (tree.CheckState(node) == TCheckState::Checked)
+      ++summary.Selected;
+  });
   WordCounts(summary, texts);
   return summary;
 }

@@ -17,7 +17,7 @@ struct TSummary {
   Text FinalMessage;  // for the progress dialog
 };
 
-TSummary Summarize(TResultsTree& tree, const TLanguageTexts& texts);
+TSummary Summarize(const TResultsTree& tree, const TLanguageTexts& texts);
 
 // With the largest of counts: what a window must have room for in this language.
 TSummary WidestSummary(const TLanguageTexts& texts);

@@ -13,37 +13,36 @@ Text ValueOf(const ScanProblem& problem) {
   return IsDefaultValueName(problem.ValueName) ? u"(default)" : problem.ValueName;
 }
 
-std::string Block(TResultsTree& results, TResultsNode* header) {
+std::string Block(const TResultsTree& results, const TResultsNode* header) {
   std::string block = LineText(results.Data(header).SectionCaption) + " (" +
                       std::to_string(results.ChildCount(header)) + ")\n";
-  for (TResultsNode* node = results.FirstChild(header); node != nullptr; node = results.NextSibling(node)) {
+  ForEachProblem(results, header, [&](const TResultsNode* node) {
     const ScanProblem& problem = results.Data(node);
     block += "  " + LineText(PlaceText(problem)) + "\n";
     if (problem.Kind == TProblemKind::Value)
       block += "    Value: " + LineText(ValueOf(problem)) + "\n";
     block += "    " + LineText(PlainText(problem.Description)) + "\n";
-  }
+  });
   return block;
 }
 
 }  // namespace
 
-std::string ProblemListing(TResultsTree& results) {
+std::string ProblemListing(const TResultsTree& results) {
   std::string listing;
-  for (TResultsNode* header = results.FirstRoot(); header != nullptr; header = results.NextSibling(header)) {
+  ForEachHeader(results, [&](const TResultsNode* header) {
     listing += (listing.empty() ? "" : "\n") + Block(results, header);
-  }
+  });
   return listing;
 }
 
-std::size_t ProblemCount(TResultsTree& results) {
+std::size_t ProblemCount(const TResultsTree& results) {
   std::size_t count = 0;
-  for (TResultsNode* header = results.FirstRoot(); header != nullptr; header = results.NextSibling(header))
-    count += results.ChildCount(header);
+  ForEachHeader(results, [&](const TResultsNode* header) { count += results.ChildCount(header); });
   return count;
 }
 
-bool WriteJson(TConsoleContext& context, const Text& target, TResultsTree& results) {
+bool WriteJson(TConsoleContext& context, const Text& target, const TResultsTree& results) {
   if (target == kStandardOutput) {
     return TellWriteFailure(
         context,

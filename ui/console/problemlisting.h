@@ -13,12 +13,12 @@ inline constexpr TextView kStandardOutput = u"-";
 
 // One block a section: its caption with the number of its problems, then of each problem the full path, the
 // value where one is meant, and the description. UTF-8, lines ended by LF, an empty line between blocks.
-std::string ProblemListing(TResultsTree& results);
+std::string ProblemListing(const TResultsTree& results);
 
 // The number of problems, headers not counted.
-std::size_t ProblemCount(TResultsTree& results);
+std::size_t ProblemCount(const TResultsTree& results);
 
 // Writes the tree as JSON to a file or to standard output. False after a failure, which is told.
-bool WriteJson(TConsoleContext& context, const Text& target, TResultsTree& results);
+bool WriteJson(TConsoleContext& context, const Text& target, const TResultsTree& results);
 
 }  // namespace corvalt

@@ -60,19 +60,6 @@ void TidyUpBackups(TConsoleContext& context) {
   }
 }
 
-// Takes what is gone out of the tree, and the headers that nothing is left of.
-void DropDeleted(TResultsTreeModel& results, const TCleaningOutcome& cleaning) {
-  const std::unordered_set<const TTreeNode*> gone(cleaning.Deleted.begin(), cleaning.Deleted.end());
-  TResultsNode* header = results.FirstRoot();
-  while (header != nullptr) {
-    TResultsNode* next = results.NextSibling(header);
-    results.Model().DeleteChildren(header, [&gone](const TTreeNode& node) { return gone.contains(&node); });
-    if (results.ChildCount(header) == 0)
-      results.DeleteNode(header);
-    header = next;
-  }
-}
-
 void TellRepair(TConsoleContext& context, const TRepairOutcome& outcome) {
   const TCleaningOutcome& cleaning = outcome.Cleaning;
   if (outcome.Failure)
@@ -86,7 +73,7 @@ void TellRepair(TConsoleContext& context, const TRepairOutcome& outcome) {
 }
 
 // On standard error where standard output holds JSON.
-void ListWhatIsLeft(TConsoleContext& context, TResultsTree& results, bool onStandardOutput) {
+void ListWhatIsLeft(TConsoleContext& context, const TResultsTree& results, bool onStandardOutput) {
   const std::string listing = ProblemListing(results);
   if (onStandardOutput) {
     // Something is deleted by now: a listing that can't be written is told, and changes no exit code.
@@ -103,7 +90,9 @@ TExitCode Delete(TConsoleContext& context, TResultsTreeModel& results, bool list
   TellRepair(context, outcome);
   if (!outcome.Cleaning.BackupMade)
     return TExitCode::Failed;
-  DropDeleted(results, outcome.Cleaning);
+  const std::unordered_set<const TResultsNode*> gone(outcome.Cleaning.Deleted.begin(),
+                                                     outcome.Cleaning.Deleted.end());
+  results.DeleteProblems([&gone](const TResultsNode& node) { return gone.contains(&node); });
   ListWhatIsLeft(context, results, listOnStandardOutput);
   return ProblemCount(results) == 0 ? TExitCode::Done : TExitCode::SomethingLeft;
 }
