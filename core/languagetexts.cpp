@@ -29,7 +29,6 @@ void LoadTables(TSystem& system, const Text& languagesFolder, const Text& name, 
 // The language that the suite's settings name, with full access corrected there when its file is missing.
 Text ChooseLanguage(TSystem& system, const Text& languagesFolder, TRegistryAccess access) {
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(access);
-  store->SetRootKey(kHkeyCurrentUser);
   store->OpenKey(kSuiteKey, true);
   Text name = store->ReadString(kLanguageValue);
   if (!IsPlainFileName(name) || IsDeviceName(name) || !system.Probe.FileExists(languagesFolder + name)) {
@@ -73,6 +72,10 @@ Text LanguageText(const TLanguageTexts& texts, TextId id, TextView arg1, TextVie
 
 Text PlainText(TextView text) {
   return ReplaceAll(text, u"&&", u"&");
+}
+
+Text PlainLanguageText(const TLanguageTexts& texts, TextId id, TextView arg1, TextView arg2) {
+  return PlainText(LanguageText(texts, id, arg1, arg2));
 }
 
 void ReadLanguage(TSystem& system, TextView programFolder, TLanguageTexts& texts) {

@@ -44,6 +44,9 @@ Text LanguageText(const TLanguageTexts& texts, TextId id, TextView arg1 = {}, Te
 // A text as it is shown where the system gives "&" no meaning: each doubled "&" single again.
 Text PlainText(TextView text);
 
+// The two together: an identifier's text with each "&" once, for what is shown as it is.
+Text PlainLanguageText(const TLanguageTexts& texts, TextId id, TextView arg1 = {}, TextView arg2 = {});
+
 // Loads both tables of the user's language and changes no setting: for what is said without the start
 // sequence.
 void ReadLanguage(TSystem& system, TextView programFolder, TLanguageTexts& texts);

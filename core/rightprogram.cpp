@@ -13,7 +13,7 @@ constexpr TextView kRealArchitecture = u"PROCESSOR_ARCHITEW6432";
 std::optional<Text> WrongProgramHint(FileSystemProbe& probe, const TLanguageTexts& texts) {
   if (probe.GetEnvironmentVariable(kRealArchitecture).empty())
     return std::nullopt;
-  return PlainText(LanguageText(texts, TextId::UseThe64BitProgram));
+  return PlainLanguageText(texts, TextId::UseThe64BitProgram);
 }
 
 }  // namespace corvalt

@@ -40,8 +40,8 @@ std::unique_ptr<THeldLock> LockBackups(TSystem& system, const TGlobalVars& vars,
     case TLockEnd::Stopped:
       throw TBackupWorkStopped();
     case TLockEnd::TimedOut: {
-      const Text title = PlainText(LanguageText(vars.Texts, TextId::ProgramTitle));
-      throw TProgramException(PlainText(LanguageText(vars.Texts, TextId::BackupsInUse, title)));
+      const Text title = PlainLanguageText(vars.Texts, TextId::ProgramTitle);
+      throw TProgramException(PlainLanguageText(vars.Texts, TextId::BackupsInUse, title));
     }
     case TLockEnd::Refused:
       break;
@@ -56,7 +56,7 @@ std::optional<TBackupFolder> TBackupFolder::OpenIfThere(TSystem& system, const T
   if (IsMissing(error))
     return std::nullopt;
   if (error.Code == kErrorStoppedOnLink)
-    throw TProgramException(PlainText(LanguageText(vars.Texts, TextId::BackupFolderIsLink, path)));
+    throw TProgramException(PlainLanguageText(vars.Texts, TextId::BackupFolderIsLink, path));
   if (error.Failed())
     throw TSystemException(error, path);
   return TBackupFolder(system, path, std::move(folder));

@@ -13,7 +13,7 @@ namespace corvalt {
 namespace {
 
 [[noreturn]] void ThrowNotVerified(const TGlobalVars& vars) {
-  throw TProgramException(PlainText(LanguageText(vars.Texts, TextId::BackupNotVerified)));
+  throw TProgramException(PlainLanguageText(vars.Texts, TextId::BackupNotVerified));
 }
 
 // Of a path with at least one name; the root's is "\".

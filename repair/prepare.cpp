@@ -46,8 +46,7 @@ void TPrepare::Execute() {
   } catch (...) {
     const Text reason = DescribeException(std::current_exception(), m_context.System.Locale);
     if (RememberFailure(m_context.System, reason))
-      throw TProgramException(
-          PlainText(LanguageText(m_context.Vars.Texts, TextId::MaintenanceFailed, reason)));
+      throw TProgramException(PlainLanguageText(m_context.Vars.Texts, TextId::MaintenanceFailed, reason));
   }
 }
 

@@ -12,8 +12,8 @@ namespace {
 
 constexpr TextView kLineEnd = u"\r\n";
 
-Text Say(const TGlobalVars& vars, TextId id, TextView arg1 = {}, TextView arg2 = {}) {
-  return PlainText(LanguageText(vars.Texts, id, arg1, arg2));
+Text Plain(const TGlobalVars& vars, TextId id, TextView arg1 = {}, TextView arg2 = {}) {
+  return PlainLanguageText(vars.Texts, id, arg1, arg2);
 }
 
 Text Number(std::size_t count) {
@@ -22,13 +22,13 @@ Text Number(std::size_t count) {
 
 // One more line, unless the count is 0.
 Text CountText(const TGlobalVars& vars, TextId id, std::size_t count) {
-  return count == 0 ? Text() : Text(kLineEnd) + Say(vars, id, Number(count));
+  return count == 0 ? Text() : Text(kLineEnd) + Plain(vars, id, Number(count));
 }
 
 Text SkippedLinesText(const TGlobalVars& vars, const TImportResult& import) {
   Text text = CountText(vars, TextId::LinesSkipped, import.LinesSkipped);
   for (const TSkippedLine& line : import.FirstSkipped)
-    text.append(kLineEnd).append(Say(vars, TextId::SkippedLine, Number(line.Number), line.Line));
+    text.append(kLineEnd).append(Plain(vars, TextId::SkippedLine, Number(line.Number), line.Line));
   return text + CountText(vars, TextId::MoreSkippedLines, import.LinesSkipped - import.FirstSkipped.size());
 }
 
@@ -108,14 +108,14 @@ TRestoreOutcome RestoreBackup(TSystem& system, const TGlobalVars& vars, TextView
 
 Text DescribeDoubt(TRestoreDoubt doubt, const TBackupOrigin& origin, const TGlobalVars& vars) {
   if (doubt == TRestoreDoubt::NotWhole)
-    return Say(vars, TextId::BackupNotWhole);
-  return Say(vars, TextId::BackupForeign, origin.Computer, origin.UserSid);
+    return Plain(vars, TextId::BackupNotWhole);
+  return Plain(vars, TextId::BackupForeign, origin.Computer, origin.UserSid);
 }
 
 Text DescribeRestore(const TRestoreOutcome& outcome, TextView rowCaption, const TGlobalVars& vars,
                      TLocale& locale) {
   const auto say = [&vars, rowCaption](TextId id, TextView reason = {}) {
-    return Say(vars, id, rowCaption, reason);
+    return Plain(vars, id, rowCaption, reason);
   };
   switch (outcome.End) {
     case TRestoreEnd::Restored:
@@ -133,8 +133,8 @@ Text DescribeRestore(const TRestoreOutcome& outcome, TextView rowCaption, const 
     case TRestoreEnd::NotRestored:
       return say(TextId::NothingRestored) + FailuresText(vars, outcome.Import);
     case TRestoreEnd::Stopped:
-      return Say(vars, TextId::RestoreStopped, Number(outcome.Import.KeysWritten),
-                 Number(outcome.Import.ValuesWritten)) +
+      return Plain(vars, TextId::RestoreStopped, Number(outcome.Import.KeysWritten),
+                   Number(outcome.Import.ValuesWritten)) +
              FailuresText(vars, outcome.Import);
     case TRestoreEnd::Incomplete:
       break;

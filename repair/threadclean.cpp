@@ -73,7 +73,7 @@ TDeletionRight TCleaning::PrepareDeletions() {
 // Ends the thread for the reason that is being handled.
 void TCleaning::EndWith(TextId id) const {
   const Text reason = DescribeException(std::current_exception(), m_context.System.Locale);
-  throw TProgramException(PlainText(LanguageText(m_context.Vars.Texts, id, reason)));
+  throw TProgramException(PlainLanguageText(m_context.Vars.Texts, id, reason));
 }
 
 TDeletionRight TCleaning::MakeBackup() {
@@ -115,7 +115,7 @@ void TCleaning::DeleteProblems(TProblemDeleter& deleter) {
     if (Terminated())
       return;
     if (IsChecked(header)) {
-      StatusText = Say(TextId::RepairingSection) + u" " + results.Data(header).SectionCaption + u"...";
+      StatusText = Plain(TextId::RepairingSection) + u" " + results.Data(header).SectionCaption + u"...";
       UpdateStatus();
     }
     DeleteChecked(header, deleter);
@@ -148,12 +148,12 @@ void TCleaning::DeleteProblem(TResultsNode* node, TProblemDeleter& deleter) {
 
 Text TCleaning::ItemTextOf(const ScanProblem& problem, const TDeletionResult& result) const {
   if (problem.Kind == TProblemKind::Key)
-    return Say(TextId::DeletingKey) + u" ";
+    return Plain(TextId::DeletingKey) + u" ";
   if (problem.Kind == TProblemKind::File)
-    return Say(TextId::DeletingFile) + u" " + problem.KeyPath;
+    return Plain(TextId::DeletingFile) + u" " + problem.KeyPath;
   if (!result.KeyOpened)
     return {};
-  return Say(TextId::DeletingValue) + u" " + problem.KeyPath + u" - " + problem.ValueName;
+  return Plain(TextId::DeletingValue) + u" " + problem.KeyPath + u" - " + problem.ValueName;
 }
 
 void TCleaning::UpdateStatus() {
@@ -182,8 +182,8 @@ bool TCleaning::IsChecked(const TResultsNode* node) const {
   return m_context.Results.CheckState(node) == TCheckState::Checked;
 }
 
-Text TCleaning::Say(TextId id) const {
-  return PlainText(LanguageText(m_context.Vars.Texts, id));
+Text TCleaning::Plain(TextId id) const {
+  return PlainLanguageText(m_context.Vars.Texts, id);
 }
 
 }  // namespace corvalt

@@ -65,7 +65,7 @@ class TCleaning final : public TWorkerThread {
   void UpdateStatus();
   void UpdateItem();
   bool IsChecked(const TResultsNode* node) const;
-  Text Say(TextId id) const;
+  Text Plain(TextId id) const;
   [[noreturn]] void EndWith(TextId id) const;
 
   TCleaningContext m_context;

@@ -61,7 +61,7 @@ Text SectionToken(TextView code) {
 }
 
 Text ScanningLine(const TLanguageTexts& texts, TextView progressName) {
-  return PlainText(LanguageText(texts, TextId::ScanningSection)) + u" " + Text(progressName) + u"...";
+  return PlainLanguageText(texts, TextId::ScanningSection) + u" " + Text(progressName) + u"...";
 }
 
 bool IsFilesAndFolders(const TSection& section) {

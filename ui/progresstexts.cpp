@@ -61,7 +61,7 @@ std::vector<Text> SectionLines(const TLanguageTexts& texts) {
   std::vector<Text> lines;
   for (const TProgressMode mode : {TProgressMode::Scan, TProgressMode::Repair}) {
     for (const TRunEnd end : {TRunEnd::Complete, TRunEnd::Failed})
-      lines.push_back(PlainText(LanguageText(texts, EndLine(mode, end))));
+      lines.push_back(PlainLanguageText(texts, EndLine(mode, end)));
   }
   for (const TSection& section : SectionCatalogue())
     lines.push_back(ScanningLine(texts, section.ProgressName));

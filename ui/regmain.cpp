@@ -234,7 +234,7 @@ bool TRegMain::ConfirmIgnore() {
 }
 
 Text TRegMain::Plain(TextId id, TextView argument) const {
-  return PlainText(LanguageText(m_vars.Texts, id, argument));
+  return PlainLanguageText(m_vars.Texts, id, argument);
 }
 
 }  // namespace corvalt

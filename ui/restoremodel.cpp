@@ -14,19 +14,19 @@ void TRestoreModel::Fill() {
   m_rows.clear();
   try {
     for (const TBackup& backup : BackupsNewestFirst(m_system, m_vars)) {
-      const Text caption = Say(TextId::BackupRowPrefix) + u" - " + BackupTimeText(backup, m_system.Locale);
+      const Text caption = Plain(TextId::BackupRowPrefix) + u" - " + BackupTimeText(backup, m_system.Locale);
       m_rows.push_back({caption, FormatSize(backup.Size, m_system.Locale), backup.Name});
     }
   } catch (...) {
     const Text reason = DescribeException(std::current_exception(), m_system.Locale);
-    ShowFailure(Say(TextId::BackupsNotListed, reason));
+    ShowFailure(Plain(TextId::BackupsNotListed, reason));
   }
 }
 
 void TRestoreModel::Restore(std::size_t row) {
   const TRestoreRow& chosen = m_rows.at(row);
-  const TAnswer answer = m_system.TheShell.ShowMessage(Say(TextId::ConfirmRestore, chosen.Caption),
-                                                       Say(TextId::TitleConfirm), TMessageKind::Question);
+  const TAnswer answer = m_system.TheShell.ShowMessage(Plain(TextId::ConfirmRestore, chosen.Caption),
+                                                       Plain(TextId::TitleConfirm), TMessageKind::Question);
   if (answer == TAnswer::No)
     return;
   TRestoreGuide guide;
@@ -38,14 +38,14 @@ void TRestoreModel::Restore(std::size_t row) {
     return;
   const Text told = DescribeRestore(outcome, chosen.Caption, m_vars, m_system.Locale);
   if (outcome.End == TRestoreEnd::Restored)
-    m_system.TheShell.ShowMessage(told, Say(TextId::TitleInformation), TMessageKind::Information);
+    m_system.TheShell.ShowMessage(told, Plain(TextId::TitleInformation), TMessageKind::Information);
   else
     ShowFailure(told);
 }
 
 bool TRestoreModel::WantsAnyway(TRestoreDoubt doubt, const TBackupOrigin& origin) {
-  const Text question = DescribeDoubt(doubt, origin, m_vars) + u"\r\n" + Say(TextId::RestoreAnyway);
-  return m_system.TheShell.ShowMessage(question, Say(TextId::TitleConfirm), TMessageKind::Question) ==
+  const Text question = DescribeDoubt(doubt, origin, m_vars) + u"\r\n" + Plain(TextId::RestoreAnyway);
+  return m_system.TheShell.ShowMessage(question, Plain(TextId::TitleConfirm), TMessageKind::Question) ==
          TAnswer::Yes;
 }
 
@@ -55,7 +55,7 @@ bool TRestoreModel::Remove(std::size_t row) {
     m_store.RemoveBackup(chosen.BackupName);
   } catch (...) {
     const Text reason = DescribeException(std::current_exception(), m_system.Locale);
-    ShowFailure(Say(TextId::BackupNotRemoved, chosen.Caption, reason));
+    ShowFailure(Plain(TextId::BackupNotRemoved, chosen.Caption, reason));
     return false;
   }
   m_rows.erase(m_rows.begin() + static_cast<std::ptrdiff_t>(row));
@@ -76,11 +76,11 @@ std::optional<TBackupView> TRestoreModel::View(std::size_t row) {
 }
 
 void TRestoreModel::ShowFailure(TextView text) {
-  m_system.TheShell.ShowMessage(text, Say(TextId::TitleError), TMessageKind::Failure);
+  m_system.TheShell.ShowMessage(text, Plain(TextId::TitleError), TMessageKind::Failure);
 }
 
-Text TRestoreModel::Say(TextId id, TextView arg1, TextView arg2) const {
-  return PlainText(LanguageText(m_vars.Texts, id, arg1, arg2));
+Text TRestoreModel::Plain(TextId id, TextView arg1, TextView arg2) const {
+  return PlainLanguageText(m_vars.Texts, id, arg1, arg2);
 }
 
 }  // namespace corvalt

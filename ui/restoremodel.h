@@ -42,7 +42,7 @@ class TRestoreModel {
   // Only Yes goes on.
   bool WantsAnyway(TRestoreDoubt doubt, const TBackupOrigin& origin);
   void ShowFailure(TextView text);
-  Text Say(TextId id, TextView arg1 = {}, TextView arg2 = {}) const;
+  Text Plain(TextId id, TextView arg1 = {}, TextView arg2 = {}) const;
 
   TSystem m_system;
   const TGlobalVars& m_vars;

@@ -147,7 +147,7 @@ void TResultsRows::DropRemoved() {
 }
 
 Text TResultsRows::Plain(TextId id, TextView argument) const {
-  return PlainText(LanguageText(m_texts, id, argument));
+  return PlainLanguageText(m_texts, id, argument);
 }
 
 }  // namespace corvalt

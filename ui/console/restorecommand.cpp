@@ -43,7 +43,7 @@ TRestoreOutcome RunRestore(TConsoleContext& context, const Text& name, bool allo
     context.Console.Tell(DescribeDoubt(doubt, origin, context.Vars));
     if (doubt != TRestoreDoubt::Foreign || allowForeign)
       return true;
-    context.Console.Tell(PlainText(LanguageText(context.Vars.Texts, TextId::UseForeign)));
+    context.Console.Tell(PlainLanguageText(context.Vars.Texts, TextId::UseForeign));
     return false;
   };
   guide.Stop = [&interrupted] { return interrupted.load(); };

@@ -66,7 +66,7 @@ void TMainToolbar::Create(HWND parent, HFONT font, HIMAGELIST images, const TLan
   ::SendMessageW(m_handle, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(images));
   for (const TMainCommands::TAction& action : TMainCommands::Actions()) {
     if (action.Image != kNoPicture)
-      AddButton(action, PlainText(LanguageText(texts, action.Caption)));
+      AddButton(action, PlainLanguageText(texts, action.Caption));
   }
   ::SendMessageW(m_handle, TB_AUTOSIZE, 0, 0);
   SIZE size = {};

@@ -205,7 +205,7 @@ void TMainCommands::ProcessManager() {
 }
 
 Text TMainCommands::Plain(TextId id, TextView argument) const {
-  return PlainText(LanguageText(m_vars.Texts, id, argument));
+  return PlainLanguageText(m_vars.Texts, id, argument);
 }
 
 }  // namespace corvalt

@@ -11,7 +11,7 @@ bool TMainTreeOwner::MayCheck() const {
 }
 
 Text TMainTreeOwner::Plain(TextId id) const {
-  return PlainText(LanguageText(m_texts, id));
+  return PlainLanguageText(m_texts, id);
 }
 
 int TSectionsOwner::RowUnits(const TTreeNode&) const {

@@ -442,7 +442,7 @@ void TfrmRegMain::ResultsChanged() {
 }
 
 Text TfrmRegMain::Plain(TextId id) const {
-  return PlainText(LanguageText(m_vars.Texts, id));
+  return PlainLanguageText(m_vars.Texts, id);
 }
 
 }  // namespace corvalt
