@@ -14,12 +14,6 @@ constexpr std::int32_t kDefaultBackupCount = 30;
 constexpr TextView kBackupCountValue = u"regbackupcount";
 constexpr TextView kBackupFolderValue = u"regbackupfolder";
 
-std::unique_ptr<RegistryStore> UserStore(TSystem& system) {
-  std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
-  store->SetRootKey(kHkeyCurrentUser);
-  return store;
-}
-
 std::vector<Text> LoadExclusions(TSystem& system, const TGlobalVars& vars) {
   const auto file = ReadDataFile(system.Files, vars.ProgramFolder + u"data\\registry.dat");
   const auto content = file ? InflateDataFile(*file) : std::nullopt;
@@ -34,7 +28,7 @@ std::vector<Text> LoadExclusions(TSystem& system, const TGlobalVars& vars) {
 }
 
 void LoadCleanerSettings(TSystem& system, const TGlobalVars& vars, TGlobalReg& reg) {
-  const std::unique_ptr<RegistryStore> store = UserStore(system);
+  const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
   if (!store->OpenKey(kCleanerSettingsKey, true))
     return;
   reg.BackupCount =
@@ -57,7 +51,7 @@ std::optional<Text> ParseExclusion(TextView line) {
 }
 
 std::vector<Text> LoadIgnoreList(TSystem& system) {
-  const std::unique_ptr<RegistryStore> store = UserStore(system);
+  const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
   std::vector<Text> entries;
   store->OpenKey(kIgnoreListKey, true);
   for (Text& name : store->GetValueNames()) {
@@ -75,7 +69,7 @@ void FillGlobalReg(TSystem& system, const TGlobalVars& vars, TGlobalReg& reg) {
 }
 
 void SaveCleanerSettings(TSystem& system, const TGlobalReg& reg) {
-  const std::unique_ptr<RegistryStore> store = UserStore(system);
+  const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
   store->OpenKey(kCleanerSettingsKey, true);
   store->WriteString(kBackupFolderValue, reg.BackupFolder);
   store->WriteInteger(kBackupCountValue, reg.BackupCount);

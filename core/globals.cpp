@@ -135,7 +135,6 @@ void FillFixedDrives(TSystem& system, TGlobalVars& vars) {
 
 void FillSkin(TSystem& system, TGlobalVars& vars) {
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Read);
-  store->SetRootKey(kHkeyCurrentUser);
   store->OpenKey(kSuiteKey, false);
   vars.SkinPath = store->ReadString(kSkinValue);
   store->CloseKey();
@@ -189,7 +188,6 @@ void WriteWhereMissing(RegistryStore& store, TextView name, std::int32_t default
 
 void FillBackupLimits(TSystem& system, TGlobalVars& vars) {
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
-  store->SetRootKey(kHkeyCurrentUser);
   if (store->OpenKey(kSuiteSettingsKey, true)) {
     WriteWhereMissing(*store, kBackupsMaxValue, kDefaultBackupsMax);
     WriteWhereMissing(*store, kBackupsDeleteValue, kDefaultBackupsDelete);

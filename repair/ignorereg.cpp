@@ -20,12 +20,6 @@ TextView WithoutOffMark(TextView entry) {
   return entry.substr(IsOff(entry) ? 1 : 0);
 }
 
-std::unique_ptr<RegistryStore> UserStore(TSystem& system) {
-  std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
-  store->SetRootKey(kHkeyCurrentUser);
-  return store;
-}
-
 // The registry takes a name up to its first NUL, which stands for the unnamed value.
 TextView StoredName(TextView entry) {
   return entry.substr(0, entry.find(u'\0'));
@@ -93,7 +87,7 @@ void AddIgnoreEntry(TSystem& system, TGlobalReg& reg, TextView entry) {
 
 void StoreIgnoreEntry(TSystem& system, TextView entry) {
   const std::unique_ptr<THeldLock> lock = LockIgnoreList(system);
-  const std::unique_ptr<RegistryStore> store = UserStore(system);
+  const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
   if (!store->OpenKey(kIgnoreListKey, true))
     return;
   store->WriteBool(StoredName(entry), true);
@@ -105,7 +99,7 @@ void SaveIgnoreList(TSystem& system, TGlobalReg& reg, std::vector<Text> entries)
   const std::vector<Text> others = AddedByOthers(system, reg.IgnoreList);
   reg.IgnoreList = std::move(entries);
   reg.IgnoreList.insert(reg.IgnoreList.end(), others.begin(), others.end());
-  const std::unique_ptr<RegistryStore> store = UserStore(system);
+  const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
   if (!store->OpenKey(kIgnoreListKey, true))
     return;
   // The new values come first, so that a program that is ended in the middle loses no entry.

@@ -20,7 +20,6 @@ constexpr TextView kFailureValue = u"maintenancefailure";
 // the user is to be told: what fails in the same way at each start is told once.
 bool RememberFailure(TSystem& system, const Text& reason) {
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
-  store->SetRootKey(kHkeyCurrentUser);
   if (!store->OpenKey(kCleanerSettingsKey, !reason.empty()))
     return true;
   const bool isNew = store->ReadString(kFailureValue) != reason;
