@@ -56,8 +56,11 @@ TRegMain::TRegMain(TSystem& system, const TGlobalVars& vars, TGlobalReg& reg, TU
 }
 
 void TRegMain::StartMaintenance() {
-  const TPrepareContext context = {m_system, m_vars, m_uiThread,
-                                   [this](TWorkerThread& thread) { MaintenanceFinished(thread); }};
+  const TPrepareContext context = {
+      .System = m_system,
+      .Vars = m_vars,
+      .UiThread = m_uiThread,
+      .OnFinished = [this](TWorkerThread& thread) { MaintenanceFinished(thread); }};
   m_prepare = &TWorkerThread::Launch<TPrepare>(context);
   ActionsChanged();
 }
@@ -118,14 +121,21 @@ TProgressEnd TRegMain::RunWithProgress(TProgressMode mode) {
   m_scanned = false;
   m_runEnd = TRunEnd::Complete;
   if (mode == TProgressMode::Scan) {
-    const TScanContext context = {
-        m_system, m_vars, m_reg, m_sections, m_results, m_uiThread, [this](TWorkerThread& thread) {
-          ScanFinished(thread);
-        }};
+    const TScanContext context = {.System = m_system,
+                                  .Vars = m_vars,
+                                  .Reg = m_reg,
+                                  .Sections = m_sections,
+                                  .Results = m_results,
+                                  .UiThread = m_uiThread,
+                                  .OnFinished = [this](TWorkerThread& thread) { ScanFinished(thread); }};
     m_scan = &TWorkerThread::Launch<TScan>(context, *progress);
   } else {
-    const TCleaningContext context = {m_system, m_vars, m_results, m_uiThread,
-                                      [this](TWorkerThread& thread) { CleaningFinished(thread); }};
+    const TCleaningContext context = {
+        .System = m_system,
+        .Vars = m_vars,
+        .Results = m_results,
+        .UiThread = m_uiThread,
+        .OnFinished = [this](TWorkerThread& thread) { CleaningFinished(thread); }};
     m_cleaning = &TWorkerThread::Launch<TCleaning>(context, *progress);
   }
   ActionsChanged();

@@ -7,8 +7,12 @@ namespace corvalt {
 TRepairOutcome RunRepair(TConsoleContext& context, TResultsTree& results, bool mayGoWithoutBackup) {
   TRepairOutcome outcome;
   const auto makeContext = [&](const TWorkerThread::TEndHandler& onFinished) {
-    return TCleaningContext{context.System,   context.Vars, results,
-                            context.UiThread, onFinished,   mayGoWithoutBackup};
+    return TCleaningContext{.System = context.System,
+                            .Vars = context.Vars,
+                            .Results = results,
+                            .UiThread = context.UiThread,
+                            .OnFinished = onFinished,
+                            .MayGoWithoutBackup = mayGoWithoutBackup};
   };
   const TWorkerEnd end = RunWorker<TCleaning>(context, false, makeContext, [&outcome](TCleaning& cleaning) {
     outcome.Cleaning = cleaning.Outcome();

@@ -5,10 +5,16 @@
 
 namespace corvalt {
 
-TWorkerEnd RunScan(TConsoleContext& context, TSectionsTree& sections, TResultsTree& results, bool quiet) {
+TWorkerEnd RunScan(TConsoleContext& context, const TSectionsTree& sections, TResultsTree& results,
+                   bool quiet) {
   return RunWorker<TScan>(context, quiet, [&](const TWorkerThread::TEndHandler& onFinished) {
-    return TScanContext{context.System, context.Vars,     context.Reg, sections,
-                        results,        context.UiThread, onFinished};
+    return TScanContext{.System = context.System,
+                        .Vars = context.Vars,
+                        .Reg = context.Reg,
+                        .Sections = sections,
+                        .Results = results,
+                        .UiThread = context.UiThread,
+                        .OnFinished = onFinished};
   });
 }
 

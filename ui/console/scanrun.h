@@ -8,7 +8,8 @@ namespace corvalt {
 
 // Scans the ticked sections into results, to the end or until the interrupt key cancels it. Shows its
 // progress on the console unless quiet.
-TWorkerEnd RunScan(TConsoleContext& context, TSectionsTree& sections, TResultsTree& results, bool quiet);
+TWorkerEnd RunScan(TConsoleContext& context, const TSectionsTree& sections, TResultsTree& results,
+                   bool quiet);
 
 // Tells that the scan failed or was cancelled.
 void TellOutcome(TConsoleContext& context, const TWorkerEnd& outcome);
