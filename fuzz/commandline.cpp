@@ -6,7 +6,7 @@
 #include "core/cachedfileprobe.h"
 #include "core/functions.h"
 #include "formats/textfile.h"
-#include "platform/memory/memorydisk.h"
+#include "platform/memory/memoryfiles.h"
 
 namespace corvalt {
 

@@ -2,7 +2,7 @@
 // to meanwhile.
 #pragma once
 
-#include "platform/memory/memorydisk.h"
+#include "platform/memory/memoryfiles.h"
 
 namespace corvalt {
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/memory/memorydisk.h"
+#include "platform/memory/memoryfiles.h"
 #include "platform/memory/memoryrawregistry.h"
 #include "platform/memory/memoryregistry.h"
 #include "system/system.h"

@@ -7,7 +7,7 @@
 #include "platform/windows/windowslocale.h"
 #include "platform/windows/windowsmachine.h"
 #include "platform/windows/windowsrawregistry.h"
-#include "platform/windows/windowsregistry.h"
+#include "platform/windows/windowsregistrystore.h"
 #include "platform/windows/windowsshell.h"
 #include "system/system.h"
 

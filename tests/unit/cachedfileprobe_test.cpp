@@ -4,7 +4,7 @@
 
 #include <random>
 
-#include "platform/memory/memorydisk.h"
+#include "platform/memory/memoryfiles.h"
 #include "tests/support/largeinput.h"
 
 namespace corvalt {

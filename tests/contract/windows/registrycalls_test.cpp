@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/windows/windowsrawregistry.h"
-#include "platform/windows/windowsregistry.h"
+#include "platform/windows/windowsregistrystore.h"
 #include "tests/contract/registrycontract.h"
 
 namespace corvalt {

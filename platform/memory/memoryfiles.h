@@ -11,26 +11,11 @@
 
 #include "base/lettercase.h"
 #include "platform/memory/journal.h"
+#include "platform/memory/memoryfile.h"
 #include "system/filestore.h"
 #include "system/filesystemprobe.h"
 
 namespace corvalt {
-
-struct TMemoryFile {
-  Text Name;
-  Text ShortName;
-  bool IsFolder = false;
-  bool IsLink = false;
-  bool IsNameSurrogate = false;  // of a link: it stands for another place
-  bool IsUnreadable = false;     // a folder that can't be listed, a file that can't be read
-  int Holders = 0;               // who have the folder open
-  std::vector<std::uint8_t> Bytes;
-  std::map<Text, std::shared_ptr<TMemoryFile>> Entries;  // by upper-cased name
-
-  // The entry under its long or its short name; null when there is none.
-  std::shared_ptr<TMemoryFile> Entry(TextView name) const;
-  std::shared_ptr<TMemoryFile> AddEntry(TextView name, bool isFolder);
-};
 
 // Failures to come of one kind of operation.
 struct TMemoryFailure {

@@ -1,6 +1,4 @@
-#include "platform/memory/memorydisk.h"
-
-#include <algorithm>
+#include "platform/memory/memoryfiles.h"
 
 #include "base/devicenames.h"
 #include "platform/memory/memoryfolder.h"
@@ -14,36 +12,6 @@ bool HasWildcard(TextView path) {
   return path.find_first_of(u"*?") != TextView::npos;
 }
 
-// "*" and "?" as FindFirstFile takes them in one name.
-bool Matches(TextView pattern, TextView name) {
-  if (pattern.empty())
-    return name.empty();
-  if (pattern.front() == u'*') {
-    for (std::size_t skip = 0; skip <= name.size(); ++skip) {
-      if (Matches(pattern.substr(1), name.substr(skip)))
-        return true;
-    }
-    return false;
-  }
-  if (name.empty())
-    return false;
-  const bool same = pattern.front() == u'?' || UpperUnit(pattern.front()) == UpperUnit(name.front());
-  return same && Matches(pattern.substr(1), name.substr(1));
-}
-
-bool IsHeldOpen(const TMemoryFile& file) {
-  return file.Holders != 0 || std::any_of(file.Entries.begin(), file.Entries.end(),
-                                          [](const auto& entry) { return IsHeldOpen(*entry.second); });
-}
-
-void CollectBelow(const TMemoryFile& folder, const Text& path, std::vector<Text>& paths) {
-  for (const auto& [upperName, entry] : folder.Entries) {
-    const Text entryPath = path + u"\\" + entry->Name;
-    paths.push_back(entryPath);
-    CollectBelow(*entry, entryPath, paths);
-  }
-}
-
 TextView WithoutTrailingBackslash(TextView path) {
   return path.substr(0, path.find_last_not_of(u'\\') + 1);
 }
@@ -53,25 +21,6 @@ TSystemError Error(std::uint32_t code) {
 }
 
 }  // namespace
-
-std::shared_ptr<TMemoryFile> TMemoryFile::Entry(TextView name) const {
-  const auto found = Entries.find(UpperCase(name));
-  if (found != Entries.end())
-    return found->second;
-  for (const auto& [upperName, entry] : Entries) {
-    if (!entry->ShortName.empty() && EqualIgnoringCase(entry->ShortName, name))
-      return entry;
-  }
-  return nullptr;
-}
-
-std::shared_ptr<TMemoryFile> TMemoryFile::AddEntry(TextView name, bool isFolder) {
-  std::shared_ptr<TMemoryFile>& entry = Entries[UpperCase(name)];
-  entry = std::make_shared<TMemoryFile>();
-  entry->Name = name;
-  entry->IsFolder = isFolder;
-  return entry;
-}
 
 TMemoryDisk::TMemoryDisk() {
   AddDrive(u"C:\\", kDriveFixed);
@@ -145,7 +94,7 @@ std::vector<Text> TMemoryDisk::AllBelow(TextView folder) const {
   std::vector<Text> paths;
   const TMemoryFile* file = Find(folder);
   if (file != nullptr)
-    CollectBelow(*file, Text(folder.substr(0, folder.find_last_not_of(u'\\') + 1)), paths);
+    file->CollectBelow(Text(WithoutTrailingBackslash(folder)), paths);
   return paths;
 }
 
@@ -287,7 +236,7 @@ std::int64_t TMemoryDisk::FileSize(TextView path) {
   if (folder == nullptr)
     return 0;
   for (const auto& [upperName, entry] : folder->Entries) {
-    if (Matches(path.substr(nameStart), entry->Name))
+    if (MatchesPattern(path.substr(nameStart), entry->Name))
       return static_cast<std::int64_t>(entry->Bytes.size());
   }
   return 0;
@@ -402,7 +351,7 @@ TSystemError TMemoryDisk::MoveFile(TextView from, TextView to) {
   if (Find(FolderOf(to)) == nullptr)
     return Error(kErrorPathNotFound);
   // CreateFile, learn.microsoft.com: without FILE_SHARE_DELETE nobody may rename what is open.
-  if (IsHeldOpen(*source))
+  if (source->IsHeldOpen())
     return Error(kErrorSharingViolation);
   Note("move file", from);
   Create(to, source->IsFolder).Bytes = source->Bytes;

@@ -1,4 +1,4 @@
-#include "platform/windows/windowsregistry.h"
+#include "platform/windows/windowsregistrystore.h"
 
 #include <algorithm>
 #include <cstring>
