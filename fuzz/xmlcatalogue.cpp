@@ -60,7 +60,13 @@ bool Scan(TMemorySystem& memory, TResultsTreeModel& results) {
     failed = thread.FatalException() != nullptr;
     finished = true;
   };
-  const TScanContext context = {system, vars, reg, sections, results, uiThread, onFinished};
+  const TScanContext context = {.System = system,
+                                .Vars = vars,
+                                .Reg = reg,
+                                .Sections = sections,
+                                .Results = results,
+                                .UiThread = uiThread,
+                                .OnFinished = onFinished};
   TWorkerThread::Launch<TScan>(context, dialog);
   uiThread.RunUntil([&finished] { return finished; });
   return !failed;

@@ -49,7 +49,13 @@ double TMemoryScan::Run(const std::vector<std::int32_t>& sectionCodes) {
   TSystem system = System.Bundle();
   TSilentDialog dialog;
   const std::clock_t start = std::clock();
-  const TScanContext context = {system, Vars, Reg, Sections, Results, UiThread, onFinished};
+  const TScanContext context = {.System = system,
+                                .Vars = Vars,
+                                .Reg = Reg,
+                                .Sections = Sections,
+                                .Results = Results,
+                                .UiThread = UiThread,
+                                .OnFinished = onFinished};
   TWorkerThread::Launch<TScan>(context, dialog);
   UiThread.RunUntil([&finished] { return finished; });
   const double taken = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;

@@ -232,7 +232,13 @@ class TWalk {
     m_results.Clear();
     bool finished = false;
     const auto onFinished = [&finished](TWorkerThread&) { finished = true; };
-    const TScanContext context = {m_system, m_vars, m_reg, m_sections, m_results, m_uiThread, onFinished};
+    const TScanContext context = {.System = m_system,
+                                  .Vars = m_vars,
+                                  .Reg = m_reg,
+                                  .Sections = m_sections,
+                                  .Results = m_results,
+                                  .UiThread = m_uiThread,
+                                  .OnFinished = onFinished};
     TWorkerThread::Launch<TScan>(context, m_dialog);
     m_uiThread.RunUntil([&finished] { return finished; });
   }

@@ -84,8 +84,10 @@ void TRepairRig::Repair(const TOnUpdate& onUpdate) {
     finished = true;
   };
   // The thread's first step on the dialog is a call of this thread, so that cleaning is set before it.
-  cleaning = &TWorkerThread::Launch<TCleaning>(TCleaningContext{system, Vars, Results, UiThread, onFinished},
-                                               dialog);
+  cleaning = &TWorkerThread::Launch<TCleaning>(
+      TCleaningContext{
+          .System = system, .Vars = Vars, .Results = Results, .UiThread = UiThread, .OnFinished = onFinished},
+      dialog);
   UiThread.RunUntil([&finished] { return finished; });
   Updates = dialog.Updates;
 }

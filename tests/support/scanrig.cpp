@@ -76,7 +76,13 @@ void TScanRig::RunAndCancel(const std::vector<std::int32_t>& sectionCodes, int a
     Failure = thread.FatalException();
     finished = true;
   };
-  const TScanContext context = {system, Vars, Reg, Sections, Results, UiThread, onFinished};
+  const TScanContext context = {.System = system,
+                                .Vars = Vars,
+                                .Reg = Reg,
+                                .Sections = Sections,
+                                .Results = Results,
+                                .UiThread = UiThread,
+                                .OnFinished = onFinished};
   scan = &TWorkerThread::Launch<TScan>(context, Dialog);
   UiThread.RunUntil([&finished] { return finished; });
   System.Registry.OnRead = nullptr;

@@ -50,9 +50,12 @@ class TAbandonedRepair {
   explicit TAbandonedRepair(TBusyRig& rig) : m_system(rig.System.Bundle()) {
     // The thread drops its end handler as it is freed, and with it the last copy of this.
     const std::shared_ptr<void> alive(nullptr, [this](void*) { m_gone.set_value(); });
-    m_cleaning = &TWorkerThread::Launch<TCleaning>(
-        TCleaningContext{m_system, rig.Vars, rig.Results, rig.UiThread, [alive](TWorkerThread&) {}},
-        m_dialog);
+    m_cleaning = &TWorkerThread::Launch<TCleaning>(TCleaningContext{.System = m_system,
+                                                                    .Vars = rig.Vars,
+                                                                    .Results = rig.Results,
+                                                                    .UiThread = rig.UiThread,
+                                                                    .OnFinished = [alive](TWorkerThread&) {}},
+                                                   m_dialog);
   }
   TCleaning& Thread() {
     return *m_cleaning;

@@ -56,8 +56,13 @@ TEST(DeviceDrivers, ACancelledSectionRunsToItsEndAndMovesTheDialogNoMore) {
   bool finished = false;
   const auto onFinished = [&finished](TWorkerThread&) { finished = true; };
   TSystem system = rig.System.Bundle();
-  const TScanContext context = {system,      rig.Vars,     rig.Reg,   rig.Sections,
-                                rig.Results, rig.UiThread, onFinished};
+  const TScanContext context = {.System = system,
+                                .Vars = rig.Vars,
+                                .Reg = rig.Reg,
+                                .Sections = rig.Sections,
+                                .Results = rig.Results,
+                                .UiThread = rig.UiThread,
+                                .OnFinished = onFinished};
   dialog.Scan = &TWorkerThread::Launch<TScan>(context, dialog);
   rig.UiThread.RunUntil([&finished] { return finished; });
 

@@ -32,7 +32,8 @@ class TPrepareRig {
     };
     // The lock keeps the thread from its first index until it has been told to terminate.
     std::unique_ptr<THeldLock> lock = System.Interprocess.HoldEveryLock();
-    TPrepare& prepare = TWorkerThread::Launch<TPrepare>(TPrepareContext{system, Vars, UiThread, onFinished});
+    TPrepare& prepare = TWorkerThread::Launch<TPrepare>(
+        TPrepareContext{.System = system, .Vars = Vars, .UiThread = UiThread, .OnFinished = onFinished});
     if (cancelAtOnce)
       prepare.Terminate();
     lock.reset();

@@ -229,8 +229,13 @@ bool IsKeyEmpty(TScanRig& rig, TextView keyPath, bool recursive) {
   const auto onFinished = [&](TWorkerThread& thread) {
     answer = dynamic_cast<TScan&>(thread).IsKeyEmpty(kHkeyCurrentUser, keyPath, recursive);
   };
-  const TScanContext context = {system,      rig.Vars,     rig.Reg,   rig.Sections,
-                                rig.Results, rig.UiThread, onFinished};
+  const TScanContext context = {.System = system,
+                                .Vars = rig.Vars,
+                                .Reg = rig.Reg,
+                                .Sections = rig.Sections,
+                                .Results = rig.Results,
+                                .UiThread = rig.UiThread,
+                                .OnFinished = onFinished};
   TWorkerThread::Launch<TScan>(context, rig.Dialog);
   rig.UiThread.RunUntil([&answer] { return answer.has_value(); });
   return *answer;

@@ -114,7 +114,8 @@ TExitCode RunCommand(const std::vector<Text>& arguments, const TConsoleProgram& 
   if (const std::optional<Text> hint = WrongProgramHint(program.System.Probe, vars.Texts))
     program.Console.Tell(*hint);
   TQueueUiThread uiThread;
-  TConsoleContext context = {program.System, vars, reg, program.Console, uiThread};
+  TConsoleContext context = {
+      .System = program.System, .Vars = vars, .Reg = reg, .Console = program.Console, .UiThread = uiThread};
   const TExitCode code = run(context);
   uiThread.Shut();
   return code;
