@@ -1,6 +1,7 @@
 #include "app/windowsconsole.h"
 
 #include <algorithm>
+#include <tuple>
 
 #include "ui/console/cells.h"
 
@@ -83,10 +84,10 @@ TSystemError TWindowsConsole::Write(std::string_view utf8) {
   return text ? WriteUnits(m_output, *text) : TSystemError{kErrorInvalidData};
 }
 
-// There is no place left where a failure could be reported.
 void TWindowsConsole::Tell(TextView line) {
   ShowProgress({});
-  WriteText(m_error, Text(line) + u"\n");
+  // There is no place left where a failure could be reported.
+  std::ignore = WriteText(m_error, Text(line) + u"\n");
 }
 
 void TWindowsConsole::ShowProgress(TextView line) {
@@ -98,7 +99,7 @@ void TWindowsConsole::ShowProgress(TextView line) {
       shown.begin(), shown.end(), [](char16_t unit) { return unit < u' '; }, u' ');
   // Blanks cover the rest of the line before.
   shown.append(m_progressLength - std::min(m_progressLength, fitting.Cells), u' ');
-  WriteUnits(m_error, u"\r" + shown + (fitting.Cells == 0 ? u"\r" : u""));
+  std::ignore = WriteUnits(m_error, u"\r" + shown + (fitting.Cells == 0 ? u"\r" : u""));
   m_progressLength = fitting.Cells;
 }
 

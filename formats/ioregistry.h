@@ -18,10 +18,10 @@ namespace corvalt {
 
 class TRegFileWriter;
 
-enum class TExportResult {
-  Done,
-  Missing,     // no such key or value
-  Unreadable,  // it exists, but it or something below it can't be read whole: no access, or a registry link
+enum class [[nodiscard]] TExportResult{
+    Done,
+    Missing,     // no such key or value
+    Unreadable,  // it exists, but it or something below it can't be read whole: no access, or a registry link
 };
 
 // A key as it was read for an export.

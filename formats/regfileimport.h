@@ -22,7 +22,7 @@ struct TImportOptions {
   std::function<bool()> Stop = [] { return false; };
 };
 
-struct TImportResult {
+struct [[nodiscard]] TImportResult {
   bool HasHeader = false;  // without the REGEDIT4 line nothing is imported
   bool Stopped = false;
   std::size_t LinesSkipped = 0;

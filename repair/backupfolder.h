@@ -45,11 +45,11 @@ class TBackupFolder {
   std::int64_t FileSize(TextView name);  // bytes; 0 when there is no file
 
   // kErrorFileNotFound when there is no file.
-  [[nodiscard]] TSystemError ReadFile(TextView name, std::vector<std::uint8_t>& bytes);
-  [[nodiscard]] TSystemError ReplaceFile(TextView name, std::span<const std::uint8_t> bytes);
+  TSystemError ReadFile(TextView name, std::vector<std::uint8_t>& bytes);
+  TSystemError ReplaceFile(TextView name, std::span<const std::uint8_t> bytes);
   // Success when there is no file.
-  [[nodiscard]] TSystemError DeleteFile(TextView name);
-  [[nodiscard]] TSystemError GrowFile(TextView name, std::unique_ptr<TGrowingFile>& file);
+  TSystemError DeleteFile(TextView name);
+  TSystemError GrowFile(TextView name, std::unique_ptr<TGrowingFile>& file);
 
   // The index; empty when there is none. Another program that has it open is waited for, for two seconds.
   TIniFile ReadIndex();
@@ -59,7 +59,7 @@ class TBackupFolder {
   void ChangeIndex(const std::function<void(TIniFile&)>& change);
 
   // Of an index that holds nothing any more. Success when there is none.
-  [[nodiscard]] TSystemError DeleteIndex();
+  TSystemError DeleteIndex();
   bool HasIndex();
 
   const Text& Path() const {

@@ -65,7 +65,7 @@ class BackupStore {
   [[nodiscard]] Text BackupFilePath(const TBackupName& name) const;
 
   // kErrorFileNotFound when the backup has no file.
-  [[nodiscard]] TSystemError ReadBackup(const TBackupName& name, std::vector<std::uint8_t>& bytes);
+  TSystemError ReadBackup(const TBackupName& name, std::vector<std::uint8_t>& bytes);
 
   // Takes over what this module's older releases left in a folder of their own.
   void MigrateLegacyBackups();

@@ -40,6 +40,11 @@ std::vector<TKeyPath> MenuKeysUpward(const TKeyPath& key) {
   }
 }
 
+// The result of an export that needs no other action: what could not be exported is not covered by the
+// deletion right either, so it stays in the registry.
+void StaysWhereNotSaved(TExportResult) {
+}
+
 }  // namespace
 
 void BackUpProblem(BackupStore& store, const ScanProblem& problem) {
@@ -47,17 +52,17 @@ void BackUpProblem(BackupStore& store, const ScanProblem& problem) {
   if (!key)
     return;
   if (problem.Kind == TProblemKind::Value) {
-    store.AddValueToBackup(*key, ValueNameOf(problem));
+    StaysWhereNotSaved(store.AddValueToBackup(*key, ValueNameOf(problem)));
     if (problem.ImageIndex == kMruImage)
-      store.AddValueToBackup(*key, kMruList);
+      StaysWhereNotSaved(store.AddValueToBackup(*key, kMruList));
   }
   // A whole root can't be deleted, and is not worth a backup.
   if (problem.Kind == TProblemKind::Key && !key->IsRoot()) {
-    store.AddKeyToBackup(*key);
+    StaysWhereNotSaved(store.AddKeyToBackup(*key));
     if (problem.ImageIndex == kStartMenuImage) {
       for (const TKeyPath& menuKey : MenuKeysUpward(*key)) {
         if (!store.HoldsKey(menuKey))
-          store.AddKeyToBackup(menuKey);
+          StaysWhereNotSaved(store.AddKeyToBackup(menuKey));
       }
     }
   }
@@ -146,9 +151,9 @@ TDeletion TProblemDeleter::DeletionOf(TRawResult result) const {
 
 void TProblemDeleter::DeleteEmptyMenuKeys(const TKeyPath& key) {
   for (const TKeyPath& menuKey : MenuKeysUpward(key)) {
-    if (HasSubKeys(menuKey))
+    // A key that stays is a subkey of the next one.
+    if (HasSubKeys(menuKey) || DeleteKeyAsSaved(menuKey) != TDeletion::Deleted)
       return;
-    DeleteKeyAsSaved(menuKey);
   }
 }
 

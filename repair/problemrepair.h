@@ -19,13 +19,13 @@ void BackUpProblem(BackupStore& store, const ScanProblem& problem);
 // backup.
 void FindPlaces(TRawRegistry& registry, TDeletionRight& right, const ScanProblem& problem);
 
-enum class TDeletion {
-  Deleted,    // it is gone; perhaps it was before
-  Failed,     // it may be deleted, and the system did not
-  NotCovered  // it exists, and a restore would not bring it back as it is: nothing was touched
+enum class [[nodiscard]] TDeletion{
+    Deleted,    // it is gone; perhaps it was before
+    Failed,     // it may be deleted, and the system did not
+    NotCovered  // it exists, and a restore would not bring it back as it is: nothing was touched
 };
 
-struct TDeletionResult {
+struct [[nodiscard]] TDeletionResult {
   TDeletion Deletion = TDeletion::NotCovered;
   bool KeyOpened = false;  // of a value: whether its key opened
 };
@@ -37,7 +37,7 @@ class TProblemDeleter {
   // The system must outlive the deleter.
   TProblemDeleter(TSystem& system, TDeletionRight right);
 
-  [[nodiscard]] TDeletionResult Delete(const ScanProblem& problem);
+  TDeletionResult Delete(const ScanProblem& problem);
 
  private:
   TDeletionResult DeleteKey(const ScanProblem& problem);

@@ -49,7 +49,7 @@ enum class TRestoreEnd {
   Refused,       // the guide did not go on
 };
 
-struct TRestoreOutcome {
+struct [[nodiscard]] TRestoreOutcome {
   TRestoreEnd End = TRestoreEnd::NoFile;
   TImportResult Import;
   TSystemError Error;
@@ -57,8 +57,8 @@ struct TRestoreOutcome {
 
 // Replays the backup's file into the registry, over what is there. The backup stays in the store. Lines that
 // delete something are skipped: no repair writes such lines, and any program of the user can write the file.
-[[nodiscard]] TRestoreOutcome RestoreBackup(TSystem& system, const TGlobalVars& vars, TextView backupName,
-                                            const TRestoreGuide& guide = {});
+TRestoreOutcome RestoreBackup(TSystem& system, const TGlobalVars& vars, TextView backupName,
+                              const TRestoreGuide& guide = {});
 
 // The doubt in words.
 Text DescribeDoubt(TRestoreDoubt doubt, const TBackupOrigin& origin, const TGlobalVars& vars);

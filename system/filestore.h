@@ -43,9 +43,9 @@ struct TTemporaryName {
 class TGrowingFile {
  public:
   virtual ~TGrowingFile() = default;
-  [[nodiscard]] virtual TSystemError Append(std::span<const std::uint8_t> bytes) = 0;
+  virtual TSystemError Append(std::span<const std::uint8_t> bytes) = 0;
   // What was appended is on the disk afterwards.
-  [[nodiscard]] virtual TSystemError Flush() = 0;
+  virtual TSystemError Flush() = 0;
 };
 
 // A folder held open. Every name is that of an entry directly in it, wherever the folder's path leads
@@ -57,12 +57,12 @@ class TOpenFolder {
   virtual ~TOpenFolder() = default;
   [[nodiscard]] virtual TFileInfo Info(TextView name) = 0;
   // The whole file.
-  [[nodiscard]] virtual TSystemError ReadFile(TextView name, std::vector<std::uint8_t>& bytes) = 0;
+  virtual TSystemError ReadFile(TextView name, std::vector<std::uint8_t>& bytes) = 0;
   // As TFileStore::ReplaceFile.
-  [[nodiscard]] virtual TSystemError ReplaceFile(TextView name, std::span<const std::uint8_t> bytes) = 0;
-  [[nodiscard]] virtual TSystemError DeleteFile(TextView name) = 0;
+  virtual TSystemError ReplaceFile(TextView name, std::span<const std::uint8_t> bytes) = 0;
+  virtual TSystemError DeleteFile(TextView name) = 0;
   // Opens a file for writing behind what it holds, and creates it where it is missing.
-  [[nodiscard]] virtual TSystemError GrowFile(TextView name, std::unique_ptr<TGrowingFile>& file) = 0;
+  virtual TSystemError GrowFile(TextView name, std::unique_ptr<TGrowingFile>& file) = 0;
 };
 
 // A failing operation leaves its outputs, and the files, as they were.
@@ -71,28 +71,28 @@ class TFileStore {
   virtual ~TFileStore() = default;
 
   // The whole file.
-  [[nodiscard]] virtual TSystemError ReadFile(TextView path, std::vector<std::uint8_t>& bytes) = 0;
+  virtual TSystemError ReadFile(TextView path, std::vector<std::uint8_t>& bytes) = 0;
 
   // Replaces the file whole or creates it: writes a temporary file beside it, flushes it to the disk, renames
   // it over the target. After a failure the old file is in place and no temporary file is left.
-  [[nodiscard]] virtual TSystemError ReplaceFile(TextView path, std::span<const std::uint8_t> bytes) = 0;
+  virtual TSystemError ReplaceFile(TextView path, std::span<const std::uint8_t> bytes) = 0;
 
   // The same with bytes that are made while they are written. The first failure of write, returned by
   // produce, ends it; so does a failure that produce returns on its own.
   using TWrite = std::function<TSystemError(std::span<const std::uint8_t>)>;
   using TProducer = std::function<TSystemError(const TWrite& write)>;
-  [[nodiscard]] virtual TSystemError ReplaceFileInPieces(TextView path, const TProducer& produce) = 0;
+  virtual TSystemError ReplaceFileInPieces(TextView path, const TProducer& produce) = 0;
 
   // A plain rename or move; fails when the target exists.
-  [[nodiscard]] virtual TSystemError MoveFile(TextView from, TextView to) = 0;
-  [[nodiscard]] virtual TSystemError DeleteFile(TextView path) = 0;
+  virtual TSystemError MoveFile(TextView from, TextView to) = 0;
+  virtual TSystemError DeleteFile(TextView path) = 0;
 
   // Creates a folder and all its missing parents; success when it exists.
-  [[nodiscard]] virtual TSystemError MakeFolders(TextView path) = 0;
+  virtual TSystemError MakeFolders(TextView path) = 0;
 
   // Opens a folder, with or without a "\" at the end of its path. While it is open it can't be renamed,
   // moved or deleted. kErrorStoppedOnLink where it is a link itself; kErrorPathNotFound for a file.
-  [[nodiscard]] virtual TSystemError OpenFolder(TextView path, std::unique_ptr<TOpenFolder>& folder) = 0;
+  virtual TSystemError OpenFolder(TextView path, std::unique_ptr<TOpenFolder>& folder) = 0;
 
   // About the name itself: a link is not followed.
   [[nodiscard]] virtual TFileInfo Info(TextView path) = 0;

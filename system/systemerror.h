@@ -11,7 +11,7 @@
 namespace corvalt {
 
 // A Windows error code (winerror.h); 0 is success. TLocale::SystemMessage says it in words.
-struct TSystemError {
+struct [[nodiscard]] TSystemError {
   std::uint32_t Code = 0;
   bool Failed() const {
     return Code != 0;

@@ -139,7 +139,7 @@ void DeleteHive(TWindowsSystem& windows) {
 }
 
 // The floor: a walk that opens each key relative to its parent, asks for the counts first, enumerates the
-// values with their data into one buffer, and looks at nothing.
+// values with their data into one buffer, and examines none of them.
 class TBareWalk {
  public:
   void Walk(HKEY key) {
@@ -216,7 +216,8 @@ class TCountedRegistry : public TRegistryFactory {
   };
 };
 
-// The Files and Folders section for the current user, with the real registry and every file answer in memory.
+// The Files and Folders section for the current user, with the real registry and the existence of every file
+// known in memory.
 class TWalk {
  public:
   TWalk() {
@@ -270,7 +271,7 @@ void MeasureWalk() {
   counts.Walk(HKEY_CURRENT_USER);
   double floor = 1e9;
   double scan = 1e9;
-  // Taken in turn, so that a change of the machine's mood meets both.
+  // Taken in turn, so that a time in which the machine is slower counts for both.
   for (int i = 0; i < kRounds; ++i) {
     floor = std::min(floor, Seconds([] { TBareWalk().Walk(HKEY_CURRENT_USER); }));
     scan = std::min(scan, Seconds([&walk] { walk.Run(); }));
@@ -291,7 +292,8 @@ class TFolders {
       : m_windows(windows),
         m_top(WithTrailingBackslash(windows.Probe.GetEnvironmentVariable(u"TEMP")) + u"Corvalt Bench\\") {
     for (std::size_t folder = 0; folder < kFolders; ++folder) {
-      m_windows.Files.MakeFolders(FolderPath(folder));
+      if (const TSystemError error = m_windows.Files.MakeFolders(FolderPath(folder)); error.Failed())
+        throw TSystemException(error, FolderPath(folder));
       for (std::size_t file = 0; file < kFilesPerFolder; ++file)
         TOwnedFile(
             CreateFileW(Wide(FilePath(folder, file)), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
@@ -303,7 +305,7 @@ class TFolders {
   ~TFolders() {
     for (std::size_t folder = 0; folder < kFolders; ++folder) {
       for (std::size_t file = 0; file < kFilesPerFolder; ++file)
-        m_windows.Files.DeleteFile(FilePath(folder, file));
+        DeleteFileW(Wide(FilePath(folder, file)));
       RemoveDirectoryW(Wide(FolderPath(folder)));
     }
     RemoveDirectoryW(Wide(m_top));

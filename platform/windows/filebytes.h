@@ -10,13 +10,13 @@
 namespace corvalt {
 
 // Reads to the end of the file. What was read before a failure stays in bytes.
-[[nodiscard]] TSystemError ReadAll(HANDLE file, std::vector<std::uint8_t>& bytes);
+TSystemError ReadAll(HANDLE file, std::vector<std::uint8_t>& bytes);
 
 // Writes everything. It is on the disk after FlushFileBuffers only.
-[[nodiscard]] TSystemError WriteBytes(HANDLE file, std::span<const std::uint8_t> bytes);
+TSystemError WriteBytes(HANDLE file, std::span<const std::uint8_t> bytes);
 
 // WriteBytes, and all of it is on the disk afterwards.
-[[nodiscard]] TSystemError WriteAll(HANDLE file, std::span<const std::uint8_t> bytes);
+TSystemError WriteAll(HANDLE file, std::span<const std::uint8_t> bytes);
 
 // Whether something with these attributes and this reparse tag stands for another place. A reparse point of
 // no known tag counts as one.

@@ -9,7 +9,7 @@ namespace corvalt {
 class TWindowsFolder : public TOpenFolder {
  public:
   // As TFileStore::OpenFolder.
-  [[nodiscard]] static TSystemError Open(TextView path, std::unique_ptr<TOpenFolder>& folder);
+  static TSystemError Open(TextView path, std::unique_ptr<TOpenFolder>& folder);
 
   TWindowsFolder(TOwnedFile folder, Text path) : m_folder(std::move(folder)), m_path(std::move(path)) {
   }

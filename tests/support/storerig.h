@@ -1,6 +1,8 @@
 // A backup store over a disk in memory, with an index and files built in a few lines.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
@@ -79,12 +81,13 @@ class TStoreRig {
     return names;
   }
 
-  // Makes a backup of one value and answers the right that it gives.
+  // Makes a backup of one value and returns the right that it gives.
   TDeletionRight BackUpOneValue() {
     System.Registry.Set(kKey, u"Path", u"C:\\gone.exe");
     BackupStore store = Store();
     const TBackupName name = store.BeginBackup();
-    store.AddValueToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"), u"Path");
+    EXPECT_EQ(store.AddValueToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"), u"Path"),
+              TExportResult::Done);
     return store.CommitBackup(name);
   }
 

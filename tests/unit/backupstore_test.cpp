@@ -199,7 +199,7 @@ TEST(MakingABackup, TwiceWithOneStoreBeginsWithNothingExported) {
   rig.System.Registry.AddKey(kKey);
   BackupStore store = rig.Store();
   static_cast<void>(store.BeginBackup());
-  store.AddKeyToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"));
+  EXPECT_EQ(store.AddKeyToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")), TExportResult::Done);
   const TDeletionRight right = store.CommitBackup(store.BeginBackup());
   EXPECT_EQ(right.PlaceOfKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")), nullptr);
 }
@@ -216,7 +216,7 @@ TEST(MakingABackup, ListsItThenWritesAndVerifiesItAndLooksWhetherItIsListed) {
   const TBackupName name = store.BeginBackup();
   EXPECT_EQ(journal.Entries(), TNames({"read index.ini", "replace index.ini"}));
   journal.Clear();
-  store.AddKeyToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"));
+  EXPECT_EQ(store.AddKeyToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")), TExportResult::Done);
   EXPECT_EQ(journal.Entries(), TNames());
   EXPECT_NE(store.CommitBackup(name).PlaceOfKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")), nullptr);
   EXPECT_EQ(journal.Entries(), TNames({"replace 46341.5", "read 46341.5", "read index.ini"}));
@@ -228,7 +228,7 @@ TEST(TheRightToDelete, CoversExactlyWhatTheBackupHolds) {
   rig.System.Registry.Set(kKey, u"Other", u"y");
   BackupStore store = rig.Store();
   const TBackupName name = store.BeginBackup();
-  store.AddValueToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"), u"Path");
+  EXPECT_EQ(store.AddValueToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"), u"Path"), TExportResult::Done);
   const TDeletionRight right = store.CommitBackup(name);
   EXPECT_NE(right.PlaceOfValue(KeyAt(u"HKEY_CURRENT_USER\\software\\\\OLD\\"), u"path"), nullptr);
   EXPECT_EQ(right.PlaceOfValue(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"), u"Other"), nullptr);
@@ -241,7 +241,7 @@ TEST(TheRightToDelete, OfAKeyIsNeitherThatOfTheKeyAboveNorThatOfItsValues) {
   rig.System.Registry.Set(kKey, u"Path", u"x");
   BackupStore store = rig.Store();
   const TBackupName name = store.BeginBackup();
-  store.AddKeyToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old"));
+  EXPECT_EQ(store.AddKeyToBackup(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")), TExportResult::Done);
   const TDeletionRight right = store.CommitBackup(name);
   EXPECT_NE(right.PlaceOfKey(KeyAt(u"HKEY_CURRENT_USER\\Software\\Old")), nullptr);
   EXPECT_EQ(right.PlaceOfKey(KeyAt(u"HKEY_CURRENT_USER\\Software")), nullptr);

@@ -91,7 +91,7 @@ TEST_F(RestoredAttributes, AKeyBelowAVolatileOneIsCreatedVolatileAlsoWhenNothing
   Export(u"HKEY_CURRENT_USER\\K\\Sub");
   EXPECT_EQ(Exported().find("volatile"), std::string::npos);
   m_system.Registry.RemoveKey(Text(kKey) + u"\\Sub");
-  Import();
+  EXPECT_TRUE(Import().EverythingWritten());
   ASSERT_TRUE(m_system.Registry.HasKey(Text(kKey) + u"\\Sub"));
   EXPECT_TRUE(m_system.Registry.KeyAt(Text(kKey) + u"\\Sub")->IsVolatile);
 }
@@ -102,7 +102,7 @@ TEST_F(RestoredAttributes, OfAKeyThatIsThereAreLeftAsTheyAre) {
   m_system.Registry.SetClass(kKey, u"Newer");
   m_system.Registry.SetSecurity(kKey, DefaultSecurity());
   m_system.Registry.SetLastWrite(kKey, kOldTime + 7);
-  Import();
+  EXPECT_TRUE(Import().EverythingWritten());
   EXPECT_EQ(m_system.Registry.KeyAt(kKey)->ClassName, u"Newer");
   EXPECT_EQ(m_system.Registry.KeyAt(kKey)->Security, DefaultSecurity());
   EXPECT_EQ(m_system.Registry.KeyAt(kKey)->LastWrite, kOldTime + 7);
@@ -149,7 +149,7 @@ TEST_F(RestoredAttributes, NamesComeBackAsTheyWereStored) {
   const std::vector<std::string> before = m_system.Registry.Dump(kRoot);
   Export(u"HKEY_CURRENT_USER\\CLSID");
   m_system.Registry.RemoveKey(u"HKEY_CURRENT_USER\\clsId");
-  Import();
+  EXPECT_TRUE(Import().EverythingWritten());
   EXPECT_EQ(m_system.Registry.Dump(kRoot), before);
   EXPECT_NE(Exported().find("[HKEY_CURRENT_USER\\clsId\\Sub]"), std::string::npos);
   EXPECT_EQ(m_system.Registry.KeyAt(u"HKEY_CURRENT_USER\\CLSID")->Name, u"clsId");
@@ -167,7 +167,7 @@ TEST_F(RestoredAttributes, AClassComesFromAndReturnsToItsHive) {
               std::string::npos);
     EXPECT_NE(Exported().find("\r\n[HKEY_CLASSES_ROOT\\Thing]\r\n"), std::string::npos);
     m_system.Registry.RemoveKey(own);
-    Import();
+    EXPECT_TRUE(Import().EverythingWritten());
     EXPECT_TRUE(m_system.Registry.HasValue(own, u"a"));
     m_system.Registry.RemoveKey(own);
     EXPECT_FALSE(m_system.Registry.HasKey(u"HKEY_CLASSES_ROOT\\Thing"));
@@ -189,7 +189,7 @@ TEST_F(RestoredAttributes, AValueReturnsToTheHiveThatHeldIt) {
   m_system.Registry.Set(kMachineClass, u"machine", u"x");
   EXPECT_EQ(m_exporter.ExportValue(KeyAt(u"HKEY_CLASSES_ROOT\\Thing"), u"MACHINE"), TExportResult::Done);
   m_system.Registry.RemoveKey(kMachineClass);
-  Import();
+  EXPECT_TRUE(Import().EverythingWritten());
   EXPECT_TRUE(m_system.Registry.HasValue(kMachineClass, u"machine"));
   EXPECT_FALSE(m_system.Registry.HasValue(kUserClass, u"machine"));
 }
@@ -203,7 +203,7 @@ TEST_F(RestoredAttributes, ALinkAboveTheKeyKeepsItsSpelling) {
             std::string::npos)
       << Exported();
   m_system.Registry.RemoveKey(u"HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Services\\Thing");
-  Import();
+  EXPECT_TRUE(Import().EverythingWritten());
   EXPECT_TRUE(
       m_system.Registry.HasValue(u"HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Services\\Thing", u"a"));
 }

@@ -46,7 +46,7 @@ class TWindowsSubject final : public TSubject {
         m_folder(TemporaryFolder() + m_name),
         m_uiThread([](const std::exception_ptr& exception) { std::rethrow_exception(exception); }) {
     EXPECT_EQ(m_system.Raw.CreateKey(kScratchRoot, Text(u"\\Software\\") + m_name), TRawResult::Done);
-    m_system.Files.MakeFolders(m_folder);
+    EXPECT_FALSE(m_system.Files.MakeFolders(m_folder).Failed());
   }
   ~TWindowsSubject() override {
     for (const Text& path : m_denied)
