@@ -2,9 +2,13 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <unordered_map>
+#include <vector>
 
+#include "base/text.h"
 #include "system/filesystemprobe.h"
 
 namespace corvalt {

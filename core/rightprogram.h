@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "base/text.h"
 #include "core/languagetexts.h"
 #include "system/filesystemprobe.h"
 

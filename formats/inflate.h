@@ -1,6 +1,7 @@
 // The one routine that reads the compressed data files.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>

@@ -1,6 +1,7 @@
 // Ini files as the Windows profile calls read and write them. What other programs wrote stays byte for byte.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>

@@ -8,10 +8,13 @@
 #include <span>
 #include <vector>
 
+#include "base/keypaths.h"
+#include "base/text.h"
 #include "formats/backupblock.h"
 #include "formats/regfileformat.h"
 #include "formats/regfileimport.h"
 #include "system/rawregistry.h"
+#include "system/registryvalues.h"
 #include "system/systemlocale.h"
 
 namespace corvalt {

@@ -39,8 +39,10 @@
 #include <cstdint>
 #include <optional>
 
+#include "base/keypaths.h"
 #include "base/text.h"
 #include "system/rawregistry.h"
+#include "system/registryvalues.h"
 
 namespace corvalt {
 

@@ -2,12 +2,18 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <set>
 #include <span>
+#include <utility>
 #include <vector>
 
+#include "base/keypaths.h"
+#include "base/text.h"
+#include "formats/regfilecursor.h"
+#include "formats/regfileformat.h"
 #include "formats/regfilereader.h"
 #include "system/rawregistry.h"
 #include "system/systemlocale.h"

@@ -7,10 +7,14 @@
 #include <span>
 #include <vector>
 
+#include "base/keypaths.h"
+#include "base/text.h"
 #include "formats/backupblock.h"
 #include "formats/regfilecursor.h"
 #include "formats/regfileformat.h"
+#include "formats/regfilelines.h"
 #include "system/rawregistry.h"
+#include "system/registryvalues.h"
 #include "system/systemlocale.h"
 
 namespace corvalt {

@@ -1,12 +1,17 @@
 // Writes keys and values as REGEDIT4 text.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
+#include "base/keypaths.h"
+#include "base/text.h"
 #include "formats/backupblock.h"
 #include "formats/regfileformat.h"
 #include "system/rawregistry.h"
+#include "system/registryvalues.h"
 #include "system/systemlocale.h"
 
 namespace corvalt {

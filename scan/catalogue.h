@@ -6,6 +6,7 @@
 #include <span>
 
 #include "base/keypaths.h"
+#include "base/text.h"
 #include "core/languagetexts.h"
 
 namespace corvalt {

@@ -2,17 +2,21 @@
 // each, do their work through its public part.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
 
+#include "base/keypaths.h"
 #include "base/rounding.h"
+#include "base/text.h"
 #include "core/cachedfileprobe.h"
 #include "core/functions.h"
 #include "core/globalregs.h"
 #include "core/globals.h"
+#include "core/languageids.h"
 #include "core/languagetexts.h"
 #include "core/workerthread.h"
 #include "scan/catalogue.h"
@@ -21,6 +25,7 @@
 #include "scan/scanproblem.h"
 #include "scan/scantrees.h"
 #include "system/system.h"
+#include "system/uithread.h"
 
 namespace corvalt {
 

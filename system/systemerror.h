@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <exception>
 #include <stdexcept>
+#include <string>
+#include <utility>
 
 #include "base/text.h"
 #include "system/systemlocale.h"

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "base/text.h"
 #include "core/globalregs.h"
 #include "system/system.h"
 

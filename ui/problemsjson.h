@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/text.h"
 #include "scan/scantrees.h"
 #include "system/systemerror.h"
 

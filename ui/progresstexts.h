@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "base/text.h"
 #include "core/languagetexts.h"
 #include "repair/threadclean.h"
 

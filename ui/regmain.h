@@ -2,16 +2,23 @@
 // and what happens when a worker thread ends.
 #pragma once
 
+#include <cstddef>
+#include <exception>
 #include <functional>
 #include <memory>
+#include <utility>
 
+#include "base/text.h"
 #include "core/globalregs.h"
 #include "core/globals.h"
+#include "core/languageids.h"
 #include "core/workerthread.h"
 #include "repair/prepare.h"
 #include "repair/threadclean.h"
+#include "scan/scantrees.h"
 #include "scan/threadscan.h"
 #include "system/system.h"
+#include "system/uithread.h"
 #include "ui/progresstexts.h"
 #include "ui/resultsrows.h"
 #include "ui/resultstree.h"

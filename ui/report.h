@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "base/text.h"
 #include "scan/scantrees.h"
 #include "system/systemclock.h"
 #include "system/systemlocale.h"

@@ -5,7 +5,11 @@
 #include <optional>
 #include <vector>
 
+#include "base/text.h"
 #include "core/globals.h"
+#include "core/languageids.h"
+#include "formats/backupblock.h"
+#include "repair/backupname.h"
 #include "repair/backupstore.h"
 #include "repair/restoredeleted.h"
 #include "system/system.h"

@@ -6,6 +6,8 @@
 #include <functional>
 #include <vector>
 
+#include "base/text.h"
+#include "core/languageids.h"
 #include "core/languagetexts.h"
 #include "ui/resultstree.h"
 #include "ui/tree/row.h"

@@ -1,8 +1,12 @@
 // The results tree without a window: section headers with the problems found below them.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 
+#include "base/text.h"
+#include "scan/scanproblem.h"
+#include "scan/scantrees.h"
 #include "ui/tree/treemodel.h"
 
 namespace corvalt {

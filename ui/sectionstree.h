@@ -2,8 +2,11 @@
 // left them.
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
+#include "base/text.h"
+#include "scan/scantrees.h"
 #include "system/system.h"
 #include "ui/tree/treemodel.h"
 

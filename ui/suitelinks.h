@@ -2,6 +2,8 @@
 // shell's, and nobody looks at its result.
 #pragma once
 
+#include <string_view>
+
 #include "base/text.h"
 #include "core/globals.h"
 #include "system/shell.h"

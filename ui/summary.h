@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+#include "base/text.h"
 #include "core/languagetexts.h"
 #include "scan/scantrees.h"
 

@@ -1,19 +1,24 @@
 // Drives, folders and files in memory: questions about them and the program's own reading and writing.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "base/lettercase.h"
+#include "base/text.h"
 #include "platform/memory/journal.h"
 #include "platform/memory/memoryfile.h"
 #include "system/filestore.h"
 #include "system/filesystemprobe.h"
+#include "system/systemerror.h"
 
 namespace corvalt {
 

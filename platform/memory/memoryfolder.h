@@ -2,7 +2,17 @@
 // to meanwhile.
 #pragma once
 
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "base/text.h"
+#include "platform/memory/memoryfile.h"
 #include "platform/memory/memoryfiles.h"
+#include "system/filestore.h"
+#include "system/systemerror.h"
 
 namespace corvalt {
 

@@ -4,12 +4,17 @@
 // classes.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <vector>
 
+#include "base/keypaths.h"
+#include "base/text.h"
 #include "system/rawregistry.h"
+#include "system/registryvalues.h"
 
 namespace corvalt {
 

@@ -1,8 +1,15 @@
 // The registry in memory as it is stored, for saving, comparing and restoring.
 #pragma once
 
+#include <memory>
+#include <vector>
+
+#include "base/keypaths.h"
+#include "base/text.h"
+#include "platform/memory/memoryhives.h"
 #include "platform/memory/memoryregistry.h"
 #include "system/rawregistry.h"
+#include "system/registryvalues.h"
 
 namespace corvalt {
 

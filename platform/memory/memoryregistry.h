@@ -6,11 +6,16 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <vector>
 
+#include "base/text.h"
 #include "platform/memory/journal.h"
 #include "platform/memory/memoryhives.h"
+#include "system/rawregistry.h"
 #include "system/registrystore.h"
+#include "system/registryvalues.h"
 
 namespace corvalt {
 

@@ -1,7 +1,16 @@
 // The registry in memory behind the store that the logic uses.
 #pragma once
 
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "base/keypaths.h"
+#include "base/text.h"
+#include "platform/memory/memoryhives.h"
 #include "platform/memory/memoryregistry.h"
+#include "system/registrystore.h"
+#include "system/registryvalues.h"
 
 namespace corvalt {
 

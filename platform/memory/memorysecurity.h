@@ -1,10 +1,13 @@
 // Security descriptors as the bytes that Windows stores, built in a few words.
 #pragma once
 
+#include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "base/text.h"
 #include "system/rawregistry.h"
+#include "system/registryvalues.h"
 
 namespace corvalt {
 

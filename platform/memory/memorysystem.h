@@ -1,16 +1,23 @@
 // The whole system in memory, for tests, fuzzers and benchmarks.
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
+#include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "base/text.h"
+#include "platform/memory/journal.h"
 #include "platform/memory/memoryfiles.h"
+#include "platform/memory/memoryhives.h"
 #include "platform/memory/memoryrawregistry.h"
 #include "platform/memory/memoryregistry.h"
 #include "system/system.h"

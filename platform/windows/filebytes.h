@@ -1,11 +1,14 @@
 // Whole contents through an open file, and what its handle tells of it.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <vector>
 
+#include "base/text.h"
 #include "platform/windows/windowsapi.h"
 #include "system/filestore.h"
+#include "system/systemerror.h"
 
 namespace corvalt {
 

@@ -6,7 +6,11 @@
 #include <optional>
 #include <vector>
 
+#include "base/keypaths.h"
+#include "base/text.h"
 #include "platform/windows/registrycalls.h"
+#include "system/rawregistry.h"
+#include "system/registryvalues.h"
 
 namespace corvalt {
 

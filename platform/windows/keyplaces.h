@@ -2,7 +2,11 @@
 // opened.
 #pragma once
 
+#include <optional>
+
+#include "base/text.h"
 #include "platform/windows/registrycalls.h"
+#include "system/rawregistry.h"
 
 namespace corvalt {
 

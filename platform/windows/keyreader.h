@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/windows/registrycalls.h"
+#include "system/rawregistry.h"
 
 namespace corvalt {
 

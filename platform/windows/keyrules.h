@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "base/text.h"
 #include "platform/windows/windowsapi.h"
 #include "system/rawregistry.h"
 

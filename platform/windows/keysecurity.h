@@ -5,6 +5,7 @@
 
 #include "platform/windows/windowsapi.h"
 #include "system/rawregistry.h"
+#include "system/registryvalues.h"
 
 namespace corvalt {
 

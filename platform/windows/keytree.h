@@ -4,7 +4,11 @@
 
 #include <vector>
 
+#include "base/keypaths.h"
+#include "base/text.h"
 #include "platform/windows/keyreader.h"
+#include "platform/windows/registrycalls.h"
+#include "system/rawregistry.h"
 
 namespace corvalt {
 

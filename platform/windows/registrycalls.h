@@ -7,8 +7,10 @@
 #include <span>
 #include <vector>
 
+#include "base/text.h"
 #include "platform/windows/windowsapi.h"
 #include "system/rawregistry.h"
+#include "system/registryvalues.h"
 
 namespace corvalt {
 

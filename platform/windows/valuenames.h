@@ -4,7 +4,10 @@
 
 #include <map>
 
+#include "base/keypaths.h"
+#include "base/text.h"
 #include "platform/windows/keychain.h"
+#include "platform/windows/registrycalls.h"
 
 namespace corvalt {
 

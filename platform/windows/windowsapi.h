@@ -10,6 +10,7 @@
 #endif
 
 #include <windows.h>
+#include <cstddef>
 
 // The macros that would rename our own routines.
 #undef CreateWindow

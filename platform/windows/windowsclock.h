@@ -1,7 +1,10 @@
 // The system's clock.
 #pragma once
 
+#include <chrono>
+
 #include "system/systemclock.h"
+#include "system/systemlocale.h"
 
 namespace corvalt {
 

@@ -1,13 +1,20 @@
 // Files and folders of the real system: the questions about them, and the program's own reading and writing.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <map>
+#include <memory>
 #include <mutex>
+#include <optional>
+#include <span>
 #include <vector>
 
+#include "base/text.h"
 #include "platform/windows/windowsapi.h"
 #include "system/filestore.h"
 #include "system/filesystemprobe.h"
+#include "system/systemerror.h"
 
 namespace corvalt {
 

@@ -1,8 +1,16 @@
 // A folder of the real system that is held open, and files in it by their names alone.
 #pragma once
 
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "base/text.h"
 #include "platform/windows/windowsapi.h"
 #include "system/filestore.h"
+#include "system/systemerror.h"
 
 namespace corvalt {
 

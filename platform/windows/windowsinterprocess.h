@@ -1,6 +1,9 @@
 // Named mutexes of the whole machine, open to one user or to all.
 #pragma once
 
+#include <cstdint>
+#include <functional>
+
 #include "system/interprocess.h"
 
 namespace corvalt {

@@ -1,6 +1,12 @@
 // The user's locale, the system's code page and the system's own messages.
 #pragma once
 
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/text.h"
 #include "system/systemlocale.h"
 
 namespace corvalt {

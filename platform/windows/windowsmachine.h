@@ -1,6 +1,9 @@
 // The Windows version and the places of the system and the program.
 #pragma once
 
+#include <cstddef>
+
+#include "base/text.h"
 #include "system/machine.h"
 
 namespace corvalt {

@@ -1,13 +1,19 @@
 // The real registry as it is stored, for saving, comparing and restoring.
 #pragma once
 
+#include <cstdint>
+#include <memory>
 #include <mutex>
 
+#include "base/keypaths.h"
+#include "base/text.h"
 #include "platform/windows/keychain.h"
 #include "platform/windows/keyplaces.h"
 #include "platform/windows/keyreader.h"
+#include "platform/windows/registrycalls.h"
 #include "platform/windows/valuenames.h"
 #include "system/rawregistry.h"
+#include "system/registryvalues.h"
 
 namespace corvalt {
 

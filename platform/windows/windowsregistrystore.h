@@ -1,13 +1,19 @@
 // The registry itself, behind the store that the logic uses.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
+#include <vector>
 
+#include "base/keypaths.h"
+#include "base/text.h"
 #include "platform/windows/keychain.h"
+#include "platform/windows/registrycalls.h"
 #include "system/registrystore.h"
+#include "system/registryvalues.h"
 
 namespace corvalt {
 

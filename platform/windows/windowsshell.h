@@ -1,6 +1,9 @@
 // Message boxes, other programs and their windows.
 #pragma once
 
+#include <cstdint>
+
+#include "base/text.h"
 #include "platform/windows/windowsapi.h"
 #include "system/shell.h"
 

@@ -7,6 +7,7 @@
 #include <map>
 #include <vector>
 
+#include "base/text.h"
 #include "ui/text/textlines.h"
 
 namespace corvalt {

@@ -4,7 +4,9 @@
 #include <cstdint>
 #include <functional>
 
+#include "base/text.h"
 #include "ui/tree/treelayout.h"
+#include "ui/tree/treemodel.h"
 
 namespace corvalt {
 
