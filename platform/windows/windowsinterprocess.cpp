@@ -1,9 +1,9 @@
 #include "platform/windows/windowsinterprocess.h"
 
 #include <algorithm>
-#include <vector>
 
 #include "base/lettercase.h"
+#include "platform/windows/usersid.h"
 #include "platform/windows/windowsapi.h"
 
 #include <sddl.h>
@@ -28,24 +28,6 @@ class TMutexLock : public THeldLock {
  private:
   TOwnedObject m_mutex;
 };
-
-// The security identifier of the program's user, "S-1-...". Empty where the system knows no users.
-Text UserIdentifier() {
-  HANDLE opened = nullptr;
-  if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened))
-    return {};
-  const TOwnedObject token(opened);
-  DWORD size = 0;
-  GetTokenInformation(token.Get(), TokenUser, nullptr, 0, &size);
-  std::vector<std::uint8_t> buffer(size);
-  if (size == 0 || !GetTokenInformation(token.Get(), TokenUser, buffer.data(), size, &size))
-    return {};
-  LPWSTR identifier = nullptr;
-  if (!ConvertSidToStringSidW(reinterpret_cast<const TOKEN_USER*>(buffer.data())->User.Sid, &identifier))
-    return {};
-  const TOwnedLocalMemory owner(identifier);
-  return Text(FromWide(identifier));
-}
 
 // Everything for the system and the user, and for all who are logged on what a lock that they share needs.
 Text RightsText(const Text& user, bool forAllUsers) {
@@ -75,7 +57,7 @@ TOwnedObject MakeMutex(const Text& systemName, PSECURITY_DESCRIPTOR descriptor) 
 }
 
 TOwnedObject MutexOf(const TLockWish& wish) {
-  const Text user = UserIdentifier();
+  const Text user = UserSidText();
   const TOwnedLocalMemory descriptor = MakeDescriptor(user, wish.ForAllUsers);
   // A "\" in a mutex's name ends its namespace; letter case counts in it.
   Text name = ReplaceAll(UpperCase(wish.Name), u"\\", u"/");
