@@ -9,6 +9,12 @@ TSystemError CheckName(TextView name, const TFileInfo& info) {
   return TSystemError{IsPlainFileName(name) && !info.IsDevice ? 0 : kErrorInvalidName};
 }
 
+// The same of an entry that must exist.
+TSystemError CheckEntry(TextView name, const TFileInfo& info) {
+  const TSystemError error = CheckName(name, info);
+  return error.Failed() || info.Exists ? error : TSystemError{kErrorFileNotFound};
+}
+
 }  // namespace
 
 TSystemError TMemoryGrowingFile::Append(std::span<const std::uint8_t> bytes) {
@@ -44,11 +50,9 @@ TFileInfo TMemoryFolder::Info(TextView name) {
 TSystemError TMemoryFolder::ReadFile(TextView name, std::vector<std::uint8_t>& bytes) {
   const TMemoryDisk::THold hold(m_disk.m_mutex);
   const TFileInfo info = Info(name);
-  const TSystemError error = CheckName(name, info);
+  const TSystemError error = CheckEntry(name, info);
   if (error.Failed())
     return error;
-  if (!info.Exists)
-    return {kErrorFileNotFound};
   if (info.IsLink)
     return {kErrorStoppedOnLink};
   return m_disk.ReadEntry(*m_folder->Entry(name), m_path + Text(name), bytes);
@@ -63,11 +67,9 @@ TSystemError TMemoryFolder::ReplaceFile(TextView name, std::span<const std::uint
 TSystemError TMemoryFolder::DeleteFile(TextView name) {
   const TMemoryDisk::THold hold(m_disk.m_mutex);
   const TFileInfo info = Info(name);
-  const TSystemError error = CheckName(name, info);
+  const TSystemError error = CheckEntry(name, info);
   if (error.Failed())
     return error;
-  if (!info.Exists)
-    return {kErrorFileNotFound};
   return m_disk.DeleteEntry(*m_folder, *m_folder->Entry(name), m_path + Text(name));
 }
 
