@@ -31,25 +31,8 @@ Text TSectionsOwner::SearchText(const TTreeNode& node) const {
   return static_cast<const TSectionsNode&>(node).Caption;
 }
 
-Text TSectionsOwner::EmptyHint() const {
-  return {};
-}
-
 void TSectionsOwner::RowSelected(TTreeNode* node) {
   Main().Sections().Model().Select(node);
-}
-
-void TSectionsOwner::RowChecked(TTreeNode*) {
-}
-
-void TSectionsOwner::RowsMoved() {
-}
-
-int TSectionsOwner::ColumnWidth() const {
-  return 0;
-}
-
-void TSectionsOwner::SetColumnWidth(int) {
 }
 
 int TResultsOwner::RowUnits(const TTreeNode& node) const {

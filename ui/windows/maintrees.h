@@ -8,7 +8,7 @@
 
 namespace corvalt {
 
-// What both have in common.
+// What both have in common, and what serves a tree without a header and without controls on its rows.
 class TMainTreeOwner : public TTreeControlOwner {
  public:
   // Both must outlive the owner.
@@ -16,8 +16,21 @@ class TMainTreeOwner : public TTreeControlOwner {
   }
 
   Text ActionName(bool checks) const override;
-  // While a thread works in the trees nothing changes in them.
+  // False while a scan or repair runs: the trees belong to it.
   bool MayCheck() const override;
+  Text EmptyHint() const override {
+    return {};
+  }
+  void RowChecked(TTreeNode*) override {
+  }
+  void RowsMoved() override {
+  }
+  // Captions are as wide as the window.
+  int ColumnWidth() const override {
+    return 0;
+  }
+  void SetColumnWidth(int) override {
+  }
 
  protected:
   TRegMain& Main() const {
@@ -38,13 +51,7 @@ class TSectionsOwner : public TMainTreeOwner {
   TRowLook LookOf(const TTreeNode& node) const override;
   Text TreeName() const override;
   Text SearchText(const TTreeNode& node) const override;
-  Text EmptyHint() const override;
   void RowSelected(TTreeNode* node) override;
-  void RowChecked(TTreeNode* node) override;
-  void RowsMoved() override;
-  // Captions are as wide as the window.
-  int ColumnWidth() const override;
-  void SetColumnWidth(int width) override;
 };
 
 class TResultsOwner : public TMainTreeOwner {
