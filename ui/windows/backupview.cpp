@@ -3,13 +3,13 @@
 #include <algorithm>
 
 #include "core/languagetexts.h"
+#include "ui/windows/commands.h"
 
 namespace corvalt {
 
 namespace {
 
 constexpr SIZE kInside = {560, 400};
-constexpr int kTextId = 101;
 constexpr int kButtonWidth = 75;
 constexpr int kButtonHeight = 25;
 constexpr int kButtonRow = 41;
@@ -19,7 +19,7 @@ constexpr int kButtonRow = 41;
 Tfrmbackupview::Tfrmbackupview(TBackupView view, const TGlobalVars& vars, HWND owner)
     : m_text(std::move(view.Content)) {
   CreateModal(u"Tfrmbackupview", view.Caption, owner, kInside, WS_THICKFRAME | WS_MAXIMIZEBOX);
-  m_text.Create(Handle(), kTextId);
+  m_text.Create(Handle(), kDialogTextId);
   const Text close = LanguageText(vars.Texts, TextId::ButtonClose);
   m_buttonWidth = ButtonWidth({close}, kButtonWidth);
   m_closeButton = AddButton(close, IDCANCEL, 0, 0, kButtonWidth, kButtonHeight, true);

@@ -1,4 +1,4 @@
-// The numbers of the main window's commands, of its controls and of its actions' pictures.
+// The numbers of the main window's commands, of the windows' controls and of the actions' pictures.
 #pragma once
 
 namespace corvalt {
@@ -21,7 +21,7 @@ inline constexpr int kCmdStartupManager = 1015;
 inline constexpr int kCmdUninstallManager = 1016;
 inline constexpr int kCmdProcessManager = 1017;
 
-// Entries of the context menu that do nothing.
+// Entries of the context menu that are required and have no command behind them yet.
 inline constexpr int kCmdModifyProperties = 1018;
 inline constexpr int kCmdBackupEntry = 1019;
 inline constexpr int kCmdRemoveEntry = 1020;
@@ -33,6 +33,15 @@ inline constexpr int kResultsTreeId = 2002;
 inline constexpr int kChooserId = 2003;
 inline constexpr int kToolbarId = 2004;
 inline constexpr int kSummaryId = 2005;
+
+// Controls of the dialogs; their OK and Cancel have the system's numbers. Each dialog has its own window, so
+// that only the numbers of one dialog must differ.
+inline constexpr int kRepairButtonId = 100;  // of the progress dialog
+inline constexpr int kDialogListId = 101;
+inline constexpr int kDialogTextId = 101;
+inline constexpr int kRestoreButtonId = 102;
+inline constexpr int kRemoveButtonId = 103;
+inline constexpr int kViewButtonId = 104;
 
 // Places in the list of action pictures.
 inline constexpr int kNoPicture = -1;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/languagetexts.h"
+#include "ui/windows/commands.h"
 #include "ui/windows/lists.h"
 
 namespace corvalt {
@@ -16,8 +17,6 @@ constexpr int kGap = 6;
 constexpr int kListHeight = 220;
 constexpr SIZE kButton = {95, 25};
 constexpr TextView kListClass = u"SysListView32";
-constexpr int kListId = 101;
-constexpr int kRemoveId = 102;
 
 // A list's check boxes are its state images: the first is empty, the second checked.
 constexpr UINT kUncheckedImage = 1;
@@ -48,14 +47,14 @@ Tfrmignorereg::Tfrmignorereg(TSystem& system, const TGlobalVars& vars, TGlobalRe
   m_explanation = AddControl(u"STATIC", explanation, 0, 0, 0, 0, 0, 0);
   constexpr DWORD kListStyle =
       WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOCOLUMNHEADER;
-  m_list = AddControl(kListClass, {}, kListStyle, kListId, 0, 0, 0, 0, WS_EX_CLIENTEDGE);
+  m_list = AddControl(kListClass, {}, kListStyle, kDialogListId, 0, 0, 0, 0, WS_EX_CLIENTEDGE);
   ::SendMessageW(m_list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_CHECKBOXES);
   LVCOLUMNW column = {};
   Text caption = PlainText(label(TextId::ColumnIgnoredEntry));
   column.mask = LVCF_TEXT;
   column.pszText = WideBuffer(caption);
   ::SendMessageW(m_list, LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
-  AddButton(label(TextId::ButtonRemove), kRemoveId, 0, 0, 0, 0);
+  AddButton(label(TextId::ButtonRemove), kRemoveButtonId, 0, 0, 0, 0);
   AddButton(label(TextId::ButtonOk), IDOK, 0, 0, 0, 0, true);
   AddButton(label(TextId::ButtonCancel), IDCANCEL, 0, 0, 0, 0);
   Layout(vars.Texts, PlainText(explanation));
@@ -81,7 +80,7 @@ void Tfrmignorereg::Layout(const TLanguageTexts& texts, TextView explanation) {
   Place(m_explanation, margin, margin - Scale()(2), content, explanationHeight);
   Place(m_list, margin, listTop, content, Scale()(kListHeight));
   const int right = margin + content;
-  Place(GetDlgItem(Handle(), kRemoveId), margin, buttonTop, removeWidth, height);
+  Place(GetDlgItem(Handle(), kRemoveButtonId), margin, buttonTop, removeWidth, height);
   Place(GetDlgItem(Handle(), IDOK), right - cancelWidth - gap - okWidth, buttonTop, okWidth, height);
   Place(GetDlgItem(Handle(), IDCANCEL), right - cancelWidth, buttonTop, cancelWidth, height);
 }
@@ -110,7 +109,7 @@ int Tfrmignorereg::SelectedRow() const {
 }
 
 void Tfrmignorereg::UpdateButtons() {
-  EnableWindow(GetDlgItem(Handle(), kRemoveId), SelectedRow() >= 0);
+  EnableWindow(GetDlgItem(Handle(), kRemoveButtonId), SelectedRow() >= 0);
 }
 
 LRESULT Tfrmignorereg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -123,7 +122,7 @@ LRESULT Tfrmignorereg::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       RemoveSelected();
     return 0;
   }
-  if (message == WM_COMMAND && LOWORD(wParam) == kRemoveId) {
+  if (message == WM_COMMAND && LOWORD(wParam) == kRemoveButtonId) {
     RemoveSelected();
     return 0;
   }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "base/limits.h"
 #include "ui/report.h"
 #include "ui/suitelinks.h"
 #include "ui/windows/ignorereg.h"
@@ -18,7 +19,7 @@ TMainCommands::TMainCommands(TSystem& system, const TGlobalVars& vars, TGlobalRe
 }
 
 // The Tools menu, the questions, the upgrade and the recommendation are hidden. The entries of the context
-// menu below the first do nothing.
+// menu below the first have no command behind them.
 const std::vector<TMainCommands::TAction>& TMainCommands::Actions() {
   using enum TMenuPlace;
   static const std::vector<TAction> actions = {
@@ -128,8 +129,7 @@ void TMainCommands::ManageIgnoreList() {
 }
 
 void TMainCommands::Export() {
-  constexpr std::size_t kLongestPath = 32768;
-  Text typed(kLongestPath, u'\0');
+  Text typed(kLongestPath + 1, u'\0');
   OPENFILENAMEW dialog = {};
   dialog.lStructSize = sizeof dialog;
   dialog.hwndOwner = m_owner;

@@ -5,6 +5,7 @@
 
 #include "core/languagetexts.h"
 #include "ui/windows/backupview.h"
+#include "ui/windows/commands.h"
 #include "ui/windows/lists.h"
 #include "ui/windows/waitcursor.h"
 
@@ -22,11 +23,6 @@ constexpr int kSizeColumn = 90;
 constexpr int kScrollBarRoom = 26;
 constexpr int kCellRoom = 16;
 constexpr TextView kListClass = u"SysListView32";
-
-constexpr int kListId = 101;
-constexpr int kRestoreId = 102;
-constexpr int kRemoveId = 103;
-constexpr int kViewId = 104;
 
 void AddColumn(HWND list, int index, Text caption, int width, int format) {
   LVCOLUMNW column = {};
@@ -54,13 +50,13 @@ TfrmRestore::TfrmRestore(TSystem& system, const TGlobalVars& vars, HWND owner)
   CreateModal(u"TfrmRestore", PlainText(label(TextId::ButtonRestore)), owner, kInside, 0);
   m_instruction = AddControl(u"STATIC", label(TextId::RestoreInstruction), 0, 0, 0, 0, 0, 0);
   constexpr DWORD kListStyle = WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER;
-  m_list = AddControl(kListClass, {}, kListStyle, kListId, 0, 0, 0, 0, WS_EX_CLIENTEDGE);
+  m_list = AddControl(kListClass, {}, kListStyle, kDialogListId, 0, 0, 0, 0, WS_EX_CLIENTEDGE);
   ::SendMessageW(m_list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT);
   AddColumn(m_list, 0, PlainText(label(TextId::ColumnCreationDate)), 0, LVCFMT_LEFT);
   AddColumn(m_list, 1, PlainText(label(TextId::ColumnSize)), 0, LVCFMT_RIGHT);
-  AddButton(label(TextId::ButtonRestore), kRestoreId, 0, 0, 0, 0, true);
-  AddButton(label(TextId::ButtonRemove), kRemoveId, 0, 0, 0, 0);
-  AddButton(label(TextId::ButtonView), kViewId, 0, 0, 0, 0);
+  AddButton(label(TextId::ButtonRestore), kRestoreButtonId, 0, 0, 0, 0, true);
+  AddButton(label(TextId::ButtonRemove), kRemoveButtonId, 0, 0, 0, 0);
+  AddButton(label(TextId::ButtonView), kViewButtonId, 0, 0, 0, 0);
   AddButton(label(TextId::ButtonCancel), IDCANCEL, 0, 0, 0, 0);
   {
     const TWaitCursor wait;
@@ -103,7 +99,7 @@ void TfrmRestore::Layout() {
   ::SendMessageW(m_list, LVM_SETCOLUMNWIDTH, 1, sizeColumn);
   int left = margin;
   for (const auto& [id, width] :
-       {std::pair{kRestoreId, widths[0]}, {kRemoveId, widths[1]}, {kViewId, widths[2]}}) {
+       {std::pair{kRestoreButtonId, widths[0]}, {kRemoveButtonId, widths[1]}, {kViewButtonId, widths[2]}}) {
     Place(GetDlgItem(Handle(), id), left, buttonTop, width, height);
     left += width + gap;
   }
@@ -127,7 +123,7 @@ int TfrmRestore::SelectedRow() const {
 }
 
 void TfrmRestore::UpdateButtons() {
-  for (const int id : {kRestoreId, kRemoveId, kViewId})
+  for (const int id : {kRestoreButtonId, kRemoveButtonId, kViewButtonId})
     EnableWindow(GetDlgItem(Handle(), id), SelectedRow() >= 0);
 }
 
@@ -141,13 +137,13 @@ LRESULT TfrmRestore::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_COMMAND && SelectedRow() >= 0) {
     const auto row = static_cast<std::size_t>(SelectedRow());
     switch (LOWORD(wParam)) {
-      case kRestoreId:
+      case kRestoreButtonId:
         m_model.Restore(row);
         return 0;
-      case kRemoveId:
+      case kRemoveButtonId:
         RemoveSelected();
         return 0;
-      case kViewId:
+      case kViewButtonId:
         ViewSelected();
         return 0;
       default:
@@ -176,7 +172,7 @@ void TfrmRestore::RemoveSelected() {
   ::SendMessageW(m_list, LVM_DELETEITEM, static_cast<WPARAM>(row), 0);
   SelectListRow(m_list, std::min(row, static_cast<int>(m_model.Rows().size()) - 1));
   UpdateButtons();
-  // Back to the list: nobody removes a second backup by holding the key.
+  // Back to the list, so that a key held down on the button removes no second backup.
   SetFocus(m_list);
 }
 

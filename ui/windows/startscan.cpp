@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "ui/windows/commands.h"
+
 namespace corvalt {
 
 namespace {
@@ -20,7 +22,6 @@ constexpr int kButtonGap = 21;
 constexpr int kButtonRoom = 8;  // between the buttons and the right margin
 constexpr int kButtonHeight = 25;
 constexpr TextView kProgressClass = u"msctls_progress32";
-constexpr int kRepairId = 100;
 constexpr int kPictureSize = 24;
 
 // Registry texts stand in labels as they are.
@@ -41,7 +42,7 @@ TfrmScan::TfrmScan(const TLanguageTexts& texts, HWND owner, TProgressMode mode, 
   ::SendMessageW(m_image, STM_SETICON, reinterpret_cast<WPARAM>(m_picture.Get()), 0);
   m_itemLabel = AddControl(u"STATIC", {}, kLabelStyle | SS_EDITCONTROL, 0, 0, 0, 0, 0);
   m_line = AddControl(u"STATIC", {}, SS_ETCHEDHORZ, 0, 0, 0, 0, 0);
-  m_repairButton = AddButton(LanguageText(texts, TextId::ButtonRepair), kRepairId, 0, 0, 0, 0);
+  m_repairButton = AddButton(LanguageText(texts, TextId::ButtonRepair), kRepairButtonId, 0, 0, 0, 0);
   m_closeButton = AddButton(LanguageText(texts, TextId::ButtonCancel), IDCANCEL, 0, 0, 0, 0);
   ShowWindow(m_repairButton, SW_HIDE);
   Layout();
@@ -111,7 +112,7 @@ void TfrmScan::RunEnded(TRunEnd end) {
   else
     m_taskbar.HideProgress();
   m_taskbar.Flash();
-  // Screen readers read the label that says the outcome.
+  // Screen readers read the label that shows the outcome.
   NotifyWinEvent(EVENT_SYSTEM_ALERT, m_itemLabel, OBJID_CLIENT, CHILDID_SELF);
 }
 
@@ -137,7 +138,7 @@ void TfrmScan::SetSectionPosition(std::int32_t position) {
 }
 
 LRESULT TfrmScan::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == WM_COMMAND && LOWORD(wParam) == kRepairId) {
+  if (message == WM_COMMAND && LOWORD(wParam) == kRepairButtonId) {
     m_end = TProgressEnd::RepairWanted;
     Close();
     return 0;
