@@ -6,8 +6,9 @@
 namespace corvalt {
 
 // Whether a name of a file or folder means a device wherever it stands and whatever its extension, such as
-// "nul" or "com1.txt" (Naming Files, Paths, and Namespaces, learn.microsoft.com; CLOCK$ is one to old
-// versions). Letter case and blanks before the extension don't count. The name holds no separator.
+// "nul" or "com1.txt" (page "Naming Files, Paths, and Namespaces", learn.microsoft.com; CLOCK$ is
+// one for old versions of Windows). Letter case and blanks before the extension don't count. The name holds
+// no separator.
 bool IsDeviceName(TextView name);
 
 }  // namespace corvalt

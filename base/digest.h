@@ -10,12 +10,12 @@ namespace corvalt {
 
 using TDigest = std::array<std::uint8_t, 32>;
 
-// SHA-256 (FIPS 180-4), fed in pieces. Nobody can make other bytes with the same digest.
+// SHA-256 (FIPS 180-4), fed in pieces. No way is known to make other bytes with the same digest.
 class TDigester {
  public:
   void Add(std::span<const std::uint8_t> bytes);
 
-  // The digest of everything added. Nothing can be added after it.
+  // The digest of everything added. To be called once, after the last Add.
   [[nodiscard]] TDigest Finish();
 
  private:

@@ -35,13 +35,13 @@ bool IsRootKeyName(TextView name);
 // A key path taken apart as the registry store takes it.
 struct TParsedKeyPath {
   bool FromRoot = false;    // began with one "\"; otherwise relative to the open key
-  std::vector<Text> Names;  // no empty ones; none at all means the root or the open key itself
+  std::vector<Text> Names;  // none is empty; without names the path means the root or the open key itself
 };
 
 // False for a path that begins with two "\": such a path opens no key.
 bool OpensKey(TextView path);
 
-// Runs of "\" inside the path count as one and a trailing one is ignored; nothing for a path that opens no
+// Runs of "\" inside the path count as one and a trailing one is ignored; nullopt for a path that opens no
 // key.
 std::optional<TParsedKeyPath> ParseKeyPath(TextView path);
 

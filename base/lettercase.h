@@ -14,8 +14,8 @@ struct TLetterCaseTable {
   std::array<char16_t, 0x10000> Lower;
 };
 
-// The system's table. Defined by the platform library that the program links: the real system's answer on
-// Windows, the same mapping written down as ranges elsewhere.
+// The system's table. Defined by the platform library that the program links: what the real system
+// returns on Windows, the same mapping written down as ranges elsewhere.
 const TLetterCaseTable& SystemLetterCase();
 
 char16_t UpperUnit(char16_t unit);

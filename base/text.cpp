@@ -43,7 +43,7 @@ std::size_t SequenceLength(unsigned char first) {
   return 0;
 }
 
-// The code point of a sequence of the given length, or nothing when it is overlong, a surrogate or out of
+// The code point of a sequence of the given length, or nullopt when it is overlong, a surrogate or out of
 // range.
 std::optional<char32_t> DecodeSequence(std::string_view bytes, std::size_t length) {
   const auto at = [bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };

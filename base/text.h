@@ -76,19 +76,20 @@ void AppendUnits(TextView text, TByteContainer& bytes) {
 // A whole number in decimal, with "-" before a negative one.
 Text DecimalText(std::int64_t number);
 
-// The number that the whole text says: an optional sign and decimal digits, within 32 bits. Nothing for any
+// The number that the whole text is: an optional sign and decimal digits, within 32 bits. nullopt for any
 // other text.
 std::optional<std::int32_t> ParseInteger(TextView text);
 
-// The first unit, and the second, of a character beyond U+FFFF; either may stand alone in ill-formed text.
+// The first unit, and the second, of a character beyond U+FFFF; ill-formed text may hold one without the
+// other.
 bool IsHighSurrogate(char16_t unit);
 bool IsLowSurrogate(char16_t unit);
 
-// UTF-8 to 16-bit units. Nothing when the bytes are not valid UTF-8.
+// UTF-8 to 16-bit units. nullopt when the bytes are not valid UTF-8.
 std::optional<Text> DecodeUtf8(std::string_view bytes);
 
-// 16-bit units to UTF-8. A lone surrogate, which UTF-8 can't say, becomes U+FFFD: for display and logs only,
-// never on the way to a deletion or a backup.
+// 16-bit units to UTF-8. A lone surrogate, which UTF-8 has no bytes for, becomes U+FFFD: for display and logs
+// only, never on the way to a deletion or a backup.
 std::string EncodeUtf8(TextView text);
 
 // Widens the 7-bit characters of a literal or a decoded technical text. Expects bytes below 128.

@@ -12,7 +12,7 @@ namespace {
 constexpr TextView kForbiddenUnits = u"\\/:*?\"<>|";
 constexpr TextView kTemporaryEnd = u".tmp";
 
-// The number that the digits at the end of text say, and the text before them.
+// The number that the digits at the end of text make, and the text before them.
 std::optional<std::uint32_t> TakeNumber(TextView& text) {
   const std::size_t begin = text.find_last_not_of(u"0123456789") + 1;
   const std::string digits(text.begin() + static_cast<std::ptrdiff_t>(begin), text.end());

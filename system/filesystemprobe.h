@@ -1,4 +1,4 @@
-// Questions about files. The scanners ask; nothing here changes a file.
+// What the scanners ask about files. No routine here changes a file.
 #pragma once
 
 #include <cstddef>
@@ -10,13 +10,13 @@
 
 namespace corvalt {
 
-// GetDriveType's answer for a fixed drive (DRIVE_FIXED, winbase.h).
+// What GetDriveType returns for a fixed drive (DRIVE_FIXED, winbase.h).
 inline constexpr std::uint32_t kDriveFixed = 3;
 
 // Whether the system's error about a path means that there is no such file or folder (winerror.h): file or
-// path not found, and the codes of paths that nothing can have: invalid name, bad path, a file where a folder
-// should be, a path too long. Every other error (no access, a drive that is not ready, a locked file) tells
-// nothing: what can't be asked about exists.
+// path not found, and the codes of paths that no file can have: invalid name, bad path, a file where a folder
+// should be, a path too long. Every other error (no access, a drive that is not ready, a locked file) leaves
+// it open, and then the file or folder counts as one that exists.
 bool MeansMissing(std::uint32_t error);
 
 struct TFolderEntry {
@@ -31,16 +31,17 @@ class FileSystemProbe {
   virtual ~FileSystemProbe() = default;
 
   // Existence by the attributes: a folder is no file and a file no folder. What can't be asked about, see
-  // MeansMissing, is taken for either. Wildcards match nothing. Paths may be longer than 260 units.
+  // MeansMissing, is taken for either. A path with wildcards does not exist. Paths may be longer than 260
+  // units.
   virtual bool FileExists(TextView path) = 0;
   virtual bool DirectoryExists(TextView path) = 0;
 
-  // The long form of a path with 8.3 components. Nothing when the system has no such routine, when it fails,
-  // or when the answer would be longer than 260 characters.
+  // The long form of a path with 8.3 components. nullopt when the system has no such routine, when it fails,
+  // or when the result would be longer than 260 characters.
   virtual std::optional<Text> GetLongPathName(TextView path) = 0;
 
   // The roots of all logical drives, each ended by NUL, as the system writes them into a buffer of
-  // bufferLength characters. Answers their total length; when that is larger than bufferLength, roots is left
+  // bufferLength characters. Returns their total length; when that is larger than bufferLength, roots is left
   // as it was.
   virtual std::size_t GetLogicalDriveStrings(std::size_t bufferLength, Text& roots) = 0;
 
@@ -51,7 +52,7 @@ class FileSystemProbe {
   virtual Text GetEnvironmentVariable(TextView name) = 0;
 
   // Switches the 64-bit system's file redirection off for the calling thread, and back on. Where the system
-  // lacks the pair nothing is done. Disable answers whether it switched something that Revert must switch
+  // lacks the pair, both do nothing. Disable returns whether it switched something that Revert must switch
   // back.
   virtual bool Wow64DisableWow64FsRedirection() = 0;
   virtual void Wow64RevertWow64FsRedirection() = 0;

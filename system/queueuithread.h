@@ -18,7 +18,7 @@ class TQueueUiThread : public TUiThread {
   bool Post(std::function<void()> routine) override;
   void Shut() override;
 
-  // Works the queue off on the calling thread until done answers true; done is asked at first and after each
+  // Works the queue off on the calling thread until done returns true; done is called at first and after each
   // routine.
   void RunUntil(const std::function<bool()>& done);
 

@@ -1,6 +1,6 @@
 // The registry as it is stored: types and bytes of whole keys, where a key really lies, its class name,
 // permissions and times. Backup, comparison before a deletion, deletion of what was saved, and restore work
-// on this interface; everything else reads and changes the registry through RegistryStore.
+// on this interface; the rest of the program reads and changes the registry through RegistryStore.
 #pragma once
 
 #include <cstdint>
@@ -50,7 +50,7 @@ bool SamePlace(const TKeyPlace& a, const TKeyPlace& b);
 // What a key has beside values and subkeys.
 struct TKeyAttributes {
   Text ClassName;
-  std::optional<bool> IsVolatile;  // nullopt: this system does not tell
+  std::optional<bool> IsVolatile;  // nullopt: this system has no way to find out
   std::uint64_t LastWrite = 0;     // a FILETIME: 100 nanoseconds since 1 January 1601, UTC
 
   // A self-relative SECURITY_DESCRIPTOR with owner, group, access list and, where it can be read, the
@@ -142,8 +142,8 @@ class TRawRegistry {
   virtual TRawResult DeleteValue(TRootKey rootKey, TextView keyPath, TextView name) = 0;
 
   // Deletes what was saved before: the key must still lie at exactly this place and the check agree to every
-  // key of the tree, or to the value, as it is now; else Refused and nothing is deleted. Each key is read and
-  // deleted through one handle, opened as a link, so that nothing put in its place meanwhile is followed.
+  // key of the tree, or to the value, as it is now; else Refused, and all of it stays. Each key is read and
+  // deleted through one handle, opened as a link, so that a link put in its place meanwhile is not followed.
   virtual TRawResult DeleteKeyAt(const TKeyPlace& place, const TKeyCheck& mayDelete) = 0;
   virtual TRawResult DeleteValueAt(const TKeyPlace& place, TextView name, const TValueCheck& mayDelete) = 0;
 

@@ -1,4 +1,5 @@
-// The one interface through which the logic reads and changes the registry.
+// The registry as the scanners, the settings and the ignore list read and change it, key by key. What saves,
+// deletes or restores problems uses TRawRegistry besides, which shows the registry as it is stored.
 #pragma once
 
 #include <cstdint>
@@ -17,13 +18,13 @@ enum class TDataType { Unknown, String, ExpandString, Integer, Binary };
 TDataType DataTypeOf(std::uint32_t type);
 
 // A current root and at most one open key. Names compare without regard to case and keep theirs. Failed
-// operations answer false, the empty text, 0 or an empty list, never raise and leave everything as it was.
+// operations return false, the empty text, 0 or an empty list, never throw and leave everything as it was.
 // Not for use by two threads at once.
 class RegistryStore {
  public:
   virtual ~RegistryStore() = default;
 
-  // Selects the root for the following operations. Closes nothing.
+  // Selects the root for the following operations. The open key stays open.
   virtual void SetRootKey(TRootKey rootKey) = 0;
 
   // Opens a key, with canCreate creating it and its missing parents. A path that begins with "\" is taken
@@ -40,7 +41,7 @@ class RegistryStore {
   // the registry.
   virtual bool ValueExists(TextView name) = 0;
 
-  // Integer means the 32-bit little-endian type alone; a missing value is Unknown.
+  // Integer means the 32-bit little-endian type only; a missing value is Unknown.
   virtual TDataType GetDataType(TextView name) = 0;
 
   // String and expandable string values, unexpanded, up to their first NUL; an odd last byte is dropped.
@@ -80,7 +81,8 @@ enum class TRegistryAccess {
   Full,  // keys open for reading and for change
 };
 
-// Makes registry stores. One store a user; each begins at HKEY_CURRENT_USER with no key open.
+// Makes registry stores, one for each part of the program that uses one; each begins at HKEY_CURRENT_USER
+// with no key open.
 class TRegistryFactory {
  public:
   virtual ~TRegistryFactory() = default;

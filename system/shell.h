@@ -27,7 +27,7 @@ class Shell {
  public:
   virtual ~Shell() = default;
 
-  // A plain message box. Closing a question without an answer counts as No.
+  // A plain message box. Closing a question without a choice counts as No.
   virtual TAnswer ShowMessage(TextView text, TextView title, TMessageKind kind) = 0;
 
   // ShellExecute with this verb, no parameters, no working folder, shown normally. The result is the

@@ -12,7 +12,7 @@
 
 namespace corvalt {
 
-// A Windows error code (winerror.h); 0 is success. TLocale::SystemMessage says it in words.
+// A Windows error code (winerror.h); 0 is success. TLocale::SystemMessage gives its text.
 struct [[nodiscard]] TSystemError {
   std::uint32_t Code = 0;
   bool Failed() const {
@@ -39,7 +39,7 @@ inline bool IsMissing(TSystemError error) {
   return error.Code == kErrorFileNotFound || error.Code == kErrorPathNotFound;
 }
 
-// The system's error with this code. Subject says what it befell (a file path), and may be empty.
+// The system's error with this code. Subject is what it is about (a file path), and may be empty.
 class TSystemException : public std::runtime_error {
  public:
   explicit TSystemException(TSystemError error, Text subject = {})

@@ -20,13 +20,13 @@ class TLocale {
   virtual Text DecimalSeparator() = 0;
   virtual Text ThousandsSeparator() = 0;
 
-  // The user's short date format and long time format. A date that the calendar can't say gives the empty
+  // The user's short date format and long time format. A date outside the system's calendar gives the empty
   // text.
   virtual Text FormatShortDate(TDateTime time) = 0;
   virtual Text FormatLongTime(TDateTime time) = 0;
 
   // The system's ANSI code page. Encoding takes the system's best fit for what the code page lacks;
-  // EncodeAnsiExact answers nothing when decoding would not give back the same units.
+  // EncodeAnsiExact returns nullopt when decoding would not give back the same units.
   virtual Text DecodeAnsi(std::string_view bytes) = 0;
   virtual std::string EncodeAnsi(TextView text) = 0;
   virtual std::optional<std::string> EncodeAnsiExact(TextView text) = 0;
