@@ -26,7 +26,7 @@ class TInflater {
     return m_ready;
   }
 
-  // Inflates the next part of input into output and drops what was read. Answers zlib's result and the bytes
+  // Inflates the next part of input into output and drops what was read. Returns zlib's result and the bytes
   // written.
   int Next(std::span<const std::uint8_t>& input, std::span<std::uint8_t> output, std::size_t& written) {
     // zlib counts in 32 bits.

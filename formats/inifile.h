@@ -37,7 +37,7 @@ class TIniFile {
 
   // The file's bytes in the encoding it was read in, every line that was not changed as it was read; UTF-16
   // LE with its mark once a new text needs it (the profile calls read and write all characters in that form
-  // alone).
+  // only).
   std::vector<std::uint8_t> ToBytes(TLocale& locale) const;
 
  private:

@@ -43,7 +43,7 @@ Text PathBelow(const Text& path, const Text& below) {
   return path == u"\\" && !below.empty() ? below : path + below;
 }
 
-// The hive of a key below HKEY_CLASSES_ROOT, when it is one of the two that the root shows.
+// The hive of a key below HKEY_CLASSES_ROOT, when it is one of the two whose keys that root shows.
 TRootKey HiveOf(const TExportedKey& key) {
   const bool isShown = key.RootKey == kHkeyClassesRoot &&
                        (key.Place.RootKey == kHkeyCurrentUser || key.Place.RootKey == kHkeyLocalMachine);

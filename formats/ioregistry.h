@@ -82,8 +82,8 @@ class TIORegistry {
   }
 
   // Whether these bytes, read as Import reads them, hold exactly the origin, and the keys and values that
-  // were taken from the registry since the last Clear, in their order and nothing else, and are whole.
-  // Doesn't look at ExportedText.
+  // were taken from the registry since the last Clear, in their order and no others, and are whole.
+  // ExportedText is not looked at.
   bool HoldsWhatWasExported(std::span<const std::uint8_t> bytes) const;
 
   // Replays a file into the registry, over what is there. A malformed line is skipped and counted, and no

@@ -10,7 +10,7 @@
 
 namespace corvalt {
 
-// One element, good as long as its document. An element that does not exist is false.
+// One element, valid as long as its document. An element that does not exist converts to false.
 class TXmlElement {
  public:
   TXmlElement() = default;
@@ -24,7 +24,7 @@ class TXmlElement {
   // The element's own character data, blanks included, without that of its children.
   Text ElementText() const;
 
-  // Elements alone: comments and processing instructions are no children.
+  // Only elements: comments and processing instructions are no children.
   TXmlElement FirstChild() const;
   TXmlElement NextSibling() const;
 
@@ -38,7 +38,7 @@ class TXmlElement {
 
 class TNativeXml {
  public:
-  // Nothing when the bytes are no document with one root element, or when a name or a text of it is no
+  // nullopt when the bytes are no document with one root element, or when a name or a text of it is no
   // Unicode text.
   static std::optional<TNativeXml> Parse(std::span<const std::uint8_t> bytes);
 

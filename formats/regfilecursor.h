@@ -22,7 +22,8 @@ struct TSkippedLine {
   bool operator==(const TSkippedLine&) const = default;
 };
 
-// All Take routines go on behind what they took, and stay where they are when it doesn't stand there.
+// A Take routine that finds what it looks for at the current place moves behind it; otherwise it returns
+// false (or nullopt) and the place stays.
 class TRegFileCursor {
  public:
   enum class TStringEnd { Closed, Open, Malformed };

@@ -29,7 +29,7 @@ struct TImportOptions {
 };
 
 struct [[nodiscard]] TImportResult {
-  bool HasHeader = false;  // without the REGEDIT4 line nothing is imported
+  bool HasHeader = false;  // without the REGEDIT4 line no entry is imported
   bool Stopped = false;
   std::size_t LinesSkipped = 0;
   std::vector<TSkippedLine> FirstSkipped;  // the first twenty of them
@@ -38,7 +38,7 @@ struct [[nodiscard]] TImportResult {
   std::size_t ValuesWritten = 0;
   std::size_t AttributesLost = 0;  // of keys that were created: class, volatility, permissions, time
 
-  // What attributes were lost does not count.
+  // Lost attributes do not count.
   bool EverythingWritten() const {
     return HasHeader && !Stopped && LinesSkipped == 0 && WritesFailed == 0;
   }

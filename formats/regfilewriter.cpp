@@ -53,7 +53,8 @@ bool IsAscii(TextView text) {
   return std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; });
 }
 
-// Line breaks would end the line, and other control characters are at the mercy of whoever opens the file.
+// Line breaks would end the line, and other control characters may be changed by an editor that saves the
+// file.
 bool HoldsControls(TextView text) {
   return std::any_of(text.begin(), text.end(), [](char16_t unit) { return unit < u' ' && unit != u'\t'; });
 }
@@ -162,7 +163,7 @@ void TRegFileWriter::AppendFoldedHex(std::string_view data) {
   }
 }
 
-// False, and nothing appended, when the code page can't say the text.
+// Appends the text; returns false and appends no part of it when the code page lacks one of its characters.
 bool TRegFileWriter::AppendPlain(TextView text) {
   if (IsAscii(text)) {
     m_line.append(text.begin(), text.end());

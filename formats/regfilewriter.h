@@ -27,7 +27,8 @@ class TRegFileWriter {
   // Directly behind the header.
   void WriteOrigin(const TBackupOrigin& origin);
 
-  // A key path begins with "\" and has no other "\" too many. The attributes stand before the key line.
+  // A key path begins with "\" and holds neither a doubled nor a trailing one. The attributes stand before
+  // the key line.
   void WriteKey(TRootKey rootKey, TextView keyPath, const TRegFileAttributes& attributes = {});
   void WriteValue(const TRawValue& value);
 

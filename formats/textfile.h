@@ -11,9 +11,9 @@
 
 namespace corvalt {
 
-// What the bytes say. A byte order mark (UTF-8, UTF-16 LE or BE) decides and is not part of the text; without
-// one the bytes are UTF-8 when they are valid UTF-8, else they are in the ANSI code page. An odd last byte of
-// UTF-16 is dropped.
+// The text in the bytes. A byte order mark (UTF-8, UTF-16 LE or BE) decides and is not part of the text;
+// without one the bytes are UTF-8 when they are valid UTF-8, else they are in the ANSI code page. An odd last
+// byte of UTF-16 is dropped.
 Text DecodeTextFile(std::span<const std::uint8_t> bytes, TLocale& locale);
 
 // Calls visit with each line of what DecodeTextFile returns. Of a file that is not UTF-16 only one line at a
