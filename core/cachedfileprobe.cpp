@@ -35,7 +35,8 @@ bool IsRewritten(TextView upperName) {
   return upperName.back() == u'.' || upperName.back() == u' ' || IsDeviceName(upperName);
 }
 
-// In a 32-bit process on a 64-bit system these lead elsewhere than the listing of their parent shows.
+// In a 32-bit process on a 64-bit system these lead elsewhere than the listing of their parent shows (page
+// "File System Redirector", learn.microsoft.com).
 bool IsTreatedByRedirection(TextView upperName) {
   return upperName == u"SYSNATIVE" || upperName == u"CATROOT" || upperName == u"CATROOT2" ||
          upperName == u"DRIVERSTORE" || upperName == u"ETC" || upperName == u"LOGFILES" ||
@@ -82,7 +83,7 @@ TCachedFileProbe::TFinding TCachedFileProbe::Find(TextView path) {
   const TFinding finding = FindingOf(*question);
   if (finding == TFinding::Missing && !question->MissIsCertain)
     return TFinding::Unknown;
-  // Whether a file's name may end with "\" is the system's business.
+  // Whether a file's name may end with "\" is for the system to decide.
   if (finding == TFinding::File && question->EndsWithSeparator)
     return TFinding::Unknown;
   return finding;
@@ -206,7 +207,7 @@ void TCachedFileProbe::ListWhenItPays(TextView plain, TFolder& folder) {
 void TCachedFileProbe::AddEntry(const Text& name, TEntryKind kind, TFolder& folder) {
   m_kept += kNodeSize + name.size() * sizeof(char16_t);
   const auto [entry, added] = folder.Entries.emplace(UpperCase(name), kind);
-  // Two names that differ in letter case alone, on a disk that tells them apart.
+  // Two names that differ only in letter case, on a disk that tells them apart.
   if (!added && entry->second != kind)
     entry->second = TEntryKind::AskPlainly;
 }

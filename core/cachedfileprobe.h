@@ -13,8 +13,8 @@
 
 namespace corvalt {
 
-// Answers FileExists and DirectoryExists as the probe below it would, mostly without asking it. Made for one
-// scan: what changes on the disk meanwhile may be missed. For the thread that made it alone.
+// FileExists and DirectoryExists return what the probe below would return, mostly without asking it. Made for
+// one scan: what changes on the disk meanwhile may be missed. Only for the thread that made it.
 //
 // A folder is listed once it has been asked about a few times. A hit in a listing is trusted; a miss is
 // trusted unless the system might find the name in another way (short names, letters whose case the disk may
@@ -73,9 +73,9 @@ class TCachedFileProbe : public FileSystemProbe {
     enum class TState {
       NotListed,
       Listed,
-      Missing,     // nothing exists below it
+      Missing,     // no file exists below it
       Unreadable,  // can't be listed: asked plainly, its subfolders may still be listed
-      AskPlainly,  // a link, or below one
+      AskPlainly,  // a link, or below one: the probe below is asked
     };
     TState State = TState::NotListed;
     int Questions = 0;
@@ -93,7 +93,7 @@ class TCachedFileProbe : public FileSystemProbe {
 
   TFinding Find(TextView path);
 
-  // Nothing for a path that must be asked plainly. The answer is good until the next call.
+  // nullopt for a path that must be asked plainly. The result is valid until the next call.
   std::optional<TQuestion> TakeApart(TextView path);
   TFinding FindingOf(const TQuestion& question);
 
@@ -110,7 +110,7 @@ class TCachedFileProbe : public FileSystemProbe {
   std::array<TFolders, 2> m_folders;  // with the redirection, and without
   std::size_t m_kept = 0;             // bytes, by estimate
 
-  // Kept between questions, so that a question allocates nothing.
+  // Kept between questions, so that a question allocates no memory.
   Text m_plain;
   Text m_upper;
   std::vector<TFolderEntry> m_listing;

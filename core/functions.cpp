@@ -20,7 +20,7 @@ bool IsAbsolute(TextView text) {
   return text.size() > 2 && text.substr(1, 2) == u":\\";
 }
 
-// "C:", "\\server\share", or nothing for a path that names no drive.
+// "C:", "\\server\share", or the empty text for a path that names no drive.
 TextView DriveOf(TextView path) {
   if (path.size() >= 2 && path[1] == u':')
     return path.substr(0, 2);
@@ -32,7 +32,7 @@ TextView DriveOf(TextView path) {
   return path.substr(0, path.find(u'\\', serverEnd + 1));
 }
 
-// The text before its last blank, without trimming it; nothing when no blank is left.
+// The text before its last blank, without trimming it; nullopt when no blank is left.
 std::optional<TextView> CutAtLastBlank(TextView text) {
   const std::size_t blank = text.rfind(u' ');
   if (blank == TextView::npos)
@@ -112,7 +112,7 @@ bool TPathChecks::ExistsForOtherBitness(TextView path, bool filesOnly) {
   if (m_probe.GetEnvironmentVariable(u"ProgramFiles(x86)").empty())
     return false;
   const TRedirectionOff redirectionOff(m_probe);
-  // Where there was nothing to switch off, the answer would be the same.
+  // Where there was no redirection to switch off, the result would be the same.
   return redirectionOff.Switched() && Exists(path, filesOnly);
 }
 
@@ -154,8 +154,8 @@ std::optional<Text> TPathChecks::LongestExistingFile(TextView command) {
 }
 
 // What a command line's file and the blank behind it can reach to: no further than a path and its last name
-// are long, nor than the first folder that is missing. Otherwise each of thousands of cuts would be looked
-// for.
+// are long, nor than the first folder that is missing. Otherwise a text of thousands of blanks would be
+// looked for on the disk once for each of them.
 TextView TPathChecks::PossiblePart(TextView command) {
   TextView possible = command.substr(0, kLongestPath + 1);
   // A folder before ".." need not exist.

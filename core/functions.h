@@ -25,7 +25,7 @@ Text ExpandPathVariables(TextView text, const TGlobalVars& vars);
 // The questions that need the file system and the program environment.
 class TPathChecks {
  public:
-  // Tells that nobody waits for the answer any more.
+  // Returns true once the result of the check is no longer needed.
   using TStop = std::function<bool()>;
 
   // Both must outlive the checks. Once stop is true every check may return that the file exists.

@@ -18,8 +18,8 @@ struct TGlobalReg {
   std::vector<Text> BuiltInExclusions;
   std::vector<Text> IgnoreList;  // as stored, kOffMark included; changes on the user-interface thread only
 
-  // The backup settings of the suite's older versions. This program keeps its backups elsewhere, and reads
-  // and writes these two only because those versions expect to find them.
+  // This module's own backup settings. The store does not use them, because backups go to the suite's folder
+  // and the suite's limits count; they are required to be loaded and written back all the same, so keep them.
   Text BackupFolder;  // ends with "\"
   std::int32_t BackupCount = 0;
 };

@@ -153,7 +153,7 @@ bool NamesDevice(TextView path) {
 }
 
 // The data path of the portable mode as its file gives it; a relative one lies in the program's folder. Empty
-// for one that can't be meant: a device, or a folder relative to a drive's current one ("D:data").
+// for one that can't name a folder: a device, or a folder relative to a drive's current one ("D:data").
 Text DataPathOf(const Text& given, const Text& programFolder) {
   const bool hasDrive = given.size() > 1 && given[1] == u':';
   if (given.empty() || NamesDevice(given) || (hasDrive && !given.substr(2).starts_with(u'\\')))

@@ -112,7 +112,7 @@ enum class TextId : std::int32_t {
   MissingShellFolder = 11068,  // Arguments: value name, folder.
 
   // Progress of a repair
-  DeletingKey = 11069,    // Shown alone.
+  DeletingKey = 11069,    // Shown without a name behind it.
   DeletingValue = 11070,  // A blank, the key path and the value name follow.
   DeletingFile = 11071,   // A blank and the file follow.
 
@@ -162,7 +162,7 @@ enum class TextId : std::int32_t {
   ColumnProblems = 40032,
   ConfirmOverwrite = 40033,  // Argument: the file.
 
-  // What assistive technology says that a row's default action does
+  // What assistive technology calls a row's default action
   ActionCheckRow = 40034,
   ActionUncheckRow = 40035,
 
@@ -239,7 +239,7 @@ enum class TextId : std::int32_t {
 
 struct TTextEntry {
   TextId Id;
-  int Placeholders;  // how many of "%s" and "%s2" the text holds: 0, 1 ("%s" alone) or 2 (both)
+  int Placeholders;  // how many of "%s" and "%s2" the text holds: 0, 1 (only "%s") or 2 (both)
 };
 
 // One entry for each TextId, in the same order.

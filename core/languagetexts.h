@@ -47,12 +47,12 @@ Text PlainText(TextView text);
 // The two together: an identifier's text with each "&" once, for what is shown as it is.
 Text PlainLanguageText(const TLanguageTexts& texts, TextId id, TextView arg1 = {}, TextView arg2 = {});
 
-// Loads both tables of the user's language and changes no setting: for what is said without the start
+// Loads both tables of the user's language and changes no setting: for messages before the start
 // sequence.
 void ReadLanguage(TSystem& system, TextView programFolder, TLanguageTexts& texts);
 
 // Reads the user's language from the suite's settings, writes "english.lng" back where it is missing or its
-// file is, and loads both tables. Answers the language file's name. A missing file leaves its table empty.
+// file is, and loads both tables. Returns the language file's name. A missing file leaves its table empty.
 Text LoadLanguage(TSystem& system, TextView programFolder, TLanguageTexts& texts);
 
 }  // namespace corvalt

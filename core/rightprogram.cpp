@@ -4,7 +4,7 @@ namespace corvalt {
 
 namespace {
 
-// Set by a 64-bit Windows in its 32-bit processes alone ("WOW64 Implementation Details",
+// Set by a 64-bit Windows in its 32-bit processes only ("WOW64 Implementation Details",
 // learn.microsoft.com).
 constexpr TextView kRealArchitecture = u"PROCESSOR_ARCHITEW6432";
 

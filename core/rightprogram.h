@@ -10,7 +10,7 @@
 namespace corvalt {
 
 // What to tell the user where this is the 32-bit program on a 64-bit Windows, which sees one half of the
-// registered components and takes those of the other half for missing. Nothing where the program is the right
+// registered components and takes those of the other half for missing. nullopt where the program is the right
 // one.
 [[nodiscard]] std::optional<Text> WrongProgramHint(FileSystemProbe& probe, const TLanguageTexts& texts);
 

@@ -11,7 +11,7 @@
 namespace corvalt {
 
 // The 32-bit integer (REG_DWORD of 4 bytes) under this name in a key of HKEY_CURRENT_USER, whose path begins
-// with "\". nullopt for any other value, and for one that can't be read. Writes nothing.
+// with "\". nullopt for any other value, and for one that can't be read. The registry is only read.
 [[nodiscard]] std::optional<std::int32_t> StoredInteger(TSystem& system, TextView keyPath, TextView name);
 
 }  // namespace corvalt

@@ -5,7 +5,9 @@ namespace corvalt {
 TWorkerThread::~TWorkerThread() {
   if (!m_thread.joinable())
     return;
-  // Without a user interface the thread frees itself as its very last act, and nobody can wait for oneself.
+  // Without a user interface the thread frees itself as its last act. It is detached then, because a thread
+  // can't
+  // wait for its own end.
   if (m_thread.get_id() == std::this_thread::get_id()) {
     m_thread.detach();
   } else {

@@ -20,7 +20,7 @@ class TWorkerThread {
   using TEndHandler = std::function<void(TWorkerThread&)>;
 
   // Creates a thread that is its own owner: it frees itself on the user-interface thread after its end
-  // handler, and the reference answered here is good until then. Called on the user-interface thread.
+  // handler, and the reference returned here is valid until then. Called on the user-interface thread.
   template <typename TThread, typename... TArguments>
   static TThread& Launch(TArguments&&... arguments) {
     auto thread = std::make_unique<TThread>(std::forward<TArguments>(arguments)...);
@@ -29,7 +29,8 @@ class TWorkerThread {
     return reference;
   }
 
-  // Waits for the body to end; the door must be shut or the end handler must have run.
+  // Waits for the body to end. By then TUiThread::Shut must have been called, or the end handler have run:
+  // otherwise a body that waits for the user-interface thread would never end.
   virtual ~TWorkerThread();
   TWorkerThread(const TWorkerThread&) = delete;
   TWorkerThread& operator=(const TWorkerThread&) = delete;
