@@ -17,7 +17,7 @@ constexpr TextView kHelperObjects =
     u"\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Browser Helper Objects\\";
 constexpr TextView kToolbar = u"\\SOFTWARE\\Microsoft\\Internet Explorer\\Toolbar";
 
-// A full key path taken apart at its root's name; a text without "\" is all root name.
+// A full key path taken apart at its root's name; a text without "\" is a root name only.
 struct TRootedPath {
   TRootKey Root;
   Text Rest;
@@ -110,7 +110,7 @@ void TTraceChecks::CheckValueTrace(TRootKey root, TextView keyPath, TextView val
 void ScanAdwareAndSpyware(TScan& scan) {
   const Text path = scan.Vars().ProgramFolder + u"\\data\\xdata.dat";
   const std::optional<TNativeXml> catalogue = LoadCatalogue(scan.System().Files, path);
-  // The catalogue belongs to the installation: without it the scan can't say that nothing was found.
+  // The catalogue belongs to the installation: without it "no problem found" would be untrue.
   if (!catalogue)
     throw TProgramException(PlainText(scan.Say(TextId::CatalogueUnreadable, path)));
   const std::size_t count = ChildCountOf(catalogue->Root());

@@ -14,9 +14,9 @@ namespace corvalt {
 class TScan;
 
 // Examines what its section is about and reports the problems through the scan, which has added the section's
-// header before and ends the section afterwards. A scanner skips what cannot be read, raises nothing but for
-// a damaged adware catalogue, and stops between two items once the scan is told to terminate, but where its
-// file gives another rule. Called on the scan's thread.
+// header before and ends the section afterwards. A scanner skips what cannot be read, throws only for a
+// damaged adware catalogue, and stops between two items once the scan is told to terminate, unless its file
+// gives another rule. Called on the scan's thread.
 using TScanner = void (*)(TScan& scan);
 
 // One source file each, named like the scanner; the two of filesandfolders.cpp share one.

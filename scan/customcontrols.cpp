@@ -29,7 +29,7 @@ struct TKeyContent {
   Text Default;
   std::size_t ValueCount = 0;  // a default value that is the only one does not count
   bool HasSubKeys = false;
-  bool IsSeenWhole = false;  // else there may be more than the two fields above tell
+  bool IsSeenWhole = false;  // otherwise the key may hold more than the two fields above count
 };
 
 std::optional<TKeyContent> ReadContent(RegistryStore& registry, TextView keyPath) {
@@ -47,7 +47,7 @@ std::optional<TKeyContent> ReadContent(RegistryStore& registry, TextView keyPath
   return content;
 }
 
-// Whether the key holds fewer than this many values and nothing else.
+// Whether the key holds fewer than this many values and no subkey.
 bool IsHollow(const TKeyContent& content, std::size_t fewerThan) {
   return content.IsSeenWhole && content.Default.empty() && !content.HasSubKeys &&
          content.ValueCount < fewerThan;
@@ -145,7 +145,7 @@ void TComponentChecks::CheckTypeLibraryLocale(TextView libraryId, TextView local
 
 void TComponentChecks::CheckInterface(TextView interfaceId) {
   const Text interfaceKey = u"\\Interface\\" + Text(interfaceId);
-  // A link without an identifier is as good as one to an intact key.
+  // A link without an identifier is not reported.
   const std::optional<Text> libraryId = DefaultValue(*m_registry, interfaceKey + u"\\TypeLib");
   if (libraryId && !libraryId->empty() &&
       (!m_registry->KeyExists(u"\\typelib\\" + *libraryId) || m_scan.ReportedClassIds.Holds(*libraryId))) {

@@ -1,4 +1,4 @@
-// Device Drivers: examines nothing. The section shows progress for a short, fixed time, so that the list of
+// Device Drivers: examines no key. The section shows progress for a short, fixed time, so that the list of
 // sections and the progress display stay as the users of the suite know them.
 
 #include "scan/threadscan.h"

@@ -1,4 +1,4 @@
-// File Extensions: the user's settings for extensions that hold nothing.
+// File Extensions: the user's settings for extensions that hold no value.
 
 #include "base/lettercase.h"
 #include "scan/threadscan.h"

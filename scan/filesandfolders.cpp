@@ -79,7 +79,7 @@ void ScanFilesAndFolders(TScan& scan) {
       scan.ScanKeyTree(*registry, root, fraction, exclusions, u"\\" + hives[i]);
     }
   } else {
-    // The bar stays at 0 while one whole root is walked; only the label moves.
+    // The bar stays at 0 while one whole root is walked; only the label changes.
     scan.ScanKeyTree(*registry, root, 0, exclusions, {});
   }
 }

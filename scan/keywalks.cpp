@@ -82,7 +82,7 @@ void TKeyTreeWalk::CheckValues(TextView keyPath, const std::vector<Text>& names)
     if (type != TDataType::String && type != TDataType::ExpandString)
       continue;
     const Text data = m_registry.ReadString(name);
-    // A label costs more than the rest of a call that shows nothing.
+    // Making the label costs more than the rest of a call that does not refresh the dialog.
     m_scan.ReportProgress(RoundHalfToEven(100 * m_fraction),
                           m_scan.IsProgressDue() ? LabelOf(keyPath, name) : Text());
     if (!m_scan.CommandPathExists(data))

@@ -2,9 +2,8 @@
 
 namespace corvalt {
 
-// In each round every phrase that is not yet complete gets its next unit. So all states of one depth exist
-// before the first of the next depth is made, and a new state can be given its failure, which is never as
-// deep.
+// The phrases are taken unit by unit, all of them at once: first the first unit of each, then the second, and
+// so on. A state's failure stands for a shorter text, so that it exists when the state is made.
 TPhraseMatcher::TPhraseMatcher(const std::vector<Text>& phrases) : m_states(1), m_slots(16, kNone) {
   struct TGrowing {
     TextView Rest;

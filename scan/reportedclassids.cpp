@@ -33,7 +33,7 @@ bool TReportedClassIds::Holds(TextView identifier) {
   // A text that is no entry is part of a longer one, or stretches over a line break.
   if (identifier.size() >= m_longestEntry && identifier.find_first_of(u"\r\n") == TextView::npos)
     return false;
-  // No key has so long a name, so that nobody asks.
+  // Longer than the name of any key, so that no link holds it.
   if (identifier.size() > kSortedUnits)
     return Contains(m_wholeText, identifier);
   return OccursInside(identifier);

@@ -31,7 +31,7 @@ struct ScanProblem {
   std::uint32_t ChildCount = 0;
   std::int32_t ImageIndex = kNoImage;
   TCheckMark CheckMark = TCheckMark::Repair;
-  Text Extra;
+  Text Extra;  // a second text of a scanner; none sets it today, but it is required, and written to the JSON
   bool StateFlag1 = false;  // the selected row, shown on three lines
   bool StateFlag2 = false;  // removed by the repair
 };

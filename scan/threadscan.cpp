@@ -99,7 +99,7 @@ void TScan::Execute() {
   }
 }
 
-// A scanner that raises ends the scan, with its section as it was.
+// A scanner that throws ends the scan, with its section as it was.
 void TScan::RunSection(const TSection& section) {
   m_section = &section;
   AddHeader();

@@ -29,8 +29,8 @@
 
 namespace corvalt {
 
-// What a scan works on. Everything must outlive the thread; nothing of it changes while the scan runs, but
-// for the results tree, which the scan itself fills.
+// What a scan works on. Everything must outlive the thread, and only the results tree changes while the scan
+// runs: the scan itself fills it.
 struct TScanContext {
   TSystem& System;
   const TGlobalVars& Vars;

@@ -13,8 +13,8 @@ namespace corvalt {
 class TWalkedPlaces {
  public:
   // Goes on to a key whose real place (RegistryStore::RealPath) this is, reached by name from the key entered
-  // last; the name of the first key doesn't matter. False, and nothing is entered, for a link that leads to a
-  // key on the way or above one. A key whose place isn't known is entered.
+  // last; the name of the first key doesn't matter. False, and the key is not entered, for a link that leads
+  // to a key on the way or above one. A key whose place isn't known is entered.
   bool Enter(const std::optional<Text>& place, TextView name);
 
   // Goes back to the key before.
