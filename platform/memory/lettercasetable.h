@@ -1,5 +1,5 @@
-// Upper and lower case of the 16-bit units as Windows has them, written down as ranges: the answers of
-// CharUpperBuffW and CharLowerBuffW for one unit at a time. Units in no range map to themselves, the
+// Upper and lower case of the 16-bit units as Windows has them, written down as ranges: what
+// CharUpperBuffW and CharLowerBuffW return for one unit at a time. Units in no range map to themselves, the
 // surrogates among them.
 #pragma once
 
@@ -355,7 +355,7 @@ inline constexpr TLetterCaseRange kLowerCaseRanges[] = {
 };
 // clang-format on
 
-// One direction of the table that the ranges say.
+// One direction of the table that the ranges describe.
 constexpr std::array<char16_t, 0x10000> ExpandLetterCase(std::span<const TLetterCaseRange> ranges) {
   std::array<char16_t, 0x10000> mapped{};
   for (std::size_t unit = 0; unit < mapped.size(); ++unit)

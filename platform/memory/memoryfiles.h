@@ -95,7 +95,7 @@ class TMemoryDisk : public FileSystemProbe, public TFileStore {
     m_journal = journal;
   }
 
-  // The content of a file; nothing when there is none.
+  // The content of a file; nullopt when there is none.
   std::optional<std::string> Content(TextView path) const;
   // Full paths of all files and folders below a folder, sorted.
   std::vector<Text> AllBelow(TextView folder) const;

@@ -78,7 +78,7 @@ class TMemoryHives {
   TOpenMemoryKey Find(TOpenMemoryKey from, const std::vector<Text>& names, bool followLast) const;
 
   // Creates the key with its missing parents, links followed; what is missing below HKEY_CLASSES_ROOT is
-  // created in the machine's hive. MustBeVolatile, Denied and Failed create nothing.
+  // created in the machine's hive. No key is created where the result is MustBeVolatile, Denied or Failed.
   TRawResult Create(const TOpenMemoryKey& from, const std::vector<Text>& names, const TNewKey& newKey,
                     TMemoryKeyPointer& created);
 
@@ -93,7 +93,7 @@ class TMemoryHives {
 
   // The user's value of this name, else the machine's; nullptr when there is none.
   static const TRawValue* FindValue(const TOpenMemoryKey& key, TextView name);
-  // The one of the two keys that holds the value; null when none does.
+  // The one of the two keys that holds the value; nullptr when none does.
   static TMemoryKeyPointer HolderOf(const TOpenMemoryKey& key, TextView name);
 
   std::vector<Text> SubKeyNames(const TOpenMemoryKey& key) const;

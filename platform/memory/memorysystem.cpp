@@ -74,7 +74,7 @@ struct TDate {
 
 constexpr std::int64_t kMillisecondsADay = 86400000;
 
-// Whole days and the milliseconds of the last one. Nothing outside the calendar of Windows, 1601 to 30827.
+// Whole days and the milliseconds of the last one. nullopt outside the calendar of Windows, 1601 to 30827.
 struct TMoment {
   std::int64_t Days;
   std::int64_t Milliseconds;

@@ -85,7 +85,7 @@ class TMemoryClock : public TClock {
   std::chrono::milliseconds Slept{0};
 };
 
-// Answers from a script and remembers what it was asked, one line a call.
+// Returns what a test has prepared, and remembers every call as one line.
 class TMemoryShell : public Shell {
  public:
   TAnswer ShowMessage(TextView text, TextView title, TMessageKind kind) override;
@@ -105,7 +105,7 @@ class TMemoryShell : public Shell {
   }
   bool OpensWithFullAccess(std::uint32_t rootKey, TextView subKey) override;
 
-  // The answers to the questions to come; No when none is left.
+  // What ShowMessage returns for the questions to come; No when none is left.
   std::deque<TAnswer> Answers;
   bool Starts = true;
   std::uint32_t BitsPerPixel = 32;
@@ -134,7 +134,7 @@ class TMemoryInterprocess : public TInterprocess {
     return RunningProcesses.contains(processId);
   }
 
-  // Another copy of the program holds every lock that there is, until the answer goes.
+  // Another copy of the program holds every lock that there is, until the returned lock is destroyed.
   std::unique_ptr<THeldLock> HoldEveryLock();
 
   std::shared_ptr<TMemoryLocks> Locks = std::make_shared<TMemoryLocks>();
@@ -150,7 +150,7 @@ class TMemorySystem {
   explicit TMemorySystem(TNameOrder order = TNameOrder::Windows) : Registry(order), Raw(Registry) {
   }
 
-  // Good as long as this object.
+  // Valid as long as this object.
   TSystem Bundle() {
     return {Registry, Raw, Disk, Disk, Machine, Locale, Clock, Shell, Interprocess};
   }

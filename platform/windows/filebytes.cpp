@@ -2,12 +2,13 @@
 
 #include <algorithm>
 
+#include "base/limits.h"
+
 namespace corvalt {
 
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{1024} * 1024;  // bytes of one reading or writing
-constexpr DWORD kUsualPath = 260;                         // units of a path that needs no second try
 
 }  // namespace
 
@@ -61,8 +62,9 @@ bool IsLinkPath(const Text& path, DWORD attributes) {
 }
 
 Text FullPathOf(const Text& path) {
-  Text full(kUsualPath, u'\0');
-  DWORD length = GetFullPathNameW(Wide(path), kUsualPath, WideBuffer(full), nullptr);
+  // Room for a usual path; a longer one takes a second call.
+  Text full(kMaxPath, u'\0');
+  DWORD length = GetFullPathNameW(Wide(path), kMaxPath, WideBuffer(full), nullptr);
   if (length > full.size()) {
     full.resize(length);
     length = GetFullPathNameW(Wide(path), length, WideBuffer(full), nullptr);

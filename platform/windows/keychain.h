@@ -38,7 +38,7 @@ class TKeyChain {
   // Whether the key lies directly in a kept key that is new, so that it can hardly exist.
   bool LiesInNewKey(TRootKey rootKey, TextView path) const;
 
-  // Whether the key opens, or would but for its access rules; keeps nothing of it.
+  // Whether the key opens, or would but for its access rules; no handle of it is kept.
   bool Exists(TRootKey rootKey, TextView path);
 
   // The kept key in which the key lies directly; null when it is not kept.

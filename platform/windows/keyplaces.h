@@ -1,4 +1,4 @@
-// Where an opened key really lies: the system's own name of it, said as a root key and a path that can be
+// Where an opened key really lies: the system's own name of it, written as a root key and a path that can be
 // opened.
 #pragma once
 

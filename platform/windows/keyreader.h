@@ -12,7 +12,7 @@ class TKeyReader {
   }
 
   // Read until it is complete even when it changes meanwhile. Link when the key was opened as a link and is
-  // one. Failed also when a name holds a NUL, which only system calls can make: nothing here could write it
+  // one. Failed also when a name holds a NUL, which only system calls can make: a restore could not write it
   // back.
   TRawResult Read(HKEY key, TRawKey& content);
 

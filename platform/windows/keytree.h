@@ -1,5 +1,5 @@
 // Deletion of a key with all its subkeys. Every key is opened once, as the link it may be, looked at and
-// deleted through that handle, so that nothing put in its place meanwhile is followed or deleted.
+// deleted through that handle, so that what is put in its place meanwhile is neither followed nor deleted.
 #pragma once
 
 #include <vector>
@@ -45,7 +45,7 @@ class TKeyTree {
 };
 
 // Deletes the key with all its subkeys; below HKEY_CLASSES_ROOT of the hive that holds the key, and only
-// there. Nothing is deleted when a part of it can't be opened for deletion.
+// there. All of it stays when a part of it can't be opened for deletion.
 TRawResult DeleteKeyAndBelow(TRegistryCalls& calls, TRootKey rootKey, TextView path);
 
 }  // namespace corvalt

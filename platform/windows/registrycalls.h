@@ -71,7 +71,7 @@ struct TValueBuffer {
   TBytes Bytes;
 };
 
-// Every routine answers the system's error code. Paths have no leading "\" and may be longer than a single
+// Every routine returns the system's error code. Paths have no leading "\" and may be longer than a single
 // call of the system takes; names of values are ended by their first NUL.
 class TRegistryCalls {
  public:
@@ -105,9 +105,9 @@ class TRegistryCalls {
   Text SystemName(HKEY key);
   // The last name of it in the spelling in which it is stored; empty when it can't be asked.
   Text StoredName(HKEY key);
-  // nullopt where this system does not tell.
+  // nullopt where this system has no way to find out.
   std::optional<bool> IsVolatile(HKEY key);
-  // Success does not mean that the time was set: Wine's routine does nothing.
+  // Success does not mean that the time was set: Wine's routine has no effect.
   LSTATUS SetLastWrite(HKEY key, std::uint64_t time);
 
   // How often the system was called so far, the closing of keys included.

@@ -8,7 +8,8 @@
 
 namespace corvalt {
 
-// To the millisecond. Nothing for what the system's calendar can't say: before 1601, after 30827, no number.
+// To the millisecond. nullopt for what is outside the system's calendar (SYSTEMTIME, learn.microsoft.com):
+// before 1601, after 30827, no number.
 std::optional<SYSTEMTIME> SystemTimeOf(TDateTime time);
 
 // Expects a valid time.

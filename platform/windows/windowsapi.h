@@ -83,7 +83,8 @@ TRoutine FindRoutine(HMODULE module, const char* name) {
   return reinterpret_cast<TRoutine>(reinterpret_cast<void*>(found));
 }
 
-// Owns one handle of the system; TTraits says its type, what "none" looks like and how it is closed.
+// Owns one handle of the system; TTraits gives its type, the value that means none, and the routine that
+// closes it.
 template <typename TTraits>
 class TOwned {
  public:

@@ -67,7 +67,7 @@ bool IsDotName(const Text& name) {
   return name == u"." || name == u"..";
 }
 
-// Why nothing of a folder could be listed. The system also says "path not found" where a file stands in the
+// Why a folder could not be listed. The system also gives "path not found" where a file stands in the
 // way, and "file not found" for a drive's root without entries.
 FileSystemProbe::TListing WithoutListing(TextView folder, DWORD error, std::vector<TFolderEntry>& entries) {
   const DWORD attributes = AttributesOf(folder);
@@ -176,7 +176,7 @@ Text TWindowsProbe::GetEnvironmentVariable(TextView name) {
   const Text variable(name);
   Text value;
   DWORD length = GetEnvironmentVariableW(Wide(variable), nullptr, 0);
-  // The variable may grow between the two calls; then the answer is larger than the room for it.
+  // The variable may grow between the two calls; then the result is larger than the room for it.
   while (length > value.size()) {
     value.resize(length);
     length = GetEnvironmentVariableW(Wide(variable), WideBuffer(value), static_cast<DWORD>(value.size()));

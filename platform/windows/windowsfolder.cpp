@@ -161,8 +161,8 @@ TSystemError TWindowsFolder::Open(TextView path, std::unique_ptr<TOpenFolder>& f
                                 FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
   if (!handle)
     return LastError();
-  // Under Wine the handle of a link is that of its target, and only the path tells; while the folder is open
-  // the path can't be given to another.
+  // Under Wine the handle of a link is that of its target, and only the path shows the link; while the folder
+  // is open the path can't be given to another.
   const DWORD attributes = GetFileAttributesW(Wide(opened));
   if (IsLink(handle.Get()) || (attributes != INVALID_FILE_ATTRIBUTES && IsLinkPath(opened, attributes)))
     return {kErrorStoppedOnLink};

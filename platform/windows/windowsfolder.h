@@ -1,4 +1,5 @@
-// A folder of the real system that is held open, and files in it by their names alone.
+// A folder of the real system that is held open, and files in it, which are reached by their names in the
+// folder.
 #pragma once
 
 #include <cstdint>

@@ -10,7 +10,7 @@ namespace corvalt {
 
 class TWindowsMachine : public TMachine {
  public:
-  // As the system tells it to a program with this manifest.
+  // What the system reports to a program with this manifest.
   TSystemVersion GetVersion() override;
   Text GetSystemDirectory(std::size_t bufferLength) override;
   Text ProgramFile() override;

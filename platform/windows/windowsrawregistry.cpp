@@ -31,7 +31,8 @@ std::unique_ptr<TRawRegistry> TWindowsRawRegistry::OpenView(TRegistryView view) 
   return HasView(view) ? std::make_unique<TWindowsRawRegistry>(view) : nullptr;
 }
 
-// A kept key that was deleted and made anew as a link is opened again: its handle fails.
+// Checks a kept key once. A key that is deleted later and made anew as a link needs no second check: the
+// handle kept of the deleted key fails, and the key is opened again.
 TRawResult TWindowsRawRegistry::RefuseLink(TKeptKey& key) {
   if (key.LinkChecked)
     return TRawResult::Done;
@@ -62,7 +63,8 @@ TRawResult TWindowsRawRegistry::OpenKept(TRootKey rootKey, const Text& path, REG
 
 TRawResult TWindowsRawRegistry::OpenOrCreate(TRootKey rootKey, const Text& path, const TNewKey& newKey,
                                              TKeptPointer& key) {
-  // Looking for a key before it is created costs a third of an import's calls.
+  // In a new key there are no subkeys yet: creating at once saves the call that would look for the key first,
+  // a third of an import's calls.
   if (!m_chain.Last(rootKey, path) && m_chain.LiesInNewKey(rootKey, path)) {
     if (m_chain.Create(rootKey, path, kChangeAccess, newKey, key) == ERROR_SUCCESS && key->IsNew) {
       key->LinkChecked = true;
@@ -254,7 +256,7 @@ TRawResult TWindowsRawRegistry::CreateKey(TRootKey rootKey, TextView keyPath, co
   const std::optional<Text> path = SystemPath(keyPath);
   if (!path)
     return TRawResult::Failed;
-  // A key kept from before might be gone; this question is about now.
+  // A key kept from before might have been deleted; the result must be about the registry as it is now.
   if (m_chain.Last(rootKey, *path))
     m_chain.Clear();
   // The system would give missing parents the same class and volatility.

@@ -17,7 +17,7 @@
 
 namespace corvalt {
 
-// The values of the open key as GetValueNames met them, so that the questions that follow cost no call.
+// The values of the open key as GetValueNames found them, so that reading them afterwards costs no call.
 class TValueSnapshot {
  public:
   struct TEntry {
@@ -32,7 +32,7 @@ class TValueSnapshot {
   void Clear();
   void Add(const TValueBuffer& value);
 
-  // Null when there is none of this name. Quick for names in the order in which they were added.
+  // nullptr when there is none of this name. Quick for names in the order in which they were added.
   const TEntry* Find(TextView name);
   std::span<const std::uint8_t> DataOf(const TEntry& entry) const {
     return std::span<const std::uint8_t>(m_data).subspan(entry.DataBegin, entry.DataSize);
@@ -52,8 +52,8 @@ class TValueSnapshot {
 };
 
 // Reading costs one call a value and five a key at most when keys are opened, asked for their values' names,
-// their values and their subkeys' names, and closed. What GetValueNames met answers for the open key until
-// the key is closed, asked for its names again, or changed through this store.
+// their values and their subkeys' names, and closed. The values that GetValueNames found are returned from
+// memory until the key is closed, asked for its names again, or changed through this store.
 class TWindowsRegistryStore : public RegistryStore {
  public:
   explicit TWindowsRegistryStore(TRegistryAccess access) : m_access(access) {
@@ -115,12 +115,12 @@ class TWindowsRegistryStore : public RegistryStore {
   TKeyChain m_chain{m_calls};
   std::shared_ptr<TKeptKey> m_open;
 
-  // Empty when it can't be told.
+  // Empty when the system can't be asked for it.
   Text RealPathOfRoot();
 
   bool m_listedWhole = false;
 
-  // Of the open key. The counts that a listing of its values took answer once for its subkeys too.
+  // Of the open key. The counts that a listing of its values asked for serve its subkeys too, once.
   TKeyCounts m_counts;
   bool m_subKeysCounted = false;
   TValueSnapshot m_snapshot;

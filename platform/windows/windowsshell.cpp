@@ -12,7 +12,7 @@ namespace {
 constexpr UINT kDisplayTopic = 0;
 constexpr UINT kCloseAll = 0x12;
 
-constexpr int kClassNameUnits = 257;  // the longest class name and its NUL
+constexpr int kClassNameUnits = 257;  // the longest class name and its NUL (WNDCLASSEX, learn.microsoft.com)
 
 HWND WindowOf(TWindowHandle window) {
   return reinterpret_cast<HWND>(window);

@@ -13,7 +13,7 @@ void RegisterWindowClass(WNDPROC procedure) {
   description.lpfnWndProc = procedure;
   description.hInstance = GetModuleHandleW(nullptr);
   description.lpszClassName = kClassName;
-  RegisterClassW(&description);  // fails when it is registered already, which is as good
+  RegisterClassW(&description);  // fails when it is registered already, and then it need not be
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ namespace corvalt {
 
 class TWindowsUiThread : public TQueueUiThread {
  public:
-  // Told of an exception that a posted routine throws, on the user-interface thread.
+  // Called with an exception that a posted routine throws, on the user-interface thread.
   using TFailureHandler = std::function<void(std::exception_ptr)>;
 
   // Created and destroyed on the thread that it stands for. Throws TSystemException when there can be no
