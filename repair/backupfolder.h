@@ -30,8 +30,8 @@ class TBackupWorkStopped : public std::runtime_error {
                                                      const std::function<bool()>& stop);
 
 // Names are those of files directly in the folder. A name that would leave it, and one of a device, a link or
-// a folder, has no file: nothing is read or deleted under it. Failures throw TSystemException where no result
-// tells of them.
+// a folder, has no file: no file is read or deleted under it. Failures throw TSystemException where no result
+// reports them.
 class TBackupFolder {
  public:
   // nullopt when the folder does not exist. path ends with "\"; vars and system must outlive the object.
@@ -58,7 +58,7 @@ class TBackupFolder {
   // throws leaves the index as it was.
   void ChangeIndex(const std::function<void(TIniFile&)>& change);
 
-  // Of an index that holds nothing any more. Success when there is none.
+  // Deletes an index without sections. Success when there is none.
   TSystemError DeleteIndex();
   bool HasIndex();
 

@@ -9,7 +9,7 @@
 
 namespace corvalt {
 
-// What a backup that is made here and now tells about itself.
+// The origin of a backup that is made here and now.
 [[nodiscard]] TBackupOrigin OriginHere(TSystem& system);
 
 // Whether the backup was made on another computer or by another user than this one.

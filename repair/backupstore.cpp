@@ -102,7 +102,7 @@ bool BackupStore::HoldsKey(const TKeyPath& key) const {
   return m_collected.PlaceOfKey(key) != nullptr;
 }
 
-// The file is written without the lock: however long it is, nobody waits for it.
+// The file is written without the lock: other copies of the program need not wait, however long it is.
 TDeletionRight BackupStore::CommitBackup(const TBackupName& name) {
   try {
     TBackupFolder folder = OpenStore();

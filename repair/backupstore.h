@@ -52,10 +52,11 @@ class BackupStore {
   [[nodiscard]] TDeletionRight CommitBackup(const TBackupName& name);
 
   // Takes back out what the backup that was begun has made: its file and its place in the index, unless they
-  // were there before. Does nothing after a commit. What can't be taken back stays; nothing is thrown.
+  // were there before. Does nothing after a commit. What can't be taken back stays; does not throw.
   void AbandonBackup() noexcept;
 
-  // The module's backups in the order of the index, without those whose name is no number. Waits for nobody.
+  // The module's backups in the order of the index, without those whose name is no number. Does not wait for
+  // the lock.
   [[nodiscard]] std::vector<TBackup> ListBackups(TextView moduleId);
 
   // Deletes the file with its list of changes, then the place in the index; any of them may be missing.

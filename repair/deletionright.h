@@ -1,4 +1,4 @@
-// What a repair may delete. Nothing is deleted without it, and it comes from two places only: a backup that
+// What a repair may delete. No repair deletes without it, and it comes from two places only: a backup that
 // was written, read back and listed, for exactly what the backup holds; and the suite's setting that switches
 // the backups off.
 #pragma once
@@ -25,8 +25,8 @@ class TDeletionRight {
     return m_everything;
   }
 
-  // Without a backup nothing else finds the places: of the key, or of the value, as it is now. To be called
-  // for all problems before the first deletion. Does nothing where a backup was made.
+  // Remembers where the key, or the value, lies now. Needed without a backup, because otherwise the backup
+  // does it. To be called for all problems before the first deletion. Does nothing where a backup was made.
   void FindKey(TRawRegistry& registry, const TKeyPath& key);
   void FindValue(TRawRegistry& registry, const TKeyPath& key, TextView valueName);
 

@@ -14,7 +14,7 @@ namespace corvalt {
 Text IgnoreEntryOf(const ScanProblem& problem);
 
 // Adds the entry to the list in memory, or puts it in the place of one that differs in letter case or is
-// switched off, and stores it. Where it can't be stored the list in memory changes alone.
+// switched off, and stores it. Where it can't be stored only the list in memory changes.
 void AddIgnoreEntry(TSystem& system, TGlobalReg& reg, TextView entry);
 
 // Writes one entry into the registry, beside what is there.

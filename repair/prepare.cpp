@@ -13,11 +13,11 @@ namespace corvalt {
 
 namespace {
 
-// The failure that the last start told, in the cleaner's own settings.
+// The failure that the last start showed, in the cleaner's own settings.
 constexpr TextView kFailureValue = u"maintenancefailure";
 
 // Keeps the failure for the next start; an empty reason is none. Whether it is another one than before, which
-// the user is to be told: what fails in the same way at each start is told once.
+// the user is to be told: what fails in the same way at each start is shown once.
 bool RememberFailure(TSystem& system, const Text& reason) {
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
   if (!store->OpenKey(kCleanerSettingsKey, !reason.empty()))

@@ -28,7 +28,7 @@ class TPrepare final : public TWorkerThread {
   TPrepareContext m_context;
 };
 
-// What the thread does, for programs that have nothing to do meanwhile: takes over old backups, deletes what
+// What the thread does, for programs that wait for it: takes over old backups, deletes what
 // interrupted programs left, removes outdated backups. Asks stop between two backups, and while it waits for
 // another copy of the program. Throws as BackupStore does, the first failure when all is done that can be.
 void MaintainBackups(TSystem& system, const TGlobalVars& vars, const std::function<bool()>& stop);

@@ -8,8 +8,9 @@ namespace corvalt {
 
 namespace {
 
-// Pictures that mark the two kinds of problems whose repair does more. Scanners give these pictures to
-// section headers alone.
+// Pictures that mark the two kinds of problems whose repair does more. Today scanners give these pictures
+// only to section headers, so that no problem is repaired in these ways; they are required all the same and
+// tested, so keep them.
 constexpr std::int32_t kStartMenuImage = 9;
 constexpr std::int32_t kMruImage = 17;
 

@@ -30,7 +30,7 @@ struct [[nodiscard]] TDeletionResult {
   bool KeyOpened = false;  // of a value: whether its key opened
 };
 
-// Deletes what the right covers and nothing else, at the place where it was saved. What is there is read once
+// Deletes only what the right covers, at the place where it was saved. What is there is read once
 // more before each deletion and must be what the backup holds, or a part of it.
 class TProblemDeleter {
  public:

@@ -32,8 +32,8 @@ Text SkippedLinesText(const TGlobalVars& vars, const TImportResult& import) {
   return text + CountText(vars, TextId::MoreSkippedLines, import.LinesSkipped - import.FirstSkipped.size());
 }
 
-// What keeps the file from being imported; nullopt when nothing does. A file of an earlier release tells
-// nothing about itself, and one whose numbers are missing is not whole.
+// What keeps the file from being imported; nullopt when it can be imported. A file of an earlier release has
+// no origin, and one whose numbers are missing is not whole.
 std::optional<TRestoreEnd> ObstacleOf(const TRegFileFacts& facts, TSystem& system,
                                       const TRestoreGuide& guide) {
   if (facts.Origin && !IsSupported(*facts.Origin, system))

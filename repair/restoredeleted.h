@@ -25,7 +25,7 @@ enum class TRestoreDoubt {
   NotWhole,  // its file was cut off or changed after the repair
 };
 
-// How a restore is led.
+// The decisions of a restore that belong to its caller.
 struct TRestoreGuide {
   // Whether to go on in spite of the doubt; the origin is the one of the backup.
   std::function<bool(TRestoreDoubt doubt, const TBackupOrigin& origin)> GoOn = [](auto, const auto&) {
@@ -40,7 +40,7 @@ enum class TRestoreEnd {
   Restored,     // the file is whole, every line was read and every entry written
   Incomplete,   // something was skipped or refused (see Import), or the file is not whole
   Stopped,      // see Import for what was written before
-  NotRestored,  // something was to be written, and none of it was; so these changed nothing
+  NotRestored,  // something was to be written, and none of it was; so the registry is unchanged
   NoFile,
   NotABackup,
   Unreadable,    // see Error

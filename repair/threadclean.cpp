@@ -36,7 +36,7 @@ void TCleaning::Execute() {
   try {
     Repair();
   } catch (const TBackupWorkStopped&) {
-    // The user has cancelled, and nothing was deleted.
+    // The user has cancelled before the first deletion.
   }
 }
 
@@ -168,7 +168,7 @@ void TCleaning::UpdateStatus() {
 
 void TCleaning::UpdateItem() {
   Synchronize([this] {
-    // What is deleted is deleted, also after Cancel; the labels and bars alone stand still then.
+    // What is deleted is deleted, also after Cancel; only the labels and bars stand still then.
     if (CurrentNode != nullptr)
       m_context.Results.Data(CurrentNode).StateFlag2 = true;
     if (Terminated())

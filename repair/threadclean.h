@@ -27,7 +27,7 @@ struct TCleaningContext {
   bool MayGoWithoutBackup = true;         // false: a backup is made also where the setting wants none
 };
 
-// What became of the checked problems, in tree order. The nodes are good as long as the tree keeps them.
+// What became of the checked problems, in tree order. The nodes are valid as long as the tree keeps them.
 struct TCleaningOutcome {
   bool BackupMade = false;  // the backup is complete, or the setting wants none: deletions may begin
   Text BackupName;          // empty without a backup
@@ -37,8 +37,8 @@ struct TCleaningOutcome {
   std::size_t NotReached = 0;           // the repair ended before them
 };
 
-// When the thread ends early its exception says in the user's words whether something was deleted before;
-// DescribeException gives them.
+// When the thread ends early its exception holds a message for the user, which tells whether something was
+// deleted before (see DescribeException).
 class TCleaning final : public TWorkerThread {
  public:
   // Starts at once. The dialog must live until the end handler has run or the thread was told to terminate.
