@@ -15,7 +15,8 @@ struct TIgnoreRow {
   bool Checked = true;  // off: the entry is kept and not applied
 };
 
-// The rows of the ignore list manager. Nothing changes, in memory or in the registry, before it is saved.
+// The rows of the ignore list manager. The lists in memory and in the registry stay as they are until the
+// rows are saved.
 class TIgnoreListModel {
  public:
   explicit TIgnoreListModel(const TGlobalReg& reg);

@@ -19,7 +19,8 @@ std::string Escape(char16_t unit) {
   return escape;
 }
 
-// How many units from the text's front make one character that UTF-8 can say; 0 when the first is half a one.
+// How many units from the text's front make one character that UTF-8 has bytes for; 0 when the first is a
+// lone surrogate.
 std::size_t CharacterLength(TextView text) {
   if (IsHighSurrogate(text[0]))
     return text.size() > 1 && IsLowSurrogate(text[1]) ? 2 : 0;

@@ -1,4 +1,4 @@
-// What the progress dialog says besides the progress itself.
+// The texts of the progress dialog besides the progress itself.
 #pragma once
 
 #include <cstddef>
@@ -29,7 +29,7 @@ TProgressOutcome ProgressOutcome(TProgressMode mode, TRunEnd end, TextView messa
                                  const TLanguageTexts& texts);
 
 // What a repair left, one line each: how many entries were not saved and how many could not be deleted. Empty
-// when it left nothing.
+// when every entry was repaired.
 std::vector<Text> LeftoverLines(const TCleaningOutcome& outcome, const TLanguageTexts& texts);
 
 // The message at the end of a repair, with what it left below.

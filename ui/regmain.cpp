@@ -173,7 +173,7 @@ void TRegMain::CleaningFinished(TWorkerThread& thread) {
   UpdateSummary();
   m_view.ResultsChanged();
   ActionsChanged();
-  // After a failure the counts stay: what is left is not as the final message says it.
+  // After a failure the counts stay: what is left is not what the final message would describe.
   if (m_progress != nullptr && m_runEnd == TRunEnd::Complete)
     m_progress->ShowResult(m_runEnd, message, 0);
   RunEnded();

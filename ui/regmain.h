@@ -91,7 +91,7 @@ class TRegMain {
   void LoadSections();
   void SaveSettings();
 
-  // A scan or repair thread lives; its end handler has not run. Until then the trees belong to it.
+  // A scan or repair thread runs; its end handler has not run yet. Until then the trees belong to it.
   bool WorkerRuns() const {
     return m_scan != nullptr || m_cleaning != nullptr;
   }
@@ -110,8 +110,8 @@ class TRegMain {
   }
   bool CanExport() const;
 
-  // A scan without a ticked section is not begun, and a message box says so. A scan clears the results of the
-  // one before.
+  // A scan without a ticked section is not begun, and a message box tells the user why. A scan clears the
+  // results of the one before.
   void Scan();
   void Repair();
 
@@ -123,7 +123,7 @@ class TRegMain {
   // Writes the report, and shows a message that it is saved, or the system's reason why it is not.
   void SaveReport(TextView fileName);
 
-  // Says what failed, in a message box.
+  // Shows what failed in a message box.
   void ShowFailure(const std::exception_ptr& failure);
 
   // The selected problem in the registry editor, or its file's properties.

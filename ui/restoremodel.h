@@ -29,15 +29,15 @@ class TRestoreModel {
   // Both must outlive the model.
   TRestoreModel(TSystem& system, const TGlobalVars& vars);
 
-  // Lists the backups; none, and a message, when the index can't be read.
+  // Lists the backups; no row, and a message, when the index can't be read.
   void Fill();
 
   const std::vector<TRestoreRow>& Rows() const {
     return m_rows;
   }
 
-  // Each expects the index of a row. Restore asks first, Remove does not. Remove answers whether the row is
-  // gone; View nothing when the file can't be shown.
+  // Each expects the index of a row. Restore asks first, Remove does not. Remove returns whether the row is
+  // gone; View returns nullopt when the file can't be shown, and has told the user.
   void Restore(std::size_t row);
   bool Remove(std::size_t row);
   std::optional<TBackupView> View(std::size_t row);

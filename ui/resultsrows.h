@@ -31,7 +31,7 @@ class TResultsRows {
  public:
   // What the rows ask of the window they are shown in.
   struct THost {
-    std::function<bool()> ConfirmIgnore;                    // the user said Yes
+    std::function<bool()> ConfirmIgnore;                    // whether the user chose Yes
     std::function<void(const Text& entry)> AddIgnoreEntry;  // puts an entry on the ignore list
     std::function<void()> SummaryChanged;
   };
@@ -65,7 +65,7 @@ class TResultsRows {
 
   // After the user has chosen in the selected problem's list. Ignoring asks first, and removes the row;
   // its neighbour in the section is selected then, or the next section where it was the only one.
-  // Nothing for a place that the list does not have, such as -1: no place is chosen.
+  // A place that the list does not have, such as -1 for no choice, changes no row.
   void Choose(std::int32_t choice);
 
   // After a repair: removes the rows it has marked, and the headers left without rows; recounts the others.

@@ -18,7 +18,7 @@ void CollectLeaves(TTreeNode* node, std::vector<TSectionsNode*>& leaves) {
 }
 
 // What a group shows when the tree is filled: unlike after a click, a group below it that is checked in part
-// counts for nothing.
+// counts as unchecked.
 TCheckState StateOfGroup(const TTreeNode& group) {
   const auto isChecked = [](const auto& child) { return child->State == TCheckState::Checked; };
   if (std::none_of(group.Children.begin(), group.Children.end(), isChecked))

@@ -23,7 +23,7 @@ class TSectionsTreeModel : public TSectionsTree {
   // Every section ticked.
   TSectionsTreeModel();
 
-  // Ticks what the user's settings say; everything where they say nothing. Nothing is written.
+  // Ticks the sections that the user's settings name; all where they name none. The settings are only read.
   void LoadChecks(TSystem& system);
 
   // Writes a boolean for every section, named by its code. A key that can't be created is no error.

@@ -1,5 +1,5 @@
-// What lies around the program: the help file, the suite's other programs and its pages. Every call is the
-// shell's, and nobody looks at its result.
+// What lies around the program: the help file, the suite's other programs and its pages. Every call goes to
+// the shell, and its result is not looked at.
 #pragma once
 
 #include <string_view>

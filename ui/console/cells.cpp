@@ -12,7 +12,7 @@ struct TRange {
   char32_t Last;
 };
 
-// Ranges of the property East_Asian_Width W and F, joined where nothing but unassigned numbers lies between.
+// Ranges of the property East_Asian_Width W and F, joined where only unassigned numbers lie between.
 constexpr std::array kWide = std::to_array<TRange>({
     {0x1100, 0x115F},   {0x231A, 0x231B},   {0x2329, 0x232A},   {0x23E9, 0x23EC},   {0x23F0, 0x23F0},
     {0x23F3, 0x23F3},   {0x25FD, 0x25FE},   {0x2614, 0x2615},   {0x2648, 0x2653},   {0x267F, 0x267F},

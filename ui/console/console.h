@@ -33,9 +33,9 @@ class TConsole {
 
 // The program's exit codes.
 enum class TExitCode : int {
-  Done = 0,           // nothing was found, or everything was repaired, restored or changed as asked
+  Done = 0,           // no problem was found, or everything was repaired, restored or changed as asked
   SomethingLeft = 1,  // problems were found, or some were not repaired, restored or there to be changed
-  WrongUsage = 2,     // nothing was done
+  WrongUsage = 2,     // no command was run
   Failed = 3,         // with the reason on standard error
   Interrupted = 4,    // by the interrupt key, after something was changed
 };

@@ -25,7 +25,7 @@ class TTextGeometry {
   // measure returns the width of a text without line ends. The lines must outlive this object.
   TTextGeometry(const TTextLines& lines, std::function<int(TextView)> measure);
 
-  // Of the widest line. Nothing is farther to the right than 2^30 pixels: what would be lies there.
+  // Of the widest line. At most 2^30 pixels: what would lie farther to the right is placed there.
   int Widest() const {
     return m_widest;
   }

@@ -14,7 +14,7 @@ enum class TTreeKey { Up, Down, Left, Right, Home, End, PageUp, PageDown, Open, 
 
 class TTreeKeys {
  public:
-  // closes: whether the user may close nodes; keys that would close one do nothing otherwise.
+  // closes: whether the user may close nodes; otherwise keys that would close one have no effect.
   TTreeKeys(TTreeModel& model, TTreeLayout& layout, bool closes);
 
   // Opens or closes the selected row, or returns the row that the key moves the selection to: the selected

@@ -1,5 +1,5 @@
-// Where the rows of a tree lie. Only open nodes' children have rows. Nothing here costs more with more rows
-// than a search in a sorted list, once the heights have been added up.
+// Where the rows of a tree lie. Only open nodes' children have rows. Once the heights have been added
+// up, each call costs no more than a search in a sorted list of the rows.
 #pragma once
 
 #include <cstdint>

@@ -49,7 +49,7 @@ class TTreeModel {
   TTreeNode* Add(TTreeNode* parent, std::unique_ptr<TTreeNode> node);
   void Delete(TTreeNode* node);
 
-  // Deletes every child of parent that the test answers true for, in one pass.
+  // Deletes every child of parent that test returns true for, in one pass.
   void DeleteChildren(TTreeNode* parent, const std::function<bool(const TTreeNode&)>& test);
 
   TTreeNode* FirstRoot() const;
