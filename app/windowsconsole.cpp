@@ -9,8 +9,9 @@ namespace corvalt {
 
 namespace {
 
-constexpr DWORD kBlock = 65536;        // bytes of one writing
-constexpr DWORD kConsoleBlock = 4096;  // units of one writing; a console takes no more than 64 KB at once
+constexpr DWORD kBlock = 65536;  // bytes of one writing
+constexpr DWORD kConsoleBlock =
+    4096;  // units of one writing (WriteConsole, learn.microsoft.com: under 64 KB)
 constexpr SHORT kUsualWidth = 80;
 
 // The system hands the interrupt to a routine without an argument, on a thread of its own.

@@ -11,7 +11,7 @@ namespace corvalt {
 
 class TAccessible : public IAccessible {
  public:
-  // The answer to WM_GETOBJECT for the control's client object. Takes over the object.
+  // The result of WM_GETOBJECT for the control's client object. Takes over the object.
   static LRESULT Answer(TAccessible* object, WPARAM wParam);
 
   // IUnknown

@@ -129,14 +129,14 @@ class TTextMeter {
   }
 
  private:
-  // The width of a unit that the system draws beside others as it is. None for a character that joins others,
-  // and for one half of a surrogate pair.
+  // The width of a unit that the system draws beside others as it is. nullopt for a character that joins
+  // others, and for one half of a surrogate pair.
   std::optional<int> WidthOfUnit(char16_t unit) const;
 
   TGdiObject m_font;
   TMemoryDc m_dc;
   int m_height = 0;
-  // By unit, as far as they are known.
+  // By unit; filled as texts are measured.
   mutable std::vector<int> m_widths;
 };
 

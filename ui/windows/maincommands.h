@@ -1,4 +1,4 @@
-// What the main window can be told to do: one table for its menus, toolbar, links, context menu and keys.
+// The commands of the main window: one table for its menus, toolbar, links, context menu and keys.
 #pragma once
 
 #include <vector>
@@ -19,7 +19,7 @@ enum class TMenuPlace {
 
 class TMainCommands {
  public:
-  // One thing that the window can be told to do. The order of the table is the order in each menu, in the
+  // One command. The order of the table is the order in each menu, in the
   // toolbar and among the links.
   struct TAction {
     int Command = 0;
@@ -29,7 +29,7 @@ class TMainCommands {
     int Image = kNoPicture;                   // with a picture it has a toolbar button and a link as well
     TextView Key = {};                        // the name of its key, shown behind the caption in a menu
     bool (TRegMain::*May)() const = nullptr;  // whether it may be done now; null: always
-    void (TMainCommands::*Do)() = nullptr;    // null: an entry that does nothing
+    void (TMainCommands::*Do)() = nullptr;    // nullptr: an entry without a command
   };
 
   // Everything must outlive this object.

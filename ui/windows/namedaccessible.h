@@ -1,5 +1,5 @@
 // The system's own object for a window, as assistive technology sees it, with a name, a role or a description
-// that the system can't know.
+// that the system has no way to find out.
 #pragma once
 
 #include <optional>
@@ -16,7 +16,7 @@ struct TAccessibleFacts {
 
 class TNamedAccessible final : public TAccessible {
  public:
-  // The answer to WM_GETOBJECT for the window's client object; 0 where the system has no object for it.
+  // The result of WM_GETOBJECT for the window's client object; 0 where the system has no object for it.
   static LRESULT Answer(HWND window, WPARAM wParam, TAccessibleFacts facts);
 
   STDMETHODIMP QueryInterface(REFIID id, void** object) override;

@@ -24,7 +24,7 @@ constexpr int kSmallPicture = 16;
 constexpr int kToolbarPicture = 24;
 
 // Posted to itself once the user has made a choice in the row's drop-down list: what follows may ask, or take
-// the row away, and the list is in the middle of closing when it tells.
+// the row away, and the list sends its notice while it is still closing.
 constexpr UINT kTakeChoice = WM_APP + 1;
 
 // Whether a context menu that is asked for at this place is asked for with a key.
@@ -214,7 +214,7 @@ LRESULT TfrmRegMain::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       OnClose();
       return 0;
     case WM_ENDSESSION:
-      // The system ends the program as soon as this is answered.
+      // The system ends the program as soon as this message is handled.
       if (wParam != FALSE)
         OnClose();
       return 0;
@@ -412,7 +412,7 @@ void TfrmRegMain::ShowContextMenu(POINT place) {
 }
 
 void TfrmRegMain::TakeChoice() {
-  // The list may tell of one choice twice, and the question about it lets messages through.
+  // The list may send its notice of one choice twice, and the question about it lets messages through.
   if (m_isTakingChoice || !m_rowWidgets.ChoiceDiffers())
     return;
   m_isTakingChoice = true;

@@ -1,4 +1,4 @@
-// TfrmRegMain: the main window's frame. Its menus, bars, trees and row controls are rooms of their own.
+// TfrmRegMain: the main window's frame. Its menus, bars, trees and row controls have files of their own.
 #pragma once
 
 #include "ui/regmain.h"

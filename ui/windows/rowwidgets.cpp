@@ -121,7 +121,7 @@ void TRowWidgets::Place() {
   }
   for (const auto& [control, left] : {std::pair{m_chooser, chooserLeft}, std::pair{m_button, buttonLeft}}) {
     SetWindowPos(control, nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-    // What is parked does not take the keyboard.
+    // Controls outside the window do not take the keyboard.
     const bool isParked = left == kParked;
     if (isParked && GetFocus() == control)
       SetFocus(m_tree.Handle());
@@ -162,7 +162,7 @@ bool TRowWidgets::IsChoiceMade(int notice) {
         ShowChoice();
       return !m_isCancelled;
     case CBN_SELCHANGE:
-      // In the open list it says where the user is looking.
+      // While the list is open this is the entry under the mouse, not yet a choice.
       return !ListIsOpen();
     default:
       return false;
@@ -206,7 +206,7 @@ bool TRowWidgets::MoveFocus(HWND window, bool isBack) {
   const auto* const stop = std::find(stops.begin(), stops.end(), GetFocus());
   if (stop == stops.end() || !IsWindowEnabled(m_chooser) || (isBack && stop == stops.begin()))
     return false;
-  // What has the keyboard is drawn so from now on.
+  // From now on the control with the keyboard is drawn as such.
   ::SendMessageW(window, WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS), 0);
   if (!isBack && stop + 1 == stops.end()) {
     SetFocus(GetNextDlgTabItem(window, m_tree.Handle(), FALSE));

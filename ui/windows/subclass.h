@@ -10,7 +10,7 @@ namespace corvalt {
 
 class TSubclass {
  public:
-  // Returns what the message is answered with, or nullopt for what the control itself does.
+  // Returns the result of the message, or nullopt for what the control itself does with it.
   using THandler = std::function<std::optional<LRESULT>(UINT message, WPARAM wParam, LPARAM lParam)>;
 
   TSubclass() = default;
@@ -18,8 +18,8 @@ class TSubclass {
   TSubclass(const TSubclass&) = delete;
   TSubclass& operator=(const TSubclass&) = delete;
 
-  // Expects a control of this thread whose user data nothing else uses. The handler is called until the
-  // control or this object goes.
+  // Expects a control of this thread whose user data (GWLP_USERDATA) is not used otherwise. The handler is
+  // called until the control or this object goes.
   void Attach(HWND control, THandler handler);
 
  private:

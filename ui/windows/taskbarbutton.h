@@ -9,7 +9,7 @@
 
 namespace corvalt {
 
-// As a window of ours uses it.
+// The button as the windows use it; tests have another one.
 class TTaskbarButton {
  public:
   virtual ~TTaskbarButton() = default;

@@ -8,7 +8,7 @@ namespace corvalt {
 
 class TTextAccessible final : public TAccessible {
  public:
-  // The answer to WM_GETOBJECT for the window's client object.
+  // The result of WM_GETOBJECT for the window's client object.
   static LRESULT Answer(HWND window, WPARAM wParam);
 
   // IAccessible

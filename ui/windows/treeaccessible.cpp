@@ -33,7 +33,7 @@ STDMETHODIMP TTreeAccessible::get_accChildCount(LONG* count) {
 
 STDMETHODIMP TTreeAccessible::get_accChild(VARIANT child, IDispatch** object) {
   *object = nullptr;
-  // Rows are no objects of their own: clients speak to this one and say the row's number.
+  // Rows are no objects of their own: clients call this one with the row's number.
   return RowOf(child) != nullptr ? S_FALSE : E_INVALIDARG;
 }
 

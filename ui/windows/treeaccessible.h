@@ -11,7 +11,7 @@ class TTreeControl;
 
 class TTreeAccessible final : public TAccessible {
  public:
-  // The answer to WM_GETOBJECT for the control's client object.
+  // The result of WM_GETOBJECT for the control's client object.
   static LRESULT Answer(TTreeControl& control, WPARAM wParam);
 
   STDMETHODIMP get_accChildCount(LONG* count) override;

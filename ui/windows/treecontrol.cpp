@@ -128,7 +128,7 @@ LRESULT TTreeControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_COMMAND:
     case WM_MEASUREITEM:
     case WM_DRAWITEM:
-      // The controls that ride on the selected row speak to the owner's window.
+      // The controls on the selected row send their notices to the owner's window.
       return ::SendMessageW(GetParent(Handle()), message, wParam, lParam);
     case WM_THEMECHANGED:
     case WM_SYSCOLORCHANGE:

@@ -22,7 +22,7 @@ namespace corvalt {
 
 class TTreeAccessible;
 
-// What the control asks of its owner, and tells it.
+// What the control needs of its owner, and the events that it reports.
 class TTreeControlOwner {
  public:
   virtual ~TTreeControlOwner() = default;

@@ -226,7 +226,7 @@ void TTreeControl::SetOpen(TTreeNode* node, bool open) {
   m_model.SetExpanded(node, open);
   Refresh();
   Announce(EVENT_OBJECT_STATECHANGE, node);
-  // A row that is hidden can't stay selected: keys would act on what nobody sees.
+  // A row that is hidden can't stay selected: keys would act on a row that the user does not see.
   if (!open && IsBelow(m_model.Selected(), node))
     MoveSelection(node);
 }
