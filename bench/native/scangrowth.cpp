@@ -89,7 +89,7 @@ void AddLinksToParts(TMemoryScan& scan, std::size_t count) {
   }
 }
 
-// The same with names that differ in their ends alone: nothing tells the parts apart for 70 letters.
+// The same with names that differ only in their ends: the parts are the same for 70 letters.
 void AddLinksToPartsOfLikeNames(TMemoryScan& scan, std::size_t count) {
   const Text stem(100, u'a');
   for (std::size_t i = 0; i < count; ++i) {
@@ -138,7 +138,7 @@ std::size_t StatusBytes(const std::string& name) {
   return 0;
 }
 
-// Lets the peak begin at what is in use now, and answers that.
+// Lets the peak begin at what is in use now, and returns that.
 std::size_t BeginPeak() {
   malloc_trim(0);
   std::ofstream("/proc/self/clear_refs") << "5";

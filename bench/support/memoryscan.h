@@ -1,4 +1,4 @@
-// A scan over a registry and a disk in memory, with real trees and nobody to look at it.
+// A scan over a registry and a disk in memory, with real trees and no window.
 #pragma once
 
 #include <vector>
@@ -15,10 +15,10 @@ namespace corvalt {
 
 class TMemoryScan {
  public:
-  // A machine with the usual folders on its fixed drive C: and nothing in its registry.
+  // A machine with the usual folders on its fixed drive C: and an empty registry.
   TMemoryScan();
 
-  // Runs the sections with these codes and answers the seconds of
+  // Runs the sections with these codes and returns the seconds of
   // processor time it took, all threads together. Throws what ended the scan early.
   double Run(const std::vector<std::int32_t>& sectionCodes);
 

@@ -17,7 +17,7 @@ namespace corvalt {
 
 namespace {
 
-constexpr int kRounds = 5;  // unless the command line says another number
+constexpr int kRounds = 5;  // unless the command line gives another number
 constexpr TextView kTopPath = u"\\Software\\CorvaltRegFileSpeed";
 
 void Expect(TRawResult result) {

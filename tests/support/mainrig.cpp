@@ -26,7 +26,7 @@ TAnswer TListeningShell::ShowMessage(TextView text, TextView title, TMessageKind
   return answer;
 }
 
-// What it is told goes to its record; that it is told nothing after its end is left to the sanitizers too.
+// Every call goes to its record. A call after its end is a use after free, which the sanitizers find.
 class TMainRig::TDialog : public TProgressView {
  public:
   TDialog(TMainRig& rig, TDialogRecord& record) : m_rig(rig), m_record(&record) {

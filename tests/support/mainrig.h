@@ -1,5 +1,5 @@
 // The main window's work over a system in memory, with a window and progress dialogs that remember what they
-// were told, and a user who does what a test says.
+// were told, and a user who does what a test prescribes.
 #pragma once
 
 #include <deque>
@@ -40,7 +40,7 @@ class TMainRig : private TRegMainView {
  public:
   TMainRig();
 
-  // A value that names a missing file: a problem of the section with code 22 that names nothing else. The
+  // A value that names a missing file: a problem that only the section with code 22 reports. The
   // number tells them apart.
   static constexpr std::int32_t kSection = 22;
   void Break(int number);
@@ -48,7 +48,7 @@ class TMainRig : private TRegMainView {
   bool IsBroken(int number) const;
 
   // What the user does with the next dialogs, each while it is open; it closes when the routine ends, as its
-  // record says then. Without a routine the user waits for the thread's end.
+  // record shows then. Without a routine the user waits for the thread's end.
   using TUser = std::function<void(TDialogRecord&)>;
   std::deque<TUser> Users;
 

@@ -1,5 +1,5 @@
-// Registry contents made to be hard to write down: names and data that a text file can't say, or says in more
-// than one way. The same seed gives the same contents everywhere.
+// Registry contents made to be hard to write down: names and data that a text file can't hold, or holds in
+// more than one way. The same seed gives the same contents everywhere.
 #pragma once
 
 #include <cstdint>

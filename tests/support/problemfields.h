@@ -25,7 +25,7 @@ Text NumberedName(TextView prefix, int number);
 // What the dialog shows when a section begins.
 std::vector<std::string> SectionStart(const std::string& progressName, int overallPosition);
 
-// The updates of a section that runs alone: its start, then these.
+// The updates of a section that runs as the only one: its start, then these.
 std::vector<std::string> UpdatesOf(const std::string& progressName, const std::vector<std::string>& updates);
 
 // Runs a section once to its end and then again for every read of the registry, telling the thread to
@@ -35,7 +35,7 @@ void ExpectConsistentWhereverCancelled(TScanRig& rig, std::int32_t sectionCode);
 
 // Problems written as one line each, for comparing whole lists with lists made by hand.
 
-// Every field: "80000001 | \Key | name | data | description | kind 2, image -1" and what kUsual says.
+// Every field: "80000001 | \Key | name | data | description | kind 2, image -1" and the text of kUsual.
 std::string FieldsOf(const ScanProblem& problem);
 std::vector<std::string> AllFields(const std::vector<ScanProblem>& problems);
 

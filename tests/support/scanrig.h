@@ -27,12 +27,12 @@ class TRecordingDialog : public TProgressDialog {
   std::vector<std::string> Updates;
 };
 
-// Texts that say their number and their arguments: "11044", "11045(a)", "11042(a|b)".
+// Texts made of their number and their arguments: "11044", "11045(a)", "11042(a|b)".
 TLanguageTexts NumberedTexts();
 
 class TScanRig {
  public:
-  // A Windows XP machine with the usual folders on its fixed drive C: and nothing in its registry.
+  // A Windows XP machine with the usual folders on its fixed drive C: and an empty registry.
   explicit TScanRig(TNameOrder order = TNameOrder::Windows);
 
   // Runs the sections with these codes to their end.
