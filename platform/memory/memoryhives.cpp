@@ -139,8 +139,8 @@ TMemoryKeyPointer TMemoryHives::Build(const TOpenMemoryKey& from, const std::vec
   return key;
 }
 
-TRawResult TMemoryHives::Create(const TOpenMemoryKey& from, const std::vector<Text>& names, const TNewKey& newKey,
-                                TMemoryKeyPointer& created) {
+TRawResult TMemoryHives::Create(const TOpenMemoryKey& from, const std::vector<Text>& names,
+                                const TNewKey& newKey, TMemoryKeyPointer& created) {
   if (!from || !KeyNamesFit(names))
     return TRawResult::Failed;
   TMemoryKeyPointer parent = from.Beneath ? from.Beneath : from.Key;
