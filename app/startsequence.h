@@ -3,6 +3,7 @@
 
 #include "core/globalregs.h"
 #include "core/globals.h"
+#include "core/languagetexts.h"
 #include "system/system.h"
 
 namespace corvalt {

@@ -1,9 +1,14 @@
 // The console program's standard handles, which may be a console, a file or a pipe each.
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <mutex>
+#include <string_view>
 
+#include "base/text.h"
 #include "platform/windows/windowsapi.h"
+#include "system/systemerror.h"
 #include "ui/console/console.h"
 
 namespace corvalt {

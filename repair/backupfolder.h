@@ -8,11 +8,14 @@
 #include <optional>
 #include <span>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
+#include "base/text.h"
 #include "core/globals.h"
 #include "formats/inifile.h"
 #include "system/system.h"
+#include "system/systemerror.h"
 
 namespace corvalt {
 

@@ -5,6 +5,7 @@
 #include <functional>
 #include <vector>
 
+#include "base/text.h"
 #include "core/globals.h"
 #include "formats/inifile.h"
 #include "repair/backupfolder.h"

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <utility>
 
 #include "base/text.h"
 #include "system/systemlocale.h"

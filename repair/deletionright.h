@@ -9,6 +9,8 @@
 
 #include "base/digest.h"
 #include "base/keypaths.h"
+#include "base/text.h"
+#include "system/registryvalues.h"
 #include "system/system.h"
 
 namespace corvalt {

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "base/text.h"
 #include "core/globalregs.h"
 #include "scan/scanproblem.h"
 #include "system/system.h"

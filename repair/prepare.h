@@ -1,9 +1,12 @@
 // TPrepare: the worker thread that tidies up the backups once, when the program starts.
 #pragma once
 
+#include <functional>
+
 #include "core/globals.h"
 #include "core/workerthread.h"
 #include "system/system.h"
+#include "system/uithread.h"
 
 namespace corvalt {
 

@@ -4,9 +4,12 @@
 
 #include <memory>
 
+#include "base/keypaths.h"
+#include "base/text.h"
 #include "repair/backupstore.h"
 #include "repair/deletionright.h"
 #include "scan/scanproblem.h"
+#include "system/registryvalues.h"
 #include "system/system.h"
 
 namespace corvalt {

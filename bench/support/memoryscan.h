@@ -1,6 +1,8 @@
 // A scan over a registry and a disk in memory, with real trees and no window.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "core/globalregs.h"

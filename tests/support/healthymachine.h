@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/text.h"
 #include "tests/support/scanrig.h"
 
 namespace corvalt {

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 
 #include "base/keypaths.h"
+#include "base/text.h"
 
 namespace corvalt {
 

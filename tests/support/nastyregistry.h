@@ -2,10 +2,13 @@
 // more than one way. The same seed gives the same contents everywhere.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
+#include "base/text.h"
 #include "system/rawregistry.h"
+#include "system/registryvalues.h"
 
 namespace corvalt {
 

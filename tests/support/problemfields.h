@@ -1,9 +1,12 @@
 // Expected problems with all their fields, for comparison with those of a scan.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "base/keypaths.h"
+#include "base/text.h"
 #include "scan/scanproblem.h"
 #include "tests/support/scanrig.h"
 

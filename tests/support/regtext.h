@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/text.h"
 #include "platform/memory/memoryregistry.h"
 
 namespace corvalt {

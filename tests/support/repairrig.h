@@ -1,13 +1,20 @@
 // A repair of a results tree over a registry and a disk in memory, built by hand or found by a scan.
 #pragma once
 
+#include <cstdint>
 #include <exception>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "base/keypaths.h"
+#include "base/text.h"
+#include "core/workerthread.h"
+#include "platform/memory/memoryhives.h"
+#include "repair/backupstore.h"
 #include "repair/restoredeleted.h"
 #include "repair/threadclean.h"
+#include "scan/scanproblem.h"
 #include "tests/support/scanrig.h"
 
 namespace corvalt {

@@ -2,13 +2,19 @@
 // shown.
 #pragma once
 
+#include <cstdint>
 #include <exception>
 #include <string>
 #include <vector>
 
+#include "base/text.h"
 #include "core/globalregs.h"
 #include "core/globals.h"
+#include "core/languagetexts.h"
+#include "platform/memory/memoryhives.h"
 #include "platform/memory/memorysystem.h"
+#include "scan/scanproblem.h"
+#include "scan/scantrees.h"
 #include "scan/threadscan.h"
 #include "system/queueuithread.h"
 #include "ui/resultstree.h"

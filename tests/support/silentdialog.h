@@ -1,6 +1,9 @@
 // A progress dialog for scans that nobody watches.
 #pragma once
 
+#include <cstdint>
+
+#include "base/text.h"
 #include "scan/scantrees.h"
 
 namespace corvalt {

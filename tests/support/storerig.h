@@ -2,12 +2,18 @@
 #pragma once
 
 #include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
+#include "base/text.h"
+#include "core/globals.h"
+#include "formats/ioregistry.h"
 #include "platform/memory/memorysystem.h"
+#include "repair/backupname.h"
 #include "repair/backupstore.h"
+#include "repair/deletionright.h"
+#include "system/system.h"
+#include "system/systemlocale.h"
 #include "tests/support/keyat.h"
 #include "tests/support/scanrig.h"
 

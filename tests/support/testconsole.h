@@ -1,12 +1,17 @@
 // A console that remembers what was written to it, and the console program run on it over a system in memory.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
 
+#include "base/text.h"
+#include "core/languagetexts.h"
+#include "system/systemerror.h"
 #include "tests/support/scanrig.h"
+#include "ui/console/console.h"
 #include "ui/console/consoleprogram.h"
 
 namespace corvalt {

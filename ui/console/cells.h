@@ -1,6 +1,8 @@
 // How many columns of a terminal a text takes.
 #pragma once
 
+#include <cstddef>
+
 #include "base/text.h"
 
 namespace corvalt {

@@ -5,10 +5,12 @@
 #include <functional>
 #include <string_view>
 
+#include "base/text.h"
 #include "core/globalregs.h"
 #include "core/globals.h"
 #include "system/queueuithread.h"
 #include "system/system.h"
+#include "system/systemerror.h"
 
 namespace corvalt {
 

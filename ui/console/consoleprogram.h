@@ -4,7 +4,11 @@
 #include <functional>
 #include <vector>
 
+#include "base/text.h"
+#include "core/globalregs.h"
+#include "core/globals.h"
 #include "core/languagetexts.h"
+#include "system/system.h"
 #include "ui/console/console.h"
 
 namespace corvalt {

@@ -1,11 +1,17 @@
 // What the commands write, with the reason told when it can't be written.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
 
+#include "base/text.h"
+#include "core/languageids.h"
+#include "core/languagetexts.h"
+#include "system/filestore.h"
+#include "system/systemerror.h"
 #include "ui/console/console.h"
 
 namespace corvalt {

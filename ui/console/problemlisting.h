@@ -1,8 +1,10 @@
 // The results tree as a person reads it on a console.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
+#include "base/text.h"
 #include "scan/scantrees.h"
 #include "ui/console/console.h"
 

@@ -1,8 +1,11 @@
 // What a command shows and listens to while a worker runs.
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <utility>
 
+#include "base/text.h"
 #include "scan/scantrees.h"
 #include "ui/console/console.h"
 

@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "repair/threadclean.h"
+#include "scan/scantrees.h"
 #include "ui/console/console.h"
 
 namespace corvalt {

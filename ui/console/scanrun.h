@@ -2,6 +2,7 @@
 #pragma once
 
 #include "scan/scantrees.h"
+#include "ui/console/console.h"
 #include "ui/console/workerrun.h"
 
 namespace corvalt {

@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "core/workerthread.h"
+#include "ui/console/console.h"
 #include "ui/console/progressline.h"
 
 namespace corvalt {

@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "base/text.h"
 #include "ui/windows/controlsapi.h"
 
 namespace corvalt {

@@ -1,6 +1,11 @@
 // Tfrmignorereg: the ignore list manager.
 #pragma once
 
+#include "base/text.h"
+#include "core/globalregs.h"
+#include "core/globals.h"
+#include "core/languagetexts.h"
+#include "system/system.h"
 #include "ui/ignorelistmodel.h"
 #include "ui/windows/controlsapi.h"
 #include "ui/windows/modalwindow.h"

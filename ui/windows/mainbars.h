@@ -1,6 +1,8 @@
 // The main window's menus, toolbar and status bar, made from the table of its actions.
 #pragma once
 
+#include "base/text.h"
+#include "core/languagetexts.h"
 #include "ui/summary.h"
 #include "ui/windows/gdi.h"
 #include "ui/windows/maincommands.h"

@@ -3,6 +3,11 @@
 
 #include <vector>
 
+#include "base/text.h"
+#include "core/globalregs.h"
+#include "core/globals.h"
+#include "core/languageids.h"
+#include "system/system.h"
 #include "ui/regmain.h"
 #include "ui/windows/commands.h"
 #include "ui/windows/controlsapi.h"

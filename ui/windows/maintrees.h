@@ -2,8 +2,14 @@
 #pragma once
 
 #include <functional>
+#include <utility>
 
+#include "base/text.h"
+#include "core/languageids.h"
+#include "core/languagetexts.h"
 #include "ui/regmain.h"
+#include "ui/tree/row.h"
+#include "ui/tree/treemodel.h"
 #include "ui/windows/treecontrol.h"
 
 namespace corvalt {

@@ -3,6 +3,7 @@
 
 #include <initializer_list>
 
+#include "base/text.h"
 #include "ui/windows/focuskeeper.h"
 #include "ui/windows/gdi.h"
 #include "ui/windows/window.h"

@@ -4,6 +4,7 @@
 
 #include <optional>
 
+#include "base/text.h"
 #include "ui/windows/accessible.h"
 
 namespace corvalt {

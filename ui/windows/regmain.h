@@ -1,8 +1,21 @@
 // TfrmRegMain: the main window's frame. Its menus, bars, trees and row controls have files of their own.
 #pragma once
 
+#include <exception>
+#include <memory>
+#include <vector>
+
+#include "base/text.h"
+#include "core/globalregs.h"
+#include "core/globals.h"
+#include "core/languageids.h"
+#include "system/system.h"
+#include "system/uithread.h"
+#include "ui/progresstexts.h"
 #include "ui/regmain.h"
+#include "ui/summary.h"
 #include "ui/windows/focuskeeper.h"
+#include "ui/windows/gdi.h"
 #include "ui/windows/images.h"
 #include "ui/windows/mainbars.h"
 #include "ui/windows/maincommands.h"

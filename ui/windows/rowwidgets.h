@@ -1,6 +1,9 @@
 // The drop-down list and the button that ride on the selected problem's third line in the results tree.
 #pragma once
 
+#include <cstdint>
+#include <optional>
+
 #include "ui/resultsrows.h"
 #include "ui/resultstree.h"
 #include "ui/windows/gdi.h"

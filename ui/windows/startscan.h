@@ -1,7 +1,12 @@
 // TfrmScan: the progress dialog of scan and repair.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+
+#include "base/text.h"
 #include "core/languagetexts.h"
+#include "ui/progresstexts.h"
 #include "ui/regmain.h"
 #include "ui/windows/images.h"
 #include "ui/windows/modalwindow.h"

@@ -2,7 +2,11 @@
 // it shows the first line; this one looks at the lines in sight.
 #pragma once
 
+#include <cstddef>
+
+#include "base/text.h"
 #include "ui/text/textgeometry.h"
+#include "ui/text/textlines.h"
 #include "ui/windows/gdi.h"
 #include "ui/windows/scrolling.h"
 #include "ui/windows/window.h"

@@ -1,6 +1,7 @@
 // A tip: a text that the system shows while the mouse rests on a control.
 #pragma once
 
+#include "base/text.h"
 #include "ui/windows/controlsapi.h"
 
 namespace corvalt {

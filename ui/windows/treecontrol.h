@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 
+#include "base/text.h"
 #include "ui/tree/row.h"
 #include "ui/tree/treegeometry.h"
 #include "ui/tree/treekeys.h"

@@ -1,8 +1,11 @@
 // Paints the rows of a tree control.
 #pragma once
 
+#include "base/text.h"
 #include "ui/tree/row.h"
 #include "ui/tree/treegeometry.h"
+#include "ui/tree/treelayout.h"
+#include "ui/tree/treemodel.h"
 #include "ui/windows/gdi.h"
 
 namespace corvalt {

@@ -3,6 +3,7 @@
 
 #include <exception>
 
+#include "base/text.h"
 #include "ui/windows/controlsapi.h"
 
 namespace corvalt {
