@@ -4,6 +4,7 @@
 
 #include "base/lettercase.h"
 #include "core/languagetexts.h"
+#include "repair/backuplog.h"
 #include "repair/backuporigin.h"
 
 namespace corvalt {
@@ -45,13 +46,17 @@ std::optional<TRestoreEnd> ObstacleOf(const TRegFileFacts& facts, TSystem& syste
   return std::nullopt;
 }
 
-Text LossesText(const TGlobalVars& vars, const TImportResult& import) {
-  return CountText(vars, TextId::AttributesNotWritten, import.AttributesLost);
+// What a restore that is complete may lack all the same.
+Text LossesText(const TGlobalVars& vars, const TRestoreOutcome& outcome) {
+  Text text = CountText(vars, TextId::AttributesNotWritten, outcome.Import.AttributesLost);
+  if (!outcome.LogFailure.empty())
+    text.append(kLineEnd).append(Say(vars, TextId::ChangesNotListed, outcome.LogFailure));
+  return text;
 }
 
-Text FailuresText(const TGlobalVars& vars, const TImportResult& import) {
-  return SkippedLinesText(vars, import) + CountText(vars, TextId::EntriesNotWritten, import.WritesFailed) +
-         LossesText(vars, import);
+Text FailuresText(const TGlobalVars& vars, const TRestoreOutcome& outcome) {
+  return SkippedLinesText(vars, outcome.Import) +
+         CountText(vars, TextId::EntriesNotWritten, outcome.Import.WritesFailed) + LossesText(vars, outcome);
 }
 
 TRestoreEnd EndOf(const TImportResult& import, bool isWhole) {
@@ -101,7 +106,11 @@ TRestoreOutcome RestoreBackup(TSystem& system, const TGlobalVars& vars, TextView
     outcome.End = *obstacle;
     return outcome;
   }
-  outcome.Import = TIORegistry(*registry.Registry, system.Locale).Import(bytes, {false, guide.Stop});
+  TBackupLog log(system, vars, name, TBackupLog::TRun::Restore);
+  TLoggedRawRegistry logged(*registry.Registry, log);
+  outcome.Import = TIORegistry(logged, system.Locale).Import(bytes, {false, guide.Stop});
+  log.Finish();
+  outcome.LogFailure = DescribeException(log.Failure(), system.Locale);
   outcome.End = EndOf(outcome.Import, facts.IsWhole);
   return outcome;
 }
@@ -119,7 +128,7 @@ Text DescribeRestore(const TRestoreOutcome& outcome, TextView rowCaption, const 
   };
   switch (outcome.End) {
     case TRestoreEnd::Restored:
-      return say(TextId::RestoreDone) + LossesText(vars, outcome.Import);
+      return say(TextId::RestoreDone) + LossesText(vars, outcome);
     case TRestoreEnd::NoFile:
       return say(TextId::BackupMissing);
     case TRestoreEnd::NotABackup:
@@ -131,15 +140,15 @@ Text DescribeRestore(const TRestoreOutcome& outcome, TextView rowCaption, const 
     case TRestoreEnd::Refused:
       return {};
     case TRestoreEnd::NotRestored:
-      return say(TextId::NothingRestored) + FailuresText(vars, outcome.Import);
+      return say(TextId::NothingRestored) + FailuresText(vars, outcome);
     case TRestoreEnd::Stopped:
       return Plain(vars, TextId::RestoreStopped, Number(outcome.Import.KeysWritten),
                    Number(outcome.Import.ValuesWritten)) +
-             FailuresText(vars, outcome.Import);
+             FailuresText(vars, outcome);
     case TRestoreEnd::Incomplete:
       break;
   }
-  return say(TextId::RestoreIncomplete) + FailuresText(vars, outcome.Import);
+  return say(TextId::RestoreIncomplete) + FailuresText(vars, outcome);
 }
 
 }  // namespace corvalt

@@ -53,10 +53,12 @@ struct [[nodiscard]] TRestoreOutcome {
   TRestoreEnd End = TRestoreEnd::NoFile;
   TImportResult Import;
   TSystemError Error;
+  Text LogFailure;  // why the log beside the backup is not whole, in the user's words; empty when it is
 };
 
 // Replays the backup's file into the registry, over what is there. The backup stays in the store. Lines that
 // delete something are skipped: no repair writes such lines, and any program of the user can write the file.
+// What is written goes to the backup's log, behind the lines of the repair, which tell what was deleted.
 TRestoreOutcome RestoreBackup(TSystem& system, const TGlobalVars& vars, TextView backupName,
                               const TRestoreGuide& guide = {});
 

@@ -44,11 +44,30 @@ void TCleaning::Repair() {
   TDeletionRight right = PrepareDeletions();
   m_outcome.BackupMade = true;
   try {
-    TProblemDeleter deleter(m_context.System, std::move(right));
-    DeleteProblems(deleter);
+    DeleteLogged(std::move(right));
   } catch (...) {
     EndWith(TextId::RepairFailed);
   }
+}
+
+// However the deletions end, what was changed until then is in the log.
+void TCleaning::DeleteLogged(TDeletionRight right) {
+  TBackupLog log(m_context.System, m_context.Vars, m_backup, TBackupLog::TRun::Repair);
+  TLoggedSystem logged(m_context.System, log);
+  TSystem system = logged.Bundle();
+  try {
+    TProblemDeleter deleter(system, std::move(right));
+    DeleteProblems(deleter);
+  } catch (...) {
+    FinishLog(log);
+    throw;
+  }
+  FinishLog(log);
+}
+
+void TCleaning::FinishLog(TBackupLog& log) {
+  log.Finish();
+  m_outcome.LogFailure = DescribeException(log.Failure(), m_context.System.Locale);
 }
 
 TDeletionRight TCleaning::PrepareDeletions() {
@@ -89,6 +108,7 @@ TDeletionRight TCleaning::MakeBackup() {
   }
   TDeletionRight right = m_store.CommitBackup(name);
   m_outcome.BackupName = name.Value();
+  m_backup = name;
   return right;
 }
 

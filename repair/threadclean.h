@@ -5,10 +5,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "core/globals.h"
 #include "core/workerthread.h"
+#include "repair/backuplog.h"
 #include "repair/backupstore.h"
 #include "repair/problemrepair.h"
 #include "scan/scantrees.h"
@@ -35,6 +37,7 @@ struct TCleaningOutcome {
   std::vector<TResultsNode*> Failed;    // not deleted by the system; marked as removed all the same
   std::vector<TResultsNode*> NotSaved;  // not in the backup, so not touched and not marked
   std::size_t NotReached = 0;           // the repair ended before them
+  Text LogFailure;  // why the log beside the backup is not whole, in the user's words; empty when it is
 };
 
 // When the thread ends early its exception holds a message for the user, which tells whether something was
@@ -54,6 +57,8 @@ class TCleaning final : public TWorkerThread {
 
  private:
   void Repair();
+  void DeleteLogged(TDeletionRight right);
+  void FinishLog(TBackupLog& log);
   TDeletionRight PrepareDeletions();
   TDeletionRight MakeBackup();
   void BackUpChecked();
@@ -74,6 +79,7 @@ class TCleaning final : public TWorkerThread {
   Text ItemText;
   std::int32_t Percent = 0;
   BackupStore m_store;
+  std::optional<TBackupName> m_backup;  // nullopt until it is complete
   TProgressDialog& OwnerDialog;
   std::size_t m_total = 0;
   std::size_t m_checked = 0;

@@ -6,6 +6,7 @@
 
 #include "system/rawregistry.h"
 #include "system/registrystore.h"
+#include "system/system.h"
 
 namespace corvalt {
 
@@ -160,6 +161,25 @@ class TLoggedRawRegistry : public TRawRegistry {
 
   TRawRegistry& m_registry;
   TChangeLog& m_log;
+};
+
+// A whole system, with the changes of its registry reported. System and log must outlive it.
+class TLoggedSystem {
+ public:
+  TLoggedSystem(const TSystem& system, TChangeLog& log)
+      : m_system(system), m_registry(system.Registry, log), m_raw(system.Raw, log) {
+  }
+
+  // Valid as long as this object.
+  TSystem Bundle() {
+    return {m_registry,      m_raw,          m_system.Probe,    m_system.Files,       m_system.Machine,
+            m_system.Locale, m_system.Clock, m_system.TheShell, m_system.Interprocess};
+  }
+
+ private:
+  TSystem m_system;
+  TLoggedRegistry m_registry;
+  TLoggedRawRegistry m_raw;
 };
 
 }  // namespace corvalt

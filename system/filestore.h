@@ -61,7 +61,8 @@ class TOpenFolder {
   // As TFileStore::ReplaceFile.
   virtual TSystemError ReplaceFile(TextView name, std::span<const std::uint8_t> bytes) = 0;
   virtual TSystemError DeleteFile(TextView name) = 0;
-  // Opens a file for writing behind what it holds, and creates it where it is missing.
+  // Opens a file for writing behind what it holds, and creates it where it is missing. Several may write to
+  // one file, each Append in one piece, and whoever deletes it need not wait for them.
   virtual TSystemError GrowFile(TextView name, std::unique_ptr<TGrowingFile>& file) = 0;
 };
 

@@ -166,6 +166,7 @@ void TRegMain::ScanFinished(TWorkerThread& thread) {
 
 void TRegMain::CleaningFinished(TWorkerThread& thread) {
   const Text message = RepairMessage(m_cleaning->Outcome(), m_vars.Texts);
+  const Text logFailure = m_cleaning->Outcome().LogFailure;
   m_cleaning = nullptr;
   if (thread.FatalException())
     m_runEnd = TRunEnd::Failed;
@@ -179,6 +180,8 @@ void TRegMain::CleaningFinished(TWorkerThread& thread) {
   RunEnded();
   if (thread.FatalException())
     ShowFailure(thread.FatalException());
+  if (!logFailure.empty())
+    ShowFailure(Plain(TextId::ChangesNotListed, logFailure));
 }
 
 void TRegMain::RunEnded() {

@@ -264,8 +264,7 @@ TSystemError TWindowsFolder::GrowFile(TextView name, std::unique_ptr<TGrowingFil
   TOwnedFile opened;
   TSystemError error = CheckName(name);
   if (!error.Failed())
-    error = OpenBelow(m_folder.Get(), name, {FILE_APPEND_DATA, FILE_SHARE_READ, FILE_OPEN_IF, kFileAsLink},
-                      opened);
+    error = OpenBelow(m_folder.Get(), name, {FILE_APPEND_DATA, kShareAll, FILE_OPEN_IF, kFileAsLink}, opened);
   if (error.Failed())
     return error;
   if (IsLink(opened.Get()))

@@ -287,6 +287,25 @@ TEST_F(OpenFolderContract, AGrowingFileKeepsWhatItHeld) {
   EXPECT_EQ(Read(u"log"), (TBytes{1, 7, 2, 7}));
 }
 
+// FILE_APPEND_DATA without FILE_WRITE_DATA writes at the file's end, wherever it is by then (NtCreateFile,
+// learn.microsoft.com).
+TEST_F(OpenFolderContract, TwoMayGrowOneFileAndItMayBeDeletedMeanwhile) {
+  const auto folder = OpenedFolder(m_system, m_subject->ScratchFolder());
+  std::unique_ptr<TGrowingFile> first;
+  std::unique_ptr<TGrowingFile> second;
+  ASSERT_EQ(folder->GrowFile(u"log", first), TSystemError{});
+  ASSERT_EQ(folder->GrowFile(u"log", second), TSystemError{});
+  EXPECT_EQ(first->Append(TBytes{1}), TSystemError{});
+  EXPECT_EQ(second->Append(TBytes{2}), TSystemError{});
+  EXPECT_EQ(first->Append(TBytes{3}), TSystemError{});
+  EXPECT_EQ(Read(u"log"), (TBytes{1, 2, 3}));
+  EXPECT_EQ(folder->DeleteFile(u"log"), TSystemError{});
+  EXPECT_EQ(first->Append(TBytes{4}), TSystemError{});
+  first.reset();
+  second.reset();
+  EXPECT_FALSE(folder->Info(u"log").Exists);
+}
+
 TEST_F(FileProbeContract, AFileIsNoFolderAndAFolderNoFile) {
   Write(u"File.txt");
   MakeFolder(u"Folder");

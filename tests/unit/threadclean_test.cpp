@@ -74,7 +74,7 @@ TEST(Repair, LeavesWhatIsNotChecked) {
   EXPECT_EQ(rig.Unmarked(), TLines({"\\Software\\Old|"}));
 }
 
-TEST(Repair, ListsItsBackupThenWritesItThenBeginsToDelete) {
+TEST(Repair, ListsItsBackupThenWritesItThenBeginsToDeleteAndLogsItsChanges) {
   TSmallRepair rig;
   TJournal journal;
   rig.System.KeepJournal(journal);
@@ -82,7 +82,8 @@ TEST(Repair, ListsItsBackupThenWritesItThenBeginsToDelete) {
   const std::string folder = EncodeUtf8(rig.Vars.SuiteBackupsFolder);
   EXPECT_EQ(journal.Entries(),
             TLines({"replace file " + folder + "index.ini", "replace file " + folder + "46341.5",
-                    "delete key \\Software\\Old", "delete value Updater"}));
+                    "delete key \\Software\\Old", "delete value Updater",
+                    "append to file " + folder + "46341.5.log", "flush file " + folder + "46341.5.log"}));
 }
 
 TEST(Repair, IsUndoneByARestoreByteForByte) {

@@ -70,6 +70,8 @@ void TellRepair(TConsoleContext& context, const TRepairOutcome& outcome) {
   for (const Text& line : LeftoverLines(cleaning, context.Vars.Texts))
     context.Console.Tell(PlainText(line));
   TellCount(context, TextId::EntriesNotReached, cleaning.NotReached);
+  if (!cleaning.LogFailure.empty())
+    TellText(context, TextId::ChangesNotListed, cleaning.LogFailure);
 }
 
 // On standard error where standard output holds JSON.
