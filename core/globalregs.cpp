@@ -5,6 +5,7 @@
 #include "core/settingskeys.h"
 #include "formats/inflate.h"
 #include "formats/textfile.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -29,7 +30,8 @@ std::vector<Text> LoadExclusions(TSystem& system, const TGlobalVars& vars) {
 
 void LoadCleanerSettings(TSystem& system, const TGlobalVars& vars, TGlobalReg& reg) {
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
-  if (!store->OpenKey(kCleanerSettingsKey, true))
+  const TOpenKey key(*store, kCleanerSettingsKey, true);
+  if (!key)
     return;
   reg.BackupCount =
       StoredInteger(system, kCleanerSettingsKey, kBackupCountValue).value_or(kDefaultBackupCount);
@@ -37,7 +39,6 @@ void LoadCleanerSettings(TSystem& system, const TGlobalVars& vars, TGlobalReg& r
   if (folder.empty())
     folder = vars.AppDataFolder + u"TessalySoft\\Corvalt\\Backups\\";
   reg.BackupFolder = WithTrailingBackslash(folder);
-  store->CloseKey();
 }
 
 }  // namespace
@@ -53,12 +54,11 @@ std::optional<Text> ParseExclusion(TextView line) {
 std::vector<Text> LoadIgnoreList(TSystem& system) {
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
   std::vector<Text> entries;
-  store->OpenKey(kIgnoreListKey, true);
+  const TOpenKey key(*store, kIgnoreListKey, true);
   for (Text& name : store->GetValueNames()) {
     if (store->ReadBool(name))
       entries.push_back(std::move(name));
   }
-  store->CloseKey();
   return entries;
 }
 
@@ -70,10 +70,9 @@ void FillGlobalReg(TSystem& system, const TGlobalVars& vars, TGlobalReg& reg) {
 
 void SaveCleanerSettings(TSystem& system, const TGlobalReg& reg) {
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
-  store->OpenKey(kCleanerSettingsKey, true);
+  const TOpenKey key(*store, kCleanerSettingsKey, true);
   store->WriteString(kBackupFolderValue, reg.BackupFolder);
   store->WriteInteger(kBackupCountValue, reg.BackupCount);
-  store->CloseKey();
 }
 
 }  // namespace corvalt

@@ -7,6 +7,7 @@
 #include "core/settings.h"
 #include "core/settingskeys.h"
 #include "formats/inifile.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -70,7 +71,7 @@ void FillShellFolders(TSystem& system, TRootKey rootKey, const Text& prefix, con
                       Text& startup, Text& startMenu, Text& programs) {
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Read);
   store->SetRootKey(rootKey);
-  store->OpenKey(kShellFoldersKey, false);
+  const TOpenKey key(*store, kShellFoldersKey);
   const auto read = [&](TextView name, TextView defaultFolder) {
     Text folder = store->ReadString(prefix + Text(name));
     return folder.empty() ? WithTrailingBackslash(profileFolder).append(defaultFolder) : folder;
@@ -78,7 +79,6 @@ void FillShellFolders(TSystem& system, TRootKey rootKey, const Text& prefix, con
   startup = read(u"Startup", u"Start Menu\\Programs\\Startup\\");
   startMenu = read(u"Start Menu", u"Start Menu\\");
   programs = read(u"Programs", u"Start Menu\\Programs\\");
-  store->CloseKey();
 }
 
 void MakeLongWithBackslash(TSystem& system, TGlobalVars& vars) {
@@ -135,9 +135,8 @@ void FillFixedDrives(TSystem& system, TGlobalVars& vars) {
 
 void FillSkin(TSystem& system, TGlobalVars& vars) {
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Read);
-  store->OpenKey(kSuiteKey, false);
+  const TOpenKey key(*store, kSuiteKey);
   vars.SkinPath = store->ReadString(kSkinValue);
-  store->CloseKey();
 }
 
 // The folder above a folder; a root is above itself.
@@ -188,10 +187,9 @@ void WriteWhereMissing(RegistryStore& store, TextView name, std::int32_t default
 
 void FillBackupLimits(TSystem& system, TGlobalVars& vars) {
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
-  if (store->OpenKey(kSuiteSettingsKey, true)) {
+  if (const TOpenKey key(*store, kSuiteSettingsKey, true); key) {
     WriteWhereMissing(*store, kBackupsMaxValue, kDefaultBackupsMax);
     WriteWhereMissing(*store, kBackupsDeleteValue, kDefaultBackupsDelete);
-    store->CloseKey();
   }
   vars.BackupsMax = StoredInteger(system, kSuiteSettingsKey, kBackupsMaxValue).value_or(kDefaultBackupsMax);
   vars.BackupsDelete =

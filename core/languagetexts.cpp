@@ -5,6 +5,7 @@
 #include "core/globals.h"
 #include "core/settingskeys.h"
 #include "formats/textfile.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -29,13 +30,12 @@ void LoadTables(TSystem& system, const Text& languagesFolder, const Text& name, 
 // The language that the suite's settings name, with full access corrected there when its file is missing.
 Text ChooseLanguage(TSystem& system, const Text& languagesFolder, TRegistryAccess access) {
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(access);
-  store->OpenKey(kSuiteKey, true);
+  const TOpenKey key(*store, kSuiteKey, true);
   Text name = store->ReadString(kLanguageValue);
   if (!IsPlainFileName(name) || IsDeviceName(name) || !system.Probe.FileExists(languagesFolder + name)) {
     name = kEnglishFile;
     store->WriteString(kLanguageValue, name);
   }
-  store->CloseKey();
   return name;
 }
 

@@ -5,6 +5,7 @@
 
 #include "base/lettercase.h"
 #include "core/settingskeys.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -88,10 +89,9 @@ void AddIgnoreEntry(TSystem& system, TGlobalReg& reg, TextView entry) {
 void StoreIgnoreEntry(TSystem& system, TextView entry) {
   const std::unique_ptr<THeldLock> lock = LockIgnoreList(system);
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
-  if (!store->OpenKey(kIgnoreListKey, true))
-    return;
-  store->WriteBool(StoredName(entry), true);
-  store->CloseKey();
+  const TOpenKey key(*store, kIgnoreListKey, true);
+  if (key)
+    store->WriteBool(StoredName(entry), true);
 }
 
 void SaveIgnoreList(TSystem& system, TGlobalReg& reg, std::vector<Text> entries) {
@@ -100,12 +100,12 @@ void SaveIgnoreList(TSystem& system, TGlobalReg& reg, std::vector<Text> entries)
   reg.IgnoreList = std::move(entries);
   reg.IgnoreList.insert(reg.IgnoreList.end(), others.begin(), others.end());
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
-  if (!store->OpenKey(kIgnoreListKey, true))
+  const TOpenKey key(*store, kIgnoreListKey, true);
+  if (!key)
     return;
   // The new values come first, so that a program that is ended in the middle loses no entry.
   if (WriteEntries(*store, reg.IgnoreList))
     DeleteAllBut(*store, reg.IgnoreList);
-  store->CloseKey();
 }
 
 }  // namespace corvalt

@@ -7,6 +7,7 @@
 #include "core/languagetexts.h"
 #include "core/settingskeys.h"
 #include "repair/backupstore.h"
+#include "system/openkey.h"
 #include "system/systemerror.h"
 
 namespace corvalt {
@@ -20,14 +21,14 @@ constexpr TextView kFailureValue = u"maintenancefailure";
 // the user is to be told: what fails in the same way at each start is shown once.
 bool RememberFailure(TSystem& system, const Text& reason) {
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
-  if (!store->OpenKey(kCleanerSettingsKey, !reason.empty()))
+  const TOpenKey key(*store, kCleanerSettingsKey, !reason.empty());
+  if (!key)
     return true;
   const bool isNew = store->ReadString(kFailureValue) != reason;
   if (isNew && reason.empty())
     store->DeleteValue(kFailureValue);
   else if (isNew)
     store->WriteString(kFailureValue, reason);
-  store->CloseKey();
   return isNew;
 }
 

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/lettercase.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -160,11 +161,8 @@ void TProblemDeleter::DeleteEmptyMenuKeys(const TKeyPath& key) {
 
 bool TProblemDeleter::HasSubKeys(const TKeyPath& key) {
   m_registry->SetRootKey(key.RootKey());
-  if (!m_registry->OpenKey(key.Path(), false))
-    return false;
-  const bool hasSubKeys = m_registry->HasSubKeys();
-  m_registry->CloseKey();
-  return hasSubKeys;
+  const TOpenKey opened(*m_registry, key.Path());
+  return opened && m_registry->HasSubKeys();
 }
 
 TDeletionResult TProblemDeleter::DeleteValue(const ScanProblem& problem) {
@@ -175,8 +173,7 @@ TDeletionResult TProblemDeleter::DeleteValue(const ScanProblem& problem) {
   if (deletion == TDeletion::NotCovered)
     return {};
   m_registry->SetRootKey(key->RootKey());
-  const bool keyOpened = m_registry->OpenKey(key->Path(), false);
-  m_registry->CloseKey();
+  const bool keyOpened(TOpenKey(*m_registry, key->Path()));
   if (keyOpened && problem.ImageIndex == kMruImage)
     RewriteMruList(*key);
   return {deletion, keyOpened};
@@ -202,7 +199,8 @@ void TProblemDeleter::RewriteMruList(const TKeyPath& key) {
   if (place == nullptr || !ReadValue(*place, kMruList, before) || !m_right.WouldBringBack(*place, before))
     return;
   m_registry->SetRootKey(place->RootKey);
-  if (!m_registry->OpenKey(place->KeyPath, false))
+  const TOpenKey opened(*m_registry, place->KeyPath);
+  if (!opened)
     return;
   Text order;
   for (const Text& name : m_registry->GetValueNames()) {
@@ -212,7 +210,6 @@ void TProblemDeleter::RewriteMruList(const TKeyPath& key) {
   if (m_registry->WriteString(kMruList, order))
     m_right.NoteWritten(*place,
                         {Text(kMruList), kRegSz, StringBytes(TextView(order).substr(0, order.find(u'\0')))});
-  m_registry->CloseKey();
 }
 
 TDeletionResult TProblemDeleter::DeleteFile(const ScanProblem& problem) {

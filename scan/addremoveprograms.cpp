@@ -4,6 +4,7 @@
 
 #include "base/lettercase.h"
 #include "scan/threadscan.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -29,7 +30,8 @@ Text UninstallCommand(RegistryStore& registry) {
 }
 
 void CheckUninstallEntry(TScan& scan, RegistryStore& registry, TextView keyPath) {
-  if (!registry.OpenKey(keyPath, false))
+  const TOpenKey key(registry, keyPath);
+  if (!key)
     return;
   const bool namesUninstaller = NamesUninstaller(registry.GetValueNames());
   const bool mayNameUninstaller = !registry.ListedWhole();
@@ -41,7 +43,6 @@ void CheckUninstallEntry(TScan& scan, RegistryStore& registry, TextView keyPath)
   } else if (!mayNameUninstaller && !registry.HasSubKeys() && registry.ListedWhole()) {
     scan.ReportKey(kHkeyLocalMachine, keyPath, {}, scan.Say(TextId::NoUninstaller));
   }
-  registry.CloseKey();
 }
 
 }  // namespace

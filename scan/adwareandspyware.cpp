@@ -6,6 +6,7 @@
 #include "formats/inflate.h"
 #include "formats/nativexml.h"
 #include "scan/threadscan.h"
+#include "system/openkey.h"
 #include "system/systemerror.h"
 
 namespace corvalt {
@@ -100,9 +101,9 @@ void TTraceChecks::CheckKeyTrace(TRootKey root, TextView keyPath, TextView descr
 void TTraceChecks::CheckValueTrace(TRootKey root, TextView keyPath, TextView valueName,
                                    TextView description) {
   const std::unique_ptr<RegistryStore> registry = m_scan.OpenRoot(root);
-  if (!registry->OpenKey(keyPath, false) || !registry->ValueExists(valueName))
-    return;
-  m_scan.ReportValue(root, keyPath, valueName, {}, description);
+  const TOpenKey key(*registry, keyPath);
+  if (key && registry->ValueExists(valueName))
+    m_scan.ReportValue(root, keyPath, valueName, {}, description);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // ARP Cache: cached Add/Remove Programs entries of programs that are no longer in the uninstall list.
 
 #include "scan/threadscan.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -17,11 +18,8 @@ void ScanArpCache(TScan& scan) {
   for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
     const Text key = Text(kCache) + u"\\" + names[i];
     scan.ReportProgress(ShareOfBar(i, names.size(), 100), key);
-    if (!registry->OpenKey(kUninstall, false))
-      continue;
-    const bool isInstalled = registry->KeyExists(names[i]);
-    registry->CloseKey();
-    if (!isInstalled)
+    const TOpenKey uninstall(*registry, kUninstall);
+    if (uninstall && !registry->KeyExists(names[i]))
       scan.ReportKey(kHkeyLocalMachine, key, {}, scan.Say(TextId::MissingUninstaller, names[i]));
   }
 }

@@ -3,6 +3,7 @@
 
 #include "base/lettercase.h"
 #include "scan/threadscan.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -33,7 +34,8 @@ struct TKeyContent {
 };
 
 std::optional<TKeyContent> ReadContent(RegistryStore& registry, TextView keyPath) {
-  if (!registry.OpenKey(keyPath, false))
+  const TOpenKey key(registry, keyPath);
+  if (!key)
     return std::nullopt;
   TKeyContent content;
   const std::vector<Text> names = registry.GetValueNames();
@@ -43,7 +45,6 @@ std::optional<TKeyContent> ReadContent(RegistryStore& registry, TextView keyPath
   content.Default = registry.ReadString({});
   content.HasSubKeys = registry.HasSubKeys();
   content.IsSeenWhole = content.IsSeenWhole && registry.ListedWhole();
-  registry.CloseKey();
   return content;
 }
 

@@ -4,6 +4,7 @@
 
 #include "base/lettercase.h"
 #include "scan/threadscan.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -135,10 +136,9 @@ void TAssociationChecks::CheckVerb(TextView base, TextView verb) {
     m_scan.ReportKey(kHkeyClassesRoot, verbKey, command, m_scan.Say(TextId::BrokenVerb, verb, command),
                      kProblemImage);
   }
-  if (m_reader->OpenKey(verbKey + u"\\DropTarget", false)) {
+  if (const TOpenKey dropTarget(*m_reader, verbKey + u"\\DropTarget"); dropTarget) {
     // The list of broken classes does not count here.
     const Text classId = m_reader->ReadString(u"CLSID");
-    m_reader->CloseKey();
     if (!classId.empty() && !IsClassRegistered(*m_prober, classId)) {
       m_scan.ReportKey(kHkeyClassesRoot, verbKey, classId, m_scan.Say(TextId::BrokenVerb, verb, classId),
                        kProblemImage);

@@ -2,6 +2,7 @@
 
 #include "base/lettercase.h"
 #include "scan/threadscan.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -16,10 +17,12 @@ bool MayHoldValues(RegistryStore& registry) {
 
 // Only values count, whatever other subkeys there are. A key that does not open is taken for used.
 bool IsUsed(RegistryStore& registry, const Text& key) {
-  if (!registry.OpenKey(key, false) || MayHoldValues(registry))
+  const TOpenKey opened(registry, key);
+  if (!opened || MayHoldValues(registry))
     return true;
   for (const TextView subKey : {u"\\OpenWithList", u"\\OpenWithProgids"}) {
-    if (registry.OpenKey(key + Text(subKey), false) && MayHoldValues(registry))
+    const TOpenKey openedBelow(registry, key + Text(subKey));
+    if (openedBelow && MayHoldValues(registry))
       return true;
   }
   return false;

@@ -2,6 +2,7 @@
 
 #include "base/lettercase.h"
 #include "scan/threadscan.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -46,7 +47,8 @@ TPhraseMatcher ExaminedElsewhere() {
 
 void CheckShellFolderKey(TScan& scan, TextView keyPath, double scale, double offset) {
   const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(kHkeyCurrentUser);
-  if (!registry->OpenKey(keyPath, false))
+  const TOpenKey key(*registry, keyPath);
+  if (!key)
     return;
   const std::vector<Text> names = registry->GetValueNames();
   for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {

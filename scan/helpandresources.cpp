@@ -1,6 +1,7 @@
 // Help and Resources: registered help files that are not in their folder.
 
 #include "scan/threadscan.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -8,7 +9,8 @@ namespace {
 
 // A value's name is the file, its data the folder.
 void CheckHelpKey(TScan& scan, RegistryStore& registry, TextView keyPath, double start) {
-  if (!registry.OpenKey(keyPath, false))
+  const TOpenKey key(registry, keyPath);
+  if (!key)
     return;
   const std::vector<Text> names = registry.GetValueNames();
   for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
@@ -20,7 +22,6 @@ void CheckHelpKey(TScan& scan, RegistryStore& registry, TextView keyPath, double
     scan.ReportValue(kHkeyLocalMachine, keyPath, names[i], folder,
                      scan.Say(TextId::MissingHelpFile, names[i], path));
   }
-  registry.CloseKey();
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "base/lettercase.h"
 #include "scan/threadscan.h"
 #include "scan/walkedplaces.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -50,27 +51,27 @@ class TKeyTreeWalk {
 };
 
 void TKeyTreeWalk::Walk(TextView keyPath, TextView name) {
-  if (IsExcluded(m_root, keyPath, m_exclusions) || !m_registry.OpenKey(keyPath, false))
+  if (IsExcluded(m_root, keyPath, m_exclusions))
     return;
-  std::vector<Text> valueNames = m_registry.GetValueNames();
-  const std::vector<Text> subKeys =
-      EndsInSystem(keyPath) ? std::vector<Text>{Text(kControlSetInUse)} : m_registry.GetKeyNames();
-  // A key without subkeys is no parent of anything: no link to it can lead back.
-  const bool goesOn = !subKeys.empty();
-  if (goesOn && !m_places.Enter(m_registry.RealPath(), name)) {
-    m_registry.CloseKey();
-    return;
+  std::vector<Text> subKeys;
+  {
+    // The names of a large key's values aren't kept while the keys below it are walked.
+    const TOpenKey key(m_registry, keyPath);
+    if (!key)
+      return;
+    const std::vector<Text> valueNames = m_registry.GetValueNames();
+    subKeys = EndsInSystem(keyPath) ? std::vector<Text>{Text(kControlSetInUse)} : m_registry.GetKeyNames();
+    // A key without subkeys is no parent of anything: no link to it can lead back.
+    if (!subKeys.empty() && !m_places.Enter(m_registry.RealPath(), name))
+      return;
+    CheckValues(keyPath, valueNames);
   }
-  CheckValues(keyPath, valueNames);
-  m_registry.CloseKey();
-  // The names of a large key aren't kept while the keys below it are walked.
-  std::vector<Text>().swap(valueNames);
   for (const Text& subKey : subKeys) {
     if (m_scan.Terminated() || EqualIgnoringCase(subKey, kMirror))
       break;
     Walk(Text(keyPath) + u"\\" + subKey, subKey);
   }
-  if (goesOn)
+  if (!subKeys.empty())
     m_places.Leave();
 }
 
@@ -108,7 +109,10 @@ class TEmptyKeyWalk {
 
 // What can't be seen whole, a link that leads back among it, is not taken for empty.
 bool TEmptyKeyWalk::IsEmpty(TextView keyPath, TextView name, bool recursive) {
-  if (m_scan.Terminated() || !m_registry.OpenKey(keyPath, false))
+  if (m_scan.Terminated())
+    return false;
+  const TOpenKey key(m_registry, keyPath);
+  if (!key)
     return false;
   const bool holdsNoValue = m_registry.GetValueNames().empty() && m_registry.ListedWhole();
   std::vector<Text> subKeys;
@@ -117,7 +121,6 @@ bool TEmptyKeyWalk::IsEmpty(TextView keyPath, TextView name, bool recursive) {
   const bool isSeenWhole = holdsNoValue && m_registry.ListedWhole();
   const bool goesOn = isSeenWhole && recursive && !subKeys.empty();
   const bool entered = goesOn && m_places.Enter(m_registry.RealPath(), name);
-  m_registry.CloseKey();
   if (!entered)
     return isSeenWhole && subKeys.empty();
   const bool isEmpty = AreEmpty(keyPath, subKeys);

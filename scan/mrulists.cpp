@@ -1,6 +1,7 @@
 // MRU and History Lists: recently used files of the open and save dialogs that are gone.
 
 #include "scan/threadscan.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -12,7 +13,8 @@ constexpr TextView kOpenSaveMru =
 // The list's letters name its values. The visit begins one place before the first letter, at a NUL, which the
 // registry reads as the default value, and so never reaches the last letter.
 void CheckMruList(TScan& scan, RegistryStore& registry, TextView keyPath) {
-  if (!registry.OpenKey(keyPath, false))
+  const TOpenKey key(registry, keyPath);
+  if (!key)
     return;
   const Text visited = Text(1, u'\0') + registry.ReadString(u"MRUList");
   for (std::size_t position = 0; position + 1 < visited.size(); ++position) {
@@ -22,7 +24,6 @@ void CheckMruList(TScan& scan, RegistryStore& registry, TextView keyPath) {
       continue;
     scan.ReportValue(kHkeyCurrentUser, keyPath, name, path, scan.Say(TextId::MissingRecentFile, name, path));
   }
-  registry.CloseKey();
 }
 
 }  // namespace

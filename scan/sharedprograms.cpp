@@ -1,6 +1,7 @@
 // Shared Programs: reference counts of shared files that are gone, or that no program uses.
 
 #include "scan/threadscan.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -27,9 +28,8 @@ std::int32_t CountOf(TScan& scan, RegistryStore& registry, TextView name) {
 
 void ScanSharedPrograms(TScan& scan) {
   const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(kHkeyLocalMachine);
-  std::vector<Text> names;
-  if (registry->OpenKey(kSharedDlls, false))
-    names = registry->GetValueNames();
+  const TOpenKey key(*registry, kSharedDlls);
+  const std::vector<Text> names = registry->GetValueNames();
   for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
     const Text& file = names[i];
     scan.ReportProgress(ShareOfBar(i, names.size(), 100), LabelOf(kSharedDlls, file));

@@ -2,6 +2,7 @@
 
 #include "base/lettercase.h"
 #include "scan/threadscan.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -16,7 +17,8 @@ void ScanSoftwareLocations(TScan& scan) {
   const std::vector<Text> names = SubKeyNames(*registry, kAppPaths);
   for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
     const Text key = Text(kAppPaths) + u"\\" + names[i];
-    if (!registry->OpenKey(key, false))
+    const TOpenKey opened(*registry, key);
+    if (!opened)
       continue;
     Text target = registry->ReadString({});
     const Text folder = registry->ReadString(u"Path");

@@ -2,6 +2,7 @@
 
 #include "scan/threadscan.h"
 #include "scan/walkedplaces.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -18,13 +19,13 @@ void CheckMenuFolders(TScan& scan, RegistryStore& registry, TextView keyPath, TW
   for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
     const Text key = Text(keyPath) + u"\\" + names[i];
     scan.ReportProgress(ShareOfBar(i, names.size(), 100), WithoutLeadingBackslash(key));
-    if (!registry.OpenKey(key, false))
+    const TOpenKey opened(registry, key);
+    if (!opened)
       continue;
     const bool hasSubKeys = registry.HasSubKeys();
     const bool mayHaveSubKeys = hasSubKeys || !registry.ListedWhole();
     const bool isEntered = hasSubKeys && places.Enter(registry.RealPath(), names[i]);
     const bool hasOrder = registry.ValueExists(u"Order");
-    registry.CloseKey();
     if (isEntered) {
       CheckMenuFolders(scan, registry, key, places);
       places.Leave();

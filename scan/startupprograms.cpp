@@ -1,6 +1,7 @@
 // Startup Programs: programs started at logon that are gone.
 
 #include "scan/threadscan.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -10,7 +11,8 @@ constexpr TextView kRun = u"\\Software\\Microsoft\\Windows\\CurrentVersion\\Run"
 
 void CheckRunKey(TScan& scan, TRootKey root, double start) {
   const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(root);
-  if (!registry->OpenKey(kRun, false))
+  const TOpenKey key(*registry, kRun);
+  if (!key)
     return;
   const std::vector<Text> names = registry->GetValueNames();
   for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/lettercase.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -57,19 +58,13 @@ bool IsClassRegistered(RegistryStore& prober, TextView classId) {
 }
 
 std::vector<Text> SubKeyNames(RegistryStore& registry, TextView keyPath) {
-  if (!registry.OpenKey(keyPath, false))
-    return {};
-  std::vector<Text> names = registry.GetKeyNames();
-  registry.CloseKey();
-  return names;
+  const TOpenKey key(registry, keyPath);
+  return key ? registry.GetKeyNames() : std::vector<Text>();
 }
 
 std::optional<Text> DefaultValue(RegistryStore& registry, TextView keyPath) {
-  if (!registry.OpenKey(keyPath, false))
-    return std::nullopt;
-  Text value = registry.ReadString({});
-  registry.CloseKey();
-  return value;
+  const TOpenKey key(registry, keyPath);
+  return key ? std::optional(registry.ReadString({})) : std::nullopt;
 }
 
 TScan::TScan(TScanContext context, TProgressDialog& progressDialog)

@@ -1,6 +1,7 @@
 // Windows Fonts: registered fonts whose file is gone.
 
 #include "scan/threadscan.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -20,9 +21,8 @@ TextView FontsKeyOf(TextView windowsVersionName) {
 void ScanWindowsFonts(TScan& scan) {
   const TextView key = FontsKeyOf(scan.Vars().WindowsVersionName);
   const std::unique_ptr<RegistryStore> registry = scan.OpenRoot(kHkeyLocalMachine);
-  std::vector<Text> names;
-  if (registry->OpenKey(key, false))
-    names = registry->GetValueNames();
+  const TOpenKey opened(*registry, key);
+  const std::vector<Text> names = registry->GetValueNames();
   for (std::size_t i = 0; i < names.size() && !scan.Terminated(); ++i) {
     const Text file = registry->ReadString(names[i]);
     scan.ReportProgress(ShareOfBar(i, names.size(), 100), WithoutLeadingBackslash(key));

@@ -1,6 +1,7 @@
 // Windows Services: services and drivers whose program file is gone.
 
 #include "scan/threadscan.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -11,11 +12,11 @@ constexpr TextView kImagePath = u"ImagePath";
 
 void CheckServiceImage(TScan& scan, RegistryStore& registry, TextView keyPath, std::size_t i,
                        std::size_t count) {
-  if (!registry.OpenKey(keyPath, false))
+  const TOpenKey key(registry, keyPath);
+  if (!key)
     return;
   const TDataType type = registry.GetDataType(kImagePath);
   const Text image = registry.ReadString(kImagePath);
-  registry.CloseKey();
   if (type != TDataType::String && type != TDataType::ExpandString)
     return;
   // The share of one service is scaled twice, so that the bar lags a little behind the plain ratio.

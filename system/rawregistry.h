@@ -1,6 +1,7 @@
 // The registry as it is stored: types and bytes of whole keys, where a key really lies, its class name,
 // permissions and times. Backup, comparison before a deletion, deletion of what was saved, and restore work
-// on this interface; the rest of the program reads and changes the registry through RegistryStore.
+// on this interface; so does whoever must tell a value's exact type and size, or what the user may do with a
+// key. Everything else reads and changes the registry through RegistryStore.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,7 @@
-// The registry as the scanners, the settings and the ignore list read and change it, key by key. What saves,
-// deletes or restores problems uses TRawRegistry besides, which shows the registry as it is stored.
+// The registry as most of the program uses it: keys by name, values as texts and numbers. The scanners read
+// through it, the settings and the ignore list are stored through it. What must be exact to the byte, or
+// about one certain place, goes through TRawRegistry (system/rawregistry.h): backups, deletions of a repair,
+// restores. To open a key for a block of statements there is TOpenKey (system/openkey.h).
 #pragma once
 
 #include <cstdint>

@@ -5,6 +5,7 @@
 #include "core/globalregs.h"
 #include "core/settingskeys.h"
 #include "scan/catalogue.h"
+#include "system/openkey.h"
 
 namespace corvalt {
 
@@ -44,7 +45,7 @@ TSectionsTreeModel::TSectionsTreeModel() {
 void TSectionsTreeModel::LoadChecks(TSystem& system) {
   Text ticked;
   const std::unique_ptr<RegistryStore> registry = system.Registry.CreateStore(TRegistryAccess::Read);
-  if (registry->OpenKey(kSectionsKey, false)) {
+  if (const TOpenKey key(*registry, kSectionsKey); key) {
     for (const Text& name : registry->GetValueNames()) {
       if (registry->ReadBool(name))
         ticked += SectionToken(name);
@@ -59,7 +60,8 @@ void TSectionsTreeModel::LoadChecks(TSystem& system) {
 
 void TSectionsTreeModel::SaveChecks(TSystem& system) const {
   const std::unique_ptr<RegistryStore> registry = system.Registry.CreateStore(TRegistryAccess::Full);
-  if (!registry->OpenKey(kSectionsKey, true))
+  const TOpenKey key(*registry, kSectionsKey, true);
+  if (!key)
     return;
   for (const TSectionsNode* leaf : Leaves()) {
     registry->WriteBool(DecimalText(leaf->NodeCode), leaf->State == TCheckState::Checked);
