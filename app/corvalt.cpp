@@ -15,7 +15,7 @@ namespace {
 constexpr TextView kName = u"Corvalt";
 
 void ShowFailure(TSystem& system, const std::exception_ptr& failure) {
-  system.TheShell.ShowMessage(DescribeException(failure, system.Locale), kName, TMessageKind::Failure);
+  system.MessageBoxes.ShowMessage(DescribeException(failure, system.Locale), kName, TMessageKind::Failure);
 }
 
 // The system's dialogs, its help viewer and the taskbar expect COM on the thread of the windows.
@@ -39,15 +39,15 @@ int RunProgram(TWindowsSystem& windows, TSystem& system, int show) {
   TGlobalReg reg;
   RunStartSequence(system, vars, reg);
   if (const std::optional<Text> hint = WrongProgramHint(system.Probe, vars.Texts))
-    system.TheShell.ShowMessage(*hint, kName, TMessageKind::Information);
+    system.MessageBoxes.ShowMessage(*hint, kName, TMessageKind::Information);
   INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_WIN95_CLASSES};
   InitCommonControlsEx(&controls);
   TWindowsUiThread uiThread([&system](const std::exception_ptr& failure) { ShowFailure(system, failure); });
   TfrmRegMain window(system, vars, reg, uiThread, FromAscii(CORVALT_VERSION_TEXT));
-  windows.TheShell.SetOwner(reinterpret_cast<TWindowHandle>(window.Handle()));
+  windows.SetOwner(window.Handle());
   window.Show(show);
   const int exitCode = window.Run();
-  windows.TheShell.SetOwner(0);
+  windows.SetOwner(nullptr);
   return exitCode;
 }
 

@@ -214,8 +214,8 @@ Text FormatSize(std::int64_t size, TLocale& locale) {
   return TwoDecimals(size, kGigabyte, locale) + u" GB";
 }
 
-bool ShowFileProperties(TextView path, Shell& shell) {
-  return shell.ShowProperties(path, kShowPropertiesMask);
+bool ShowFileProperties(TextView path, TPrograms& programs) {
+  return programs.ShowProperties(path, kShowPropertiesMask);
 }
 
 }  // namespace corvalt

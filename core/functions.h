@@ -10,7 +10,7 @@
 #include "base/text.h"
 #include "core/globals.h"
 #include "system/filesystemprobe.h"
-#include "system/shell.h"
+#include "system/programs.h"
 #include "system/systemlocale.h"
 
 namespace corvalt {
@@ -83,6 +83,6 @@ class TPathChecks {
 Text FormatSize(std::int64_t size, TLocale& locale);
 
 // The shell's properties sheet of a file; true when the call succeeds.
-bool ShowFileProperties(TextView path, Shell& shell);
+bool ShowFileProperties(TextView path, TPrograms& programs);
 
 }  // namespace corvalt

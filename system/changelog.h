@@ -172,8 +172,12 @@ class TLoggedSystem {
 
   // Valid as long as this object.
   TSystem Bundle() {
-    return {m_registry,      m_raw,          m_system.Probe,    m_system.Files,       m_system.Machine,
-            m_system.Locale, m_system.Clock, m_system.TheShell, m_system.Interprocess};
+    return {m_registry,           m_raw,
+            m_system.Probe,       m_system.Files,
+            m_system.Machine,     m_system.Locale,
+            m_system.Clock,       m_system.MessageBoxes,
+            m_system.Programs,    m_system.EditorWindows,
+            m_system.Interprocess};
   }
 
  private:

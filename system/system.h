@@ -1,13 +1,15 @@
 // Everything of the system that the program reaches, in one bundle that is passed by reference.
 #pragma once
 
+#include "system/editorwindows.h"
 #include "system/filestore.h"
 #include "system/filesystemprobe.h"
 #include "system/interprocess.h"
 #include "system/machine.h"
+#include "system/messageboxes.h"
+#include "system/programs.h"
 #include "system/rawregistry.h"
 #include "system/registrystore.h"
-#include "system/shell.h"
 #include "system/systemclock.h"
 #include "system/systemlocale.h"
 
@@ -21,7 +23,9 @@ struct TSystem {
   TMachine& Machine;
   TLocale& Locale;
   TClock& Clock;
-  Shell& TheShell;
+  TMessageBoxes& MessageBoxes;
+  TPrograms& Programs;
+  TEditorWindows& EditorWindows;
   TInterprocess& Interprocess;
 };
 

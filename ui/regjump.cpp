@@ -58,19 +58,16 @@ std::uintptr_t UpperAscii(char16_t unit) {
 
 class TEditorWalk {
  public:
-  TEditorWalk(TSystem& system, TWindowHandle editor, bool pausesBetweenLevels)
-      : m_shell(system.TheShell),
-        m_clock(system.Clock),
-        m_editor(editor),
-        m_pausesBetweenLevels(pausesBetweenLevels) {
+  TEditorWalk(TEditorWindows& windows, TClock& clock, TWindowHandle editor, bool pausesBetweenLevels)
+      : m_windows(windows), m_clock(clock), m_editor(editor), m_pausesBetweenLevels(pausesBetweenLevels) {
   }
 
   void ToKey(TextView fullKey) {
-    m_shell.ShowWindow(m_editor);
-    m_shell.BringToForeground(m_editor);
+    m_windows.ShowWindow(m_editor);
+    m_windows.BringToForeground(m_editor);
     const TWindowHandle tree = Child(kTreeClass);
-    m_shell.BringToForeground(tree);
-    m_shell.SetFocus(tree);
+    m_windows.BringToForeground(tree);
+    m_windows.SetFocus(tree);
     for (int climb = 0; climb < kClimbs; ++climb)
       Press(tree, kVkLeft);
     PauseAtLevel();
@@ -81,38 +78,38 @@ class TEditorWalk {
         Press(tree, kVkRight);
         PauseAtLevel();
       } else {
-        m_shell.SendMessage(tree, kWmChar, lastCode, kPressedOnce);
+        m_windows.SendMessage(tree, kWmChar, lastCode, kPressedOnce);
       }
     }
-    m_shell.SendMessage(tree, kWmLButtonDown, lastCode, 0);
+    m_windows.SendMessage(tree, kWmLButtonDown, lastCode, 0);
   }
 
   // The characters go out one place late: a NUL first, and the last one never.
   void ToValue(TextView valueName) {
     const TWindowHandle list = Child(kListClass);
-    m_shell.BringToForeground(list);
-    m_shell.SetFocus(list);
+    m_windows.BringToForeground(list);
+    m_windows.SetFocus(list);
     m_clock.Sleep(kListPause);
     Press(list, kVkHome);
     const Text shifted = Text(1, u'\0') + Text(valueName.substr(0, valueName.size() - 1));
     for (const char16_t unit : shifted)
-      m_shell.SendMessage(list, kWmChar, UpperAscii(unit), kPressedOnce);
+      m_windows.SendMessage(list, kWmChar, UpperAscii(unit), kPressedOnce);
   }
 
   void ToFront() {
-    m_shell.BringToForeground(m_editor);
-    m_shell.SetFocus(m_editor);
+    m_windows.BringToForeground(m_editor);
+    m_windows.SetFocus(m_editor);
   }
 
  private:
   // Direct children of the editor in one system, grandchildren in another.
   TWindowHandle Child(TextView className) {
-    const TWindowHandle direct = m_shell.FindChildWindow(m_editor, className, false);
-    return direct != 0 ? direct : m_shell.FindChildWindow(m_editor, className, true);
+    const TWindowHandle direct = m_windows.FindChildWindow(m_editor, className, false);
+    return direct != 0 ? direct : m_windows.FindChildWindow(m_editor, className, true);
   }
 
   void Press(TWindowHandle window, std::uintptr_t key) {
-    m_shell.SendMessage(window, kWmKeyDown, key, kPressedOnce);
+    m_windows.SendMessage(window, kWmKeyDown, key, kPressedOnce);
   }
 
   void PauseAtLevel() {
@@ -120,19 +117,19 @@ class TEditorWalk {
       m_clock.Sleep(kLevelPause);
   }
 
-  Shell& m_shell;
+  TEditorWindows& m_windows;
   TClock& m_clock;
   TWindowHandle m_editor;
   bool m_pausesBetweenLevels;
 };
 
-TWindowHandle FindOrStartEditor(TextView windowsVersionName, Shell& shell) {
-  const TWindowHandle running = shell.FindTopLevelWindow(kEditorClass);
+TWindowHandle FindOrStartEditor(TextView windowsVersionName, TPrograms& programs, TEditorWindows& windows) {
+  const TWindowHandle running = windows.FindTopLevelWindow(kEditorClass);
   if (running != 0)
     return running;
   const TextView verb = windowsVersionName == u"vista" ? u"RunAs" : u"open";
-  shell.ExecuteAndWaitForIdle(verb, u"regedit.exe");
-  return shell.FindTopLevelWindow(kEditorClass);
+  programs.ExecuteAndWaitForIdle(verb, u"regedit.exe");
+  return windows.FindTopLevelWindow(kEditorClass);
 }
 
 // What the editor shows for a value's name.
@@ -142,25 +139,25 @@ Text EditorValueName(TextView valueName) {
 
 }  // namespace
 
-std::int32_t CheckJumpKey(TextView fullKey, Shell& shell) {
+std::int32_t CheckJumpKey(TextView fullKey, TRawRegistry& registry) {
   const Text upper = UpperCase(fullKey);
   for (const TJumpRoot& root : kJumpRoots) {
     if (!upper.starts_with(root.Name))
       continue;
     const Text subKey = WithoutFirst(fullKey, Text(root.Name) + u"\\");
-    return shell.OpensWithFullAccess(root.RootKey, subKey) ? root.Code : 0;
+    return registry.OpensWithFullAccess(root.RootKey, subKey) ? root.Code : 0;
   }
   return 0;
 }
 
 void JumpToKey(TextView fullKey, TextView valueName, TextView windowsVersionName, TSystem& system) {
-  if (CheckJumpKey(fullKey, system.TheShell) == 0)
+  if (CheckJumpKey(fullKey, system.Raw) == 0)
     return;
-  const bool pausesBetweenLevels = system.TheShell.FirstDisplayModeBitsPerPixel() > kBitsWithoutPauses;
-  const TWindowHandle editor = FindOrStartEditor(windowsVersionName, system.TheShell);
+  const bool pausesBetweenLevels = system.EditorWindows.FirstDisplayModeBitsPerPixel() > kBitsWithoutPauses;
+  const TWindowHandle editor = FindOrStartEditor(windowsVersionName, system.Programs, system.EditorWindows);
   if (editor == 0)
     return;
-  TEditorWalk walk(system, editor, pausesBetweenLevels);
+  TEditorWalk walk(system.EditorWindows, system.Clock, editor, pausesBetweenLevels);
   walk.ToKey(fullKey);
   if (!valueName.empty())
     walk.ToValue(valueName);
@@ -170,7 +167,7 @@ void JumpToKey(TextView fullKey, TextView valueName, TextView windowsVersionName
 void OpenProblem(const ScanProblem& problem, TextView windowsVersionName, TSystem& system) {
   if (problem.Kind == TProblemKind::File) {
     if (!FolderOf(problem.KeyPath).empty())
-      ShowFileProperties(problem.KeyPath, system.TheShell);
+      ShowFileProperties(problem.KeyPath, system.Programs);
     return;
   }
   const Text valueName = problem.Kind == TProblemKind::Value ? EditorValueName(problem.ValueName) : Text();

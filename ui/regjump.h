@@ -13,7 +13,7 @@ namespace corvalt {
 // The code of the root that the full key text (root name and key path) begins with, in any letter case: 1
 // classes, 2 user, 3 machine, 4 configuration, 5 users, 6 dynamic data. 0 when it begins with none, or when
 // the key does not open with full access: then no jump is made.
-std::int32_t CheckJumpKey(TextView fullKey, Shell& shell);
+std::int32_t CheckJumpKey(TextView fullKey, TRawRegistry& registry);
 
 // Walks the registry editor to the key, and to the value when one is named. Every failure is silent: no such
 // key, no editor, no window. Takes 750 ms a level on a display of more than 8 bits a pixel, during which the

@@ -95,8 +95,8 @@ void TRegMain::Scan() {
   if (!CanScan())
     return;
   if (!AnyTicked(m_sections.Model().Roots())) {
-    m_system.TheShell.ShowMessage(Plain(TextId::HintScan), Plain(TextId::TitleInformation),
-                                  TMessageKind::Information);
+    m_system.MessageBoxes.ShowMessage(Plain(TextId::HintScan), Plain(TextId::TitleInformation),
+                                      TMessageKind::Information);
     return;
   }
   m_rows.ForgetSelection();
@@ -223,8 +223,8 @@ void TRegMain::SaveReport(TextView fileName) {
     ShowFailure(Plain(TextId::ReportNotSaved, m_system.Locale.SystemMessage(error.Code)));
     return;
   }
-  m_system.TheShell.ShowMessage(Plain(TextId::ReportSaved) + u" " + Text(fileName),
-                                Plain(TextId::TitleInformation), TMessageKind::Information);
+  m_system.MessageBoxes.ShowMessage(Plain(TextId::ReportSaved) + u" " + Text(fileName),
+                                    Plain(TextId::TitleInformation), TMessageKind::Information);
 }
 
 void TRegMain::OpenSelected() {
@@ -238,12 +238,12 @@ void TRegMain::ShowFailure(const std::exception_ptr& failure) {
 }
 
 void TRegMain::ShowFailure(TextView message) {
-  m_system.TheShell.ShowMessage(message, Plain(TextId::TitleError), TMessageKind::Failure);
+  m_system.MessageBoxes.ShowMessage(message, Plain(TextId::TitleError), TMessageKind::Failure);
 }
 
 bool TRegMain::ConfirmIgnore() {
-  return m_system.TheShell.ShowMessage(Plain(TextId::ConfirmIgnore), Plain(TextId::TitleConfirm),
-                                       TMessageKind::Question) == TAnswer::Yes;
+  return m_system.MessageBoxes.ShowMessage(Plain(TextId::ConfirmIgnore), Plain(TextId::TitleConfirm),
+                                           TMessageKind::Question) == TAnswer::Yes;
 }
 
 Text TRegMain::Plain(TextId id, TextView argument) const {

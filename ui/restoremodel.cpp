@@ -25,8 +25,8 @@ void TRestoreModel::Fill() {
 
 void TRestoreModel::Restore(std::size_t row) {
   const TRestoreRow& chosen = m_rows.at(row);
-  const TAnswer answer = m_system.TheShell.ShowMessage(Plain(TextId::ConfirmRestore, chosen.Caption),
-                                                       Plain(TextId::TitleConfirm), TMessageKind::Question);
+  const TAnswer answer = m_system.MessageBoxes.ShowMessage(Plain(TextId::ConfirmRestore, chosen.Caption),
+                                                           Plain(TextId::TitleConfirm), TMessageKind::Question);
   if (answer == TAnswer::No)
     return;
   TRestoreGuide guide;
@@ -38,14 +38,14 @@ void TRestoreModel::Restore(std::size_t row) {
     return;
   const Text told = DescribeRestore(outcome, chosen.Caption, m_vars, m_system.Locale);
   if (outcome.End == TRestoreEnd::Restored)
-    m_system.TheShell.ShowMessage(told, Plain(TextId::TitleInformation), TMessageKind::Information);
+    m_system.MessageBoxes.ShowMessage(told, Plain(TextId::TitleInformation), TMessageKind::Information);
   else
     ShowFailure(told);
 }
 
 bool TRestoreModel::WantsAnyway(TRestoreDoubt doubt, const TBackupOrigin& origin) {
   const Text question = DescribeDoubt(doubt, origin, m_vars) + u"\r\n" + Plain(TextId::RestoreAnyway);
-  return m_system.TheShell.ShowMessage(question, Plain(TextId::TitleConfirm), TMessageKind::Question) ==
+  return m_system.MessageBoxes.ShowMessage(question, Plain(TextId::TitleConfirm), TMessageKind::Question) ==
          TAnswer::Yes;
 }
 
@@ -76,7 +76,7 @@ std::optional<TBackupView> TRestoreModel::View(std::size_t row) {
 }
 
 void TRestoreModel::ShowFailure(TextView text) {
-  m_system.TheShell.ShowMessage(text, Plain(TextId::TitleError), TMessageKind::Failure);
+  m_system.MessageBoxes.ShowMessage(text, Plain(TextId::TitleError), TMessageKind::Failure);
 }
 
 Text TRestoreModel::Plain(TextId id, TextView arg1, TextView arg2) const {

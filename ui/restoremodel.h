@@ -23,7 +23,7 @@ struct TRestoreRow {
   TBackupName BackupName;  // hidden
 };
 
-// The rows of the dialog and what its buttons do. Outcomes are told through the shell's message boxes.
+// The rows of the dialog and what its buttons do. Outcomes are told in message boxes.
 class TRestoreModel {
  public:
   // Both must outlive the model.

@@ -55,25 +55,25 @@ Text DecodeLink(std::string_view enciphered) {
   return link;
 }
 
-void OpenHelp(Shell& shell, const TGlobalVars& vars) {
+void OpenHelp(TPrograms& programs, const TGlobalVars& vars) {
   // The folder ends in a separator already; the system takes two for one.
-  shell.ShowHelpTopic(vars.ProgramFolder + u"\\help.chm", u"/Registry_Cleaner.htm");
+  programs.ShowHelpTopic(vars.ProgramFolder + u"\\help.chm", u"/Registry_Cleaner.htm");
 }
 
-void OpenHomePage(Shell& shell) {
-  shell.Execute(u"open", DecodeLink(kHomePage));
+void OpenHomePage(TPrograms& programs) {
+  programs.Execute(u"open", DecodeLink(kHomePage));
 }
 
-void OpenUpgradePage(Shell& shell) {
-  shell.Execute(u"open", DecodeLink(kUpgradePage));
+void OpenUpgradePage(TPrograms& programs) {
+  programs.Execute(u"open", DecodeLink(kUpgradePage));
 }
 
-void RecommendToFriends(Shell& shell) {
-  shell.Execute(u"open", u"mailto:?subject= &body=");
+void RecommendToFriends(TPrograms& programs) {
+  programs.Execute(u"open", u"mailto:?subject= &body=");
 }
 
-void StartSuiteTool(TSuiteTool tool, Shell& shell, const TGlobalVars& vars) {
-  shell.Execute(u"open", vars.ProgramFolder + u"\\" + Text(ProgramFileOf(tool)));
+void StartSuiteTool(TSuiteTool tool, TPrograms& programs, const TGlobalVars& vars) {
+  programs.Execute(u"open", vars.ProgramFolder + u"\\" + Text(ProgramFileOf(tool)));
 }
 
 }  // namespace corvalt

@@ -6,20 +6,20 @@
 
 #include "base/text.h"
 #include "core/globals.h"
-#include "system/shell.h"
+#include "system/programs.h"
 
 namespace corvalt {
 
 enum class TSuiteTool { DiskCleanup, StartupManager, UninstallManager, ProcessManager };
 
-void OpenHelp(Shell& shell, const TGlobalVars& vars);
-void OpenHomePage(Shell& shell);
-void OpenUpgradePage(Shell& shell);
+void OpenHelp(TPrograms& programs, const TGlobalVars& vars);
+void OpenHomePage(TPrograms& programs);
+void OpenUpgradePage(TPrograms& programs);
 
 // An empty mail with a subject of one blank.
-void RecommendToFriends(Shell& shell);
+void RecommendToFriends(TPrograms& programs);
 
-void StartSuiteTool(TSuiteTool tool, Shell& shell, const TGlobalVars& vars);
+void StartSuiteTool(TSuiteTool tool, TPrograms& programs, const TGlobalVars& vars);
 
 // The link that an enciphered literal of hexadecimal digits stands for; empty for anything else.
 Text DecodeLink(std::string_view enciphered);

@@ -255,8 +255,10 @@ class TWalk {
   TMemorySystem m_memory;
   TWindowsRawRegistry m_raw;
   TCountedRegistry m_registry;
-  TSystem m_system = {m_registry,      m_raw,          m_memory.Disk,  m_memory.Disk,        m_memory.Machine,
-                      m_memory.Locale, m_memory.Clock, m_memory.Shell, m_memory.Interprocess};
+  TSystem m_system = {
+      m_registry,           m_raw,          m_memory.Disk,         m_memory.Disk,     m_memory.Machine,
+      m_memory.Locale,      m_memory.Clock, m_memory.MessageBoxes, m_memory.Programs, m_memory.EditorWindows,
+      m_memory.Interprocess};
   TGlobalVars m_vars;
   TGlobalReg m_reg;
   TSectionsTreeModel m_sections;

@@ -123,8 +123,10 @@ TRawResult TMemoryRawRegistry::MayCreateSubKeys(TRootKey rootKey, TextView keyPa
 }
 
 bool TMemoryRawRegistry::OpensWithFullAccess(TRootKey rootKey, TextView subKey) {
+  // A leading "\\" makes a bad path name, but not below HKEY_CLASSES_ROOT.
+  const bool isBadName = rootKey != kHkeyClassesRoot && subKey.starts_with(u'\\');
   const std::optional<TParsedKeyPath> parsed = ParseKeyPath(subKey);
-  if (!parsed)
+  if (!parsed || isBadName)
     return false;
   const TOpenMemoryKey found = m_hives.Find(m_hives.Root(rootKey), parsed->Names, true);
   return found && found.Key->Rights == TMemoryRights::Everything;

@@ -102,22 +102,6 @@ TDate DateOf(std::int64_t dayCount) {
   return {yearOfEra + era * 400 + (month <= 2 ? 1 : 0), month, dayOfYear - (153 * marchMonth + 2) / 5 + 1};
 }
 
-std::string Said(std::initializer_list<TextView> words) {
-  std::string line;
-  for (const TextView word : words)
-    line += (line.empty() ? "" : " ") + EncodeUtf8(word);
-  return line;
-}
-
-std::string Number(std::intptr_t number) {
-  return std::to_string(number);
-}
-
-TWindowHandle WindowOf(const std::map<Text, TWindowHandle>& windows, TextView className) {
-  const auto found = windows.find(Text(className));
-  return found == windows.end() ? 0 : found->second;
-}
-
 constexpr std::chrono::milliseconds kLockSlice(5);
 
 // The lock of a name, or all locks.
@@ -207,69 +191,6 @@ Text TMemoryLocale::SystemMessage(std::uint32_t code) {
 void TMemoryClock::Sleep(std::chrono::milliseconds duration) {
   Slept += duration;
   Time += static_cast<double>(duration.count()) / static_cast<double>(kMillisecondsADay);
-}
-
-TAnswer TMemoryShell::ShowMessage(TextView text, TextView title, TMessageKind kind) {
-  const TextView name = kind == TMessageKind::Question  ? u"question"
-                        : kind == TMessageKind::Failure ? u"failure"
-                                                        : u"information";
-  Calls.push_back(Said({name, title, u"|", text}));
-  if (kind != TMessageKind::Question)
-    return TAnswer::Ok;
-  if (Answers.empty())
-    return TAnswer::No;
-  const TAnswer answer = Answers.front();
-  Answers.pop_front();
-  return answer;
-}
-
-void TMemoryShell::Execute(TextView verb, TextView target) {
-  Calls.push_back(Said({u"execute", verb, target}));
-}
-
-bool TMemoryShell::ExecuteAndWaitForIdle(TextView verb, TextView program) {
-  Calls.push_back(Said({u"start", verb, program}));
-  if (Starts)
-    TopLevelWindows.insert(WindowsOnceStarted.begin(), WindowsOnceStarted.end());
-  return Starts;
-}
-
-bool TMemoryShell::ShowProperties(TextView path, std::uint32_t mask) {
-  Calls.push_back(Said({u"properties", path}) + " " + std::to_string(mask));
-  return Starts;
-}
-
-void TMemoryShell::ShowHelpTopic(TextView helpFile, TextView topic) {
-  Calls.push_back(Said({u"help", helpFile, topic}));
-}
-
-TWindowHandle TMemoryShell::FindTopLevelWindow(TextView className) {
-  return WindowOf(TopLevelWindows, className);
-}
-
-TWindowHandle TMemoryShell::FindChildWindow(TWindowHandle parent, TextView className, bool deep) {
-  return parent == 0 ? 0 : WindowOf(deep ? DeepChildren : DirectChildren, className);
-}
-
-void TMemoryShell::ShowWindow(TWindowHandle window) {
-  Calls.push_back("show " + std::to_string(window));
-}
-void TMemoryShell::BringToForeground(TWindowHandle window) {
-  Calls.push_back("foreground " + std::to_string(window));
-}
-void TMemoryShell::SetFocus(TWindowHandle window) {
-  Calls.push_back("focus " + std::to_string(window));
-}
-
-void TMemoryShell::SendMessage(TWindowHandle window, std::uint32_t message, std::uintptr_t wParam,
-                               std::intptr_t lParam) {
-  Calls.push_back("message " + std::to_string(window) + " " + std::to_string(message) + " " +
-                  std::to_string(wParam) + " " + Number(lParam));
-}
-
-bool TMemoryShell::OpensWithFullAccess(std::uint32_t rootKey, TextView subKey) {
-  const std::string key = std::to_string(rootKey) + ":" + EncodeUtf8(subKey);
-  return std::find(FullAccessKeys.begin(), FullAccessKeys.end(), key) != FullAccessKeys.end();
 }
 
 TLockAnswer TMemoryInterprocess::Lock(const TLockWish& wish, const std::function<bool()>& stop) {

@@ -5,8 +5,6 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -16,8 +14,11 @@
 
 #include "base/text.h"
 #include "platform/memory/journal.h"
+#include "platform/memory/memoryeditorwindows.h"
 #include "platform/memory/memoryfiles.h"
 #include "platform/memory/memoryhives.h"
+#include "platform/memory/memorymessageboxes.h"
+#include "platform/memory/memoryprograms.h"
 #include "platform/memory/memoryrawregistry.h"
 #include "platform/memory/memoryregistry.h"
 #include "system/system.h"
@@ -85,38 +86,6 @@ class TMemoryClock : public TClock {
   std::chrono::milliseconds Slept{0};
 };
 
-// Returns what a test has prepared, and remembers every call as one line.
-class TMemoryShell : public Shell {
- public:
-  TAnswer ShowMessage(TextView text, TextView title, TMessageKind kind) override;
-  void Execute(TextView verb, TextView target) override;
-  bool ExecuteAndWaitForIdle(TextView verb, TextView program) override;
-  bool ShowProperties(TextView path, std::uint32_t mask) override;
-  void ShowHelpTopic(TextView helpFile, TextView topic) override;
-  TWindowHandle FindTopLevelWindow(TextView className) override;
-  TWindowHandle FindChildWindow(TWindowHandle parent, TextView className, bool deep) override;
-  void ShowWindow(TWindowHandle window) override;
-  void BringToForeground(TWindowHandle window) override;
-  void SetFocus(TWindowHandle window) override;
-  void SendMessage(TWindowHandle window, std::uint32_t message, std::uintptr_t wParam,
-                   std::intptr_t lParam) override;
-  std::uint32_t FirstDisplayModeBitsPerPixel() override {
-    return BitsPerPixel;
-  }
-  bool OpensWithFullAccess(std::uint32_t rootKey, TextView subKey) override;
-
-  // What ShowMessage returns for the questions to come; No when none is left.
-  std::deque<TAnswer> Answers;
-  bool Starts = true;
-  std::uint32_t BitsPerPixel = 32;
-  std::map<Text, TWindowHandle> TopLevelWindows;     // by class
-  std::map<Text, TWindowHandle> DirectChildren;      // by class
-  std::map<Text, TWindowHandle> DeepChildren;        // by class
-  std::map<Text, TWindowHandle> WindowsOnceStarted;  // appear when a program is started
-  std::vector<std::string> FullAccessKeys;           // "2147483649:Software\Foo" for what opens
-  std::vector<std::string> Calls;
-};
-
 // The locks of one machine, which the programs of several users may share.
 struct TMemoryLocks {
   std::mutex Mutex;
@@ -152,7 +121,8 @@ class TMemorySystem {
 
   // Valid as long as this object.
   TSystem Bundle() {
-    return {Registry, Raw, Disk, Disk, Machine, Locale, Clock, Shell, Interprocess};
+    return {Registry, Raw,          Disk,     Disk,          Machine,     Locale,
+            Clock,    MessageBoxes, Programs, EditorWindows, Interprocess};
   }
 
   // The usual variables and folders of a Windows XP machine: C:\Windows, C:\Program Files, a user "Ann".
@@ -167,7 +137,11 @@ class TMemorySystem {
   TMemoryMachine Machine;
   TMemoryLocale Locale;
   TMemoryClock Clock;
-  TMemoryShell Shell;
+  // What was shown to the user and done to other programs, in this order.
+  std::vector<std::string> Calls;
+  TMemoryMessageBoxes MessageBoxes{Calls};
+  TMemoryPrograms Programs{Calls};
+  TMemoryEditorWindows EditorWindows{Calls};
   TMemoryInterprocess Interprocess;
 };
 

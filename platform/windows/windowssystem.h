@@ -2,13 +2,15 @@
 #pragma once
 
 #include "platform/windows/windowsclock.h"
+#include "platform/windows/windowseditorwindows.h"
 #include "platform/windows/windowsfiles.h"
 #include "platform/windows/windowsinterprocess.h"
 #include "platform/windows/windowslocale.h"
 #include "platform/windows/windowsmachine.h"
+#include "platform/windows/windowsmessageboxes.h"
+#include "platform/windows/windowsprograms.h"
 #include "platform/windows/windowsrawregistry.h"
 #include "platform/windows/windowsregistrystore.h"
-#include "platform/windows/windowsshell.h"
 #include "system/system.h"
 
 namespace corvalt {
@@ -23,7 +25,14 @@ class TWindowsSystem {
 
   // Valid as long as this object.
   TSystem Bundle() {
-    return {Registry, Raw, Probe, Files, Machine, Locale, Clock, TheShell, Interprocess};
+    return {Registry, Raw,          Probe,    Files,         Machine,     Locale,
+            Clock,    MessageBoxes, Programs, EditorWindows, Interprocess};
+  }
+
+  // The window that message boxes, and what is started, belong to; nullptr for none.
+  void SetOwner(HWND owner) {
+    MessageBoxes.SetOwner(owner);
+    Programs.SetOwner(owner);
   }
 
   TWindowsRegistry Registry;
@@ -33,7 +42,9 @@ class TWindowsSystem {
   TWindowsMachine Machine;
   TWindowsLocale Locale;
   TWindowsClock Clock;
-  TWindowsShell TheShell;
+  TWindowsMessageBoxes MessageBoxes;
+  TWindowsPrograms Programs;
+  TWindowsEditorWindows EditorWindows;
   TWindowsInterprocess Interprocess;
 };
 

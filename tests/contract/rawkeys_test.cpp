@@ -192,6 +192,12 @@ TEST_F(RawKeysContract, OnlyAnExistingKeyWithEveryRightOpensWithFullAccess) {
   EXPECT_FALSE(opens(u"Missing"));
   EXPECT_FALSE(opens(u"Denied"));
   EXPECT_FALSE(opens(TextView(u"Key\0", 4)));
+  EXPECT_FALSE(m_system.Raw.OpensWithFullAccess(kScratchRoot, At(u"Key")));
+}
+
+TEST_F(RawKeysContract, AKeyWhoseNameIsInNoCodePageOpensWithFullAccess) {
+  Create(u"\u65E5\u672C");
+  EXPECT_TRUE(m_system.Raw.OpensWithFullAccess(kScratchRoot, TextView(At(u"\u65E5\u672C")).substr(1)));
 }
 
 TEST_F(RawKeysContract, ATreeIsDeletedAfterEveryKeyOfItWasAgreedTo) {

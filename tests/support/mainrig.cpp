@@ -12,21 +12,9 @@ Text NumberedKey(int number) {
   return u"HKEY_CURRENT_USER\\Software\\App\\" + DecimalText(number);
 }
 
-TSystem WithShell(const TSystem& system, Shell& shell) {
-  return {system.Registry, system.Raw,   system.Probe, system.Files,       system.Machine,
-          system.Locale,   system.Clock, shell,        system.Interprocess};
-}
-
 }  // namespace
 
-TAnswer TListeningShell::ShowMessage(TextView text, TextView title, TMessageKind kind) {
-  const TAnswer answer = TMemoryShell::ShowMessage(text, title, kind);
-  if (OnMessage)
-    OnMessage();
-  return answer;
-}
-
-// Every call goes to its record. A call after its end is a use after free, which the sanitizers find.
+// What it is told goes to its record. A call after its end is a use after free, which the sanitizers find.
 class TMainRig::TDialog : public TProgressView {
  public:
   TDialog(TMainRig& rig, TDialogRecord& record) : m_rig(rig), m_record(&record) {
@@ -84,8 +72,7 @@ class TMainRig::TDialog : public TProgressView {
   TRecordingDialog m_recorder;
 };
 
-TMainRig::TMainRig()
-    : m_system(WithShell(m_machine.System.Bundle(), Shell)), Main(m_system, Vars, Reg, UiThread, *this) {
+TMainRig::TMainRig() : m_system(m_machine.System.Bundle()), Main(m_system, Vars, Reg, UiThread, *this) {
   Main.Sections().CheckOnly({kSection});
 }
 

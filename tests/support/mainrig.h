@@ -13,14 +13,6 @@
 
 namespace corvalt {
 
-// A message box during which something may happen.
-class TListeningShell : public TMemoryShell {
- public:
-  TAnswer ShowMessage(TextView text, TextView title, TMessageKind kind) override;
-
-  std::function<void()> OnMessage;
-};
-
 // One progress dialog, also after it has gone.
 struct TDialogRecord {
   TProgressMode Mode = TProgressMode::Scan;
@@ -72,7 +64,6 @@ class TMainRig : private TRegMainView {
   TGlobalVars& Vars = m_machine.Vars;
   TGlobalReg& Reg = m_machine.Reg;
   TQueueUiThread& UiThread = m_machine.UiThread;
-  TListeningShell Shell;
   TRegMain Main;
 
   std::deque<TDialogRecord> Dialogs;

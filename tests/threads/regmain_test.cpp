@@ -26,7 +26,7 @@ void ExpectNothingLeftBehind(TMainRig& rig) {
     EXPECT_EQ(rig.Header(0)->Problem.ChildCount, rig.RowCount());
   }
   EXPECT_EQ(rig.Enabled(), rig.RowCount() > 0 ? "scan repair restore export" : "scan restore");
-  EXPECT_TRUE(rig.Shell.Calls.empty());
+  EXPECT_TRUE(rig.System.Calls.empty());
   rig.Dialogs.clear();
 }
 

@@ -117,8 +117,10 @@ TEST(RepairThread, TwoCopiesOfTheProgramLoseNoBackupOfEachOther) {
   constexpr int kBackups = 20;
   const auto makeBackups = [&](int first) {
     TMemoryClock clock;
-    TSystem copy = {system.Registry, system.Raw, system.Probe,    system.Files,       system.Machine,
-                    system.Locale,   clock,      system.TheShell, system.Interprocess};
+    TSystem copy = {
+        system.Registry,    system.Raw, system.Probe,        system.Files,    system.Machine,
+        system.Locale,      clock,      system.MessageBoxes, system.Programs, system.EditorWindows,
+        system.Interprocess};
     for (int i = 0; i < kBackups; ++i) {
       clock.Time = first + i;
       BackupStore store(copy, rig.Vars);

@@ -281,9 +281,9 @@ TEST(ABackupLogThatFails, IsToldByTheWindowAfterTheRepair) {
   rig.Main.Repair();
   EXPECT_FALSE(rig.IsBroken(0));
   EXPECT_EQ(rig.Dialogs.back().Results.back(), "11008|0");
-  ASSERT_EQ(rig.Shell.Calls.size(), 1U);
-  EXPECT_TRUE(rig.Shell.Calls[0].starts_with("failure 40001 | 40052(")) << rig.Shell.Calls[0];
-  EXPECT_TRUE(rig.Shell.Calls[0].ends_with(".log: System message 112.)")) << rig.Shell.Calls[0];
+  ASSERT_EQ(rig.System.Calls.size(), 1U);
+  EXPECT_TRUE(rig.System.Calls[0].starts_with("failure 40001 | 40052(")) << rig.System.Calls[0];
+  EXPECT_TRUE(rig.System.Calls[0].ends_with(".log: System message 112.)")) << rig.System.Calls[0];
 }
 
 TEST(ABackupLogThatFails, IsToldByTheConsoleAndChangesNoExitCode) {

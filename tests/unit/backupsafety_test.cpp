@@ -15,8 +15,9 @@ namespace {
 const Text kIndexPath = Text(kFolder) + u"index.ini";
 
 TSystem WithInterprocess(TSystem system, TInterprocess& interprocess) {
-  return {system.Registry, system.Raw,   system.Probe,    system.Files, system.Machine,
-          system.Locale,   system.Clock, system.TheShell, interprocess};
+  return {system.Registry, system.Raw,           system.Probe, system.Files,
+          system.Machine,  system.Locale,        system.Clock, system.MessageBoxes,
+          system.Programs, system.EditorWindows, interprocess};
 }
 
 void Maintain(TStoreRig& rig) {
@@ -208,8 +209,10 @@ TEST(TwoUsersOfAPortableStore, LoseNoBackupOfEachOther) {
   const auto makeBackups = [&rig](TInterprocess& interprocess, int first) {
     TMemoryClock clock;
     TSystem system = WithInterprocess(rig.System.Bundle(), interprocess);
-    TSystem timed = {system.Registry, system.Raw, system.Probe,    system.Files,       system.Machine,
-                     system.Locale,   clock,      system.TheShell, system.Interprocess};
+    TSystem timed = {
+        system.Registry,    system.Raw, system.Probe,        system.Files,    system.Machine,
+        system.Locale,      clock,      system.MessageBoxes, system.Programs, system.EditorWindows,
+        system.Interprocess};
     for (int i = 0; i < 20; ++i) {
       clock.Time = first + i;
       BackupStore store(timed, rig.Vars);

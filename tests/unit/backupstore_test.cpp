@@ -70,8 +70,9 @@ class TNoLocks : public TInterprocess {
 };
 
 TSystem WithLocks(TSystem system, TInterprocess& locks) {
-  return {system.Registry, system.Raw,   system.Probe,    system.Files, system.Machine,
-          system.Locale,   system.Clock, system.TheShell, locks};
+  return {system.Registry, system.Raw,           system.Probe, system.Files,
+          system.Machine,  system.Locale,        system.Clock, system.MessageBoxes,
+          system.Programs, system.EditorWindows, locks};
 }
 
 // The wish for the lock of the store in this folder.
@@ -210,8 +211,17 @@ TEST(MakingABackup, ListsItThenWritesAndVerifiesItAndLooksWhetherItIsListed) {
   TNotingDisk disk(journal);
   rig.System.Registry.Set(kKey, u"Path", u"x");
   const TSystem plain = rig.System.Bundle();
-  TSystem system = {plain.Registry, plain.Raw,         disk, disk, plain.Machine, plain.Locale, plain.Clock,
-                    plain.TheShell, plain.Interprocess};
+  TSystem system = {plain.Registry,
+                    plain.Raw,
+                    disk,
+                    disk,
+                    plain.Machine,
+                    plain.Locale,
+                    plain.Clock,
+                    plain.MessageBoxes,
+                    plain.Programs,
+                    plain.EditorWindows,
+                    plain.Interprocess};
   BackupStore store(system, rig.Vars);
   const TBackupName name = store.BeginBackup();
   EXPECT_EQ(journal.Entries(), TNames({"read index.ini", "replace index.ini"}));

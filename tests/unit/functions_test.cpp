@@ -374,12 +374,13 @@ TEST(FormatSize, UsesTheUsersSeparators) {
   EXPECT_EQ(FormatSize(std::int64_t{1234} * 1073741824, locale), u"1234,00 GB");
 }
 
-TEST(ShowFileProperties, AsksTheShellWithTheMask) {
-  TMemoryShell shell;
-  EXPECT_TRUE(ShowFileProperties(u"C:\\a.txt", shell));
-  EXPECT_EQ(shell.Calls, (std::vector<std::string>{"properties C:\\a.txt 1100"}));
-  shell.Starts = false;
-  EXPECT_FALSE(ShowFileProperties(u"C:\\a.txt", shell));
+TEST(ShowFileProperties, AsksTheSystemWithTheMask) {
+  std::vector<std::string> calls;
+  TMemoryPrograms programs(calls);
+  EXPECT_TRUE(ShowFileProperties(u"C:\\a.txt", programs));
+  EXPECT_EQ(calls, (std::vector<std::string>{"properties C:\\a.txt 1100"}));
+  programs.Starts = false;
+  EXPECT_FALSE(ShowFileProperties(u"C:\\a.txt", programs));
 }
 
 TEST(FileSize, IsThatOfTheFirstMatch) {

@@ -214,8 +214,17 @@ class TManyDrives : public TMemoryDisk {
 
 TEST_F(Environment, ADriveListOf129CharactersFits) {
   TManyDrives disk(129);
-  TSystem bundle{System.Registry, System.Raw,         disk, disk, System.Machine, System.Locale, System.Clock,
-                 System.Shell,    System.Interprocess};
+  TSystem bundle{System.Registry,
+                 System.Raw,
+                 disk,
+                 disk,
+                 System.Machine,
+                 System.Locale,
+                 System.Clock,
+                 System.MessageBoxes,
+                 System.Programs,
+                 System.EditorWindows,
+                 System.Interprocess};
   FillGlobalVars(bundle, Vars);
   EXPECT_EQ(disk.Offered(), 129u);
   EXPECT_EQ(Vars.FixedDrives, u"C:\\;");
@@ -223,8 +232,17 @@ TEST_F(Environment, ADriveListOf129CharactersFits) {
 
 TEST_F(Environment, ALongerDriveListRaisesTheSystemsMessage14) {
   TManyDrives disk(130);
-  TSystem bundle{System.Registry, System.Raw,         disk, disk, System.Machine, System.Locale, System.Clock,
-                 System.Shell,    System.Interprocess};
+  TSystem bundle{System.Registry,
+                 System.Raw,
+                 disk,
+                 disk,
+                 System.Machine,
+                 System.Locale,
+                 System.Clock,
+                 System.MessageBoxes,
+                 System.Programs,
+                 System.EditorWindows,
+                 System.Interprocess};
   try {
     FillGlobalVars(bundle, Vars);
     FAIL() << "nothing raised";

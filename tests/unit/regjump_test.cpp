@@ -16,20 +16,21 @@ using TLines = std::vector<std::string>;
 
 constexpr TWindowHandle kEditor = 10;
 
-// A registry editor with its tree (11) and its list (12), and a shell and a clock that write into one list.
+// A registry editor with its tree (11) and its list (12), and a clock that writes into the same list.
 class RegistryEditorJump : public testing::Test {
  protected:
   RegistryEditorJump() {
-    m_system.Shell.TopLevelWindows[u"RegEdit_RegEdit"] = kEditor;
-    m_system.Shell.DirectChildren = {{u"SysTreeView32", 11}, {u"SysListView32", 12}};
-    m_system.Shell.FullAccessKeys = {"2147483649:Ab"};
+    m_system.EditorWindows.TopLevelWindows[u"RegEdit_RegEdit"] = kEditor;
+    m_system.EditorWindows.DirectChildren = {{u"SysTreeView32", 11}, {u"SysListView32", 12}};
+    m_system.Registry.AddKey(u"HKEY_CURRENT_USER\\Ab");
   }
 
   // "Ab" of the user: two characters, so that a test can be read.
   void Jump(TextView valueName = {}, TextView windows = u"xp") {
     TSystem system = m_system.Bundle();
-    TSystem watched = {system.Registry, system.Raw,   system.Probe,    system.Files,       system.Machine,
-                       system.Locale,   m_pauseClock, system.TheShell, system.Interprocess};
+    TSystem watched = {system.Registry, system.Raw,           system.Probe,       system.Files,
+                       system.Machine,  system.Locale,        m_pauseClock,       system.MessageBoxes,
+                       system.Programs, system.EditorWindows, system.Interprocess};
     JumpToKey(u"HKEY_CURRENT_USER\\Ab", valueName, windows, watched);
   }
   void Open(const ScanProblem& problem) {
@@ -37,8 +38,16 @@ class RegistryEditorJump : public testing::Test {
     OpenProblem(problem, u"xp", system);
   }
 
+  // From here on its window is there only once the editor has been started.
+  void CloseTheEditor() {
+    m_system.EditorWindows.TopLevelWindows.clear();
+    m_system.Programs.OnStarted = [this] {
+      m_system.EditorWindows.TopLevelWindows[u"RegEdit_RegEdit"] = kEditor;
+    };
+  }
+
   const TLines& Calls() const {
-    return m_system.Shell.Calls;
+    return m_system.Calls;
   }
 
   // The characters that were sent to a window, a message each.
@@ -52,7 +61,7 @@ class RegistryEditorJump : public testing::Test {
     return characters;
   }
 
-  // Writes its pauses between the calls of the shell.
+  // Writes its pauses between the calls.
   class TPauseClock : public TMemoryClock {
    public:
     explicit TPauseClock(TLines& calls) : m_calls(calls) {
@@ -66,7 +75,7 @@ class RegistryEditorJump : public testing::Test {
   };
 
   TMemorySystem m_system;
-  TPauseClock m_pauseClock{m_system.Shell.Calls};
+  TPauseClock m_pauseClock{m_system.Calls};
 };
 
 // The editor is shown, its tree is given the focus, and 31 left arrows climb to the top.
@@ -102,6 +111,23 @@ TLines Join(std::initializer_list<TLines> parts) {
   return all;
 }
 
+// Which keys the check asks for.
+TLines AskedFor(TextView fullKey) {
+  class TAskedRegistry : public TMemoryRawRegistry {
+   public:
+    using TMemoryRawRegistry::TMemoryRawRegistry;
+    bool OpensWithFullAccess(TRootKey rootKey, TextView subKey) override {
+      Asked.push_back(EncodeUtf8(RootKeyName(rootKey) + u" " + Text(subKey)));
+      return true;
+    }
+    TLines Asked;
+  };
+  TMemoryRegistry keys;
+  TAskedRegistry registry(keys);
+  CheckJumpKey(fullKey, registry);
+  return registry.Asked;
+}
+
 const TLines kPause = {"pause 750"};
 const TLines kToFront = {"foreground 10", "focus 10"};
 
@@ -110,50 +136,49 @@ const TLines kToFront = {"foreground 10", "focus 10"};
 // The key check
 
 TEST(JumpKeyCheck, GivesEachRootItsCode) {
-  TMemoryShell shell;
-  shell.FullAccessKeys = {"2147483648:a", "2147483649:a", "2147483650:a",
-                          "2147483653:a", "2147483651:a", "2147483654:a"};
-  EXPECT_EQ(CheckJumpKey(u"HKEY_CLASSES_ROOT\\a", shell), 1);
-  EXPECT_EQ(CheckJumpKey(u"HKEY_CURRENT_USER\\a", shell), 2);
-  EXPECT_EQ(CheckJumpKey(u"HKEY_LOCAL_MACHINE\\a", shell), 3);
-  EXPECT_EQ(CheckJumpKey(u"HKEY_CURRENT_CONFIG\\a", shell), 4);
-  EXPECT_EQ(CheckJumpKey(u"HKEY_USERS\\a", shell), 5);
-  EXPECT_EQ(CheckJumpKey(u"HKEY_DYN_DATA\\a", shell), 6);
-}
-
-TEST(JumpKeyCheck, TakesRootNamesInAnyLetterCaseAndLeavesTheSubkeyAsItIs) {
-  TMemoryShell shell;
-  shell.FullAccessKeys = {"2147483650:Software\\aBc"};
-  EXPECT_EQ(CheckJumpKey(u"hkey_local_Machine\\Software\\aBc", shell), 3);
+  TMemorySystem system;
+  const std::vector<std::pair<Text, std::int32_t>> roots = {
+      {u"HKEY_CLASSES_ROOT", 1},   {u"HKEY_CURRENT_USER", 2}, {u"HKEY_LOCAL_MACHINE", 3},
+      {u"HKEY_CURRENT_CONFIG", 4}, {u"HKEY_USERS", 5},        {u"HKEY_DYN_DATA", 6}};
+  for (const auto& [root, code] : roots) {
+    system.Registry.AddKey(root + u"\\a");
+    EXPECT_EQ(CheckJumpKey(root + u"\\a", system.Raw), code) << EncodeUtf8(root);
+  }
 }
 
 TEST(JumpKeyCheck, FailsForARootAlone) {
-  TMemoryShell shell;
-  // The root itself would open.
-  shell.FullAccessKeys = {"2147483651:"};
-  EXPECT_EQ(CheckJumpKey(u"HKEY_USERS", shell), 0);
+  TMemorySystem system;
+  system.Registry.AddKey(u"HKEY_USERS\\a");
+  EXPECT_EQ(CheckJumpKey(u"HKEY_USERS", system.Raw), 0);
 }
 
 TEST(JumpKeyCheck, FailsForAnUnknownRoot) {
-  TMemoryShell shell;
-  shell.FullAccessKeys = {"2147483650:a", "2147483649:HKLM\\a", "2147483649:a"};
-  EXPECT_EQ(CheckJumpKey(u"HKLM\\a", shell), 0);
-  EXPECT_EQ(CheckJumpKey(u"\\HKEY_CURRENT_USER\\a", shell), 0);
-  EXPECT_EQ(CheckJumpKey(u"", shell), 0);
+  TMemorySystem system;
+  system.Registry.AddKey(u"HKEY_LOCAL_MACHINE\\a");
+  system.Registry.AddKey(u"HKEY_CURRENT_USER\\a");
+  system.Registry.AddKey(u"HKEY_CURRENT_USER\\HKLM\\a");
+  EXPECT_EQ(CheckJumpKey(u"HKLM\\a", system.Raw), 0);
+  EXPECT_EQ(CheckJumpKey(u"\\HKEY_CURRENT_USER\\a", system.Raw), 0);
+  EXPECT_EQ(CheckJumpKey(u"", system.Raw), 0);
 }
 
 TEST(JumpKeyCheck, FailsForAKeyThatDoesNotOpenWithFullAccess) {
-  TMemoryShell shell;
-  shell.FullAccessKeys = {"2147483650:Other"};
-  EXPECT_EQ(CheckJumpKey(u"HKEY_LOCAL_MACHINE\\Software", shell), 0);
+  TMemorySystem system;
+  system.Registry.AddKey(u"HKEY_LOCAL_MACHINE\\Software");
+  EXPECT_EQ(CheckJumpKey(u"HKEY_LOCAL_MACHINE\\Software", system.Raw), 3);
+  EXPECT_EQ(CheckJumpKey(u"HKEY_LOCAL_MACHINE\\Missing", system.Raw), 0);
+  system.Registry.Deny(u"HKEY_LOCAL_MACHINE\\Software");
+  EXPECT_EQ(CheckJumpKey(u"HKEY_LOCAL_MACHINE\\Software", system.Raw), 0);
+}
+
+TEST(JumpKeyCheck, TakesRootNamesInAnyLetterCaseAndLeavesTheSubkeyAsItIs) {
+  EXPECT_EQ(AskedFor(u"hkey_local_Machine\\Software\\aBc"), TLines({"HKEY_LOCAL_MACHINE Software\\aBc"}));
 }
 
 TEST(JumpKeyCheck, TakesTheFirstRootNameOfTheTextAwayAndNoOther) {
-  TMemoryShell shell;
-  shell.FullAccessKeys = {"2147483651:A\\HKEY_USERS\\B", "2147483651:HKEY_USERSX\\B"};
-  EXPECT_EQ(CheckJumpKey(u"HKEY_USERS\\A\\HKEY_USERS\\B", shell), 5);
+  EXPECT_EQ(AskedFor(u"HKEY_USERS\\A\\HKEY_USERS\\B"), TLines({"HKEY_USERS A\\HKEY_USERS\\B"}));
   // The name is looked for with its separator, wherever it stands.
-  EXPECT_EQ(CheckJumpKey(u"HKEY_USERSX\\HKEY_USERS\\B", shell), 5);
+  EXPECT_EQ(AskedFor(u"HKEY_USERSX\\HKEY_USERS\\B"), TLines({"HKEY_USERS HKEY_USERSX\\B"}));
 }
 
 // The walk
@@ -180,8 +205,8 @@ TEST_F(RegistryEditorJump, AValueOfOneCharacterSendsTheNulAlone) {
 
 TEST_F(RegistryEditorJump, WithEightBitsPerPixelOrFewerOnlyThePauseBeforeTheListIsLeft) {
   for (const std::uint32_t bits : {8u, 4u, 0u}) {
-    m_system.Shell.Calls.clear();
-    m_system.Shell.BitsPerPixel = bits;
+    m_system.Calls.clear();
+    m_system.EditorWindows.BitsPerPixel = bits;
     Jump(u"x");
     EXPECT_EQ(Calls(),
               Join({Climb(),
@@ -193,14 +218,14 @@ TEST_F(RegistryEditorJump, WithEightBitsPerPixelOrFewerOnlyThePauseBeforeTheList
 }
 
 TEST_F(RegistryEditorJump, PausesFromNineBitsPerPixelOn) {
-  m_system.Shell.BitsPerPixel = 9;
+  m_system.EditorWindows.BitsPerPixel = 9;
   Jump();
   EXPECT_EQ(Calls(), Join({Climb(), kPause, Walk("pause 750"), kToFront}));
 }
 
 TEST_F(RegistryEditorJump, FindsTreeAndListBelowOtherWindowsWhereTheyAreNoDirectChildren) {
-  m_system.Shell.DirectChildren.clear();
-  m_system.Shell.DeepChildren = {{u"SysTreeView32", 21}, {u"SysListView32", 22}};
+  m_system.EditorWindows.DirectChildren.clear();
+  m_system.EditorWindows.DeepChildren = {{u"SysTreeView32", 21}, {u"SysListView32", 22}};
   Jump(u"x");
   EXPECT_EQ(Calls(),
             Join({Climb("21"),
@@ -211,13 +236,12 @@ TEST_F(RegistryEditorJump, FindsTreeAndListBelowOtherWindowsWhereTheyAreNoDirect
 }
 
 TEST_F(RegistryEditorJump, PrefersDirectChildren) {
-  m_system.Shell.DeepChildren = {{u"SysTreeView32", 21}, {u"SysListView32", 22}};
+  m_system.EditorWindows.DeepChildren = {{u"SysTreeView32", 21}, {u"SysListView32", 22}};
   Jump();
   EXPECT_EQ(Calls(), Join({Climb(), kPause, Walk("pause 750"), kToFront}));
 }
 
 TEST_F(RegistryEditorJump, ATextThatEndsInABackslashClicksWithTheArrowsCode) {
-  m_system.Shell.FullAccessKeys = {"2147483649:Ab\\"};
   TSystem system = m_system.Bundle();
   JumpToKey(u"HKEY_CURRENT_USER\\Ab\\", {}, u"xp", system);
   ASSERT_GE(Calls().size(), 4u);
@@ -226,7 +250,7 @@ TEST_F(RegistryEditorJump, ATextThatEndsInABackslashClicksWithTheArrowsCode) {
 }
 
 TEST_F(RegistryEditorJump, LettersBeyondAsciiGoOutAsTheyAre) {
-  m_system.Shell.FullAccessKeys = {"2147483649:z\xC3\xA4"};
+  m_system.Registry.AddKey(u"HKEY_CURRENT_USER\\z\u00E4");
   TSystem system = m_system.Bundle();
   JumpToKey(u"HKEY_CURRENT_USER\\z\u00E4", {}, u"xp", system);
   const TLines end(Calls().end() - 5, Calls().end());
@@ -234,7 +258,7 @@ TEST_F(RegistryEditorJump, LettersBeyondAsciiGoOutAsTheyAre) {
 }
 
 TEST_F(RegistryEditorJump, AKeyThatFailsTheCheckTouchesNothing) {
-  m_system.Shell.FullAccessKeys.clear();
+  m_system.Registry.RemoveKey(u"HKEY_CURRENT_USER\\Ab");
   Jump(u"x");
   EXPECT_EQ(Calls(), TLines());
 }
@@ -247,13 +271,13 @@ TEST_F(RegistryEditorJump, ARunningEditorIsNotStartedAgain) {
 }
 
 TEST_F(RegistryEditorJump, StartsTheEditorWhereNoneRuns) {
-  m_system.Shell.WindowsOnceStarted.swap(m_system.Shell.TopLevelWindows);
+  CloseTheEditor();
   Jump();
   EXPECT_EQ(Calls(), Join({{"start open regedit.exe"}, Climb(), kPause, Walk("pause 750"), kToFront}));
 }
 
 TEST_F(RegistryEditorJump, AsksForElevationOnVistaAlone) {
-  m_system.Shell.TopLevelWindows.clear();
+  m_system.EditorWindows.TopLevelWindows.clear();
   for (const TextView windows : {u"nt3.51", u"95", u"nt4.0", u"98", u"me", u"2000", u"xp", u"vista", u""})
     Jump({}, windows);
   EXPECT_EQ(Calls(), TLines({"start open regedit.exe", "start open regedit.exe", "start open regedit.exe",
@@ -262,14 +286,14 @@ TEST_F(RegistryEditorJump, AsksForElevationOnVistaAlone) {
 }
 
 TEST_F(RegistryEditorJump, ADeclinedStartEndsTheJump) {
-  m_system.Shell.WindowsOnceStarted.swap(m_system.Shell.TopLevelWindows);
-  m_system.Shell.Starts = false;
+  CloseTheEditor();
+  m_system.Programs.Starts = false;
   Jump(u"x", u"vista");
   EXPECT_EQ(Calls(), TLines({"start RunAs regedit.exe"}));
 }
 
 TEST_F(RegistryEditorJump, AnEditorWithoutAWindowEndsTheJump) {
-  m_system.Shell.TopLevelWindows.clear();
+  m_system.EditorWindows.TopLevelWindows.clear();
   Jump(u"x");
   EXPECT_EQ(Calls(), TLines({"start open regedit.exe"}));
 }

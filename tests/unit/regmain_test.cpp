@@ -127,7 +127,7 @@ TEST(MainWindowSettings, KeysThatCannotBeCreatedAreNoError) {
   rig.Main.SaveSettings();
   EXPECT_FALSE(rig.System.Registry.HasKey(kSections));
   EXPECT_FALSE(rig.System.Registry.HasKey(kSettings));
-  EXPECT_EQ(rig.Shell.Calls, TLines());
+  EXPECT_EQ(rig.System.Calls, TLines());
 }
 
 // What may be done when
@@ -158,7 +158,7 @@ TEST(MainWindowActions, RepairWaitsForTheMaintenanceToEnd) {
   rig.PumpUntil([&] { return !rig.Main.AnyThreadRuns(); });
   EXPECT_EQ(rig.Enabled(), "scan repair restore export");
   EXPECT_GT(rig.ActionsChanges, changes);
-  EXPECT_EQ(rig.Shell.Calls, TLines());
+  EXPECT_EQ(rig.System.Calls, TLines());
 }
 
 TEST(MainWindowActions, ARepairAskedForDuringTheMaintenanceOpensNoDialog) {
@@ -287,7 +287,7 @@ TEST(MainWindowScan, WithNoSectionTickedSaysSoAndKeepsTheResults) {
   rig.Main.Rows().Select(rig.Row(0, 0));
   rig.Main.Sections().CheckOnly({});
   rig.Main.Scan();
-  EXPECT_EQ(rig.Shell.Calls, TLines({"information 10045 | 40017"}));
+  EXPECT_EQ(rig.System.Calls, TLines({"information 10045 | 40017"}));
   EXPECT_TRUE(rig.Dialogs.empty());
   EXPECT_EQ(rig.RowCount(), 2u);
   EXPECT_EQ(rig.Main.Rows().Selected(), rig.Row(0, 0));
@@ -363,7 +363,7 @@ TEST(MainWindowScan, ClosedInTheMiddleKeepsWhatItFound) {
   EXPECT_EQ(rig.Header(0)->Problem.ChildCount, rig.RowCount());
   EXPECT_EQ(rig.Summaries.back().Total, rig.RowCount());
   EXPECT_EQ(rig.Enabled(), "scan repair restore export");
-  EXPECT_EQ(rig.Shell.Calls, TLines());
+  EXPECT_EQ(rig.System.Calls, TLines());
 }
 
 TEST(MainWindowScan, ADialogThatIsGoneHearsNothingMore) {
@@ -436,7 +436,7 @@ TEST(MainWindowScan, ThatFailsSaysWhyAndLeavesEverythingUsable) {
   rig.System.Disk.AddFile(kCatalogue, "not a catalogue");
   rig.Main.Sections().CheckOnly({TMainRig::kSection, kAdware});
   rig.Main.Scan();
-  EXPECT_EQ(rig.Shell.Calls,
+  EXPECT_EQ(rig.System.Calls,
             TLines({"failure 40001 | 40002(40003(C:\\Program Files\\Tessaly\\\\data\\xdata.dat))"}));
   // What was found before the failure is there.
   EXPECT_EQ(rig.RowCount(), 1u);
@@ -446,7 +446,7 @@ TEST(MainWindowScan, ThatFailsSaysWhyAndLeavesEverythingUsable) {
   rig.Main.Sections().CheckOnly({TMainRig::kSection});
   rig.Main.Scan();
   EXPECT_EQ(rig.Dialogs[1].Results, TLines({"11012,11014.|1"}));
-  EXPECT_EQ(rig.Shell.Calls.size(), 1u);
+  EXPECT_EQ(rig.System.Calls.size(), 1u);
   EXPECT_EQ(rig.RowCount(), 1u);
 }
 
@@ -465,7 +465,7 @@ TEST(MainWindowScan, ThatFailsAfterItsDialogHasGoneSaysWhyAllTheSame) {
   rig.Main.Scan();
   closed.set_value();
   rig.WaitForTheEnd();
-  EXPECT_EQ(rig.Shell.Calls, TLines({"failure 40001 | 40002(no more)"}));
+  EXPECT_EQ(rig.System.Calls, TLines({"failure 40001 | 40002(no more)"}));
   EXPECT_EQ(rig.Dialogs[0].Results, TLines());
   rig.System.Registry.OnRead = nullptr;
   rig.Main.Scan();
@@ -519,7 +519,7 @@ TEST(MainWindowRepair, SaysHowManyEntriesItCouldNotSave) {
 TEST(MainWindowRepair, AsksNothing) {
   TScannedRig rig(2);
   rig.Main.Repair();
-  EXPECT_EQ(rig.Shell.Calls, TLines());
+  EXPECT_EQ(rig.System.Calls, TLines());
 }
 
 TEST(MainWindowRepair, ForgetsTheSelectionAtItsStart) {
@@ -557,16 +557,16 @@ TEST(MainWindowRepair, ThatCannotBackUpDeletesNothingAndSaysWhy) {
   TScannedRig rig(2);
   rig.System.Disk.FailReplacing(112);
   rig.Main.Repair();
-  ASSERT_EQ(rig.Shell.Calls.size(), 1u);
-  EXPECT_TRUE(rig.Shell.Calls[0].starts_with("failure 40001 | 40004(")) << rig.Shell.Calls[0];
-  EXPECT_NE(rig.Shell.Calls[0].find("System message 112."), std::string::npos) << rig.Shell.Calls[0];
+  ASSERT_EQ(rig.System.Calls.size(), 1u);
+  EXPECT_TRUE(rig.System.Calls[0].starts_with("failure 40001 | 40004(")) << rig.System.Calls[0];
+  EXPECT_NE(rig.System.Calls[0].find("System message 112."), std::string::npos) << rig.System.Calls[0];
   EXPECT_TRUE(rig.IsBroken(0));
   EXPECT_EQ(rig.RowCount(), 2u);
   EXPECT_EQ(rig.Enabled(), "scan repair restore export");
   rig.System.Disk.FailReplacing(0);
   rig.Main.Repair();
   EXPECT_EQ(rig.RowCount(), 0u);
-  EXPECT_EQ(rig.Shell.Calls.size(), 1u);
+  EXPECT_EQ(rig.System.Calls.size(), 1u);
 }
 
 TEST(MainWindowRepair, IsDoneWithTheWindowWhenItSaysAFailure) {
@@ -574,7 +574,7 @@ TEST(MainWindowRepair, IsDoneWithTheWindowWhenItSaysAFailure) {
   rig.System.Disk.FailReplacing(112);
   std::string enabled;
   TLines results;
-  rig.Shell.OnMessage = [&] {
+  rig.System.MessageBoxes.OnMessage = [&] {
     enabled = rig.Enabled();
     results = rig.Dialogs.back().Results;
   };
@@ -645,17 +645,17 @@ TEST(MainWindowMaintenance, ThatFailsSaysWhyAndLeavesEverythingUsable) {
   rig.System.Disk.FailReading(5);
   rig.Main.StartMaintenance();
   std::string enabled;
-  rig.Shell.OnMessage = [&] { enabled = rig.Enabled(); };
-  rig.PumpUntil([&] { return !rig.Main.AnyThreadRuns() && !rig.Shell.Calls.empty(); });
-  ASSERT_EQ(rig.Shell.Calls.size(), 1u);
-  EXPECT_TRUE(rig.Shell.Calls[0].starts_with("failure 40001 | 40007(")) << rig.Shell.Calls[0];
+  rig.System.MessageBoxes.OnMessage = [&] { enabled = rig.Enabled(); };
+  rig.PumpUntil([&] { return !rig.Main.AnyThreadRuns() && !rig.System.Calls.empty(); });
+  ASSERT_EQ(rig.System.Calls.size(), 1u);
+  EXPECT_TRUE(rig.System.Calls[0].starts_with("failure 40001 | 40007(")) << rig.System.Calls[0];
   EXPECT_EQ(enabled, "scan repair restore export");
 }
 
 TEST(MainWindowFailure, OfTheWindowItselfIsSaidInTheSystemsWords) {
   TMainRig rig;
   rig.Main.ShowFailure(std::make_exception_ptr(TSystemException({8}, u"C:\\a")));
-  EXPECT_EQ(rig.Shell.Calls, TLines({"failure 40001 | C:\\a: System message 8."}));
+  EXPECT_EQ(rig.System.Calls, TLines({"failure 40001 | C:\\a: System message 8."}));
 }
 
 TEST(MainWindowEnd, TerminatesAScanAndWaitsByPumping) {
@@ -678,7 +678,7 @@ TEST(MainWindowEnd, TerminatesARepairAndTheMaintenance) {
   rig.Main.TerminateThreads();
   rig.PumpUntil([&] { return !rig.Main.AnyThreadRuns(); });
   EXPECT_EQ(rig.RowCount(), 100u);
-  EXPECT_EQ(rig.Shell.Calls, TLines());
+  EXPECT_EQ(rig.System.Calls, TLines());
 }
 
 TEST(MainWindowEnd, StopsTheMaintenanceBeforeItsNextBackup) {
@@ -705,9 +705,9 @@ TEST(MainWindowEnd, StopsTheMaintenanceBeforeItsNextBackup) {
 TEST(MainWindowIgnore, AfterAYesTheNextScanReportsTheProblemNoMore) {
   TScannedRig rig(2);
   rig.Main.Rows().Select(rig.Row(0, 0));
-  rig.Shell.Answers = {TAnswer::Yes};
+  rig.System.MessageBoxes.Answers = {TAnswer::Yes};
   rig.Main.Rows().Choose(kChoiceIgnore);
-  EXPECT_EQ(rig.Shell.Calls, TLines({"question 10044 | 11009"}));
+  EXPECT_EQ(rig.System.Calls, TLines({"question 10044 | 11009"}));
   EXPECT_EQ(rig.Reg.IgnoreList, std::vector<Text>({u"HKEY_CURRENT_USER\\Software\\App\\0\\File"}));
   EXPECT_TRUE(rig.System.Registry.HasValue(kIgnored, u"HKEY_CURRENT_USER\\Software\\App\\0\\File"));
   EXPECT_EQ(rig.Summaries.back().Label, u"11011 (11012,11014)");
@@ -719,7 +719,7 @@ TEST(MainWindowIgnore, AfterAYesTheNextScanReportsTheProblemNoMore) {
 TEST(MainWindowIgnore, TheLastRowTakesItsHeaderAndTheRepairWithIt) {
   TScannedRig rig(1);
   rig.Main.Rows().Select(rig.Row(0, 0));
-  rig.Shell.Answers = {TAnswer::Yes};
+  rig.System.MessageBoxes.Answers = {TAnswer::Yes};
   rig.Main.Rows().Choose(kChoiceIgnore);
   EXPECT_EQ(rig.Main.Results().Model().TotalCount(), 0u);
   EXPECT_EQ(rig.Enabled(), "scan restore");
@@ -730,7 +730,7 @@ TEST(MainWindowIgnore, AnyAnswerButYesChangesNothing) {
   for (const TAnswer answer : {TAnswer::No, TAnswer::Ok}) {
     TScannedRig rig(1);
     rig.Main.Rows().Select(rig.Row(0, 0));
-    rig.Shell.Answers = {answer};
+    rig.System.MessageBoxes.Answers = {answer};
     rig.Main.Rows().Choose(kChoiceIgnore);
     EXPECT_EQ(rig.RowCount(), 1u);
     EXPECT_TRUE(rig.Reg.IgnoreList.empty());
@@ -743,7 +743,7 @@ TEST(MainWindowIgnore, AnEntryThatIsSwitchedOffComesBackOn) {
   TScannedRig rig(1);
   rig.Reg.IgnoreList = {u";HKEY_CURRENT_USER\\SOFTWARE\\APP\\0\\file"};
   rig.Main.Rows().Select(rig.Row(0, 0));
-  rig.Shell.Answers = {TAnswer::Yes};
+  rig.System.MessageBoxes.Answers = {TAnswer::Yes};
   rig.Main.Rows().Choose(kChoiceIgnore);
   EXPECT_EQ(rig.Reg.IgnoreList, std::vector<Text>({u"HKEY_CURRENT_USER\\Software\\App\\0\\File"}));
 }
@@ -760,7 +760,7 @@ TEST(MainWindowSummary, FollowsTheCheckBoxes) {
 TEST(MainWindowReport, IsSavedAndSaysWhere) {
   TScannedRig rig(2);
   rig.Main.SaveReport(u"C:\\a & b.txt");
-  EXPECT_EQ(rig.Shell.Calls, TLines({"information 10045 | 11010 C:\\a & b.txt"}));
+  EXPECT_EQ(rig.System.Calls, TLines({"information 10045 | 11010 C:\\a & b.txt"}));
   const std::optional<std::string> report = rig.System.Disk.Content(u"C:\\a & b.txt");
   ASSERT_TRUE(report);
   EXPECT_TRUE(report->starts_with("Report created on "));
@@ -778,27 +778,25 @@ TEST(MainWindowReport, ThatCannotBeWrittenSaysTheSystemsReasonAndNothingElse) {
   TScannedRig rig(1);
   rig.System.Disk.FailReplacing(5);
   rig.Main.SaveReport(u"C:\\r.txt");
-  EXPECT_EQ(rig.Shell.Calls, TLines({"failure 40001 | 40008(System message 5.)"}));
+  EXPECT_EQ(rig.System.Calls, TLines({"failure 40001 | 40008(System message 5.)"}));
   EXPECT_FALSE(rig.System.Disk.Content(u"C:\\r.txt"));
 }
 
 TEST(MainWindowRegistryEditor, IsNotOpenedWithoutASelectedProblem) {
   TScannedRig rig(1);
-  rig.Shell.TopLevelWindows[u"RegEdit_RegEdit"] = 10;
-  rig.Shell.FullAccessKeys = {"2147483649:Software\\App\\0"};
+  rig.System.EditorWindows.TopLevelWindows[u"RegEdit_RegEdit"] = 10;
   rig.Main.OpenSelected();
   rig.Main.Rows().Select(rig.Header(0));
   rig.Main.OpenSelected();
-  EXPECT_EQ(rig.Shell.Calls, TLines());
+  EXPECT_EQ(rig.System.Calls, TLines());
 }
 
 TEST(MainWindowRegistryEditor, OpensTheSelectedProblemAsTheWindowsVersionWantsIt) {
   TScannedRig rig(1);
   rig.Vars.WindowsVersionName = u"vista";
-  rig.Shell.FullAccessKeys = {"2147483649:Software\\App\\0"};
   rig.Main.Rows().Select(rig.Row(0, 0));
   rig.Main.OpenSelected();
-  EXPECT_EQ(rig.Shell.Calls, TLines({"start RunAs regedit.exe"}));
+  EXPECT_EQ(rig.System.Calls, TLines({"start RunAs regedit.exe"}));
 }
 
 }  // namespace corvalt

@@ -83,7 +83,7 @@ TEST(RestoreDialog, SkipsOtherModulesAndNamesThatAreNoNumber) {
   rig.System.Disk.AddFile(Text(kFolder) + u"index.ini",
                           "[1]\r\nType=29001\r\n[notes]\r\nType=11001\r\n[3]\r\n");
   EXPECT_TRUE(rig.Filled().Rows().empty());
-  EXPECT_TRUE(rig.System.Shell.Calls.empty());
+  EXPECT_TRUE(rig.System.Calls.empty());
 }
 
 TEST(RestoreDialog, WithoutBackupsIsEmpty) {
@@ -96,19 +96,18 @@ TEST(RestoreDialog, SaysWhyTheListCannotBeRead) {
   rig.AddBackup("1");
   rig.System.Disk.FailReading(kErrorAccessDenied);
   EXPECT_TRUE(rig.Filled().Rows().empty());
-  EXPECT_EQ(rig.System.Shell.Calls,
-            TLines({"failure 40001 | 40009(C:\\Backups\\index.ini: System message 5.)"}));
+  EXPECT_EQ(rig.System.Calls, TLines({"failure 40001 | 40009(C:\\Backups\\index.ini: System message 5.)"}));
 }
 
 TEST(RestoringABackup, AsksImportsAndReports) {
   TRestoreRig rig;
   rig.AddBackup("46341.5");
   TRestoreModel model = rig.Filled();
-  rig.System.Shell.Answers = {TAnswer::Yes};
+  rig.System.MessageBoxes.Answers = {TAnswer::Yes};
   model.Restore(0);
   EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Path"));
-  EXPECT_EQ(rig.System.Shell.Calls, TLines({"question 10044 | 11040(11039 - 11/15/2026 12:00:00 PM)",
-                                            "information 10045 | 11041(11039 - 11/15/2026 12:00:00 PM)"}));
+  EXPECT_EQ(rig.System.Calls, TLines({"question 10044 | 11040(11039 - 11/15/2026 12:00:00 PM)",
+                                      "information 10045 | 11041(11039 - 11/15/2026 12:00:00 PM)"}));
   EXPECT_EQ(NamesOf(model), TLines({"46341.5"}));
   EXPECT_TRUE(rig.System.Disk.Content(u"C:\\Backups\\46341.5"));
 }
@@ -122,11 +121,11 @@ TEST(RestoringABackup, ShowsEachAmpersandOfItsTextsOnce) {
   TRestoreModel model = rig.Filled();
   EXPECT_EQ(model.Rows()[0].Caption, u"Reg & co - 11/15/2026 12:00:00 PM");
   rig.System.Disk.Remove(u"C:\\Backups\\46341.5");
-  rig.System.Shell.Answers = {TAnswer::Yes};
+  rig.System.MessageBoxes.Answers = {TAnswer::Yes};
   model.Restore(0);
   model.View(0);
   const std::string gone = "failure 40001 | Gone & lost: Reg & co - 11/15/2026 12:00:00 PM";
-  EXPECT_EQ(rig.System.Shell.Calls,
+  EXPECT_EQ(rig.System.Calls,
             TLines({"question 10044 | Restore & overwrite? Reg & co - 11/15/2026 12:00:00 PM", gone, gone}));
 }
 
@@ -143,10 +142,10 @@ TEST(RestoringABackup, DoesNothingWhenTheAnswerIsNo) {
   TRestoreRig rig;
   rig.AddBackup("46341.5");
   TRestoreModel model = rig.Filled();
-  rig.System.Shell.Answers = {TAnswer::No};
+  rig.System.MessageBoxes.Answers = {TAnswer::No};
   model.Restore(0);
   EXPECT_FALSE(rig.System.Registry.HasKey(kKey));
-  EXPECT_EQ(rig.System.Shell.Calls.size(), 1U);
+  EXPECT_EQ(rig.System.Calls.size(), 1U);
 }
 
 TEST(RestoringABackup, SaysThatItsFileIsMissing) {
@@ -154,19 +153,19 @@ TEST(RestoringABackup, SaysThatItsFileIsMissing) {
   rig.AddBackup("46341.5");
   TRestoreModel model = rig.Filled();
   rig.System.Disk.Remove(u"C:\\Backups\\46341.5");
-  rig.System.Shell.Answers = {TAnswer::Yes};
+  rig.System.MessageBoxes.Answers = {TAnswer::Yes};
   model.Restore(0);
-  EXPECT_EQ(rig.System.Shell.Calls.back(), "failure 40001 | 40010(11039 - 11/15/2026 12:00:00 PM)");
+  EXPECT_EQ(rig.System.Calls.back(), "failure 40001 | 40010(11039 - 11/15/2026 12:00:00 PM)");
 }
 
 TEST(RestoringABackup, SaysThatItsFileIsNoRegistryText) {
   TRestoreRig rig;
   rig.AddBackup("46341.5", "[HKEY_CURRENT_USER\\Software\\Old]\r\n\"Path\"=\"x\"\r\n");
   TRestoreModel model = rig.Filled();
-  rig.System.Shell.Answers = {TAnswer::Yes};
+  rig.System.MessageBoxes.Answers = {TAnswer::Yes};
   model.Restore(0);
   EXPECT_FALSE(rig.System.Registry.HasKey(kKey));
-  EXPECT_EQ(rig.System.Shell.Calls.back(), "failure 40001 | 40011(11039 - 11/15/2026 12:00:00 PM)");
+  EXPECT_EQ(rig.System.Calls.back(), "failure 40001 | 40011(11039 - 11/15/2026 12:00:00 PM)");
 }
 
 TEST(RestoringABackup, SaysWhyItsFileCannotBeRead) {
@@ -174,9 +173,9 @@ TEST(RestoringABackup, SaysWhyItsFileCannotBeRead) {
   rig.AddBackup("46341.5");
   TRestoreModel model = rig.Filled();
   rig.System.Disk.FailReading(kErrorAccessDenied);
-  rig.System.Shell.Answers = {TAnswer::Yes};
+  rig.System.MessageBoxes.Answers = {TAnswer::Yes};
   model.Restore(0);
-  EXPECT_EQ(rig.System.Shell.Calls.back(),
+  EXPECT_EQ(rig.System.Calls.back(),
             "failure 40001 | 40012(11039 - 11/15/2026 12:00:00 PM|System message 5.)");
 }
 
@@ -184,11 +183,11 @@ TEST(RestoringABackup, ImportsAroundMalformedLinesAndCountsThem) {
   TRestoreRig rig;
   rig.AddBackup("46341.5", std::string(kBackup) + "\"broken\r\n\"b\"=\"y\"\r\nnonsense\r\n");
   TRestoreModel model = rig.Filled();
-  rig.System.Shell.Answers = {TAnswer::Yes};
+  rig.System.MessageBoxes.Answers = {TAnswer::Yes};
   model.Restore(0);
   EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Path"));
   EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"b"));
-  EXPECT_EQ(rig.System.Shell.Calls.back(),
+  EXPECT_EQ(rig.System.Calls.back(),
             "failure 40001 | 40014(11039 - 11/15/2026 12:00:00 PM)\r\n40015(2)\r\n40085(5|\"broken)\r\n"
             "40085(7|nonsense)");
 }
@@ -298,9 +297,9 @@ std::span<const std::uint8_t> AsBytes(const std::string& text) {
 // What a restore through the dialog showed, the answers to its questions given.
 TLines ShownByRestore(TRestoreRig& rig, std::deque<TAnswer> answers) {
   TRestoreModel model = rig.Filled();
-  rig.System.Shell.Answers = std::move(answers);
+  rig.System.MessageBoxes.Answers = std::move(answers);
   model.Restore(0);
-  return rig.System.Shell.Calls;
+  return rig.System.Calls;
 }
 
 constexpr TAnswer kYes = TAnswer::Yes;
@@ -453,7 +452,7 @@ TEST(RemovingARow, DeletesTheBackupAtOnceWithoutAsking) {
   EXPECT_EQ(NamesOf(model), TLines({"1"}));
   EXPECT_EQ(NamesOf(rig.Filled()), TLines({"1"}));
   EXPECT_FALSE(rig.System.Disk.Content(u"C:\\Backups\\2"));
-  EXPECT_TRUE(rig.System.Shell.Calls.empty());
+  EXPECT_TRUE(rig.System.Calls.empty());
 }
 
 TEST(RemovingARow, SaysAFoldersAmpersandOnceWhenTheFileCannotBeDeleted) {
@@ -464,9 +463,8 @@ TEST(RemovingARow, SaysAFoldersAmpersandOnceWhenTheFileCannotBeDeleted) {
   TRestoreModel model = rig.Filled();
   rig.System.Disk.FailDeleting(kErrorAccessDenied);
   EXPECT_FALSE(model.Remove(0));
-  ASSERT_EQ(rig.System.Shell.Calls.size(), 1U);
-  EXPECT_NE(rig.System.Shell.Calls[0].find("|C:\\A & B\\1: "), std::string::npos)
-      << rig.System.Shell.Calls[0];
+  ASSERT_EQ(rig.System.Calls.size(), 1U);
+  EXPECT_NE(rig.System.Calls[0].find("|C:\\A & B\\1: "), std::string::npos) << rig.System.Calls[0];
 }
 
 TEST(RemovingARow, KeepsItAndSaysWhyWhenTheFileCannotBeDeleted) {
@@ -477,7 +475,7 @@ TEST(RemovingARow, KeepsItAndSaysWhyWhenTheFileCannotBeDeleted) {
   EXPECT_FALSE(model.Remove(0));
   EXPECT_EQ(NamesOf(model), TLines({"46341.5"}));
   EXPECT_EQ(
-      rig.System.Shell.Calls,
+      rig.System.Calls,
       TLines(
           {"failure 40001 | 40013(11039 - 11/15/2026 12:00:00 PM|C:\\Backups\\46341.5: System message 5.)"}));
 }
@@ -497,7 +495,7 @@ TEST(ViewingABackup, SaysThatItsFileIsMissing) {
   TRestoreModel model = rig.Filled();
   rig.System.Disk.Remove(u"C:\\Backups\\46341.5");
   EXPECT_FALSE(model.View(0));
-  EXPECT_EQ(rig.System.Shell.Calls, TLines({"failure 40001 | 40010(11039 - 11/15/2026 12:00:00 PM)"}));
+  EXPECT_EQ(rig.System.Calls, TLines({"failure 40001 | 40010(11039 - 11/15/2026 12:00:00 PM)"}));
 }
 
 }  // namespace corvalt

@@ -6,7 +6,7 @@
 
 #include <optional>
 
-#include "platform/memory/memorysystem.h"
+#include "platform/memory/memoryprograms.h"
 
 namespace corvalt {
 
@@ -22,10 +22,11 @@ class SuiteLinks : public testing::Test {
 
   // The only call; empty when there is not exactly one.
   std::string Call() const {
-    return m_shell.Calls.size() == 1 ? m_shell.Calls.front() : std::string();
+    return m_calls.size() == 1 ? m_calls.front() : std::string();
   }
 
-  TMemoryShell m_shell;
+  TLines m_calls;
+  TMemoryPrograms m_programs{m_calls};
   TGlobalVars m_vars;
 };
 
@@ -40,20 +41,20 @@ std::optional<std::string> DomainOpened(const std::string& call) {
 }  // namespace
 
 TEST_F(SuiteLinks, HelpOpensItsTopicInTheHelpFileBehindTwoSeparators) {
-  OpenHelp(m_shell, m_vars);
+  OpenHelp(m_programs, m_vars);
   EXPECT_EQ(Call(), "help C:\\Suite\\\\help.chm /Registry_Cleaner.htm");
 }
 
 TEST_F(SuiteLinks, RecommendingOpensAnEmptyMailWithASubjectOfOneBlank) {
-  RecommendToFriends(m_shell);
+  RecommendToFriends(m_programs);
   EXPECT_EQ(Call(), "execute open mailto:?subject= &body=");
 }
 
 TEST_F(SuiteLinks, PagesLieUnderAReservedDomain) {
-  OpenHomePage(m_shell);
-  OpenUpgradePage(m_shell);
-  ASSERT_EQ(m_shell.Calls.size(), 2u);
-  for (const std::string& call : m_shell.Calls) {
+  OpenHomePage(m_programs);
+  OpenUpgradePage(m_programs);
+  ASSERT_EQ(m_calls.size(), 2u);
+  for (const std::string& call : m_calls) {
     const std::optional<std::string> domain = DomainOpened(call);
     ASSERT_TRUE(domain) << call;
     EXPECT_TRUE(domain->ends_with(".example")) << call;
@@ -61,21 +62,21 @@ TEST_F(SuiteLinks, PagesLieUnderAReservedDomain) {
 }
 
 TEST_F(SuiteLinks, TheUpgradePageIsNotTheHomePage) {
-  OpenHomePage(m_shell);
-  OpenUpgradePage(m_shell);
-  ASSERT_EQ(m_shell.Calls.size(), 2u);
-  EXPECT_NE(m_shell.Calls[0], m_shell.Calls[1]);
+  OpenHomePage(m_programs);
+  OpenUpgradePage(m_programs);
+  ASSERT_EQ(m_calls.size(), 2u);
+  EXPECT_NE(m_calls[0], m_calls[1]);
 }
 
 TEST_F(SuiteLinks, EachToolIsAProgramOfItsOwnBehindTwoSeparators) {
   for (const TSuiteTool tool : {TSuiteTool::DiskCleanup, TSuiteTool::StartupManager,
                                 TSuiteTool::UninstallManager, TSuiteTool::ProcessManager}) {
-    StartSuiteTool(tool, m_shell, m_vars);
+    StartSuiteTool(tool, m_programs, m_vars);
   }
-  EXPECT_EQ(m_shell.Calls, TLines({"execute open C:\\Suite\\\\diskcleanup.exe",
-                                   "execute open C:\\Suite\\\\startupmanager.exe",
-                                   "execute open C:\\Suite\\\\uninstallmanager.exe",
-                                   "execute open C:\\Suite\\\\processmanager.exe"}));
+  EXPECT_EQ(m_calls, TLines({"execute open C:\\Suite\\\\diskcleanup.exe",
+                             "execute open C:\\Suite\\\\startupmanager.exe",
+                             "execute open C:\\Suite\\\\uninstallmanager.exe",
+                             "execute open C:\\Suite\\\\processmanager.exe"}));
 }
 
 // The first letter's key is 5A, and each letter's key is 7 more than the one before.

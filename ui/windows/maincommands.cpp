@@ -152,8 +152,9 @@ void TMainCommands::Export() {
 bool TMainCommands::MayWrite(TextView fileName) {
   if (!m_system.Files.Info(fileName).Exists)
     return true;
-  return m_system.TheShell.ShowMessage(Plain(TextId::ConfirmOverwrite, fileName), Plain(TextId::TitleConfirm),
-                                       TMessageKind::Question) == TAnswer::Yes;
+  return m_system.MessageBoxes.ShowMessage(Plain(TextId::ConfirmOverwrite, fileName),
+                                           Plain(TextId::TitleConfirm),
+                                           TMessageKind::Question) == TAnswer::Yes;
 }
 
 void TMainCommands::OpenInRegistryEditor() {
@@ -167,41 +168,41 @@ void TMainCommands::Exit() {
 }
 
 void TMainCommands::Help() {
-  OpenHelp(m_system.TheShell, m_vars);
+  OpenHelp(m_system.Programs, m_vars);
 }
 
 void TMainCommands::HomePage() {
-  OpenHomePage(m_system.TheShell);
+  OpenHomePage(m_system.Programs);
 }
 
 void TMainCommands::Recommend() {
-  RecommendToFriends(m_system.TheShell);
+  RecommendToFriends(m_system.Programs);
 }
 
 void TMainCommands::Upgrade() {
-  OpenUpgradePage(m_system.TheShell);
+  OpenUpgradePage(m_system.Programs);
 }
 
 void TMainCommands::About() {
   const Text about = Plain(TextId::ProgramTitle) + u"\r\n" + Plain(TextId::AboutVersion, m_version) +
                      u"\r\n\r\n" + Plain(TextId::AboutPurpose);
-  m_system.TheShell.ShowMessage(about, Plain(TextId::ActionAbout), TMessageKind::Information);
+  m_system.MessageBoxes.ShowMessage(about, Plain(TextId::ActionAbout), TMessageKind::Information);
 }
 
 void TMainCommands::DiskCleanup() {
-  StartSuiteTool(TSuiteTool::DiskCleanup, m_system.TheShell, m_vars);
+  StartSuiteTool(TSuiteTool::DiskCleanup, m_system.Programs, m_vars);
 }
 
 void TMainCommands::StartupManager() {
-  StartSuiteTool(TSuiteTool::StartupManager, m_system.TheShell, m_vars);
+  StartSuiteTool(TSuiteTool::StartupManager, m_system.Programs, m_vars);
 }
 
 void TMainCommands::UninstallManager() {
-  StartSuiteTool(TSuiteTool::UninstallManager, m_system.TheShell, m_vars);
+  StartSuiteTool(TSuiteTool::UninstallManager, m_system.Programs, m_vars);
 }
 
 void TMainCommands::ProcessManager() {
-  StartSuiteTool(TSuiteTool::ProcessManager, m_system.TheShell, m_vars);
+  StartSuiteTool(TSuiteTool::ProcessManager, m_system.Programs, m_vars);
 }
 
 Text TMainCommands::Plain(TextId id, TextView argument) const {

@@ -130,7 +130,7 @@ TEST_F(IgnoreListWindow, RemoveTakesTheSelectedRowAtOnceAndNeedsOne) {
   EXPECT_TRUE(MayRemove());
   Press(L"10034");
   EXPECT_EQ(Rows(), TEntries({u"b"}));
-  EXPECT_TRUE(m_memory.Shell.Calls.empty());
+  EXPECT_TRUE(m_memory.Calls.empty());
   // Not before OK.
   EXPECT_EQ(m_reg.IgnoreList, TEntries({u"a", u"b"}));
 }

@@ -97,7 +97,7 @@ class MainWindow : public testing::Test {
     return m_window->Run();
   }
   TLines& Calls() {
-    return m_rig.System.Shell.Calls;
+    return m_rig.System.Calls;
   }
   bool SectionsAreStored() {
     return m_rig.System.Registry.HasValue(

@@ -165,7 +165,7 @@ TEST_F(RestoreWindow, RemoveTakesTheRowAndItsFileAwayAtOnceAndAsksNothing) {
   EXPECT_EQ(Cell(0, 0), u"11039 - 11/14/2026 12:00:00 AM");
   EXPECT_FALSE(m_memory.Disk.Content(u"C:\\Backups\\46341"));
   EXPECT_TRUE(m_memory.Disk.Content(u"C:\\Backups\\46340"));
-  EXPECT_EQ(m_memory.Shell.Calls, TLines());
+  EXPECT_EQ(m_memory.Calls, TLines());
 }
 
 TEST_F(RestoreWindow, AfterARemovalTheNextRowIsSelectedAndAtTheEndTheOneBefore) {
@@ -194,7 +194,7 @@ TEST_F(RestoreWindow, TheDeleteKeyRemovesTheSelectedRow) {
   ::SendMessageW(List(), WM_KEYDOWN, VK_DELETE, 1);
   ::SendMessageW(List(), WM_KEYDOWN, VK_DELETE, 1);
   EXPECT_EQ(RowCount(), 0);
-  EXPECT_EQ(m_memory.Shell.Calls, TLines());
+  EXPECT_EQ(m_memory.Calls, TLines());
 }
 
 TEST_F(RestoreWindow, ADoubleClickOnARowViewsIt) {
@@ -206,11 +206,11 @@ TEST_F(RestoreWindow, ADoubleClickOnARowViewsIt) {
   click.hdr = {List(), 101, NM_DBLCLK};
   click.iItem = -1;
   ::SendMessageW(m_dialog->Handle(), WM_NOTIFY, 101, reinterpret_cast<LPARAM>(&click));
-  EXPECT_EQ(m_memory.Shell.Calls, TLines());
+  EXPECT_EQ(m_memory.Calls, TLines());
   click.iItem = 0;
   ::SendMessageW(m_dialog->Handle(), WM_NOTIFY, 101, reinterpret_cast<LPARAM>(&click));
-  ASSERT_EQ(m_memory.Shell.Calls.size(), 1U);
-  EXPECT_TRUE(m_memory.Shell.Calls[0].starts_with("failure 40001 | 40012(")) << m_memory.Shell.Calls[0];
+  ASSERT_EQ(m_memory.Calls.size(), 1U);
+  EXPECT_TRUE(m_memory.Calls[0].starts_with("failure 40001 | 40012(")) << m_memory.Calls[0];
 }
 
 // A second window of the thread, as a message box or another program's window is.
@@ -241,16 +241,16 @@ TEST_F(RestoreWindow, ARowWhoseFileCannotBeDeletedStays) {
   Press(L"10034");
   EXPECT_EQ(RowCount(), 1);
   EXPECT_EQ(Enabled(), kAll);
-  EXPECT_EQ(m_memory.Shell.Calls.size(), 1U);
+  EXPECT_EQ(m_memory.Calls.size(), 1U);
 }
 
 TEST_F(RestoreWindow, ARestoreAsksAndKeepsTheRow) {
   AddBackup("46340");
   Open();
-  m_memory.Shell.Answers = {TAnswer::Yes};
+  m_memory.MessageBoxes.Answers = {TAnswer::Yes};
   Press(L"11037");
-  EXPECT_EQ(m_memory.Shell.Calls, TLines({"question 10044 | 11040(11039 - 11/14/2026 12:00:00 AM)",
-                                          "information 10045 | 11041(11039 - 11/14/2026 12:00:00 AM)"}));
+  EXPECT_EQ(m_memory.Calls, TLines({"question 10044 | 11040(11039 - 11/14/2026 12:00:00 AM)",
+                                    "information 10045 | 11041(11039 - 11/14/2026 12:00:00 AM)"}));
   EXPECT_EQ(RowCount(), 1);
   EXPECT_EQ(Enabled(), kAll);
 }
