@@ -75,4 +75,10 @@ void SaveCleanerSettings(TSystem& system, const TGlobalReg& reg) {
   store->WriteInteger(kBackupCountValue, reg.BackupCount);
 }
 
+bool DeleteCleanerSettings(TSystem& system) {
+  const std::unique_ptr<RegistryStore> store = UserStore(system);
+  store->DeleteKey(kCleanerKey);
+  return !store->KeyExists(kCleanerKey);
+}
+
 }  // namespace corvalt

@@ -37,4 +37,8 @@ std::vector<Text> LoadIgnoreList(TSystem& system);
 // Writes the backup settings back, at the program's end. Failures are silent.
 void SaveCleanerSettings(TSystem& system, const TGlobalReg& reg);
 
+// Deletes all that this module has stored in the user's registry: settings, check marks, ignore list. Returns
+// whether nothing of it is left.
+[[nodiscard]] bool DeleteCleanerSettings(TSystem& system);
+
 }  // namespace corvalt

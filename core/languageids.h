@@ -235,6 +235,14 @@ enum class TextId : std::int32_t {
   HelpExitFailed = 40151,
   HelpOptionForeign = 40152,
   HelpExitInterrupted = 40153,
+
+  // The console program's command that removes what this program has stored
+  HelpPurge = 40160,
+  BackupsThatGo = 40161,   // Argument: their number. Said before anything is removed, as are the next two.
+  SettingsThatGo = 40162,  // Argument: the key.
+  WhatStays = 40163,       // Argument: the backup folder.
+  NothingPurgedWithoutYes = 40164,
+  SettingsNotRemoved = 40165,  // Argument: the key.
 };
 
 struct TTextEntry {
@@ -426,6 +434,12 @@ inline constexpr auto kTextIds = std::to_array<TTextEntry>({
     {TextId::HelpExitFailed, 0},
     {TextId::HelpOptionForeign, 0},
     {TextId::HelpExitInterrupted, 0},
+    {TextId::HelpPurge, 0},
+    {TextId::BackupsThatGo, 1},
+    {TextId::SettingsThatGo, 1},
+    {TextId::WhatStays, 1},
+    {TextId::NothingPurgedWithoutYes, 0},
+    {TextId::SettingsNotRemoved, 1},
 });
 
 }  // namespace corvalt

@@ -13,7 +13,8 @@ inline constexpr TextView kSuiteSettingsKey = u"\\Software\\TessalySoft\\Tessaly
 inline constexpr TextView kAvailableModulesKey =
     u"\\Software\\TessalySoft\\Tessaly Utilities\\Settings\\AvailableModules";
 
-// This module's own.
+// This module's own: everything that it stores lies below the first.
+inline constexpr TextView kCleanerKey = u"\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt";
 inline constexpr TextView kCleanerSettingsKey =
     u"\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\Settings";
 inline constexpr TextView kIgnoreListKey = u"\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\IgnoreList";

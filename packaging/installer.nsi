@@ -53,8 +53,8 @@ VIAddVersionKey "LegalCopyright" "${PUBLISHER}"
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
 !insertmacro MUI_PAGE_FINISH
-!define MUI_UNCONFIRMPAGE_TEXT_TOP "Backups, settings and the ignore list stay. The backups are in the folder \
-'TessalySoft\Tessaly Utilities\Backups' of each user's application data."
+!define MUI_UNCONFIRMPAGE_TEXT_TOP "Backups, settings and the ignore list stay, unless the uninstaller was started with \
+/PURGE. The backups are in the folder 'TessalySoft\Tessaly Utilities\Backups' of each user's application data."
 !insertmacro MUI_UNPAGE_CONFIRM
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE "English"
@@ -173,9 +173,29 @@ Function un.onInit
   !insertmacro FindSystem
 FunctionEnd
 
+; /PURGE: what the program has stored for the user that runs the uninstaller goes first, as long as the program is
+; there that knows what belongs to it. What could not be removed can be tried again: then nothing is uninstalled.
+Function un.Purge
+  ${GetParameters} $0
+  ClearErrors
+  ${GetOptions} $0 "/PURGE" $1
+  ${If} ${Errors}
+    Return
+  ${EndIf}
+  nsExec::Exec '"$INSTDIR\${CONSOLE_PROGRAM}" purge --yes'
+  Pop $0
+  ${If} $0 != 0
+    MessageBox MB_OK|MB_ICONSTOP "The backups and settings of ${PRODUCT} could not be removed; nothing was \
+      uninstalled. 'corvaltc purge --yes' tells why." /SD IDOK
+    SetErrorLevel ${CODE_ABORTED}
+    Quit
+  ${EndIf}
+FunctionEnd
+
 Section "Uninstall"
   !insertmacro CheckNotRunning "${MAIN_PROGRAM}"
   !insertmacro CheckNotRunning "${CONSOLE_PROGRAM}"
+  Call un.Purge
   !include "${LISTS}\remove.nsh"
   Delete "$INSTDIR\${UNINSTALLER}"
   RMDir "$INSTDIR"

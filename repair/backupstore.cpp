@@ -22,6 +22,12 @@ Text ParentPath(const Text& keyPath) {
   return end == 0 ? Text(u"\\") : keyPath.substr(0, end);
 }
 
+// The log first: without its backup nobody would ever remove it. Ends at the first failure.
+TSystemError DeleteFiles(TBackupFolder& folder, const TBackupName& name) {
+  const TSystemError error = folder.DeleteFile(name.LogName());
+  return error.Failed() ? error : folder.DeleteFile(name.Value());
+}
+
 void Expect(TSystemError error, const Text& path) {
   if (error.Failed())
     throw TSystemException(error, path);
@@ -193,10 +199,33 @@ void BackupStore::RemoveBackup(const TBackupName& name) {
   if (!folder)
     return;
   folder->ChangeIndex([&folder, &name](TIniFile& index) {
-    for (const Text& file : {name.LogName(), name.Value()})
-      Expect(folder->DeleteFile(file), folder->Path() + file);
+    Expect(DeleteFiles(*folder, name), folder->Path() + name.Value());
     index.EraseSection(name.Value());
   });
+}
+
+// A section whose name can't be a file's is taken out too: it lists a backup of this module that never was.
+TRemovedBackups BackupStore::RemoveAllBackups(TextView moduleId) {
+  TRemovedBackups result;
+  const std::unique_ptr<THeldLock> lock = LockStore();
+  std::optional<TBackupFolder> folder = OpenStoreIfThere();
+  if (!folder)
+    return result;
+  folder->ChangeIndex([&](TIniFile& index) {
+    for (const Text& section : index.SectionNames()) {
+      if (!IsOfModule(index, section, moduleId))
+        continue;
+      const std::optional<TBackupName> name = TBackupName::FromText(section);
+      const TSystemError error = name ? DeleteFiles(*folder, *name) : TSystemError();
+      if (error.Failed()) {
+        result.Kept.emplace_back(*name, error);
+        continue;
+      }
+      index.EraseSection(section);
+      ++result.Removed;
+    }
+  });
+  return result;
 }
 
 Text BackupStore::BackupFilePath(const TBackupName& name) const {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "core/globals.h"
@@ -20,6 +21,13 @@ struct TBackup {
   TBackupName Name;
   TDateTime Created = 0;
   std::int64_t Size = 0;  // bytes; 0 when its file is missing
+};
+
+// What became of the backups that were to be removed.
+struct TRemovedBackups {
+  std::size_t Removed = 0;
+  // Those that stay, each with the first failure.
+  std::vector<std::pair<TBackupName, TSystemError>> Kept;
 };
 
 // Failures throw TSystemException, and TProgramException where the program has words of its own: a backup
@@ -61,6 +69,10 @@ class BackupStore {
 
   // Deletes the file with its list of changes, then the place in the index; any of them may be missing.
   void RemoveBackup(const TBackupName& name);
+
+  // Removes every backup of a module as RemoveBackup does, but goes on where a file can't be deleted: that
+  // backup stays listed.
+  TRemovedBackups RemoveAllBackups(TextView moduleId);
 
   // Where the backup's file lies.
   [[nodiscard]] Text BackupFilePath(const TBackupName& name) const;

@@ -88,12 +88,33 @@ run_windows "$folder\\corvaltc.exe" repair --sections 3 --yes >"$work/out" 2>"$w
 ok "the installed program repairs" test $((code < 2)) = 1
 backups=$(run_windows "$folder\\corvaltc.exe" backups | wc -l)
 ok "its backup is listed" test "$backups" = 1
+ok "its changes are logged" test -n "$(find "$WINEPREFIX/drive_c/users" -path '*Backups/*' -name '[0-9]*.log' -size +0)"
 echo kept >"$WINEPREFIX/drive_c/Program Files/Tessaly Utilities/Corvalt/mine.txt"
 
 ok "it uninstalls silently" uninstall
 ok "a file of the user's stays" test -e "$WINEPREFIX/drive_c/Program Files/Tessaly Utilities/Corvalt/mine.txt"
 rm -r "$WINEPREFIX/drive_c/Program Files/Tessaly Utilities"
 ok "the backup stays" test -n "$(find "$WINEPREFIX/drive_c/users" -path '*Backups/*' -name '[0-9]*' -not -name '*.log')"
+
+backup_folder=$(dirname "$(find "$WINEPREFIX/drive_c/users" -path '*/Tessaly Utilities/Backups/index.ini')")
+own_backups() {
+  find "$backup_folder" -name '[0-9]*' -not -name '46000*'
+}
+is_missing() {
+  ! "$@"
+}
+suite='HKCU\Software\TessalySoft\Tessaly Utilities'
+printf '[46000]\r\nType=29001\r\n29601=more\r\n' >"$work/othersection"
+cat "$work/othersection" >>"$backup_folder/index.ini"
+touch "$backup_folder"/{46000,46000.log,more}
+ok "it installs again" run_windows "$packages/Corvalt-$version-setup-native64.exe" /S
+ok "there is something to purge" test -n "$(own_backups)"
+ok "it uninstalls with what it has stored" uninstall /PURGE
+ok "its backups and logs have gone" test -z "$(own_backups)"
+ok "another module's files stay" ls "$backup_folder"/{46000,46000.log,more}
+ok "another module's section stays alone" diff "$work/othersection" "$backup_folder/index.ini"
+ok "its key has gone" is_missing run_windows reg query "$suite\\Corvalt"
+ok "the suite's settings stay" run_windows reg query "$suite\\Settings"
 files "$work/files.after"
 ok "nothing else of it is left on the disk" same_files "$work/files.before" "$work/files.after"
 

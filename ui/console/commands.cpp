@@ -15,6 +15,7 @@ constexpr std::array kCommands = std::to_array<TCommand>({
     {u"backups", u"", TextId::HelpBackups, PrepareBackups},
     {u"restore", u"NAME [--foreign]", TextId::HelpRestore, PrepareRestore},
     {u"ignore", u"list | add ENTRY | remove ENTRY", TextId::HelpIgnore, PrepareIgnore},
+    {u"purge", u"[--yes]", TextId::HelpPurge, PreparePurge},
 });
 
 }  // namespace

@@ -29,5 +29,6 @@ TCommandRun PrepareRepair(const std::vector<Text>& arguments);
 TCommandRun PrepareBackups(const std::vector<Text>& arguments);
 TCommandRun PrepareRestore(const std::vector<Text>& list);
 TCommandRun PrepareIgnore(const std::vector<Text>& list);
+TCommandRun PreparePurge(const std::vector<Text>& list);
 
 }  // namespace corvalt
