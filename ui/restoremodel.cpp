@@ -1,13 +1,15 @@
 #include "ui/restoremodel.h"
 
+#include <utility>
+
 #include "core/functions.h"
 #include "core/languagetexts.h"
 #include "system/systemerror.h"
 
 namespace corvalt {
 
-TRestoreModel::TRestoreModel(TSystem& system, const TGlobalVars& vars)
-    : m_system(system), m_vars(vars), m_store(system, vars) {
+TRestoreModel::TRestoreModel(TSystem& system, const TGlobalVars& vars, std::function<void()> showBusy)
+    : m_system(system), m_vars(vars), m_showBusy(std::move(showBusy)), m_store(system, vars) {
 }
 
 void TRestoreModel::Fill() {
@@ -29,6 +31,7 @@ void TRestoreModel::Restore(std::size_t row) {
                                                            Plain(TextId::TitleConfirm), TMessageKind::Question);
   if (answer == TAnswer::No)
     return;
+  m_showBusy();
   TRestoreGuide guide;
   guide.GoOn = [this](TRestoreDoubt doubt, const TBackupOrigin& origin) {
     return WantsAnyway(doubt, origin);
@@ -45,8 +48,11 @@ void TRestoreModel::Restore(std::size_t row) {
 
 bool TRestoreModel::WantsAnyway(TRestoreDoubt doubt, const TBackupOrigin& origin) {
   const Text question = DescribeDoubt(doubt, origin, m_vars) + u"\r\n" + Plain(TextId::RestoreAnyway);
-  return m_system.MessageBoxes.ShowMessage(question, Plain(TextId::TitleConfirm), TMessageKind::Question) ==
-         TAnswer::Yes;
+  if (m_system.MessageBoxes.ShowMessage(question, Plain(TextId::TitleConfirm), TMessageKind::Question) !=
+      TAnswer::Yes)
+    return false;
+  m_showBusy();
+  return true;
 }
 
 bool TRestoreModel::Remove(std::size_t row) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -26,8 +27,10 @@ struct TRestoreRow {
 // The rows of the dialog and what its buttons do. Outcomes are told in message boxes.
 class TRestoreModel {
  public:
-  // Both must outlive the model.
-  TRestoreModel(TSystem& system, const TGlobalVars& vars);
+  // Both must outlive the model. showBusy is called whenever the model goes to work that the user has to wait
+  // for: after each question that lets a restore go on.
+  TRestoreModel(
+      TSystem& system, const TGlobalVars& vars, std::function<void()> showBusy = [] {});
 
   // Lists the backups; no row, and a message, when the index can't be read.
   void Fill();
@@ -50,6 +53,7 @@ class TRestoreModel {
 
   TSystem m_system;
   const TGlobalVars& m_vars;
+  std::function<void()> m_showBusy;
   BackupStore m_store;
   std::vector<TRestoreRow> m_rows;
 };

@@ -338,6 +338,22 @@ TEST(RestoringABackup, MadeElsewhereChangesNothingUnlessTheAnswerIsYes) {
   }
 }
 
+TEST(RestoringABackup, ShowsThatItIsBusyAfterEachYes) {
+  for (const auto& [answers, times] :
+       {std::pair{std::deque{TAnswer::No}, 0}, {{kYes, TAnswer::No}, 1}, {{kYes, kYes}, 2}}) {
+    TRestoreRig rig;
+    rig.AddBackup("1", OwnBackup(rig));
+    rig.System.Machine.Computer = u"OTHER";
+    rig.System.MessageBoxes.Answers = answers;
+    TSystem system = rig.System.Bundle();
+    int busy = 0;
+    TRestoreModel model(system, rig.Vars, [&busy] { ++busy; });
+    model.Fill();
+    model.Restore(0);
+    EXPECT_EQ(busy, times);
+  }
+}
+
 TEST(RestoringABackup, NamesOfComputersAndUsersCompareWithoutRegardToCase) {
   TRestoreRig rig;
   rig.AddBackup("1", OwnBackup(rig));

@@ -45,7 +45,7 @@ void SetItemText(HWND list, int row, int column, Text text) {
 }  // namespace
 
 TfrmRestore::TfrmRestore(TSystem& system, const TGlobalVars& vars, HWND owner)
-    : m_vars(vars), m_model(system, vars) {
+    : m_vars(vars), m_model(system, vars, [] { TWaitCursor::Show(); }) {
   const auto label = [&vars](TextId id) { return LanguageText(vars.Texts, id); };
   CreateModal(u"TfrmRestore", PlainText(label(TextId::ButtonRestore)), owner, kInside, 0);
   m_instruction = AddControl(u"STATIC", label(TextId::RestoreInstruction), 0, 0, 0, 0, 0, 0);
@@ -138,7 +138,7 @@ LRESULT TfrmRestore::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     const auto row = static_cast<std::size_t>(SelectedRow());
     switch (LOWORD(wParam)) {
       case kRestoreButtonId:
-        m_model.Restore(row);
+        RestoreRow(row);
         return 0;
       case kRemoveButtonId:
         RemoveSelected();
@@ -163,6 +163,12 @@ void TfrmRestore::OnListNotice(LPARAM lParam) {
     RemoveSelected();
   if (notice->code == NM_DBLCLK && reinterpret_cast<const NMITEMACTIVATE*>(lParam)->iItem >= 0 && isRow)
     ViewSelected();
+}
+
+// A large backup takes seconds.
+void TfrmRestore::RestoreRow(std::size_t row) {
+  const TWaitCursor wait;
+  m_model.Restore(row);
 }
 
 void TfrmRestore::RemoveSelected() {

@@ -22,6 +22,7 @@ class TfrmRestore : public TModalWindow {
   int SelectedRow() const;
   void UpdateButtons();
   void OnListNotice(LPARAM lParam);
+  void RestoreRow(std::size_t row);
   void RemoveSelected();
   void ViewSelected();
 

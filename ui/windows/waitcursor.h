@@ -7,13 +7,18 @@ namespace corvalt {
 
 class TWaitCursor {
  public:
-  TWaitCursor() : m_previous(SetCursor(LoadCursorW(nullptr, reinterpret_cast<const wchar_t*>(IDC_WAIT)))) {
+  TWaitCursor() : m_previous(Show()) {
   }
   ~TWaitCursor() {
     SetCursor(m_previous);
   }
   TWaitCursor(const TWaitCursor&) = delete;
   TWaitCursor& operator=(const TWaitCursor&) = delete;
+
+  // Shows the sign again, after a message box has shown its own cursor. Returns the cursor before it.
+  static HCURSOR Show() {
+    return SetCursor(LoadCursorW(nullptr, reinterpret_cast<const wchar_t*>(IDC_WAIT)));
+  }
 
  private:
   HCURSOR m_previous;
