@@ -96,6 +96,14 @@ TEST_F(ConsoleRepair, ListsWhatIsLeftAndAnswersOne) {
   EXPECT_NE(m_rig.Told().find("40060(1)\n"), std::string::npos) << m_rig.Told();
 }
 
+TEST_F(ConsoleRepair, ListsWhatCouldNotBeDeletedAndAnswersOne) {
+  m_rig.Scan.System.Registry.LetUse(kShellFolders, TMemoryRights::Read);
+  EXPECT_EQ(Repair(), 1);
+  EXPECT_TRUE(HasProblem());
+  EXPECT_EQ(m_rig.Console.Output, kListing);
+  EXPECT_EQ(m_rig.Told(), "40117(46341.5)\n40061(1)\n");
+}
+
 TEST_F(ConsoleRepair, ListsWhatIsLeftOnStandardErrorWhereStandardOutputHoldsJson) {
   m_rig.Scan.System.Registry.Set(u"HKEY_CURRENT_USER\\Software\\App", u"File", u"C:\\gone");
   m_rig.Scan.System.Registry.MakeLink(u"HKEY_CURRENT_USER\\Software\\Link",

@@ -516,6 +516,14 @@ TEST(MainWindowRepair, SaysHowManyEntriesItCouldNotSave) {
   EXPECT_EQ(rig.Dialogs[0].Results.back(), "11008\r\n40060(1)|0");
 }
 
+TEST(MainWindowRepair, SaysHowManyEntriesItCouldNotDelete) {
+  TScannedRig rig(2);
+  rig.System.Registry.LetUse(FullKeyText(rig.Row(0, 1)->Problem), TMemoryRights::Read);
+  rig.Main.Repair();
+  ASSERT_EQ(rig.Dialogs.size(), 1u);
+  EXPECT_EQ(rig.Dialogs[0].Results.back(), "11008\r\n40061(1)|0");
+}
+
 TEST(MainWindowRepair, AsksNothing) {
   TScannedRig rig(2);
   rig.Main.Repair();
