@@ -50,7 +50,7 @@ std::optional<TRestoreEnd> ObstacleOf(const TRegFileFacts& facts, TSystem& syste
 Text LossesText(const TGlobalVars& vars, const TRestoreOutcome& outcome) {
   Text text = CountText(vars, TextId::AttributesNotWritten, outcome.Import.AttributesLost);
   if (!outcome.LogFailure.empty())
-    text.append(kLineEnd).append(Say(vars, TextId::ChangesNotListed, outcome.LogFailure));
+    text.append(kLineEnd).append(Plain(vars, TextId::ChangesNotListed, outcome.LogFailure));
   return text;
 }
 

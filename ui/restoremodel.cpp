@@ -27,8 +27,8 @@ void TRestoreModel::Fill() {
 
 void TRestoreModel::Restore(std::size_t row) {
   const TRestoreRow& chosen = m_rows.at(row);
-  const TAnswer answer = m_system.MessageBoxes.ShowMessage(Plain(TextId::ConfirmRestore, chosen.Caption),
-                                                           Plain(TextId::TitleConfirm), TMessageKind::Question);
+  const TAnswer answer = m_system.MessageBoxes.ShowMessage(
+      Plain(TextId::ConfirmRestore, chosen.Caption), Plain(TextId::TitleConfirm), TMessageKind::Question);
   if (answer == TAnswer::No)
     return;
   m_showBusy();
