@@ -2,6 +2,7 @@
 
 #include "base/devicenames.h"
 #include "core/datafiles.h"
+#include "core/displaylanguages.h"
 #include "core/globals.h"
 #include "core/settingskeys.h"
 #include "formats/textfile.h"
@@ -10,8 +11,6 @@
 namespace corvalt {
 
 namespace {
-
-constexpr TextView kEnglishFile = u"english.lng";
 
 TLanguageTable LoadTable(TSystem& system, const Text& path) {
   const auto bytes = ReadDataFile(system.Files, path);
@@ -27,13 +26,19 @@ void LoadTables(TSystem& system, const Text& languagesFolder, const Text& name, 
   texts.Selected = LoadTable(system, languagesFolder + name);
 }
 
-// The language that the suite's settings name, with full access corrected there when its file is missing.
+bool IsThere(TSystem& system, const Text& languagesFolder, const Text& name) {
+  return IsPlainFileName(name) && !IsDeviceName(name) && system.Probe.FileExists(languagesFolder + name);
+}
+
+// The language that the suite's settings name, at the first start the one that Windows itself shows. With
+// full access the settings get what was chosen instead of what they lacked or whose file is missing.
 Text ChooseLanguage(TSystem& system, const Text& languagesFolder, TRegistryAccess access) {
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(access);
   const TOpenKey key(*store, kSuiteKey, true);
   Text name = store->ReadString(kLanguageValue);
-  if (!IsPlainFileName(name) || IsDeviceName(name) || !system.Probe.FileExists(languagesFolder + name)) {
-    name = kEnglishFile;
+  if (name.empty() || !IsThere(system, languagesFolder, name)) {
+    const Text display = LanguageFileOf(system.Locale.DisplayLanguage());
+    name = name.empty() && IsThere(system, languagesFolder, display) ? display : Text(kEnglishFile);
     store->WriteString(kLanguageValue, name);
   }
   return name;

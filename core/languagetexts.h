@@ -51,8 +51,10 @@ Text PlainLanguageText(const TLanguageTexts& texts, TextId id, TextView arg1 = {
 // sequence.
 void ReadLanguage(TSystem& system, TextView programFolder, TLanguageTexts& texts);
 
-// Reads the user's language from the suite's settings, writes "english.lng" back where it is missing or its
-// file is, and loads both tables. Returns the language file's name. A missing file leaves its table empty.
+// Reads the user's language from the suite's settings and loads both tables. Where the setting is empty, the
+// language that Windows shows is taken and written to it; where that language has no file, or the file that
+// the setting names is missing, "english.lng" is. Returns the language file's name. A missing file leaves its
+// table empty.
 Text LoadLanguage(TSystem& system, TextView programFolder, TLanguageTexts& texts);
 
 }  // namespace corvalt

@@ -20,6 +20,9 @@ class TLocale {
   virtual Text DecimalSeparator() = 0;
   virtual Text ThousandsSeparator() = 0;
 
+  // The language in which Windows shows itself to this user ("Language Identifiers", learn.microsoft.com).
+  virtual std::uint16_t DisplayLanguage() = 0;
+
   // The user's short date format and long time format. A date outside the system's calendar gives the empty
   // text.
   virtual Text FormatShortDate(TDateTime time) = 0;

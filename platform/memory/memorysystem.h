@@ -51,6 +51,9 @@ class TMemoryMachine : public TMachine {
 // An English locale on code page 1252, or 1251 for a test that needs another one; it has no third.
 class TMemoryLocale : public TLocale {
  public:
+  std::uint16_t DisplayLanguage() override {
+    return Language;
+  }
   Text DecimalSeparator() override {
     return Decimal;
   }
@@ -72,6 +75,7 @@ class TMemoryLocale : public TLocale {
   Text Decimal = u".";
   Text Thousands = u",";
   std::uint32_t CodePage = 1252;
+  std::uint16_t Language = 0x0409;  // English as in the United States
 };
 
 class TMemoryClock : public TClock {

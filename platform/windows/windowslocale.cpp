@@ -40,6 +40,10 @@ bool IsTooLong(std::size_t size) {
 
 }  // namespace
 
+std::uint16_t TWindowsLocale::DisplayLanguage() {
+  return GetUserDefaultUILanguage();
+}
+
 Text TWindowsLocale::DecimalSeparator() {
   return LocaleText(LOCALE_SDECIMAL);
 }

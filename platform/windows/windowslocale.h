@@ -13,6 +13,7 @@ namespace corvalt {
 
 class TWindowsLocale : public TLocale {
  public:
+  std::uint16_t DisplayLanguage() override;
   Text DecimalSeparator() override;
   Text ThousandsSeparator() override;
   Text FormatShortDate(TDateTime time) override;

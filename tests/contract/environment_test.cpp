@@ -46,6 +46,11 @@ TEST_F(EnvironmentContract, ACodePageIsKnownByItsNumber) {
   EXPECT_EQ(locale.DecodeCodePage(4711, "abc"), u"");
 }
 
+TEST_F(EnvironmentContract, WindowsShowsItselfInALanguage) {
+  constexpr std::uint16_t kEnglish = 0x09;  // the tests set no other language
+  EXPECT_EQ(m_system.Locale.DisplayLanguage() & 0x03FF, kEnglish);
+}
+
 TEST_F(EnvironmentContract, TheMachineAndTheUserAreKnown) {
   TMachine& machine = m_system.Machine;
   EXPECT_FALSE(machine.ComputerName().empty());

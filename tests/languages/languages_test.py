@@ -57,6 +57,11 @@ class Languages(unittest.TestCase):
     def test_all_languages_are_there(self):
         self.assertEqual([path.stem for path in self.files], EXPECTED)
 
+    def test_every_shipped_language_can_be_chosen_at_the_first_start(self):
+        source = (LANGUAGES.parent / "core" / "displaylanguages.cpp").read_text()
+        named = set(re.findall(r'u"([a-z-]+)\.lng"', source)) | {"english"}
+        self.assertEqual(sorted(named), EXPECTED)
+
     def test_every_file_but_the_english_begins_with_the_mark_of_utf8(self):
         for path in self.files:
             with self.subTest(path.stem):

@@ -1,4 +1,5 @@
 #include "core/languagetexts.h"
+#include "core/displaylanguages.h"
 
 #include <gtest/gtest.h>
 
@@ -157,6 +158,65 @@ TEST_F(LoadedLanguage, IsEnglishOnTheFirstStartAndWrittenBack) {
   EXPECT_EQ(Load(), u"english.lng");
   EXPECT_EQ(LanguageText(Texts, TextId::MenuFile), u"File");
   EXPECT_EQ(Setting(), u"english.lng");
+}
+
+TEST_F(LoadedLanguage, IsThatOfWindowsOnTheFirstStartAndWrittenBack) {
+  System.Locale.Language = 0x0407;
+  EXPECT_EQ(Load(), u"german.lng");
+  EXPECT_EQ(LanguageText(Texts, TextId::MenuFile), u"Datei");
+  EXPECT_EQ(Setting(), u"german.lng");
+}
+
+TEST_F(LoadedLanguage, AnEmptySettingCountsAsTheFirstStart) {
+  System.Registry.Set(kSuite, u"Language", u"");
+  System.Locale.Language = 0x0407;
+  EXPECT_EQ(Load(), u"german.lng");
+  EXPECT_EQ(Setting(), u"german.lng");
+}
+
+TEST_F(LoadedLanguage, IsEnglishOnTheFirstStartWhereTheLanguageOfWindowsHasNoFile) {
+  System.Locale.Language = 0x0411;
+  EXPECT_EQ(Load(), u"english.lng");
+  EXPECT_EQ(Setting(), u"english.lng");
+}
+
+TEST_F(LoadedLanguage, TheUsersChoiceCountsMoreThanTheLanguageOfWindows) {
+  System.Registry.Set(kSuite, u"Language", u"english.lng");
+  System.Locale.Language = 0x0407;
+  EXPECT_EQ(Load(), u"english.lng");
+}
+
+TEST_F(LoadedLanguage, AMissingFileGivesEnglishWhateverTheLanguageOfWindows) {
+  System.Registry.Set(kSuite, u"Language", u"latin.lng");
+  System.Locale.Language = 0x0407;
+  EXPECT_EQ(Load(), u"english.lng");
+  EXPECT_EQ(Setting(), u"english.lng");
+}
+
+TEST(LanguageFile, OfEveryCountryOfALanguageIsTheSame) {
+  EXPECT_EQ(LanguageFileOf(0x0407), u"german.lng");
+  EXPECT_EQ(LanguageFileOf(0x0C07), u"german.lng");
+  EXPECT_EQ(LanguageFileOf(0x080A), u"spanish.lng");
+  EXPECT_EQ(LanguageFileOf(0x0C0C), u"french.lng");
+}
+
+TEST(LanguageFile, OfChineseGoesByTheScript) {
+  EXPECT_EQ(LanguageFileOf(0x0804), u"chinese-simplified.lng");
+  EXPECT_EQ(LanguageFileOf(0x1004), u"chinese-simplified.lng");
+  EXPECT_EQ(LanguageFileOf(0x0404), u"chinese-traditional.lng");
+  EXPECT_EQ(LanguageFileOf(0x0C04), u"chinese-traditional.lng");
+}
+
+TEST(LanguageFile, OfPortugueseIsThatOfBrazilAlone) {
+  EXPECT_EQ(LanguageFileOf(0x0416), u"portuguese-brazil.lng");
+  EXPECT_EQ(LanguageFileOf(0x0816), u"english.lng");
+}
+
+TEST(LanguageFile, OfAnyOtherLanguageIsEnglish) {
+  EXPECT_EQ(LanguageFileOf(0x0409), u"english.lng");
+  EXPECT_EQ(LanguageFileOf(0x0408), u"english.lng");
+  EXPECT_EQ(LanguageFileOf(0), u"english.lng");
+  EXPECT_EQ(LanguageFileOf(0xFFFF), u"english.lng");
 }
 
 TEST_F(LoadedLanguage, IsEnglishAgainWhenTheFileIsMissing) {
