@@ -44,6 +44,36 @@ TEST(FittingText, NeverCutsAPairOfSurrogates) {
   EXPECT_EQ(FitIntoCells(text, 3).Text, text);
 }
 
+TEST(LineLength, IsTheWholeTextWhereItFits) {
+  EXPECT_EQ(LineLength(u"one two", 7), 7U);
+  EXPECT_EQ(LineLength(u"", 7), 0U);
+}
+
+TEST(LineLength, EndsBeforeTheLastBlankThatFits) {
+  EXPECT_EQ(LineLength(u"one two three", 9), 7U);
+  EXPECT_EQ(LineLength(u"one two three", 7), 7U);
+  EXPECT_EQ(LineLength(u"one two three", 6), 3U);
+}
+
+TEST(LineLength, AWordThatIsTooLongIsNotCut) {
+  EXPECT_EQ(LineLength(u"abcdefgh ij", 3), 8U);
+  EXPECT_EQ(LineLength(u"abcdefgh", 3), 8U);
+}
+
+TEST(LineLength, ChineseAndJapaneseAreCutBetweenCharacters) {
+  EXPECT_EQ(LineLength(u"\x4E2D\x6587\x4E2D\x6587", 5), 2U);
+  EXPECT_EQ(LineLength(u"ab \x30AB\x30CA\x30AB", 7), 5U);
+}
+
+TEST(LineLength, NoClosingMarkBeginsALineAndNoOpeningOneEndsIt) {
+  EXPECT_EQ(LineLength(u"\x4E2D\x6587\x4E2D\x3002\x6587", 6), 2U);
+  EXPECT_EQ(LineLength(u"\x4E2D\x6587\x300C\x4E2D\x300D", 6), 2U);
+}
+
+TEST(LineLength, KoreanIsCutAtBlanks) {
+  EXPECT_EQ(LineLength(u"\xD55C\xAE00 \xD55C\xAE00\xD55C", 9), 2U);
+}
+
 TEST(FittingText, ALoneSurrogateTakesOneCell) {
   const Text text = {0xD83D, u'a'};
   EXPECT_EQ(FitIntoCells(text, 2).Cells, 2U);

@@ -68,6 +68,23 @@ TCharacter FirstCharacter(TextView text) {
   return {2, 0x10000 + (static_cast<char32_t>(text[0] - 0xD800) << 10) + (text[1] - 0xDC00U)};
 }
 
+// Twice as wide, but not the Korean script, which has blanks between its words.
+bool NeedsNoBlank(char16_t unit) {
+  const bool isKorean = (unit >= 0x1100 && unit <= 0x11FF) || (unit >= 0xAC00 && unit <= 0xD7AF);
+  return CellsOf(unit) == 2 && !isKorean;
+}
+
+// Between the unit before this position and the one at it ("Requirements for Japanese Text Layout",
+// w3.org/TR/jlreq).
+bool MayBreakAt(TextView text, std::size_t position) {
+  constexpr TextView kNotFirst = u"\u3001\u3002\u300D\u300F\uFF01\uFF09\uFF0C\uFF1A\uFF1B\uFF1F,.:;!?)%\"";
+  constexpr TextView kNotLast = u"\u300C\u300E\uFF08(\"";
+  const char16_t before = text[position - 1];
+  const char16_t after = text[position];
+  return (NeedsNoBlank(before) || NeedsNoBlank(after)) && kNotFirst.find(after) == TextView::npos &&
+         kNotLast.find(before) == TextView::npos;
+}
+
 }  // namespace
 
 int CellsOf(char32_t character) {
@@ -88,6 +105,17 @@ TFittingText FitIntoCells(TextView text, std::size_t cells) {
     units += character.Units;
   }
   return {text.substr(0, units), taken};
+}
+
+std::size_t LineLength(TextView text, std::size_t cells) {
+  const std::size_t fitting = FitIntoCells(text, cells).Text.size();
+  if (fitting == text.size())
+    return fitting;
+  for (std::size_t position = fitting; position > 0; --position) {
+    if (text[position] == u' ' || MayBreakAt(text, position))
+      return position;
+  }
+  return std::min(text.find(u' ', fitting), text.size());
 }
 
 }  // namespace corvalt

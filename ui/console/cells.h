@@ -19,4 +19,9 @@ struct TFittingText {
 };
 TFittingText FitIntoCells(TextView text, std::size_t cells);
 
+// How many units of the text make a line of this many cells: up to a blank, or between two characters of
+// Chinese or Japanese, which have no blanks between words, but with no closing mark at a line's beginning and
+// no opening one at its end. A longer word than that makes a line of its own.
+std::size_t LineLength(TextView text, std::size_t cells);
+
 }  // namespace corvalt

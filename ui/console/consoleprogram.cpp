@@ -5,6 +5,7 @@
 
 #include "core/rightprogram.h"
 #include "ui/console/arguments.h"
+#include "ui/console/cells.h"
 #include "ui/console/commands.h"
 #include "ui/console/output.h"
 
@@ -16,7 +17,7 @@ constexpr TextView kVersionOption = u"--version";
 constexpr TextView kHelpCommand = u"help";
 constexpr std::array<TextView, 3> kHelpOptions = {u"--help", u"-h", u"/?"};
 
-constexpr std::size_t kHelpWidth = 100;  // units of a line
+constexpr std::size_t kHelpWidth = 100;  // columns of a line
 
 struct THelpLine {
   TextView Word;
@@ -40,20 +41,13 @@ constexpr std::array kExitCodes = {TextId::HelpExitDone, TextId::HelpExitLeft, T
 // The text on lines of its own, each but the first behind this many blanks.
 Text Wrapped(TextView text, std::size_t indent) {
   Text lines;
-  std::size_t column = indent;
   while (!text.empty()) {
-    const TextView word = text.substr(0, text.find(u' '));
-    text.remove_prefix(std::min(word.size() + 1, text.size()));
-    if (column > indent && column + 1 + word.size() > kHelpWidth) {
+    if (!lines.empty())
       lines += u"\n" + Text(indent, u' ');
-      column = indent;
-    }
-    if (column > indent) {
-      lines += u' ';
-      ++column;
-    }
-    lines += word;
-    column += word.size();
+    const std::size_t length = LineLength(text, kHelpWidth - indent);
+    lines += Trim(text.substr(0, length));
+    text.remove_prefix(length);
+    text.remove_prefix(std::min(text.find_first_not_of(u' '), text.size()));
   }
   return lines + u"\n";
 }
