@@ -68,7 +68,7 @@ std::string JsonString(TextView text) {
 TSystemError WriteProblemsJson(const TResultsTree& results,
                                const std::function<TSystemError(std::string_view piece)>& write) {
   TSystemError error;
-  std::string piece = "{\"sections\":[";
+  std::string piece = "{\"formatVersion\":" + std::to_string(kJsonFormatVersion) + ",\"sections\":[";
   const auto writeFrom = [&](std::size_t size) {
     if (!error.Failed() && piece.size() >= size) {
       error = write(piece);

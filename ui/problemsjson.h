@@ -11,7 +11,10 @@
 
 namespace corvalt {
 
-// {"sections":[{"caption","rootKey","imageIndex","childCount","problems":[{"rootKey","keyPath","valueName",
+// Of the format below; a program that reads it looks at this first. docs/scan.schema.json describes it.
+inline constexpr int kJsonFormatVersion = 1;
+
+// {"formatVersion":1,"sections":[{"caption","rootKey","imageIndex","childCount","problems":[{"rootKey","keyPath","valueName",
 // "valueData","description","kind","imageIndex","extra","checkMark"}]}]} in tree order, one problem a line,
 // each line ended by LF. A root key is its full name, or null for none. UTF-8 in which a control character
 // and a lone surrogate are \u escapes, so that every text can be read back unit by unit. Written in pieces of

@@ -238,9 +238,24 @@ TEST_F(ConsoleProgram, JsonToStandardOutputStandsThereAlone) {
   AddShellFolderProblem();
 
   EXPECT_EQ(m_rig.Run({u"scan", u"--sections", u"1", u"--json", u"-"}), 1);
-  EXPECT_TRUE(m_rig.Console.Output.starts_with(
-      "{\"sections\":[\n{\"caption\":\"Registry Integrity\",\"rootKey\":\"HKEY_CURRENT_USER\""));
+  EXPECT_TRUE(
+      m_rig.Console.Output.starts_with("{\"formatVersion\":1,\"sections\":[\n{\"caption\":\"Registry "
+                                       "Integrity\",\"rootKey\":\"HKEY_CURRENT_USER\""));
   EXPECT_TRUE(m_rig.Console.Output.ends_with("]}]}\n"));
+}
+
+TEST_F(ConsoleProgram, JsonIsInEnglishWhateverTheUsersLanguage) {
+  AddShellFolderProblem();
+  m_rig.Run({u"scan", u"--sections", u"1", u"--json", u"-"});
+  const std::string english = std::exchange(m_rig.Console.Output, {});
+  const std::string line = "11068=Es fehlt: %s2\n";
+  m_rig.Texts.Selected =
+      TLanguageTable::FromFile(std::vector<std::uint8_t>(line.begin(), line.end()), m_rig.Scan.System.Locale);
+
+  m_rig.Run({u"scan", u"--sections", u"1", u"--json", u"-"});
+  EXPECT_EQ(std::exchange(m_rig.Console.Output, {}), english);
+  m_rig.Run({u"scan", u"--sections", u"1"});
+  EXPECT_NE(m_rig.Console.Output.find("    Es fehlt: C:\\gone\n"), std::string::npos) << m_rig.Console.Output;
 }
 
 TEST_F(ConsoleProgram, ReportAndJsonAreWrittenBesideTheListing) {
@@ -249,7 +264,7 @@ TEST_F(ConsoleProgram, ReportAndJsonAreWrittenBesideTheListing) {
   EXPECT_EQ(
       m_rig.Run({u"scan", u"--json", u"C:\\found.json", u"--sections", u"1", u"--report", u"C:\\r.log"}), 1);
   EXPECT_EQ(m_rig.Console.Output, kShellFolderListing);
-  EXPECT_TRUE(File(u"C:\\found.json").value_or("").starts_with("{\"sections\":["));
+  EXPECT_TRUE(File(u"C:\\found.json").value_or("").starts_with("{\"formatVersion\":1,\"sections\":["));
   EXPECT_TRUE(File(u"C:\\r.log").value_or("").starts_with("Report created on "));
   EXPECT_TRUE(
       File(u"C:\\r.log").value_or("").ends_with("Problems found on your computer (Total 1 Problems):\r\n"));

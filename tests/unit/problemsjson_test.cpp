@@ -78,7 +78,7 @@ TEST(ProblemsJson, EndsAtTheFirstPieceThatCannotBeWritten) {
 TEST(ProblemsJson, AnEmptyTreeIsAnEmptyList) {
   TResultsTreeModel results;
 
-  EXPECT_EQ(ProblemsJson(results), "{\"sections\":[]}\n");
+  EXPECT_EQ(ProblemsJson(results), "{\"formatVersion\":1,\"sections\":[]}\n");
 }
 
 TEST(ProblemsJson, SaysEveryFieldOfHeadersAndProblemsInTreeOrder) {
@@ -98,7 +98,7 @@ TEST(ProblemsJson, SaysEveryFieldOfHeadersAndProblemsInTreeOrder) {
   Add(results, nullptr, Header(u"Start Menu", kHkeyCurrentUser, 9, 0));
 
   EXPECT_EQ(ProblemsJson(results),
-            R"({"sections":[
+            R"({"formatVersion":1,"sections":[
 {"caption":"Windows Fonts","rootKey":null,"imageIndex":14,"childCount":2,"problems":[
 {"rootKey":"HKEY_LOCAL_MACHINE","keyPath":"\\Software\\Fonts","valueName":"Arial","valueData":"C:\\a \"b\".ttf",)"
             R"("description":"It is && was","kind":2,"imageIndex":-1,"extra":"more","checkMark":2},

@@ -44,6 +44,15 @@ no_later_section() {
     result captions "$1" "Registry Integrity"
 }
 
+# is_narrow FILE: no line takes more than 100 columns of a terminal.
+is_narrow() {
+  python3 - "$1" <<'END'
+import sys, unicodedata
+for line in open(sys.argv[1], encoding="utf-8"):
+    assert sum(2 if unicodedata.east_asian_width(unit) in "WF" else 1 for unit in line.rstrip("\n")) <= 100, line
+END
+}
+
 start_display
 start_fresh_wine "$PWD/build/wine"
 json=Z:$work
@@ -72,6 +81,14 @@ corvaltc scan --json - --report "$json/second.txt"
 cp "$work/out" "$work/second.json"
 ok "a second scan answers the same" answered 1
 ok "a second scan finds the same" result same "$work/found.json" "$work/second.json"
+ok "the schema in docs/ describes the JSON" python3 -m jsonschema -i "$work/second.json" docs/scan.schema.json
+run_windows reg add 'HKCU\Software\TessalySoft\Tessaly Utilities' /v Language /d japanese.lng /f >/dev/null
+corvaltc scan --json -
+ok "the JSON is the same in every language" cmp "$work/out" "$work/second.json"
+corvaltc help
+ok "the help is in the user's language" grep -qF "$(sed -n 's/^40130=//p' languages/japanese.lng)" "$work/out"
+ok "no line of it is too wide" is_narrow "$work/out"
+run_windows reg add 'HKCU\Software\TessalySoft\Tessaly Utilities' /v Language /d english.lng /f >/dev/null
 ok "a report is replaced" cmp "$work/found.txt" "$work/second.txt"
 
 corvaltc scan --sections 9,1,19 --json -
@@ -81,7 +98,7 @@ ok "some problems are found" answered 1
 corvaltc scan --sections 16 --json -
 cp "$work/out" "$work/none.json"
 ok "nothing found answers 0" answered 0
-ok "nothing found is an empty list" cmp "$work/none.json" <(echo '{"sections":[]}')
+ok "nothing found is an empty list" cmp "$work/none.json" <(echo '{"formatVersion":1,"sections":[]}')
 
 corvaltc sections
 ok "sections answers 0" answered 0

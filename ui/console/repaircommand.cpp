@@ -107,7 +107,8 @@ TExitCode Repair(TConsoleContext& context, const TRepairOptions& options) {
   if (options.SectionCodes)
     sections.CheckOnly(*options.SectionCodes);
   TResultsTreeModel results;
-  const TWorkerEnd scan = RunScan(context, sections, results, false);
+  const TWorkerEnd scan = RunScan(context, sections, results,
+                                  {.Words = options.Json ? TScanWords::English : TScanWords::OfTheUser});
   TellOutcome(context, scan);
   // What was found is written before anything is deleted.
   if ((options.Json && !WriteJson(context, *options.Json, results)) || scan.Failure)

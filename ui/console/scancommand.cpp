@@ -60,7 +60,9 @@ TExitCode Scan(TConsoleContext& context, const TScanOptions& options) {
   if (options.SectionCodes)
     sections.CheckOnly(*options.SectionCodes);
   TResultsTreeModel results;
-  const TWorkerEnd outcome = RunScan(context, sections, results, options.Quiet);
+  const TWorkerEnd outcome =
+      RunScan(context, sections, results,
+              {.Words = options.Json ? TScanWords::English : TScanWords::OfTheUser, .Quiet = options.Quiet});
   TellOutcome(context, outcome);
   if (!WriteFindings(context, options, results) || outcome.Failure)
     return TExitCode::Failed;

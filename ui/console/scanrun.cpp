@@ -6,10 +6,13 @@
 namespace corvalt {
 
 TWorkerEnd RunScan(TConsoleContext& context, const TSectionsTree& sections, TResultsTree& results,
-                   bool quiet) {
-  return RunWorker<TScan>(context, quiet, [&](const TWorkerThread::TEndHandler& onFinished) {
+                   TScanRun run) {
+  TGlobalVars vars = context.Vars;
+  if (run.Words == TScanWords::English)
+    vars.Texts.Selected = vars.Texts.English;
+  return RunWorker<TScan>(context, run.Quiet, [&](const TWorkerThread::TEndHandler& onFinished) {
     return TScanContext{.System = context.System,
-                        .Vars = context.Vars,
+                        .Vars = vars,
                         .Reg = context.Reg,
                         .Sections = sections,
                         .Results = results,

@@ -7,10 +7,18 @@
 
 namespace corvalt {
 
-// Scans the ticked sections into results, to the end or until the interrupt key cancels it. Shows its
-// progress on the console unless quiet.
+// The words in which problems are described: the user's, or English ones where they are written as JSON too,
+// so that programs read the same on every machine.
+enum class TScanWords { OfTheUser, English };
+
+struct TScanRun {
+  TScanWords Words = TScanWords::OfTheUser;
+  bool Quiet = false;  // shows no progress on the console
+};
+
+// Scans the ticked sections into results, to the end or until the interrupt key cancels it.
 TWorkerEnd RunScan(TConsoleContext& context, const TSectionsTree& sections, TResultsTree& results,
-                   bool quiet);
+                   TScanRun run);
 
 // Tells that the scan failed or was cancelled.
 void TellOutcome(TConsoleContext& context, const TWorkerEnd& outcome);
