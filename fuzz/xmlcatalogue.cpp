@@ -6,6 +6,7 @@
 #include <string>
 
 #include "formats/inflate.h"
+#include "formats/nativexml.h"
 #include "platform/memory/memorysystem.h"
 #include "scan/threadscan.h"
 #include "system/queueuithread.h"

@@ -90,7 +90,7 @@ TBytes DescriptorBytes(std::size_t control, TSecurityPart owner, TSecurityPart g
 std::vector<TBytes> EntriesToInherit(TSecurityPart accessList) {
   std::vector<TBytes> entries;
   for (TSecurityPart rest = accessList.subspan(8); rest.size() >= 8;) {
-    const std::size_t size = rest[2] | (rest[3] << 8);
+    const std::size_t size = rest[2] + 256U * rest[3];
     TBytes entry(rest.begin(), rest.begin() + static_cast<std::ptrdiff_t>(size));
     if ((entry[1] & kAceContainerInherit) != 0) {
       entry[1] = static_cast<std::uint8_t>((entry[1] | kAceInherited) & ~kAceInheritOnly);
