@@ -8,4 +8,8 @@ bool SamePlace(const TKeyPlace& a, const TKeyPlace& b) {
   return a.RootKey == b.RootKey && EqualIgnoringCase(a.KeyPath, b.KeyPath);
 }
 
+bool IsRootPlace(const TKeyPlace& place) {
+  return place.KeyPath == u"\\" && place.RootKey != kHkeyClassesRoot;
+}
+
 }  // namespace corvalt

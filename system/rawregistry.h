@@ -48,6 +48,9 @@ struct TKeyPlace {
 // The same place but for letter case.
 bool SamePlace(const TKeyPlace& a, const TKeyPlace& b);
 
+// Whether the place is a root key itself. HKEY_CLASSES_ROOT shows two keys and is none.
+bool IsRootPlace(const TKeyPlace& place);
+
 // What a key has beside values and subkeys.
 struct TKeyAttributes {
   Text ClassName;
@@ -108,7 +111,7 @@ class TRawRegistry {
   // Where the key lies. A root key lies nowhere: Failed.
   virtual TRawResult FindKey(TRootKey rootKey, TextView keyPath, TKeyPlace& place) = 0;
   // The key that holds the value. Below HKEY_CLASSES_ROOT a key can exist in both hives; the user's value
-  // wins.
+  // wins. A value of a root key lies in the root, and one of HKEY_CLASSES_ROOT itself nowhere: Failed.
   virtual TRawResult FindValue(TRootKey rootKey, TextView keyPath, TextView name, TKeyPlace& place) = 0;
 
   virtual TRawResult ReadAttributes(TRootKey rootKey, TextView keyPath, TKeyAttributes& attributes) = 0;

@@ -89,8 +89,9 @@ TRawResult TMemoryRawRegistry::FindValue(TRootKey rootKey, TextView keyPath, Tex
   const TMemoryKeyPointer holder = TMemoryHives::HolderOf(found, name);
   if (!holder)
     return TRawResult::Missing;
-  std::optional<TKeyPlace> real = m_hives.PlaceOf(holder);
-  if (!real)
+  const bool isMergedRoot = rootKey == kHkeyClassesRoot && ParseKeyPath(keyPath)->Names.empty();
+  std::optional<TKeyPlace> real = PlaceOf(holder, {rootKey, Text(keyPath)});
+  if (!real || isMergedRoot)
     return TRawResult::Failed;
   place = std::move(*real);
   return TRawResult::Done;
@@ -225,12 +226,18 @@ TRawResult TMemoryRawRegistry::DeleteValue(TRootKey rootKey, TextView keyPath, T
   return TRawResult::Done;
 }
 
+// The place of a key that was opened there.
+std::optional<TKeyPlace> TMemoryRawRegistry::PlaceOf(const TMemoryKeyPointer& key,
+                                                     const TKeyPlace& opened) const {
+  return IsRootPlace(opened) ? opened : m_hives.PlaceOf(key);
+}
+
 TRawResult TMemoryRawRegistry::OpenPlace(const TKeyPlace& place, TMemoryKeyPointer& key) const {
   TOpenMemoryKey found;
   const TRawResult result = Open(place.RootKey, place.KeyPath, found);
   if (result != TRawResult::Done)
     return result;
-  const std::optional<TKeyPlace> real = m_hives.PlaceOf(found.Key);
+  const std::optional<TKeyPlace> real = PlaceOf(found.Key, place);
   if (!real || !SamePlace(*real, place))
     return TRawResult::Refused;
   key = found.Key;
@@ -266,6 +273,8 @@ TRawResult TMemoryRawRegistry::Inspect(const TMemoryKeyPointer& top, const TKeyC
 }
 
 TRawResult TMemoryRawRegistry::DeleteKeyAt(const TKeyPlace& place, const TKeyCheck& mayDelete) {
+  if (IsRootPlace(place))
+    return TRawResult::Failed;
   TMemoryKeyPointer top;
   TRawResult result = OpenPlace(place, top);
   if (result == TRawResult::Done && top->Rights >= TMemoryRights::Read)

@@ -43,6 +43,7 @@ class TMemoryRawRegistry : public TRawRegistry {
 
  private:
   TRawResult Open(TRootKey rootKey, TextView keyPath, TOpenMemoryKey& key) const;
+  std::optional<TKeyPlace> PlaceOf(const TMemoryKeyPointer& key, const TKeyPlace& opened) const;
   TRawResult OpenPlace(const TKeyPlace& place, TMemoryKeyPointer& key) const;
   TRawKey Content(const TOpenMemoryKey& key) const;
   TRawResult Inspect(const TMemoryKeyPointer& top, const TKeyCheck& mayDelete,

@@ -165,8 +165,8 @@ TRawResult TWindowsRawRegistry::FindValue(TRootKey rootKey, TextView keyPath, Te
   const TRawResult named = SystemValueOf(keyPath, name, at);
   if (named != TRawResult::Done)
     return named;
-  TKeyPlace found;
-  TRawResult result = PlaceOfKey(rootKey, at.KeyPath, found);
+  TKeyPlace found{rootKey, Text(keyPath)};
+  TRawResult result = IsRootPlace(found) ? TRawResult::Done : PlaceOfKey(rootKey, at.KeyPath, found);
   if (result != TRawResult::Done)
     return result;
   const auto holdsValue = [&](const TKeyPlace& holder) {
@@ -395,8 +395,6 @@ TRawResult TWindowsRawRegistry::DeleteValueAt(const TKeyPlace& place, TextView n
   const TRawResult named = SystemValueOf(place.KeyPath, name, at);
   if (named != TRawResult::Done)
     return named;
-  if (at.KeyPath.empty())
-    return TRawResult::Failed;
   TKeptPointer key;
   const TRawResult opened = OpenForDeletion(place, at.KeyPath, key);
   if (opened != TRawResult::Done)
@@ -418,7 +416,8 @@ TRawResult TWindowsRawRegistry::OpenForDeletion(const TKeyPlace& place, const Te
   const TRawResult opened = OpenKept(place.RootKey, path, kChangeAccess, key);
   if (opened != TRawResult::Done)
     return opened;
-  return m_places.LiesAt(key->Key.Get(), place) ? TRawResult::Done : TRawResult::Refused;
+  const bool liesThere = IsRootPlace(place) || m_places.LiesAt(key->Key.Get(), place);
+  return liesThere ? TRawResult::Done : TRawResult::Refused;
 }
 
 void TWindowsRawRegistry::ReleaseKeys() {

@@ -72,6 +72,31 @@ TEST_F(RawKeysContract, AMissingKeyAndARootHaveNoPlace) {
   EXPECT_EQ(place, (TKeyPlace{kHkeyUsers, u"\\before"}));
 }
 
+TEST_F(RawKeysContract, AValueOfARootKeyLiesThereAndIsDeletedThere) {
+  const TRawValue value = {
+      m_subject->ScratchKey().substr(m_subject->ScratchKey().rfind(u'\\') + 1), kRegSz, {}};
+  ASSERT_EQ(m_system.Raw.WriteValue(kScratchRoot, u"\\", value), TRawResult::Done);
+  TKeyPlace place;
+  EXPECT_EQ(m_system.Raw.FindValue(kScratchRoot, u"\\", value.Name, place), TRawResult::Done);
+  EXPECT_EQ(place, (TKeyPlace{kScratchRoot, u"\\"}));
+  const TValueCheck isIt = [&value](const TRawValue& met) { return met == value; };
+  EXPECT_EQ(m_system.Raw.DeleteValueAt(place, value.Name, isIt), TRawResult::Done);
+  TRawValue gone;
+  EXPECT_EQ(m_system.Raw.ReadValue(kScratchRoot, u"\\", value.Name, gone), TRawResult::Missing);
+  EXPECT_EQ(m_system.Raw.DeleteKeyAt(place, kEveryKey), TRawResult::Failed);
+}
+
+// HKEY_CLASSES_ROOT shows two keys.
+TEST_F(RawKeysContract, AValueOfTheMergedRootLiesNowhere) {
+  TRawKey key;
+  ASSERT_EQ(m_system.Raw.ReadKey(kHkeyClassesRoot, u"\\", key), TRawResult::Done);
+  TKeyPlace place;
+  for (const TRawValue& value : key.Values)
+    EXPECT_EQ(m_system.Raw.FindValue(kHkeyClassesRoot, u"\\", value.Name, place), TRawResult::Failed);
+  EXPECT_NE(m_system.Raw.DeleteValueAt({kHkeyClassesRoot, u"\\"}, u"", [](const TRawValue&) { return true; }),
+            TRawResult::Done);
+}
+
 TEST_F(RawKeysContract, AClassOfTheMachineIsPlacedInItsHive) {
   const Text name =
       u"\\CorvaltContract." + m_subject->ScratchKey().substr(m_subject->ScratchKey().rfind(u'\\') + 1);

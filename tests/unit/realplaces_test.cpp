@@ -138,6 +138,44 @@ TEST_F(RealPlaces, AValueBelowTheLinkedClassesOfTheUserIsDeletedAndRestored) {
   EXPECT_EQ(Registry().Dump(key), before);
 }
 
+// The walk of a whole root reports them with an empty key path.
+TEST_F(RealPlaces, AValueOfARootKeyIsDeletedAndRestored) {
+  Registry().Set(u"HKEY_CURRENT_USER", u"OlD", u"C:\\gone.exe");
+  const std::vector<std::string> before = Registry().Dump(u"HKEY_CURRENT_USER");
+  AddValue(kHkeyCurrentUser, u"", u"Old");
+  m_rig.Repair();
+  EXPECT_FALSE(Registry().HasValue(u"HKEY_CURRENT_USER", u"Old"));
+  EXPECT_TRUE(m_rig.Unmarked().empty());
+  EXPECT_NE(m_rig.BackupText().find("[HKEY_CURRENT_USER]\r\n\"OlD\"="), std::string::npos);
+  EXPECT_EQ(m_rig.RestoreTheBackup(), TRestoreEnd::Restored);
+  EXPECT_EQ(Registry().Dump(u"HKEY_CURRENT_USER"), before);
+}
+
+TEST_F(RealPlaces, AValueOfARootKeyThatChangedSinceItWasSavedStays) {
+  Registry().Set(u"HKEY_CURRENT_USER", u"Old", u"C:\\gone.exe");
+  AddValue(kHkeyCurrentUser, u"", u"Old");
+  RepairAfter([&] { Registry().Set(u"HKEY_CURRENT_USER", u"Old", u"C:\\other.exe"); });
+  EXPECT_TRUE(Registry().HasValue(u"HKEY_CURRENT_USER", u"Old"));
+  EXPECT_EQ(m_rig.Outcome.NotSaved.size(), 1U);
+}
+
+TEST_F(RealPlaces, WithoutABackupAValueOfARootKeyIsDeleted) {
+  Registry().SetInteger(kModules, u"RegistryCleaner", 0);
+  Registry().Set(u"HKEY_CURRENT_USER", u"Old", u"C:\\gone.exe");
+  AddValue(kHkeyCurrentUser, u"", u"Old");
+  m_rig.Repair();
+  EXPECT_FALSE(Registry().HasValue(u"HKEY_CURRENT_USER", u"Old"));
+}
+
+// The merged root is two keys.
+TEST_F(RealPlaces, AValueOfTheMergedRootIsNotSavedAndStays) {
+  Registry().Set(u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes", u"Old", u"x");
+  AddValue(kHkeyClassesRoot, u"", u"Old");
+  m_rig.Repair();
+  EXPECT_TRUE(Registry().HasValue(u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes", u"Old"));
+  EXPECT_EQ(m_rig.Outcome.NotSaved.size(), 1U);
+}
+
 TEST_F(RealPlaces, AKeyWhosePathLeadsElsewhereSinceItWasSavedIsDeletedWhereItWas) {
   const Text other = u"HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet002\\Services\\Gone";
   const Text current = u"HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet";
