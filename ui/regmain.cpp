@@ -166,6 +166,7 @@ void TRegMain::ScanFinished(TWorkerThread& thread) {
 
 void TRegMain::CleaningFinished(TWorkerThread& thread) {
   const Text message = RepairMessage(m_cleaning->Outcome(), m_vars.Texts);
+  const std::vector<Text> leftovers = LeftoverLines(m_cleaning->Outcome(), m_vars.Texts);
   const Text logFailure = m_cleaning->Outcome().LogFailure;
   m_cleaning = nullptr;
   if (thread.FatalException())
@@ -180,8 +181,19 @@ void TRegMain::CleaningFinished(TWorkerThread& thread) {
   RunEnded();
   if (thread.FatalException())
     ShowFailure(thread.FatalException());
+  else if (m_progress == nullptr)
+    ShowLeftovers(leftovers);
   if (!logFailure.empty())
     ShowFailure(Plain(TextId::ChangesNotListed, logFailure));
+}
+
+// After Cancel there is no dialog that could show them.
+void TRegMain::ShowLeftovers(const std::vector<Text>& lines) {
+  Text message;
+  for (const Text& line : lines)
+    message.append(message.empty() ? u"" : u"\r\n").append(PlainText(line));
+  if (!message.empty())
+    m_system.MessageBoxes.ShowMessage(message, Plain(TextId::TitleInformation), TMessageKind::Information);
 }
 
 void TRegMain::RunEnded() {

@@ -140,6 +140,7 @@ class TRegMain {
   void MaintenanceFinished(TWorkerThread& thread);
   void ActionsChanged();
   void RunEnded();
+  void ShowLeftovers(const std::vector<Text>& lines);
   void ShowFailure(TextView message);
   bool ConfirmIgnore();
   // The text as a message box shows it, each "&" once.

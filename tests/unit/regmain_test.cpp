@@ -561,6 +561,30 @@ TEST(MainWindowRepair, ClosedInTheMiddleKeepsTheRowsThatItDidNotReach) {
   EXPECT_EQ(rig.RowCount(), 0u);
 }
 
+TEST(MainWindowRepair, ClosedInTheMiddleSaysHowManyEntriesItCouldNotSave) {
+  TScannedRig rig(100);
+  rig.System.Registry.Deny(FullKeyText(rig.Row(0, 0)->Problem));
+  rig.System.Registry.Deny(FullKeyText(rig.Row(0, 1)->Problem));
+  // Nothing can save what comes last, and the repair does not come to it.
+  rig.System.Registry.Deny(FullKeyText(rig.Row(0, 99)->Problem));
+  rig.Users.push_back(
+      [&](TDialogRecord&) { rig.PumpUntil([&] { return rig.Row(0, 4)->Problem.StateFlag2; }); });
+  rig.Main.Repair();
+  EXPECT_EQ(rig.Shell.Calls, TLines());
+  rig.WaitForTheEnd();
+  EXPECT_EQ(rig.Shell.Calls, TLines({"information 10045 | 40060(2)"}));
+  EXPECT_EQ(rig.Dialogs[0].Results, TLines());
+}
+
+TEST(MainWindowRepair, ClosedInTheMiddleSaysNothingWhenItLeftNothing) {
+  TScannedRig rig(100);
+  rig.Users.push_back(
+      [&](TDialogRecord&) { rig.PumpUntil([&] { return rig.Row(0, 4)->Problem.StateFlag2; }); });
+  rig.Main.Repair();
+  rig.WaitForTheEnd();
+  EXPECT_EQ(rig.Shell.Calls, TLines());
+}
+
 TEST(MainWindowRepair, ThatCannotBackUpDeletesNothingAndSaysWhy) {
   TScannedRig rig(2);
   rig.System.Disk.FailReplacing(112);
