@@ -172,6 +172,11 @@ TEST_F(Environment, AllFoldersAreMadeLong) {
   EXPECT_EQ(Vars.AppDataFolder, u"C:\\DOCUME~1\\gone\\");
 }
 
+// Of 32-bit programs the system folder itself is that one.
+TEST_F(Environment, A64BitProgramKnowsTheSystemFolderOf32BitOnes) {
+  EXPECT_EQ(Fill().SysWow64Folder, sizeof(void*) == 8 ? u"C:\\Windows\\SysWOW64\\" : u"");
+}
+
 TEST_F(Environment, SearchFoldersArePathThenTheSystemsOwn) {
   System.Disk.SetEnvironmentVariable(u"ProgramFiles", u"C:\\Program Files");
   System.Disk.SetEnvironmentVariable(u"Path", u"C:\\Tools\\;;C:\\a b;D:\\x;");
