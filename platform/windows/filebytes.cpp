@@ -73,6 +73,16 @@ Text FullPathOf(const Text& path) {
   return full;
 }
 
+Text PathOfAnyLength(TextView path) {
+  Text plain(path);
+  if (path.size() < kMaxPath || path.starts_with(u"\\\\?\\") || path.starts_with(u"\\\\.\\"))
+    return plain;
+  const Text full = FullPathOf(plain);
+  if (full.empty() || full.starts_with(u"\\\\.\\"))
+    return plain;
+  return full.starts_with(u"\\\\") ? u"\\\\?\\UNC" + full.substr(1) : u"\\\\?\\" + full;
+}
+
 bool IsDevicePath(const Text& path) {
   return FullPathOf(path).starts_with(u"\\\\.\\");
 }

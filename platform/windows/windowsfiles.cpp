@@ -13,23 +13,12 @@ namespace {
 
 constexpr DWORD kNoSuchFile = INVALID_FILE_ATTRIBUTES;
 
-// The path in a form that the system takes whatever its length.
-Text AnyLength(TextView path) {
-  Text plain(path);
-  if (path.size() < kMaxPath || path.starts_with(u"\\\\?\\") || path.starts_with(u"\\\\.\\"))
-    return plain;
-  const Text full = FullPathOf(plain);
-  if (full.empty() || full.starts_with(u"\\\\.\\"))
-    return plain;
-  return full.starts_with(u"\\\\") ? u"\\\\?\\UNC" + full.substr(1) : u"\\\\?\\" + full;
-}
-
 DWORD AttributesOf(TextView path) {
   if (HoldsNul(path)) {
     SetLastError(ERROR_INVALID_NAME);
     return kNoSuchFile;
   }
-  return GetFileAttributesW(Wide(AnyLength(path)));
+  return GetFileAttributesW(Wide(PathOfAnyLength(path)));
 }
 
 enum class TExistence { Missing, File, Folder, Unknown };
@@ -43,7 +32,7 @@ TExistence ExistenceInItsFolder(TextView path) {
   WIN32_FIND_DATAW found = {};
   if (path.find_first_of(u"*?") != TextView::npos)
     return TExistence::Unknown;
-  const TOwnedFind search(FindFirstFileW(Wide(AnyLength(path)), &found));
+  const TOwnedFind search(FindFirstFileW(Wide(PathOfAnyLength(path)), &found));
   return search ? ExistenceOf(found.dwFileAttributes) : TExistence::Unknown;
 }
 
@@ -217,7 +206,8 @@ FileSystemProbe::TListing TWindowsProbe::ListFolder(TextView folder, std::vector
   if (folder.empty() || HoldsNul(folder))
     return TListing::Unreadable;
   WIN32_FIND_DATAW found = {};
-  const TOwnedFind search(FindFirstFileW(Wide(AnyLength(WithTrailingBackslash(folder) + u"*")), &found));
+  const TOwnedFind search(
+      FindFirstFileW(Wide(PathOfAnyLength(WithTrailingBackslash(folder) + u"*")), &found));
   if (!search)
     return WithoutListing(folder, GetLastError(), entries);
   std::vector<TFolderEntry> listed;
