@@ -2,11 +2,13 @@
 // written and read by plain system calls here, not by the class under test.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <set>
 #include <string>
 
 #include "formats/ioregistry.h"
+#include "platform/memory/memorysecurity.h"
 #include "platform/windows/registrycalls.h"
 #include "platform/windows/windowsapi.h"
 #include "tests/contract/subject.h"
@@ -187,6 +189,23 @@ class RegFileOnWindows : public testing::Test {
     m_system.Raw.ReleaseKeys();
   }
 
+  // And nothing else: what it skips leaves no wrong key and no wrong value behind.
+  void EditorImportsAllThatTheCodePageSays() {
+    const Text file = m_subject->ScratchFolder() + u"\\export.reg";
+    ASSERT_FALSE(m_system.Files.ReplaceFile(file, m_exporter.ExportedText()).Failed());
+    DeleteEverything();
+    RunSystemEditor(u"/S \"" + file + u"\"");
+    const TDump expected = WhatRegedit4Says(m_before);
+    const TDump after = DumpBelow(m_path);
+    EXPECT_GT(expected.size(), m_before.size() / 8);
+    for (const auto& [path, values] : expected) {
+      ASSERT_TRUE(after.contains(path)) << EncodeUtf8(path);
+      for (const auto& [name, data] : values)
+        EXPECT_TRUE(after.at(path).contains({name, data})) << EncodeUtf8(path) << " | " << EncodeUtf8(name);
+    }
+    EXPECT_TRUE(after == expected);
+  }
+
   const std::unique_ptr<TSubject> m_subject = MakeSubject();
   TSystem m_system = m_subject->System();
   const Text m_path = m_subject->ScratchKey() + u"\\K";
@@ -207,21 +226,38 @@ TEST_F(RegFileOnWindows, AnythingComesBackByteForByte) {
   EXPECT_TRUE(DumpBelow(m_path) == m_before);
 }
 
-// And nothing else: what it skips leaves no wrong key and no wrong value behind.
 TEST_F(RegFileOnWindows, TheSystemsEditorImportsAllThatTheCodePageSays) {
-  const Text file = m_subject->ScratchFolder() + u"\\export.reg";
-  ASSERT_FALSE(m_system.Files.ReplaceFile(file, m_exporter.ExportedText()).Failed());
-  DeleteEverything();
-  RunSystemEditor(u"/S \"" + file + u"\"");
-  const TDump expected = WhatRegedit4Says(m_before);
-  const TDump after = DumpBelow(m_path);
-  EXPECT_GT(expected.size(), m_before.size() / 8);
-  for (const auto& [path, values] : expected) {
-    ASSERT_TRUE(after.contains(path)) << EncodeUtf8(path);
-    for (const auto& [name, data] : values)
-      EXPECT_TRUE(after.at(path).contains({name, data})) << EncodeUtf8(path) << " | " << EncodeUtf8(name);
-  }
-  EXPECT_TRUE(after == expected);
+  EditorImportsAllThatTheCodePageSays();
+}
+
+// A backup keeps in comments what its keys have besides values.
+TEST_F(RegFileOnWindows, TheSystemsEditorImportsTheSameValuesFromABackup) {
+  bool isNew = false;
+  EXPECT_EQ(m_system.Raw.CreateKey(kScratchRoot, m_path + u"\\With class", {u"Class", false}, isNew),
+            TRawResult::Done);
+  EXPECT_EQ(m_system.Raw.CreateKey(kScratchRoot, m_path + u"\\Volatile", {u"", true}, isNew),
+            TRawResult::Done);
+  // Without owner and group, which not every user may set.
+  TBytes security = SecurityBytes({.Access = {{u"S-1-1-0"}}, .IsProtected = true});
+  std::fill(security.begin() + 4, security.begin() + 12, std::uint8_t{0});
+  TAttributesLost lost;
+  EXPECT_EQ(
+      m_system.Raw.WriteAttributes(kScratchRoot, m_path + u"\\With class", {std::nullopt, security}, lost),
+      TRawResult::Done);
+  EXPECT_FALSE(lost.Security);
+  // Wine takes a key's class away when somebody opens it as TPlainKey does.
+  m_before[m_path + u"\\With class"] = {};
+  m_before[m_path + u"\\Volatile"] = {};
+  TBackupOrigin origin;
+  origin.CodePage = m_system.Locale.AnsiCodePage();
+  origin.Computer = u"ANN'S \u0416";
+  m_exporter.Clear(origin);
+  ASSERT_EQ(m_exporter.ExportKey(kScratchRoot, m_path), TExportResult::Done);
+  m_exporter.Finish();
+  const std::string text(m_exporter.ExportedText().begin(), m_exporter.ExportedText().end());
+  for (const char* line : {"codepage=", "class=", "security=", "time=", "end="})
+    EXPECT_NE(text.find(std::string("\r\n;Corvalt ") + line), std::string::npos) << line;
+  EditorImportsAllThatTheCodePageSays();
 }
 
 }  // namespace corvalt
