@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "platform/memory/memorysecurity.h"
 #include "tests/support/repairrig.h"
 
 namespace corvalt {
@@ -106,6 +107,17 @@ TEST_F(DeletedAsSaved, AKeyIsDeletedWhenSomethingOfItHasGone) {
   RepairAfter([this] { Registry().RemoveKey(Text(kOld) + u"\\Below"); });
   EXPECT_FALSE(Registry().HasKey(kOld));
   EXPECT_TRUE(m_rig.Unmarked().empty());
+}
+
+TEST_F(DeletedAsSaved, AKeyIsDeletedWhenOnlyItsTimeClassOrPermissionsHaveChanged) {
+  AddKey(u"\\Software\\Old");
+  RepairAfter([&] {
+    Registry().SetLastWrite(kOld, 1);
+    Registry().SetClass(kOld, u"Class");
+    Registry().SetSecurity(kOld, SecurityBytes({.Access = {{u"S-1-5-18"}}, .IsProtected = true}));
+  });
+  EXPECT_FALSE(Registry().HasKey(kOld));
+  EXPECT_EQ(m_rig.Outcome.Deleted.size(), 1U);
 }
 
 TEST_F(DeletedAsSaved, AValueStaysWhenItsBytesHaveChanged) {

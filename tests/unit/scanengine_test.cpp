@@ -427,6 +427,19 @@ bool IsIgnoredByBuiltIn(const Text& entry) {
 
 }  // namespace
 
+TEST(IgnoreLists, ThatChangeWhileAScanRunsCountForTheNext) {
+  TScanRig rig;
+  // The text of a section's header is measured before anything of the section is looked at.
+  rig.Results = TResultsTreeModel([&rig](TextView) {
+    rig.Reg.IgnoreList = rig.Reg.BuiltInExclusions = {u"vendor"};
+    return 1;
+  });
+  WithProblem(rig).Run({kFilesOfUser});
+  EXPECT_EQ(rig.Problems().size(), 1u);
+  rig.Run({kFilesOfUser});
+  EXPECT_TRUE(rig.Problems().empty());
+}
+
 TEST(IgnoreLists, AnEntryMatchesAnywhereInRootPathNameAndData) {
   EXPECT_TRUE(IsIgnoredBy(u"hkey_current_user\\software\\vendor\\exe\\c:\\old\\app.exe"));
   EXPECT_TRUE(IsIgnoredBy(u"vendor\\exe\\c:"));
