@@ -4,6 +4,7 @@
 
 #include "base/devicenames.h"
 #include "base/lettercase.h"
+#include "core/datafiles.h"
 #include "core/settings.h"
 #include "core/settingskeys.h"
 #include "formats/inifile.h"
@@ -165,10 +166,10 @@ Text DataPathOf(const Text& given, const Text& programFolder) {
 
 void FillPortableMode(TSystem& system, TGlobalVars& vars, Text& dataPath) {
   vars.IsPortable = false;
-  std::vector<std::uint8_t> bytes;
-  if (system.Files.ReadFile(vars.ProgramFolder + u"settings.ini", bytes).Failed())
+  const auto bytes = ReadDataFile(system.Files, vars.ProgramFolder + u"settings.ini");
+  if (!bytes)
     return;
-  const TIniFile settings = TIniFile::FromBytes(bytes, system.Locale);
+  const TIniFile settings = TIniFile::FromBytes(*bytes, system.Locale);
   // The profile calls know no booleans: the suite's programs write 1 and read "not zero".
   const Text type = settings.Read(u"Portable", u"Type").value_or(Text());
   if (ParseInteger(type).value_or(0) == 0)

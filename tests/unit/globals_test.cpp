@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/datafiles.h"
 #include "core/settingskeys.h"
 #include "platform/memory/memorysystem.h"
 
@@ -422,6 +423,15 @@ TEST_F(Environment, ADamagedOrUnreadableSettingsFileMeansNotPortable) {
   EXPECT_FALSE(Fill().IsPortable);
   System.Disk.AddFile(u"C:\\Suite\\Corvalt\\settings.ini", "[Portable]\nType=1");
   System.Disk.MakeUnreadable(u"C:\\Suite\\Corvalt\\settings.ini");
+  EXPECT_FALSE(Fill().IsPortable);
+}
+
+TEST_F(Environment, ASettingsFileThatIsTooLargeMeansNotPortable) {
+  const std::string settings = "[Portable]\nType=1\n;";
+  const auto room = static_cast<std::size_t>(kLargestDataFile) - settings.size();
+  System.Disk.AddFile(u"C:\\Suite\\Corvalt\\settings.ini", settings + std::string(room, 'x'));
+  EXPECT_TRUE(Fill().IsPortable);
+  System.Disk.AddFile(u"C:\\Suite\\Corvalt\\settings.ini", settings + std::string(room + 1, 'x'));
   EXPECT_FALSE(Fill().IsPortable);
 }
 
