@@ -243,6 +243,9 @@ TEST_F(RealPlaces, NamesStandInTheBackupAsTheyAreStored) {
   EXPECT_NE(text.find("[HKEY_CURRENT_USER\\Software\\MiXed\\OlD]"), std::string::npos) << text;
   EXPECT_NE(text.find("\"PaTh\"=\"x\""), std::string::npos) << text;
   EXPECT_EQ(text.find("mixed"), std::string::npos);
+  // The rows keep the scanner's spelling.
+  EXPECT_EQ(m_rig.Problems().at(0).KeyPath, u"\\SOFTWARE\\mixed\\old");
+  EXPECT_EQ(m_rig.Problems().at(1).ValueName, u"PATH");
 }
 
 }  // namespace corvalt
