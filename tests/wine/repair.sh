@@ -111,6 +111,24 @@ round_trip() {
   ok "a backup that is not listed answers 3" answered 3
 }
 
+value_is_there() {
+  run_windows reg query 'HKCU\Software\Corvalt 98' /v "$1"
+}
+
+# A system that makes no security descriptors, for the lock of the backups too.
+windows_98() {
+  run_windows reg add 'HKCU\Software\Wine' /v Version /d win98 /f >/dev/null
+  run_windows reg add 'HKCU\Software\Corvalt 98' /v File /d 'C:\no such folder\gone.exe' /f >/dev/null
+  corvaltc repair --yes --sections 22
+  ok "on Windows 98 the repair ends" test "$code" -lt 2
+  ok "and what it saved is gone" test "$(value_is_there File >/dev/null 2>&1 && echo there)" == ""
+  corvaltc restore "$(newest_backup)"
+  ok "it is restored there" answered 0
+  ok "and back" value_is_there File
+  run_windows reg delete 'HKCU\Software\Corvalt 98' /f >/dev/null
+  run_windows reg delete 'HKCU\Software\Wine' /v Version /f >/dev/null
+}
+
 killed_at_any_moment() {
   run_windows build/windows-x64/tests/wine_rawregistry.exe fill $problems
   dump "$work/before"
@@ -188,6 +206,7 @@ mkdir -p "$work"
 start_display
 start_fresh_wine "$PWD/build/wine"
 round_trip
+windows_98
 backups=$(find "$WINEPREFIX/drive_c/users" -type d -path '*/TessalySoft/Tessaly Utilities/Backups')
 killed_at_any_moment
 
