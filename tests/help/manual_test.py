@@ -251,11 +251,11 @@ class Manual(unittest.TestCase):
 
     def test_the_console_program_is_told_as_in_the_readme(self):
         told = self.topics["console.htm"].cells
-        exit_codes = [row for row in readme_tables() if len(row) == 4 and (row[0].isdigit() or row[0] == "code")]
-        self.assertEqual(len(exit_codes), 5)
-        self.assertEqual([row for row in told if len(row) == 4][1:], exit_codes[1:])
+        exit_codes = [row for row in readme_tables() if len(row) == 5 and (row[0].isdigit() or row[0] == "code")]
+        self.assertEqual(len(exit_codes), 6)
+        self.assertEqual([row for row in told if len(row) == 5][1:], exit_codes[1:])
         commands = [row for row in readme_tables() if len(row) == 2 and row[0].startswith("corvaltc ")]
-        self.assertEqual(len(commands), 7)
+        self.assertEqual(len(commands), 8)
         explanations = {row[1]: row[0] for row in told if len(row) == 2}
         for command, explanation in commands:
             self.assertEqual(bare(explanations[explanation]), bare(command))
