@@ -31,8 +31,8 @@ TSystemError WriteAll(HANDLE file, std::span<const std::uint8_t> bytes);
 // The whole path as the system makes it of a relative one or one with "..". Empty when it fails.
 [[nodiscard]] Text FullPathOf(const Text& path);
 
-// The path in a form that the system takes whatever its length: one of kMaxPath units or more in the form that
-// names the system's own objects, which begins with "\\?\" (Maximum Path Length Limitation,
+// The path in a form that the system takes whatever its length: one of kMaxPath units or more in the form
+// that names the system's own objects, which begins with "\\?\" (Maximum Path Length Limitation,
 // learn.microsoft.com), a shorter one as it is.
 [[nodiscard]] Text PathOfAnyLength(TextView path);
 
