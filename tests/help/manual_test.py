@@ -244,6 +244,12 @@ class Manual(unittest.TestCase):
         anchors = [anchor for anchor in page.anchors if re.fullmatch(r"section\d+", anchor)]
         self.assertEqual(anchors, [f"section{code}" for code in sections()])
 
+    def test_every_section_tells_what_it_may_get_wrong(self):
+        looks_for, gets_wrong = self.topics["scanning.htm"], self.topics["beforerepair.htm"]
+        back = [link for link in gets_wrong.links if link.startswith("scanning.htm#section")]
+        self.assertEqual(back, [f"scanning.htm#section{code}" for code in sections()])
+        self.assertEqual(len([link for link in looks_for.links if link.startswith("beforerepair.htm#")]), len(sections()))
+
     def test_the_index_has_every_section(self):
         places = {entry["Name"]: entry["Local"] for entry in self.index.entries}
         for code, caption in sections().items():
