@@ -76,7 +76,7 @@ void SaveCleanerSettings(TSystem& system, const TGlobalReg& reg) {
 }
 
 bool DeleteCleanerSettings(TSystem& system) {
-  const std::unique_ptr<RegistryStore> store = UserStore(system);
+  const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
   store->DeleteKey(kCleanerKey);
   return !store->KeyExists(kCleanerKey);
 }

@@ -134,7 +134,6 @@ void WriteHive() {
 
 void DeleteHive(TWindowsSystem& windows) {
   const std::unique_ptr<RegistryStore> store = windows.Registry.CreateStore(TRegistryAccess::Full);
-  store->SetRootKey(kHkeyCurrentUser);
   store->DeleteKey(u"\\" + Text(kScratchKey));
 }
 

@@ -225,8 +225,9 @@ class TypicalProblems(unittest.TestCase):
     def test_name_every_section_that_reports_anything(self):
         typical = {problem.section for problem in problems.read_problems(pack.read_source(TYPICAL))}
         with open(os.path.join(TOP, "scan", "catalogue.cpp"), encoding="utf-8") as file:
-            rows = re.findall(r'\{\d+, u"[^"]*", \d+, u"[^"]*",\s*u"([^"]*)"', file.read())
-        self.assertEqual(len(rows), 22)
+            catalogue = file.read()
+        rows = re.findall(r'\{\d+, u"[^"]*", \d+, u"[^"]*",\s*u"([^"]*)"', catalogue)
+        self.assertEqual(len(rows), len(re.findall(r"^    \{\d", catalogue, re.M)))
         self.assertEqual(typical, set(rows) - {"Device Drivers"})
 
 

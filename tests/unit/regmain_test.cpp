@@ -570,9 +570,9 @@ TEST(MainWindowRepair, ClosedInTheMiddleSaysHowManyEntriesItCouldNotSave) {
   rig.Users.push_back(
       [&](TDialogRecord&) { rig.PumpUntil([&] { return rig.Row(0, 4)->Problem.StateFlag2; }); });
   rig.Main.Repair();
-  EXPECT_EQ(rig.Shell.Calls, TLines());
+  EXPECT_EQ(rig.System.Calls, TLines());
   rig.WaitForTheEnd();
-  EXPECT_EQ(rig.Shell.Calls, TLines({"information 10045 | 40060(2)"}));
+  EXPECT_EQ(rig.System.Calls, TLines({"information 10045 | 40060(2)"}));
   EXPECT_EQ(rig.Dialogs[0].Results, TLines());
 }
 
@@ -582,7 +582,7 @@ TEST(MainWindowRepair, ClosedInTheMiddleSaysNothingWhenItLeftNothing) {
       [&](TDialogRecord&) { rig.PumpUntil([&] { return rig.Row(0, 4)->Problem.StateFlag2; }); });
   rig.Main.Repair();
   rig.WaitForTheEnd();
-  EXPECT_EQ(rig.Shell.Calls, TLines());
+  EXPECT_EQ(rig.System.Calls, TLines());
 }
 
 TEST(MainWindowRepair, ThatCannotBackUpDeletesNothingAndSaysWhy) {
