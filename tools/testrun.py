@@ -21,7 +21,7 @@ from collections.abc import Callable
 TOP = pathlib.Path(__file__).resolve().parent.parent
 LOGS = TOP / "build" / "logs"
 PYTHON = sys.executable
-TIME_LIMIT = 900  # seconds, of one check
+TIME_LIMIT = 1800  # seconds, of one check
 FAULTS = re.compile(r"error:|FAILED|Failure$|ERROR:|runtime error|faults?:")
 
 
@@ -100,11 +100,11 @@ class Build:
 
 
 @dataclasses.dataclass
-class Installer:
-    """The installer that a 64-bit Wine runs, made of both Windows builds."""
+class Packages:
+    """What users download, made of both Windows builds, and the installer that a 64-bit Wine runs."""
 
     def check(self):
-        return Check("build-installer", ["./package", "--native64"])
+        return Check("build-packages", ["./package", "--native64"])
 
 
 # The checks of the project
@@ -159,7 +159,7 @@ def windows_checks():
     preset = "windows-x64"
     for script in sorted(TOP.glob("tests/wine/*.sh"), key=lambda script: -script.stat().st_size):
         command = ["bash", str(script.relative_to(TOP))]
-        builds = (preset, "windows-x86", "installer") if script.stem in INSTALLING else (preset,)
+        builds = (preset, "windows-x86", "packages") if script.stem in INSTALLING else (preset,)
         yield Check(f"wine-{script.stem}", command, counting_script, builds, pinned=True)
     # The optimised build takes the large inputs, the sanitized one smaller ones.
     for name in ("unit", "contract", "thread"):
@@ -171,13 +171,16 @@ def windows_checks():
 
 def x86_checks():
     # One prefix serves all, so they are one after the other: tree32 waits for itself.
+    preset = "windows-x86"
     for name in ("unit", "contract", "thread"):
-        preset = "windows-x86"
         yield Check(f"{preset}-{name}", ["tools/tree32", test_program(preset, name)], google_tests, (preset,))
+    installer = ["tools/tree32", "tests/wine32/installer.sh"]
+    yield Check("windows-x86-installer", installer, counting_script, (preset, "packages"))
 
 
 def deep_checks():
     yield Check("fuzz", ["tools/fuzz", "20"], counting_script, ("fuzz",))
+    yield Check("packages-twice", ["bash", "tests/package/twice.sh"], counting_script, ("packages",))
     yield Check("tidy", [PYTHON, "tools/tidy.py"], counting_script, ("native-debug", "fuzz", "windows-x64"))
 
 
@@ -186,7 +189,7 @@ BUILDS = {
     "native-tsan": Build("native-tsan", ("corvalt_thread_tests",)),
     "windows-x64": Build("windows-x64", ("programs", "test_programs")),
     "windows-x86": Build("windows-x86", ("programs",)),
-    "installer": Installer(),
+    "packages": Packages(),
     "fuzz": Build("fuzz"),
 }
 
