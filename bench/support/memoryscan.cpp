@@ -64,17 +64,19 @@ double TMemoryScan::Run(const std::vector<std::int32_t>& sectionCodes) {
   return taken;
 }
 
-std::size_t TMemoryScan::ProblemCount() {
+std::size_t TMemoryScan::ProblemCount() const {
   std::size_t count = 0;
-  for (TResultsNode* node = Results.FirstRoot(); node != nullptr; node = Results.NextSibling(node))
+  for (const TResultsNode* node = Results.FirstRoot(); node != nullptr; node = Results.NextSibling(node))
     count += Results.ChildCount(node);
   return count;
 }
 
-std::size_t TMemoryScan::TextBytes() {
+std::size_t TMemoryScan::TextBytes() const {
   std::size_t bytes = 0;
-  for (TResultsNode* header = Results.FirstRoot(); header != nullptr; header = Results.NextSibling(header)) {
-    for (TResultsNode* node = Results.FirstChild(header); node != nullptr; node = Results.NextSibling(node))
+  for (const TResultsNode* header = Results.FirstRoot(); header != nullptr;
+       header = Results.NextSibling(header)) {
+    for (const TResultsNode* node = Results.FirstChild(header); node != nullptr;
+         node = Results.NextSibling(node))
       bytes += BytesOf(node->Problem);
   }
   return bytes;

@@ -24,10 +24,10 @@ class TMemoryScan {
   // processor time it took, all threads together. Throws what ended the scan early.
   double Run(const std::vector<std::int32_t>& sectionCodes);
 
-  std::size_t ProblemCount();
+  std::size_t ProblemCount() const;
 
   // The bytes of all texts of the problems found.
-  std::size_t TextBytes();
+  std::size_t TextBytes() const;
 
   TMemorySystem System;
   TGlobalVars Vars;

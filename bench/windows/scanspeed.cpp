@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <exception>
 #include <functional>
 #include <random>
 
@@ -354,13 +355,18 @@ void MeasureChecks(TWindowsSystem& windows) {
 }
 
 int RunBenchmark() {
-  TWindowsSystem windows;
-  DeleteHive(windows);
-  WriteHive();
-  MeasureWalk();
-  DeleteHive(windows);
-  MeasureChecks(windows);
-  return 0;
+  try {
+    TWindowsSystem windows;
+    DeleteHive(windows);
+    WriteHive();
+    MeasureWalk();
+    DeleteHive(windows);
+    MeasureChecks(windows);
+    return 0;
+  } catch (const std::exception& failure) {
+    std::puts(failure.what());
+    return 1;
+  }
 }
 
 }  // namespace

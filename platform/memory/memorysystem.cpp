@@ -160,7 +160,9 @@ bool TMemoryLocale::HasCodePage(std::uint32_t codePage) {
 Text TMemoryLocale::DecodeCodePage(std::uint32_t codePage, std::string_view bytes) {
   const TCodePageTable* table = TableOf(codePage);
   Text text;
-  for (const char byte : table == nullptr ? std::string_view() : bytes)
+  if (table == nullptr)
+    return text;
+  for (const char byte : bytes)
     text.push_back(UnitOf(*table, static_cast<unsigned char>(byte)));
   return text;
 }

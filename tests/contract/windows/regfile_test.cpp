@@ -252,7 +252,7 @@ TEST_F(RegFileOnWindows, TheSystemsEditorImportsTheSameValuesFromABackup) {
   origin.CodePage = m_system.Locale.AnsiCodePage();
   origin.Computer = u"ANN'S \u0416";
   m_exporter.Clear(origin);
-  ASSERT_EQ(m_exporter.ExportKey(kScratchRoot, m_path), TExportResult::Done);
+  ASSERT_EQ(m_exporter.ExportKey(*TKeyPath::Parse(kScratchRoot, m_path)), TExportResult::Done);
   m_exporter.Finish();
   const std::string text(m_exporter.ExportedText().begin(), m_exporter.ExportedText().end());
   for (const char* line : {"codepage=", "class=", "security=", "time=", "end="})
