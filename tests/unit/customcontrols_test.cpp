@@ -2,8 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
-#include "tests/support/scanrig.h"
+#include "tests/support/regtext.h"
 
 namespace corvalt {
 
@@ -11,48 +12,67 @@ namespace {
 
 using TStrings = std::vector<std::string>;
 
-constexpr std::int32_t kControls = 4;
-
-void Set(TScanRig& rig, TextView key, TextView text, TextView name = {}) {
-  rig.System.Registry.Set(u"HKEY_CLASSES_ROOT\\" + Text(key), name, text);
+// Adds the keys of the text below HKEY_CLASSES_ROOT.
+void LoadClasses(TScanRig& rig, std::string_view text) {
+  LoadRegText(rig.System.Registry, text, "HKEY_CLASSES_ROOT");
 }
 
 void AddKey(TScanRig& rig, TextView key) {
   rig.System.Registry.AddKey(u"HKEY_CLASSES_ROOT\\" + Text(key));
 }
 
-// What the section finds, as "KeyPath | ValueData | Description".
+// Every field of each problem that the section finds.
 TStrings Found(TScanRig& rig) {
-  rig.Run({kControls});
-  TStrings lines;
-  for (const ScanProblem& problem : rig.Problems()) {
-    EXPECT_EQ(problem.RootKey, kHkeyClassesRoot);
-    EXPECT_EQ(problem.Kind, TProblemKind::Key);
-    EXPECT_EQ(problem.ImageIndex, -1);
-    EXPECT_EQ(problem.ValueName, u"");
-    lines.push_back(EncodeUtf8(problem.KeyPath + u" | " + problem.ValueData + u" | " + problem.Description));
-  }
-  return lines;
+  rig.Run({Section::CustomControls});
+  return AllFields(rig.Problems());
 }
 
-// Whether a class's server with this text passes.
+// Whether a class is not reported when its server is this text.
 bool ServerPasses(TScanRig& rig, TextView text) {
-  Set(rig, u"CLSID\\{c}\\InprocServer32", text);
+  rig.System.Registry.Set(u"HKEY_CLASSES_ROOT\\CLSID\\{c}\\InprocServer32", u"", text);
   return Found(rig).empty();
 }
 
-TStrings Refreshes(const TScanRig& rig) {
-  TStrings refreshes;
-  for (const std::string& update : rig.Dialog.Updates) {
-    if (update.starts_with("bar") || (update.starts_with("item") && update != "item: "))
-      refreshes.push_back(update);
-  }
-  return refreshes;
+// The problem of a key whose description names the bad data.
+ScanProblem Bad(TextView key, TextView data, TextId description) {
+  return KeyProblem(kHkeyClassesRoot, key, u"", data, Says(description, data));
 }
 
-Text Numbered(TextView prefix, int number) {
-  const Text digits = DecimalText(number);
-  return Text(prefix) + Text(3 - digits.size(), u'0') + digits;
+ScanProblem MissingIcon(TextView key, TextView file) {
+  return Bad(key, file, TextId::MissingIcon);
+}
+
+ScanProblem MissingServer(TextView key, TextView file) {
+  return Bad(key, file, TextId::MissingInProcessServer);
+}
+
+ScanProblem MissingLocalServer(TextView key, TextView file) {
+  return Bad(key, file, TextId::MissingLocalServer);
+}
+
+ScanProblem MissingLibrary(TextView key, TextView file) {
+  return Bad(key, file, TextId::MissingTypeLibraryFile);
+}
+
+ScanProblem BrokenClassLink(TextView key, TextView classId) {
+  return Bad(key, classId, TextId::BrokenClassLink);
+}
+
+ScanProblem BrokenLibraryLink(TextView key, TextView libraryId) {
+  return Bad(key, libraryId, TextId::BrokenTypeLibraryLink);
+}
+
+ScanProblem Empty(TextView key) {
+  return KeyProblem(kHkeyClassesRoot, key, u"", u"", Says(TextId::EmptyKey));
+}
+
+// These two have no data.
+ScanProblem InvalidHelpFolder(TextView key, TextView folder) {
+  return KeyProblem(kHkeyClassesRoot, key, u"", u"", Says(TextId::InvalidTypeLibraryHelpFolder, folder));
+}
+
+ScanProblem EmptyLibrary(TextView key) {
+  return KeyProblem(kHkeyClassesRoot, key, u"", u"", Says(TextId::EmptyTypeLibraryKey, key));
 }
 
 }  // namespace
@@ -131,7 +151,7 @@ TEST(ComponentFile, AnExeCountsBeforeADllWhereverItStands) {
   rig.System.Disk.AddFile(u"C:\\App\\a.dll");
   // Cut behind ".exe": "C:\App\a.dll x.exe" begins with an existing file.
   EXPECT_TRUE(ServerPasses(rig, u"C:\\App\\a.dll x.exe"));
-  // "C:\App\gone.dll\x.exe" is there as a whole though the .dll alone is not.
+  // "C:\App\gone.dll\x.exe" is there as a whole though "C:\App\gone.dll" is no file.
   rig.System.Disk.AddFile(u"C:\\App\\gone.dll\\x.exe");
   EXPECT_TRUE(ServerPasses(rig, u"C:\\App\\gone.dll\\x.exe"));
   // Cut behind the .exe, not behind the .dll that exists.
@@ -180,262 +200,396 @@ TEST(ComponentFile, ADriveThatIsNotFixedIsAccepted) {
 
 TEST(ClassIcons, AnEmptyDefaultValueIsReportedThoughOtherValuesExist) {
   TScanRig rig;
-  Set(rig, u"CLSID\\{c}\\DefaultIcon", u"x", u"Other");
-  AddKey(rig, u"CLSID\\{c}\\DefaultIcon\\Sub");
-  EXPECT_EQ(Found(rig), TStrings{"\\CLSID\\{c}\\DefaultIcon |  | 11044"});
+  LoadClasses(rig, R"(
+[\CLSID\{c}\DefaultIcon]
+"Other"="x"
+[\CLSID\{c}\DefaultIcon\Sub]
+)");
+  EXPECT_EQ(Found(rig), AllFields({Empty(u"\\CLSID\\{c}\\DefaultIcon")}));
 }
 
 TEST(ClassIcons, AMissingFileIsReportedOnTheIcon) {
   TScanRig rig;
-  Set(rig, u"CLSID\\{c}\\DefaultIcon", u"C:\\gone.ico,0");
-  EXPECT_EQ(Found(rig), TStrings{"\\CLSID\\{c}\\DefaultIcon | C:\\gone.ico,0 | 11046(C:\\gone.ico,0)"});
+  LoadClasses(rig, R"(
+[\CLSID\{c}\DefaultIcon]
+@="C:\\gone.ico,0"
+)");
+  EXPECT_EQ(Found(rig), AllFields({MissingIcon(u"\\CLSID\\{c}\\DefaultIcon", u"C:\\gone.ico,0")}));
 }
 
 TEST(ClassIcons, DoNotMakeTheClassBroken) {
   TScanRig rig;
-  Set(rig, u"CLSID\\{c}\\DefaultIcon", u"C:\\gone.ico");
-  AddKey(rig, u"CLSID\\{d}\\DefaultIcon");
-  Set(rig, u"Interface\\{i}\\ProxyStubClsid", u"{c}");
-  Set(rig, u"Interface\\{i}\\ProxyStubClsid32", u"{d}");
-  EXPECT_EQ(Found(rig).size(), 2u);
+  LoadClasses(rig, R"(
+[\CLSID\{c}\DefaultIcon]
+@="C:\\gone.ico"
+[\CLSID\{d}\DefaultIcon]
+[\Interface\{i}\ProxyStubClsid]
+@="{c}"
+[\Interface\{i}\ProxyStubClsid32]
+@="{d}"
+)");
+  EXPECT_EQ(Found(rig), AllFields({MissingIcon(u"\\CLSID\\{c}\\DefaultIcon", u"C:\\gone.ico"),
+                                   Empty(u"\\CLSID\\{d}\\DefaultIcon")}));
 }
 
 // Classes: servers
 
 TEST(Servers, AMissingFileIsReportedOnTheClass) {
   TScanRig rig;
-  Set(rig, u"CLSID\\{1}\\InprocServer32", u"C:\\WINDOWS\\system32\\x.dll");
-  EXPECT_EQ(Found(rig), TStrings{"\\CLSID\\{1} | C:\\WINDOWS\\system32\\x.dll | "
-                                 "11050(C:\\WINDOWS\\system32\\x.dll)"});
+  LoadClasses(rig, R"(
+[\CLSID\{1}\InprocServer32]
+@="C:\\WINDOWS\\system32\\x.dll"
+)");
+  EXPECT_EQ(Found(rig), AllFields({MissingServer(u"\\CLSID\\{1}", u"C:\\WINDOWS\\system32\\x.dll")}));
 }
 
 TEST(Servers, EachBrokenServerKeyIsReportedInTheFixedOrder) {
   TScanRig rig;
-  Set(rig, u"CLSID\\{1}\\LocalServer32", u"C:\\d.exe");
-  Set(rig, u"CLSID\\{1}\\LocalServer", u"C:\\c.exe");
-  Set(rig, u"CLSID\\{1}\\InprocServer32", u"C:\\b.dll");
-  Set(rig, u"CLSID\\{1}\\InprocServer", u"C:\\a.dll");
-  Set(rig, u"CLSID\\{1}\\DefaultIcon", u"C:\\e.ico");
-  EXPECT_EQ(Found(rig), (TStrings{"\\CLSID\\{1}\\DefaultIcon | C:\\e.ico | 11046(C:\\e.ico)",
-                                  "\\CLSID\\{1} | C:\\a.dll | 11050(C:\\a.dll)",
-                                  "\\CLSID\\{1} | C:\\b.dll | 11050(C:\\b.dll)",
-                                  "\\CLSID\\{1} | C:\\c.exe | 11051(C:\\c.exe)",
-                                  "\\CLSID\\{1} | C:\\d.exe | 11051(C:\\d.exe)"}));
+  LoadClasses(rig, R"(
+[\CLSID\{1}\LocalServer32]
+@="C:\\d.exe"
+[\CLSID\{1}\LocalServer]
+@="C:\\c.exe"
+[\CLSID\{1}\InprocServer32]
+@="C:\\b.dll"
+[\CLSID\{1}\InprocServer]
+@="C:\\a.dll"
+[\CLSID\{1}\DefaultIcon]
+@="C:\\e.ico"
+)");
+  EXPECT_EQ(Found(rig), AllFields({MissingIcon(u"\\CLSID\\{1}\\DefaultIcon", u"C:\\e.ico"),
+                                   MissingServer(u"\\CLSID\\{1}", u"C:\\a.dll"),
+                                   MissingServer(u"\\CLSID\\{1}", u"C:\\b.dll"),
+                                   MissingLocalServer(u"\\CLSID\\{1}", u"C:\\c.exe"),
+                                   MissingLocalServer(u"\\CLSID\\{1}", u"C:\\d.exe")}));
 }
 
 TEST(Servers, AKeyWithNothingOrOnlyAnEmptyDefaultIsReportedAsEmpty) {
   TScanRig rig;
-  AddKey(rig, u"CLSID\\{1}\\InprocServer32");
-  Set(rig, u"CLSID\\{2}\\LocalServer", u"");
-  EXPECT_EQ(Found(rig), (TStrings{"\\CLSID\\{1} |  | 11044", "\\CLSID\\{2} |  | 11044"}));
+  LoadClasses(rig, R"(
+[\CLSID\{1}\InprocServer32]
+[\CLSID\{2}\LocalServer]
+@=""
+)");
+  EXPECT_EQ(Found(rig), AllFields({Empty(u"\\CLSID\\{1}"), Empty(u"\\CLSID\\{2}")}));
 }
 
 TEST(Servers, ADefaultValueThatIsNoTextReadsEmpty) {
   TScanRig rig;
-  rig.System.Registry.SetInteger(u"HKEY_CLASSES_ROOT\\CLSID\\{1}\\InprocServer32", u"", 5);
-  EXPECT_EQ(Found(rig), TStrings{"\\CLSID\\{1} |  | 11044"});
+  LoadClasses(rig, R"(
+[\CLSID\{1}\InprocServer32]
+@=dword:00000005
+)");
+  EXPECT_EQ(Found(rig), AllFields({Empty(u"\\CLSID\\{1}")}));
 }
 
 TEST(Servers, AnEmptyKeyWithAnotherValueOrASubKeyIsNot) {
   TScanRig rig;
-  Set(rig, u"CLSID\\{1}\\InprocServer32", u"");
-  Set(rig, u"CLSID\\{1}\\InprocServer32", u"Apartment", u"ThreadingModel");
-  Set(rig, u"CLSID\\{2}\\InprocServer32", u"Apartment", u"ThreadingModel");
-  AddKey(rig, u"CLSID\\{3}\\InprocServer32\\1.0");
+  LoadClasses(rig, R"(
+[\CLSID\{1}\InprocServer32]
+@=""
+"ThreadingModel"="Apartment"
+[\CLSID\{2}\InprocServer32]
+"ThreadingModel"="Apartment"
+[\CLSID\{3}\InprocServer32\1.0]
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(Servers, AKeyThatDoesNotOpenIsSkipped) {
   TScanRig rig;
-  Set(rig, u"CLSID\\{1}\\InprocServer32", u"C:\\gone.dll");
+  LoadClasses(rig, R"(
+[\CLSID\{1}\InprocServer32]
+@="C:\\gone.dll"
+)");
   rig.System.Registry.Deny(u"HKEY_CLASSES_ROOT\\CLSID\\{1}\\InprocServer32");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(Servers, BothKindsOfFaultMakeTheClassBroken) {
   TScanRig rig;
-  Set(rig, u"CLSID\\{1}\\InprocServer32", u"C:\\gone.dll");
-  AddKey(rig, u"CLSID\\{2}\\LocalServer32");
-  Set(rig, u"Interface\\{i}\\ProxyStubClsid", u"{1}");
-  Set(rig, u"Interface\\{i}\\ProxyStubClsid32", u"{2}");
-  EXPECT_EQ(Found(rig),
-            (TStrings{"\\CLSID\\{1} | C:\\gone.dll | 11050(C:\\gone.dll)", "\\CLSID\\{2} |  | 11044",
-                      "\\Interface\\{i}\\ProxyStubClsid | {1} | 11045({1})",
-                      "\\Interface\\{i}\\ProxyStubClsid32 | {2} | 11045({2})"}));
+  LoadClasses(rig, R"(
+[\CLSID\{1}\InprocServer32]
+@="C:\\gone.dll"
+[\CLSID\{2}\LocalServer32]
+[\Interface\{i}\ProxyStubClsid]
+@="{1}"
+[\Interface\{i}\ProxyStubClsid32]
+@="{2}"
+)");
+  EXPECT_EQ(Found(rig), AllFields({MissingServer(u"\\CLSID\\{1}", u"C:\\gone.dll"), Empty(u"\\CLSID\\{2}"),
+                                   BrokenClassLink(u"\\Interface\\{i}\\ProxyStubClsid", u"{1}"),
+                                   BrokenClassLink(u"\\Interface\\{i}\\ProxyStubClsid32", u"{2}")}));
 }
 
 // Type libraries
 
 TEST(TypeLibraries, AHelpFolderThatIsAFolderIsAccepted) {
   TScanRig rig;
-  Set(rig, u"Typelib\\{t}\\1.0\\HELPDIR", u"C:\\Gone\\Help");
+  LoadClasses(rig, R"(
+[\Typelib\{t}\1.0\HELPDIR]
+@="C:\\Gone\\Help"
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(TypeLibraries, AHelpFolderThatNamesAMissingFileIsReportedWithoutData) {
   TScanRig rig;
-  Set(rig, u"Typelib\\{t}\\1.0\\HELPDIR", u"C:\\Gone\\x.dll");
-  EXPECT_EQ(Found(rig), TStrings{"\\Typelib\\{t}\\1.0\\HELPDIR |  | 11053(C:\\Gone\\x.dll)"});
+  LoadClasses(rig, R"(
+[\Typelib\{t}\1.0\HELPDIR]
+@="C:\\Gone\\x.dll"
+)");
+  EXPECT_EQ(Found(rig), AllFields({InvalidHelpFolder(u"\\Typelib\\{t}\\1.0\\HELPDIR", u"C:\\Gone\\x.dll")}));
 }
 
 TEST(TypeLibraries, AHelpFolderWithFewerThanTwoValuesIsEmpty) {
   TScanRig rig;
-  AddKey(rig, u"Typelib\\{1}\\1.0\\HELPDIR");
-  Set(rig, u"Typelib\\{2}\\1.0\\HELPDIR", u"");
-  Set(rig, u"Typelib\\{3}\\1.0\\HELPDIR", u"x", u"Named");
+  LoadClasses(rig, R"(
+[\Typelib\{1}\1.0\HELPDIR]
+[\Typelib\{2}\1.0\HELPDIR]
+@=""
+[\Typelib\{3}\1.0\HELPDIR]
+"Named"="x"
+)");
   EXPECT_EQ(Found(rig),
-            (TStrings{"\\Typelib\\{1}\\1.0\\HELPDIR |  | 11044", "\\Typelib\\{2}\\1.0\\HELPDIR |  | 11044",
-                      "\\Typelib\\{3}\\1.0\\HELPDIR |  | 11044"}));
+            AllFields({Empty(u"\\Typelib\\{1}\\1.0\\HELPDIR"), Empty(u"\\Typelib\\{2}\\1.0\\HELPDIR"),
+                       Empty(u"\\Typelib\\{3}\\1.0\\HELPDIR")}));
 }
 
 TEST(TypeLibraries, AHelpFolderWithTwoValuesOrASubKeyIsNot) {
   TScanRig rig;
-  Set(rig, u"Typelib\\{1}\\1.0\\HELPDIR", u"");
-  Set(rig, u"Typelib\\{1}\\1.0\\HELPDIR", u"x", u"Named");
-  AddKey(rig, u"Typelib\\{2}\\1.0\\HELPDIR\\Sub");
+  LoadClasses(rig, R"(
+[\Typelib\{1}\1.0\HELPDIR]
+@=""
+"Named"="x"
+[\Typelib\{2}\1.0\HELPDIR\Sub]
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(TypeLibraries, AHelpFolderDoesNotMakeTheLibraryBroken) {
   TScanRig rig;
-  Set(rig, u"Typelib\\{t}\\1.0\\HELPDIR", u"C:\\Gone\\x.dll");
-  Set(rig, u"Typelib\\{u}\\1.0\\HELPDIR", u"");
-  Set(rig, u"Interface\\{i}\\TypeLib", u"{t}");
-  Set(rig, u"Interface\\{j}\\TypeLib", u"{u}");
-  EXPECT_EQ(Found(rig).size(), 2u);
+  LoadClasses(rig, R"(
+[\Typelib\{t}\1.0\HELPDIR]
+@="C:\\Gone\\x.dll"
+[\Typelib\{u}\1.0\HELPDIR]
+@=""
+[\Interface\{i}\TypeLib]
+@="{t}"
+[\Interface\{j}\TypeLib]
+@="{u}"
+)");
+  EXPECT_EQ(Found(rig), AllFields({InvalidHelpFolder(u"\\Typelib\\{t}\\1.0\\HELPDIR", u"C:\\Gone\\x.dll"),
+                                   Empty(u"\\Typelib\\{u}\\1.0\\HELPDIR")}));
 }
 
 TEST(TypeLibraries, AMissingLibraryFileIsReportedOnTheWholeLibrary) {
   TScanRig rig;
-  Set(rig, u"Typelib\\{t}\\1.0\\409\\win32", u"C:\\gone.ocx");
-  EXPECT_EQ(Found(rig), TStrings{"\\Typelib\\{t} | C:\\gone.ocx | 11055(C:\\gone.ocx)"});
+  LoadClasses(rig, R"(
+[\Typelib\{t}\1.0\409\win32]
+@="C:\\gone.ocx"
+)");
+  EXPECT_EQ(Found(rig), AllFields({MissingLibrary(u"\\Typelib\\{t}", u"C:\\gone.ocx")}));
 }
 
 TEST(TypeLibraries, EveryVersionAndLocaleIsChecked) {
   TScanRig rig;
-  Set(rig, u"Typelib\\{t}\\1.0\\0\\win32", u"C:\\a.dll");
-  Set(rig, u"Typelib\\{t}\\1.0\\9\\win32", u"C:\\b.dll");
-  Set(rig, u"Typelib\\{t}\\2.0\\0\\win32", u"C:\\c.dll");
-  EXPECT_EQ(Found(rig), (TStrings{"\\Typelib\\{t} | C:\\a.dll | 11055(C:\\a.dll)",
-                                  "\\Typelib\\{t} | C:\\b.dll | 11055(C:\\b.dll)",
-                                  "\\Typelib\\{t} | C:\\c.dll | 11055(C:\\c.dll)"}));
+  LoadClasses(rig, R"(
+[\Typelib\{t}\1.0\0\win32]
+@="C:\\a.dll"
+[\Typelib\{t}\1.0\9\win32]
+@="C:\\b.dll"
+[\Typelib\{t}\2.0\0\win32]
+@="C:\\c.dll"
+)");
+  EXPECT_EQ(Found(rig), AllFields({MissingLibrary(u"\\Typelib\\{t}", u"C:\\a.dll"),
+                                   MissingLibrary(u"\\Typelib\\{t}", u"C:\\b.dll"),
+                                   MissingLibrary(u"\\Typelib\\{t}", u"C:\\c.dll")}));
 }
 
 TEST(TypeLibraries, OnlyWholeDecimalNamesAreLocales) {
   TScanRig rig;
-  for (const TextView name : {u"FLAGS", u"HELPDIRS", u"40c", u"0x409", u"1.5", u"", u"1 ", u"2147483648"}) {
-    if (!name.empty())
-      Set(rig, u"Typelib\\{t}\\1.0\\" + Text(name) + u"\\win32", u"C:\\gone.dll");
-  }
+  LoadClasses(rig, R"(
+[\Typelib\{t}\1.0\FLAGS\win32]
+@="C:\\gone.dll"
+[\Typelib\{t}\1.0\HELPDIRS\win32]
+@="C:\\gone.dll"
+[\Typelib\{t}\1.0\40c\win32]
+@="C:\\gone.dll"
+[\Typelib\{t}\1.0\0x409\win32]
+@="C:\\gone.dll"
+[\Typelib\{t}\1.0\1.5\win32]
+@="C:\\gone.dll"
+[\Typelib\{t}\1.0\1 \win32]
+@="C:\\gone.dll"
+[\Typelib\{t}\1.0\2147483648\win32]
+@="C:\\gone.dll"
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(TypeLibraries, ASignAndEverySizeOf32BitsMakeALocale) {
   TScanRig rig;
-  for (const TextView name : {u"+9", u"-1", u"0409", u"2147483647", u"-2147483648"})
-    Set(rig, u"Typelib\\{t}\\1.0\\" + Text(name) + u"\\win32", u"C:\\gone.dll");
+  LoadClasses(rig, R"(
+[\Typelib\{t}\1.0\+9\win32]
+@="C:\\gone.dll"
+[\Typelib\{t}\1.0\-1\win32]
+@="C:\\gone.dll"
+[\Typelib\{t}\1.0\0409\win32]
+@="C:\\gone.dll"
+[\Typelib\{t}\1.0\2147483647\win32]
+@="C:\\gone.dll"
+[\Typelib\{t}\1.0\-2147483648\win32]
+@="C:\\gone.dll"
+)");
   EXPECT_EQ(Found(rig).size(), 5u);
 }
 
 TEST(TypeLibraries, AnEmptyWin32KeyIsReportedOnItself) {
   TScanRig rig;
-  AddKey(rig, u"Typelib\\{1}\\1.0\\0\\win32");
-  Set(rig, u"Typelib\\{2}\\1.0\\0\\win32", u"");
-  Set(rig, u"Typelib\\{3}\\1.0\\0\\win32", u"x", u"Named");
-  EXPECT_EQ(Found(rig),
-            (TStrings{"\\Typelib\\{1}\\1.0\\0\\win32 |  | 11054(\\Typelib\\{1}\\1.0\\0\\win32)",
-                      "\\Typelib\\{2}\\1.0\\0\\win32 |  | 11054(\\Typelib\\{2}\\1.0\\0\\win32)",
-                      "\\Typelib\\{3}\\1.0\\0\\win32 |  | 11054(\\Typelib\\{3}\\1.0\\0\\win32)"}));
+  LoadClasses(rig, R"(
+[\Typelib\{1}\1.0\0\win32]
+[\Typelib\{2}\1.0\0\win32]
+@=""
+[\Typelib\{3}\1.0\0\win32]
+"Named"="x"
+)");
+  EXPECT_EQ(Found(rig), AllFields({EmptyLibrary(u"\\Typelib\\{1}\\1.0\\0\\win32"),
+                                   EmptyLibrary(u"\\Typelib\\{2}\\1.0\\0\\win32"),
+                                   EmptyLibrary(u"\\Typelib\\{3}\\1.0\\0\\win32")}));
 }
 
 TEST(TypeLibraries, AWin32KeyWithTwoValuesOrASubKeyIsNotEmpty) {
   TScanRig rig;
-  Set(rig, u"Typelib\\{1}\\1.0\\0\\win32", u"");
-  Set(rig, u"Typelib\\{1}\\1.0\\0\\win32", u"x", u"Named");
-  AddKey(rig, u"Typelib\\{2}\\1.0\\0\\win32\\Sub");
+  LoadClasses(rig, R"(
+[\Typelib\{1}\1.0\0\win32]
+@=""
+"Named"="x"
+[\Typelib\{2}\1.0\0\win32\Sub]
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(TypeLibraries, ALocaleWithoutWin32KeyIsSkipped) {
   TScanRig rig;
-  Set(rig, u"Typelib\\{t}\\1.0\\0\\win64", u"C:\\gone.dll");
-  AddKey(rig, u"Typelib\\{t}\\1.0\\9");
+  LoadClasses(rig, R"(
+[\Typelib\{t}\1.0\0\win64]
+@="C:\\gone.dll"
+[\Typelib\{t}\1.0\9]
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(TypeLibraries, AVersionThatDoesNotOpenIsSkipped) {
   TScanRig rig;
-  Set(rig, u"Typelib\\{t}\\1.0\\0\\win32", u"C:\\gone.dll");
+  LoadClasses(rig, R"(
+[\Typelib\{t}\1.0\0\win32]
+@="C:\\gone.dll"
+)");
   rig.System.Registry.Deny(u"HKEY_CLASSES_ROOT\\Typelib\\{t}\\1.0");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(TypeLibraries, BothKindsOfFaultMakeTheLibraryBroken) {
   TScanRig rig;
-  Set(rig, u"Typelib\\{t}\\1.0\\0\\win32", u"C:\\gone.dll");
-  AddKey(rig, u"Typelib\\{u}\\1.0\\0\\win32");
-  Set(rig, u"Interface\\{i}\\TypeLib", u"{t}");
-  Set(rig, u"Interface\\{j}\\TypeLib", u"{u}");
-  EXPECT_EQ(Found(rig),
-            (TStrings{"\\Typelib\\{t} | C:\\gone.dll | 11055(C:\\gone.dll)",
-                      "\\Typelib\\{u}\\1.0\\0\\win32 |  | 11054(\\Typelib\\{u}\\1.0\\0\\win32)",
-                      "\\Interface\\{i} | {t} | 11052({t})", "\\Interface\\{j} | {u} | 11052({u})"}));
+  LoadClasses(rig, R"(
+[\Typelib\{t}\1.0\0\win32]
+@="C:\\gone.dll"
+[\Typelib\{u}\1.0\0\win32]
+[\Interface\{i}\TypeLib]
+@="{t}"
+[\Interface\{j}\TypeLib]
+@="{u}"
+)");
+  EXPECT_EQ(Found(rig), AllFields({MissingLibrary(u"\\Typelib\\{t}", u"C:\\gone.dll"),
+                                   EmptyLibrary(u"\\Typelib\\{u}\\1.0\\0\\win32"),
+                                   BrokenLibraryLink(u"\\Interface\\{i}", u"{t}"),
+                                   BrokenLibraryLink(u"\\Interface\\{j}", u"{u}")}));
 }
 
 // Interfaces
 
 TEST(Interfaces, ALinkToAMissingLibraryIsReportedOnTheInterface) {
   TScanRig rig;
-  Set(rig, u"Interface\\{i}\\TypeLib", u"{gone}");
-  EXPECT_EQ(Found(rig), TStrings{"\\Interface\\{i} | {gone} | 11052({gone})"});
+  LoadClasses(rig, R"(
+[\Interface\{i}\TypeLib]
+@="{gone}"
+)");
+  EXPECT_EQ(Found(rig), AllFields({BrokenLibraryLink(u"\\Interface\\{i}", u"{gone}")}));
 }
 
 TEST(Interfaces, AMissingProxyClassIsReportedOnItsOwnKey) {
   TScanRig rig;
-  Set(rig, u"Interface\\{i}\\ProxyStubClsid32", u"{y}");
-  Set(rig, u"Interface\\{i}\\ProxyStubClsid", u"{x}");
-  EXPECT_EQ(Found(rig), (TStrings{"\\Interface\\{i}\\ProxyStubClsid | {x} | 11045({x})",
-                                  "\\Interface\\{i}\\ProxyStubClsid32 | {y} | 11045({y})"}));
+  LoadClasses(rig, R"(
+[\Interface\{i}\ProxyStubClsid32]
+@="{y}"
+[\Interface\{i}\ProxyStubClsid]
+@="{x}"
+)");
+  EXPECT_EQ(Found(rig), AllFields({BrokenClassLink(u"\\Interface\\{i}\\ProxyStubClsid", u"{x}"),
+                                   BrokenClassLink(u"\\Interface\\{i}\\ProxyStubClsid32", u"{y}")}));
 }
 
 TEST(Interfaces, ExistingOrEmptyLinksPass) {
   TScanRig rig;
-  Set(rig, u"CLSID\\{C}", u"A class");
-  Set(rig, u"Typelib\\{T}", u"A library");
-  Set(rig, u"Interface\\{i}\\TypeLib", u"{t}");
-  Set(rig, u"Interface\\{i}\\ProxyStubClsid", u"");
-  Set(rig, u"Interface\\{i}\\ProxyStubClsid32", u"{c}");
-  AddKey(rig, u"Interface\\{j}\\TypeLib");
-  AddKey(rig, u"Interface\\{k}");
+  LoadClasses(rig, R"(
+[\CLSID\{C}]
+@="A class"
+[\Typelib\{T}]
+@="A library"
+[\Interface\{i}\TypeLib]
+@="{t}"
+[\Interface\{i}\ProxyStubClsid]
+@=""
+[\Interface\{i}\ProxyStubClsid32]
+@="{c}"
+[\Interface\{j}\TypeLib]
+[\Interface\{k}]
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(Interfaces, AReportedIdentifierIsBrokenByItsLetterCase) {
   TScanRig rig;
-  Set(rig, u"CLSID\\{C}\\InprocServer32", u"C:\\gone.dll");
-  Set(rig, u"Interface\\{i}\\ProxyStubClsid", u"{c}");
-  Set(rig, u"Interface\\{i}\\ProxyStubClsid32", u"{C}");
-  EXPECT_EQ(Found(rig), (TStrings{"\\CLSID\\{C} | C:\\gone.dll | 11050(C:\\gone.dll)",
-                                  "\\Interface\\{i}\\ProxyStubClsid32 | {C} | 11045({C})"}));
+  LoadClasses(rig, R"(
+[\CLSID\{C}\InprocServer32]
+@="C:\\gone.dll"
+[\Interface\{i}\ProxyStubClsid]
+@="{c}"
+[\Interface\{i}\ProxyStubClsid32]
+@="{C}"
+)");
+  EXPECT_EQ(Found(rig), AllFields({MissingServer(u"\\CLSID\\{C}", u"C:\\gone.dll"),
+                                   BrokenClassLink(u"\\Interface\\{i}\\ProxyStubClsid32", u"{C}")}));
 }
 
 TEST(Interfaces, APartOfAReportedIdentifierIsBrokenToo) {
   TScanRig rig;
-  Set(rig, u"CLSID\\{abcd}\\InprocServer32", u"C:\\gone.dll");
-  Set(rig, u"Typelib\\bc", u"A library");
-  Set(rig, u"Interface\\{i}\\TypeLib", u"bc");
-  EXPECT_EQ(Found(rig), (TStrings{"\\CLSID\\{abcd} | C:\\gone.dll | 11050(C:\\gone.dll)",
-                                  "\\Interface\\{i} | bc | 11052(bc)"}));
+  LoadClasses(rig, R"(
+[\CLSID\{abcd}\InprocServer32]
+@="C:\\gone.dll"
+[\Typelib\bc]
+@="A library"
+[\Interface\{i}\TypeLib]
+@="bc"
+)");
+  EXPECT_EQ(Found(rig), AllFields({MissingServer(u"\\CLSID\\{abcd}", u"C:\\gone.dll"),
+                                   BrokenLibraryLink(u"\\Interface\\{i}", u"bc")}));
 }
 
 TEST(Interfaces, AllThreeLinksOfOneAreReported) {
   TScanRig rig;
-  Set(rig, u"Interface\\{i}\\TypeLib", u"{t}");
-  Set(rig, u"Interface\\{i}\\ProxyStubClsid", u"{x}");
-  Set(rig, u"Interface\\{i}\\ProxyStubClsid32", u"{x}");
-  EXPECT_EQ(Found(rig), (TStrings{"\\Interface\\{i} | {t} | 11052({t})",
-                                  "\\Interface\\{i}\\ProxyStubClsid | {x} | 11045({x})",
-                                  "\\Interface\\{i}\\ProxyStubClsid32 | {x} | 11045({x})"}));
+  LoadClasses(rig, R"(
+[\Interface\{i}\TypeLib]
+@="{t}"
+[\Interface\{i}\ProxyStubClsid]
+@="{x}"
+[\Interface\{i}\ProxyStubClsid32]
+@="{x}"
+)");
+  EXPECT_EQ(Found(rig), AllFields({BrokenLibraryLink(u"\\Interface\\{i}", u"{t}"),
+                                   BrokenClassLink(u"\\Interface\\{i}\\ProxyStubClsid", u"{x}"),
+                                   BrokenClassLink(u"\\Interface\\{i}\\ProxyStubClsid32", u"{x}")}));
 }
 
 // Progress
@@ -443,32 +597,33 @@ TEST(Interfaces, AllThreeLinksOfOneAreReported) {
 TEST(CustomControlsProgress, EachPassFillsItsThirdOfTheBar) {
   TScanRig rig;
   for (int i = 0; i < 60; ++i) {
-    AddKey(rig, u"CLSID\\" + Numbered(u"c", i));
-    AddKey(rig, u"Typelib\\" + Numbered(u"t", i));
-    AddKey(rig, u"Interface\\" + Numbered(u"i", i));
+    AddKey(rig, u"CLSID\\" + NumberedName(u"c", i));
+    AddKey(rig, u"Typelib\\" + NumberedName(u"t", i));
+    AddKey(rig, u"Interface\\" + NumberedName(u"i", i));
   }
-  rig.Run({kControls});
+  rig.Run({Section::CustomControls});
   // Call 51: 51 x 33 / 60 is 28.05. Call 101 is the 41st library: 22.55 and 33. Call 151 is the 31st
   // interface: 17.05 and 66.
-  EXPECT_EQ(Refreshes(rig), (TStrings{"item: CLSID\\c050", "bar: 28", "item: Typelib\\t040", "bar: 56",
-                                      "item: Interface\\i030", "bar: 83"}));
+  EXPECT_EQ(rig.Dialog.Updates,
+            UpdatesOf("Custom Controls", {"item: CLSID\\c050", "bar: 28", "item: Typelib\\t040", "bar: 56",
+                                          "item: Interface\\i030", "bar: 83"}));
 }
 
 TEST(CustomControlsProgress, AHalfPercentGoesToTheEvenNumber) {
   TScanRig rig;
   // 51 x 33 / 66 is exactly 25.5, which goes to 26; 101 x 33 / 66 is 50.5, beyond the pass.
   for (int i = 0; i < 66; ++i)
-    AddKey(rig, u"CLSID\\" + Numbered(u"c", i));
-  rig.Run({kControls});
-  EXPECT_EQ(Refreshes(rig), (TStrings{"item: CLSID\\c050", "bar: 26"}));
+    AddKey(rig, u"CLSID\\" + NumberedName(u"c", i));
+  rig.Run({Section::CustomControls});
+  EXPECT_EQ(rig.Dialog.Updates, UpdatesOf("Custom Controls", {"item: CLSID\\c050", "bar: 26"}));
 }
 
 TEST(CustomControlsProgress, EndsAtNinetyNine) {
   TScanRig rig;
   for (int i = 0; i < 51; ++i)
-    AddKey(rig, u"Interface\\" + Numbered(u"i", i));
-  rig.Run({kControls});
-  EXPECT_EQ(Refreshes(rig), (TStrings{"item: Interface\\i050", "bar: 99"}));
+    AddKey(rig, u"Interface\\" + NumberedName(u"i", i));
+  rig.Run({Section::CustomControls});
+  EXPECT_EQ(rig.Dialog.Updates, UpdatesOf("Custom Controls", {"item: Interface\\i050", "bar: 99"}));
 }
 
 // A larger registry, its problems listed by hand
@@ -477,64 +632,90 @@ TEST(CustomControls, EveryProblemOfALargerRegistry) {
   TScanRig rig;
   rig.System.Disk.AddFile(u"C:\\Windows\\system32\\ole32.dll");
   rig.System.Disk.AddFile(u"C:\\Program Files\\App\\app.exe");
-  // Classes
-  Set(rig, u"CLSID\\{00}\\InprocServer32", u"ole32.dll");
-  Set(rig, u"CLSID\\{00}\\InprocServer32", u"Both", u"ThreadingModel");
-  Set(rig, u"CLSID\\{01}\\InprocServer32", u"%SystemRoot%\\system32\\ole32.dll");
-  Set(rig, u"CLSID\\{02}\\LocalServer32", u"\"C:\\Program Files\\App\\app.exe\" /automation");
-  Set(rig, u"CLSID\\{02}\\DefaultIcon", u"C:\\Program Files\\App\\app.exe,1");
-  Set(rig, u"CLSID\\{03}\\InprocServer", u"C:\\Gone\\a.dll");
-  Set(rig, u"CLSID\\{03}\\InprocServer32", u"C:\\Gone\\b.dll");
-  Set(rig, u"CLSID\\{04}\\LocalServer32", u"C:\\Gone\\c.exe -x");
-  Set(rig, u"CLSID\\{04}\\DefaultIcon", u"");
-  Set(rig, u"CLSID\\{05}\\InprocServer32", u"");
-  Set(rig, u"CLSID\\{06}\\InprocServer32", u"C:\\Gone\\ignored.dll");
-  Set(rig, u"CLSID\\{07}\\DefaultIcon", u"D:\\gone.ico");
-  Set(rig, u"CLSID\\{08}\\DefaultIcon", u"C:\\Gone\\x.ICO,-5");
-  // Type libraries
-  Set(rig, u"Typelib\\{10}\\1.0\\0\\win32", u"%SystemRoot%\\system32\\ole32.dll\\2");
-  Set(rig, u"Typelib\\{10}\\1.0\\HELPDIR", u"%SystemRoot%\\help");
-  Set(rig, u"Typelib\\{11}\\1.0\\0\\win32", u"C:\\Gone\\lib.ocx\\3");
-  Set(rig, u"Typelib\\{11}\\1.0\\FLAGS", u"0");
-  Set(rig, u"Typelib\\{11}\\1.1\\409\\win32", u"", u"Named");
-  Set(rig, u"Typelib\\{11}\\1.1\\HELPDIR", u"C:\\Gone\\help.exe");
-  AddKey(rig, u"Typelib\\{12}\\1.0\\HELPDIR");
-  // Interfaces
-  Set(rig, u"Interface\\{20}\\TypeLib", u"{10}");
-  Set(rig, u"Interface\\{20}\\ProxyStubClsid32", u"{00}");
-  Set(rig, u"Interface\\{21}\\TypeLib", u"{11}");
-  Set(rig, u"Interface\\{21}\\ProxyStubClsid", u"{03}");
-  Set(rig, u"Interface\\{22}\\ProxyStubClsid32", u"{05}");
-  Set(rig, u"Interface\\{23}\\ProxyStubClsid32", u"{06}");
-  Set(rig, u"Interface\\{24}\\ProxyStubClsid32", u"{99}");
-  Set(rig, u"Interface\\{25}\\TypeLib", u"{12}");
-  Set(rig, u"Interface\\{25}\\ProxyStubClsid32", u"{08}");
+  LoadClasses(rig, R"(
+; Classes
+[\CLSID\{00}\InprocServer32]
+@="ole32.dll"
+"ThreadingModel"="Both"
+[\CLSID\{01}\InprocServer32]
+@="%SystemRoot%\\system32\\ole32.dll"
+[\CLSID\{02}\LocalServer32]
+@="\"C:\\Program Files\\App\\app.exe\" /automation"
+[\CLSID\{02}\DefaultIcon]
+@="C:\\Program Files\\App\\app.exe,1"
+[\CLSID\{03}\InprocServer]
+@="C:\\Gone\\a.dll"
+[\CLSID\{03}\InprocServer32]
+@="C:\\Gone\\b.dll"
+[\CLSID\{04}\LocalServer32]
+@="C:\\Gone\\c.exe -x"
+[\CLSID\{04}\DefaultIcon]
+@=""
+[\CLSID\{05}\InprocServer32]
+@=""
+[\CLSID\{06}\InprocServer32]
+@="C:\\Gone\\ignored.dll"
+[\CLSID\{07}\DefaultIcon]
+@="D:\\gone.ico"
+[\CLSID\{08}\DefaultIcon]
+@="C:\\Gone\\x.ICO,-5"
+; Type libraries
+[\Typelib\{10}\1.0\0\win32]
+@="%SystemRoot%\\system32\\ole32.dll\\2"
+[\Typelib\{10}\1.0\HELPDIR]
+@="%SystemRoot%\\help"
+[\Typelib\{11}\1.0\0\win32]
+@="C:\\Gone\\lib.ocx\\3"
+[\Typelib\{11}\1.0\FLAGS]
+@="0"
+[\Typelib\{11}\1.1\409\win32]
+"Named"=""
+[\Typelib\{11}\1.1\HELPDIR]
+@="C:\\Gone\\help.exe"
+[\Typelib\{12}\1.0\HELPDIR]
+; Interfaces
+[\Interface\{20}\TypeLib]
+@="{10}"
+[\Interface\{20}\ProxyStubClsid32]
+@="{00}"
+[\Interface\{21}\TypeLib]
+@="{11}"
+[\Interface\{21}\ProxyStubClsid]
+@="{03}"
+[\Interface\{22}\ProxyStubClsid32]
+@="{05}"
+[\Interface\{23}\ProxyStubClsid32]
+@="{06}"
+[\Interface\{24}\ProxyStubClsid32]
+@="{99}"
+[\Interface\{25}\TypeLib]
+@="{12}"
+[\Interface\{25}\ProxyStubClsid32]
+@="{08}"
+)");
   // An ignored class is not broken for those that link to it.
   rig.Reg.IgnoreList = {u"hkey_classes_root\\clsid\\{06}"};
 
-  rig.Run({kControls});
+  rig.Run({Section::CustomControls});
 
-  const std::string root = "80000000 | ";
-  const std::string key = " | kind 1, image -1";
-  EXPECT_EQ(
-      AllFields(rig.Problems()),
-      Usual({
-          root + "\\CLSID\\{03} |  | C:\\Gone\\a.dll | 11050(C:\\Gone\\a.dll)" + key,
-          root + "\\CLSID\\{03} |  | C:\\Gone\\b.dll | 11050(C:\\Gone\\b.dll)" + key,
-          root + "\\CLSID\\{04}\\DefaultIcon |  |  | 11044" + key,
-          root + "\\CLSID\\{04} |  | C:\\Gone\\c.exe -x | 11051(C:\\Gone\\c.exe -x)" + key,
-          root + "\\CLSID\\{05} |  |  | 11044" + key,
-          root + "\\CLSID\\{08}\\DefaultIcon |  | C:\\Gone\\x.ICO,-5 | 11046(C:\\Gone\\x.ICO,-5)" + key,
-          root + "\\Typelib\\{11} |  | C:\\Gone\\lib.ocx\\3 | 11055(C:\\Gone\\lib.ocx\\3)" + key,
-          root + "\\Typelib\\{11}\\1.1\\HELPDIR |  |  | 11053(C:\\Gone\\help.exe)" + key,
-          root + "\\Typelib\\{11}\\1.1\\409\\win32 |  |  | 11054(\\Typelib\\{11}\\1.1\\409\\win32)" + key,
-          root + "\\Typelib\\{12}\\1.0\\HELPDIR |  |  | 11044" + key,
-          root + "\\Interface\\{21} |  | {11} | 11052({11})" + key,
-          root + "\\Interface\\{21}\\ProxyStubClsid |  | {03} | 11045({03})" + key,
-          root + "\\Interface\\{22}\\ProxyStubClsid32 |  | {05} | 11045({05})" + key,
-          root + "\\Interface\\{24}\\ProxyStubClsid32 |  | {99} | 11045({99})" + key,
-      }));
-  EXPECT_EQ(AllFields(rig.Headers()), TStrings{HeaderFields("0", "Custom Controls", 6, 14)});
+  EXPECT_EQ(AllFields(rig.Problems()),
+            AllFields({
+                MissingServer(u"\\CLSID\\{03}", u"C:\\Gone\\a.dll"),
+                MissingServer(u"\\CLSID\\{03}", u"C:\\Gone\\b.dll"),
+                Empty(u"\\CLSID\\{04}\\DefaultIcon"),
+                MissingLocalServer(u"\\CLSID\\{04}", u"C:\\Gone\\c.exe -x"),
+                Empty(u"\\CLSID\\{05}"),
+                MissingIcon(u"\\CLSID\\{08}\\DefaultIcon", u"C:\\Gone\\x.ICO,-5"),
+                MissingLibrary(u"\\Typelib\\{11}", u"C:\\Gone\\lib.ocx\\3"),
+                InvalidHelpFolder(u"\\Typelib\\{11}\\1.1\\HELPDIR", u"C:\\Gone\\help.exe"),
+                EmptyLibrary(u"\\Typelib\\{11}\\1.1\\409\\win32"),
+                Empty(u"\\Typelib\\{12}\\1.0\\HELPDIR"),
+                BrokenLibraryLink(u"\\Interface\\{21}", u"{11}"),
+                BrokenClassLink(u"\\Interface\\{21}\\ProxyStubClsid", u"{03}"),
+                BrokenClassLink(u"\\Interface\\{22}\\ProxyStubClsid32", u"{05}"),
+                BrokenClassLink(u"\\Interface\\{24}\\ProxyStubClsid32", u"{99}"),
+            }));
+  EXPECT_EQ(AllFields(rig.Headers()), AllFields({SectionHeader(u"Custom Controls", 6, kNoRootKey, 14)}));
 }
 
 }  // namespace corvalt
