@@ -2,8 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
-#include "tests/support/scanrig.h"
+#include "tests/support/regtext.h"
 
 namespace corvalt {
 
@@ -11,64 +12,96 @@ namespace {
 
 using TStrings = std::vector<std::string>;
 
-constexpr std::int32_t kAssociations = 6;
-constexpr std::int32_t kControls = 4;
+// The picture of this section's problems; most problems of handlers have none.
+constexpr std::int32_t kPicture = 0;
 
 Text Class(TextView rest) {
   return u"HKEY_CLASSES_ROOT\\" + Text(rest);
 }
 
-void Set(TScanRig& rig, TextView key, TextView text) {
-  rig.System.Registry.Set(Class(key), u"", text);
+// Adds the keys of the text below HKEY_CLASSES_ROOT.
+void LoadClasses(TScanRig& rig, std::string_view text) {
+  LoadRegText(rig.System.Registry, text, "HKEY_CLASSES_ROOT");
 }
 
-void AddKey(TScanRig& rig, TextView key) {
-  rig.System.Registry.AddKey(Class(key));
+// The same with an extension ".t" of a type "type", so that what the text has below "type" is checked.
+void LoadWithType(TScanRig& rig, std::string_view text) {
+  LoadClasses(rig, R"(
+[\.t]
+@="type"
+[\type]
+@="A type"
+)");
+  LoadClasses(rig, text);
 }
 
-// An extension ".t" of a type "type" that exists, so that what the test puts below "type" is checked.
-void AddType(TScanRig& rig) {
-  Set(rig, u".t", u"type");
-  Set(rig, u"type", u"A type");
-}
-
-// A class that Custom Controls reports as broken because its server is missing.
-void AddBrokenClass(TScanRig& rig, TextView classId) {
-  Set(rig, u"CLSID\\" + Text(classId) + u"\\InprocServer32", u"C:\\gone.dll");
-}
-
-// What the section finds, every field, as "KeyPath | ValueName | ValueData | Description | image".
-TStrings Found(TScanRig& rig, const std::vector<std::int32_t>& sections = {kAssociations}) {
+// Every field of each problem of this section.
+TStrings Found(TScanRig& rig, const std::vector<std::int32_t>& sections = {Section::FileAssociations}) {
   rig.Run(sections);
-  TStrings lines;
-  for (const ScanProblem& problem : rig.ProblemsOf(u"File Associations")) {
-    EXPECT_EQ(problem.RootKey, kHkeyClassesRoot);
-    EXPECT_EQ(problem.Kind, TProblemKind::Key);
-    lines.push_back(EncodeUtf8(problem.KeyPath + u" | " + problem.ValueName + u" | " + problem.ValueData +
-                               u" | " + problem.Description + u" | " + DecimalText(problem.ImageIndex)));
-  }
-  return lines;
+  return AllFields(rig.ProblemsOf(u"File Associations"));
 }
 
-TStrings Refreshes(const TScanRig& rig) {
-  TStrings refreshes;
-  for (const std::string& update : rig.Dialog.Updates) {
-    if (update.starts_with("bar") || (update.starts_with("item") && update != "item: "))
-      refreshes.push_back(update);
-  }
-  return refreshes;
+// After Custom Controls, which lists the broken classes and type libraries.
+TStrings FoundAfterCustomControls(TScanRig& rig) {
+  return Found(rig, {Section::CustomControls, Section::FileAssociations});
 }
 
-Text Numbered(TextView prefix, int number) {
-  const Text digits = DecimalText(number);
-  return Text(prefix) + Text(3 - digits.size(), u'0') + digits;
-}
-
-// Whether an icon with this text passes; icons and verbs' commands are judged alike.
+// Whether an icon with this text is not reported; icons and the commands of verbs are judged alike.
 bool IconPasses(TScanRig& rig, TextView text) {
-  AddType(rig);
-  Set(rig, u"type\\DefaultIcon", text);
+  LoadWithType(rig, R"(
+[\type\DefaultIcon]
+)");
+  rig.System.Registry.Set(Class(u"type\\DefaultIcon"), u"", text);
   return Found(rig).empty();
+}
+
+ScanProblem Pictured(TextView key, TextView data, TextView description) {
+  ScanProblem problem = KeyProblem(kHkeyClassesRoot, key, u"", data, description);
+  problem.ImageIndex = kPicture;
+  return problem;
+}
+
+ScanProblem MissingType(TextView key, TextView type) {
+  return Pictured(key, type, Says(TextId::MissingProgId, Class(type)));
+}
+
+ScanProblem Empty(TextView key) {
+  return Pictured(key, u"", Says(TextId::EmptyKey));
+}
+
+ScanProblem BrokenClassLink(TextView key, TextView classId) {
+  return Pictured(key, classId, Says(TextId::BrokenClassLink, classId));
+}
+
+ScanProblem MissingIcon(TextView key, TextView icon) {
+  return Pictured(key, icon, Says(TextId::MissingIcon, icon));
+}
+
+// The target is the verb's command, or the class of its drop target.
+ScanProblem BrokenVerb(TextView key, TextView verb, TextView target) {
+  return Pictured(key, target, Says(TextId::BrokenVerb, verb, target));
+}
+
+ScanProblem VerbWithoutCommand(TextView key) {
+  return Pictured(key, u"", Says(TextId::VerbWithoutCommand));
+}
+
+// A handler with its class identifier in its default value.
+ScanProblem BrokenHandler(TextView key, TextView classId) {
+  return KeyProblem(kHkeyClassesRoot, key, u"", classId, Says(TextId::BrokenClassLink, classId));
+}
+
+ScanProblem HandlerWithoutClass(TextView key) {
+  return KeyProblem(kHkeyClassesRoot, key, u"", u"", Says(TextId::HandlerWithoutClass));
+}
+
+// Handlers whose name, in braces, is the class identifier: of a context menu, and of a property sheet.
+ScanProblem BrokenBracedMenuHandler(TextView key, TextView classId) {
+  return Pictured(key, u"", Says(TextId::BrokenClassLink, classId));
+}
+
+ScanProblem BrokenBracedSheetHandler(TextView key, TextView classId) {
+  return KeyProblem(kHkeyClassesRoot, key, u"", u"", Says(TextId::BrokenClassLink, classId));
 }
 
 }  // namespace
@@ -77,80 +110,108 @@ bool IconPasses(TScanRig& rig, TextView text) {
 
 TEST(FileExtensionsOfClasses, AMissingProgramIdentifierIsReportedOnTheExtension) {
   TScanRig rig;
-  Set(rig, u".abc", u"gone");
-  EXPECT_EQ(Found(rig), TStrings{"\\.abc |  | gone | 11043(HKEY_CLASSES_ROOT\\gone) | 0"});
+  LoadClasses(rig, R"(
+[\.abc]
+@="gone"
+)");
+  EXPECT_EQ(Found(rig), AllFields({MissingType(u"\\.abc", u"gone")}));
 }
 
 TEST(FileExtensionsOfClasses, AnEmptyDefaultValueIsNeitherReportedNorFollowed) {
   TScanRig rig;
-  Set(rig, u".abc", u"");
-  rig.System.Registry.Set(Class(u".def"), u"Content Type", u"text/plain");
+  LoadClasses(rig, R"(
+[\.abc]
+@=""
+[\.def]
+"Content Type"="text/plain"
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(FileExtensionsOfClasses, AnExtensionThatHoldsNothingIsNotReported) {
   TScanRig rig;
-  AddKey(rig, u".abc");
+  LoadClasses(rig, R"(
+[\.abc]
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(FileExtensionsOfClasses, AnExistingIdentifierIsFoundWhateverItsLetterCase) {
   TScanRig rig;
-  Set(rig, u".abc", u"TXTFILE");
-  Set(rig, u"txtfile", u"Text");
+  LoadClasses(rig, R"(
+[\.abc]
+@="TXTFILE"
+[\txtfile]
+@="Text"
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(FileExtensionsOfClasses, APresentButEmptyCommandKeyIsReported) {
   TScanRig rig;
-  AddType(rig);
-  AddKey(rig, u".t\\shell\\command");
-  EXPECT_EQ(Found(rig), TStrings{"\\.t\\shell\\command |  |  | 11044 | 0"});
+  LoadWithType(rig, R"(
+[\.t\shell\command]
+)");
+  EXPECT_EQ(Found(rig), AllFields({Empty(u"\\.t\\shell\\command")}));
 }
 
 TEST(FileExtensionsOfClasses, ACommandKeyWithEmptySubKeysIsReportedToo) {
   TScanRig rig;
-  AddType(rig);
-  AddKey(rig, u".t\\Shell\\Command\\a\\b");
-  EXPECT_EQ(Found(rig), TStrings{"\\.t\\shell\\command |  |  | 11044 | 0"});
+  LoadWithType(rig, R"(
+[\.t\Shell\Command\a\b]
+)");
+  EXPECT_EQ(Found(rig), AllFields({Empty(u"\\.t\\shell\\command")}));
 }
 
 TEST(FileExtensionsOfClasses, AMissingOrUsedCommandKeyIsNot) {
   TScanRig rig;
-  AddType(rig);
-  AddKey(rig, u".t\\shell");
-  Set(rig, u".u", u"type");
-  Set(rig, u".u\\shell\\command", u"x");
+  LoadWithType(rig, R"(
+[\.t\shell]
+[\.u]
+@="type"
+[\.u\shell\command]
+@="x"
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(FileExtensionsOfClasses, AnExtensionCanHaveBothFaults) {
   TScanRig rig;
-  Set(rig, u".abc", u"gone");
-  AddKey(rig, u".abc\\shell\\command");
-  EXPECT_EQ(Found(rig), (TStrings{"\\.abc |  | gone | 11043(HKEY_CLASSES_ROOT\\gone) | 0",
-                                  "\\.abc\\shell\\command |  |  | 11044 | 0"}));
+  LoadClasses(rig, R"(
+[\.abc]
+@="gone"
+[\.abc\shell\command]
+)");
+  EXPECT_EQ(Found(rig), AllFields({MissingType(u"\\.abc", u"gone"), Empty(u"\\.abc\\shell\\command")}));
 }
 
 TEST(FileExtensionsOfClasses, ADeniedExtensionIsSkipped) {
   TScanRig rig;
-  Set(rig, u".abc", u"gone");
+  LoadClasses(rig, R"(
+[\.abc]
+@="gone"
+)");
   rig.System.Registry.Deny(Class(u".abc"));
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(FileExtensionsOfClasses, ADeniedProgramIdentifierExists) {
   TScanRig rig;
-  Set(rig, u".abc", u"type");
-  AddKey(rig, u"type");
+  LoadClasses(rig, R"(
+[\.abc]
+@="type"
+[\type]
+)");
   rig.System.Registry.Deny(Class(u"type"));
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(FileExtensionsOfClasses, AnExtensionsOwnClassLinkIsNotChecked) {
   TScanRig rig;
-  AddKey(rig, u".abc\\CLSID");
-  Set(rig, u".abc\\CLSID", u"{gone}");
+  LoadClasses(rig, R"(
+[\.abc\CLSID]
+@="{gone}"
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
@@ -158,67 +219,102 @@ TEST(FileExtensionsOfClasses, AnExtensionsOwnClassLinkIsNotChecked) {
 
 TEST(ClassKeys, AnEmptyOneIsReported) {
   TScanRig rig;
-  AddKey(rig, u"thing\\sub\\sub");
-  EXPECT_EQ(Found(rig), TStrings{"\\thing |  |  | 11044 | 0"});
+  LoadClasses(rig, R"(
+[\thing\sub\sub]
+)");
+  EXPECT_EQ(Found(rig), AllFields({Empty(u"\\thing")}));
 }
 
 TEST(ClassKeys, AClassLinkToNothingIsReportedOnTheLink) {
   TScanRig rig;
-  Set(rig, u"thing\\CLSID", u"{gone}");
-  EXPECT_EQ(Found(rig), TStrings{"\\thing\\CLSID |  | {gone} | 11045({gone}) | 0"});
+  LoadClasses(rig, R"(
+[\thing\CLSID]
+@="{gone}"
+)");
+  EXPECT_EQ(Found(rig), AllFields({BrokenClassLink(u"\\thing\\CLSID", u"{gone}")}));
 }
 
 TEST(ClassKeys, AClassLinkToAnExistingClassIsNot) {
   TScanRig rig;
-  Set(rig, u"thing\\CLSID", u"{c}");
-  Set(rig, u"CLSID\\{C}", u"A class");
+  LoadClasses(rig, R"(
+[\thing\CLSID]
+@="{c}"
+[\CLSID\{C}]
+@="A class"
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(ClassKeys, AnEmptyClassLinkIsNot) {
   TScanRig rig;
-  Set(rig, u"thing\\CLSID", u"");
+  LoadClasses(rig, R"(
+[\thing\CLSID]
+@=""
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(ClassKeys, AClassThatCustomControlsReportedIsBrokenForEveryLink) {
   TScanRig rig;
-  AddBrokenClass(rig, u"{c}");
-  Set(rig, u"one\\CLSID", u"{c}");
-  Set(rig, u"two\\CLSID", u"{c}");
+  LoadClasses(rig, R"(
+[\CLSID\{c}\InprocServer32]
+@="C:\\gone.dll"
+[\one\CLSID]
+@="{c}"
+[\two\CLSID]
+@="{c}"
+)");
   EXPECT_EQ(Found(rig), TStrings());
-  EXPECT_EQ(Found(rig, {kControls, kAssociations}),
-            (TStrings{"\\one\\CLSID |  | {c} | 11045({c}) | 0", "\\two\\CLSID |  | {c} | 11045({c}) | 0"}));
+  EXPECT_EQ(FoundAfterCustomControls(rig),
+            AllFields({BrokenClassLink(u"\\one\\CLSID", u"{c}"), BrokenClassLink(u"\\two\\CLSID", u"{c}")}));
 }
 
 TEST(ClassKeys, ReportedIdentifiersCompareWithTheirLetterCase) {
   TScanRig rig;
-  AddBrokenClass(rig, u"{C}");
-  Set(rig, u"one\\CLSID", u"{c}");
-  EXPECT_EQ(Found(rig, {kControls, kAssociations}), TStrings());
+  LoadClasses(rig, R"(
+[\CLSID\{C}\InprocServer32]
+@="C:\\gone.dll"
+[\one\CLSID]
+@="{c}"
+)");
+  EXPECT_EQ(FoundAfterCustomControls(rig), TStrings());
 }
 
 TEST(ClassKeys, APartOfAReportedIdentifierIsBrokenToo) {
   TScanRig rig;
-  AddBrokenClass(rig, u"{abcd}");
-  Set(rig, u"CLSID\\bc", u"A class");
-  Set(rig, u"one\\CLSID", u"bc");
-  EXPECT_EQ(Found(rig, {kControls, kAssociations}), TStrings{"\\one\\CLSID |  | bc | 11045(bc) | 0"});
+  LoadClasses(rig, R"(
+[\CLSID\{abcd}\InprocServer32]
+@="C:\\gone.dll"
+[\CLSID\bc]
+@="A class"
+[\one\CLSID]
+@="bc"
+)");
+  EXPECT_EQ(FoundAfterCustomControls(rig), AllFields({BrokenClassLink(u"\\one\\CLSID", u"bc")}));
 }
 
 TEST(ClassKeys, AReportedTypeLibraryIsInTheSameList) {
   TScanRig rig;
-  Set(rig, u"Typelib\\{lib}\\1.0\\0\\win32", u"C:\\gone.dll");
-  Set(rig, u"CLSID\\{lib}", u"A class of the same name");
-  Set(rig, u"one\\CLSID", u"{lib}");
-  EXPECT_EQ(Found(rig, {kControls, kAssociations}), TStrings{"\\one\\CLSID |  | {lib} | 11045({lib}) | 0"});
+  LoadClasses(rig, R"(
+[\Typelib\{lib}\1.0\0\win32]
+@="C:\\gone.dll"
+[\CLSID\{lib}]
+@="A class of the same name"
+[\one\CLSID]
+@="{lib}"
+)");
+  EXPECT_EQ(FoundAfterCustomControls(rig), AllFields({BrokenClassLink(u"\\one\\CLSID", u"{lib}")}));
 }
 
 TEST(ClassKeys, TheListOfAnEarlierScanIsForgotten) {
   TScanRig rig;
-  AddBrokenClass(rig, u"{c}");
-  Set(rig, u"one\\CLSID", u"{c}");
-  EXPECT_EQ(Found(rig, {kControls, kAssociations}).size(), 1u);
+  LoadClasses(rig, R"(
+[\CLSID\{c}\InprocServer32]
+@="C:\\gone.dll"
+[\one\CLSID]
+@="{c}"
+)");
+  EXPECT_EQ(FoundAfterCustomControls(rig), AllFields({BrokenClassLink(u"\\one\\CLSID", u"{c}")}));
   EXPECT_EQ(Found(rig), TStrings());
 }
 
@@ -226,13 +322,15 @@ TEST(ClassKeys, AreVisitedInTheOrderOfTheirUpperCasedNames) {
   // "_" stands between the upper-case and the lower-case letters.
   for (const TNameOrder order : {TNameOrder::Windows, TNameOrder::Wine}) {
     TScanRig rig(order);
-    for (const TextView name : {u"b", u"_", u"A", u"c", u"Z"})
-      AddKey(rig, name);
-    rig.Run({kAssociations});
-    TStrings keys;
-    for (const ScanProblem& problem : rig.Problems())
-      keys.push_back(EncodeUtf8(problem.KeyPath));
-    EXPECT_EQ(keys, (TStrings{"\\A", "\\b", "\\c", "\\Z", "\\_"}));
+    LoadClasses(rig, R"(
+[\b]
+[\_]
+[\A]
+[\c]
+[\Z]
+)");
+    EXPECT_EQ(Found(rig),
+              AllFields({Empty(u"\\A"), Empty(u"\\b"), Empty(u"\\c"), Empty(u"\\Z"), Empty(u"\\_")}));
   }
 }
 
@@ -240,54 +338,75 @@ TEST(ClassKeys, AreVisitedInTheOrderOfTheirUpperCasedNames) {
 
 TEST(FileTypes, AClassLinkIsCheckedInBothPassesAndTheRestStillRuns) {
   TScanRig rig;
-  AddType(rig);
-  Set(rig, u"type\\CLSID", u"{gone}");
-  Set(rig, u"type\\DefaultIcon", u"C:\\gone.ico");
-  EXPECT_EQ(Found(rig), (TStrings{"\\type\\CLSID |  | {gone} | 11045({gone}) | 0",
-                                  "\\type\\CLSID |  | {gone} | 11045({gone}) | 0",
-                                  "\\type\\DefaultIcon |  | C:\\gone.ico | 11046(C:\\gone.ico) | 0"}));
+  LoadWithType(rig, R"(
+[\type\CLSID]
+@="{gone}"
+[\type\DefaultIcon]
+@="C:\\gone.ico"
+)");
+  EXPECT_EQ(Found(rig), AllFields({BrokenClassLink(u"\\type\\CLSID", u"{gone}"),
+                                   BrokenClassLink(u"\\type\\CLSID", u"{gone}"),
+                                   MissingIcon(u"\\type\\DefaultIcon", u"C:\\gone.ico")}));
 }
 
 TEST(FileTypes, AValidClassLinkDoesNotEndTheCheckOfTheType) {
   TScanRig rig;
-  AddType(rig);
-  Set(rig, u"CLSID\\{c}", u"A class");
-  Set(rig, u"type\\CLSID", u"{c}");
-  Set(rig, u"type\\DefaultIcon", u"C:\\gone.ico");
-  EXPECT_EQ(Found(rig), TStrings{"\\type\\DefaultIcon |  | C:\\gone.ico | 11046(C:\\gone.ico) | 0"});
+  LoadWithType(rig, R"(
+[\CLSID\{c}]
+@="A class"
+[\type\CLSID]
+@="{c}"
+[\type\DefaultIcon]
+@="C:\\gone.ico"
+)");
+  EXPECT_EQ(Found(rig), AllFields({MissingIcon(u"\\type\\DefaultIcon", u"C:\\gone.ico")}));
 }
 
 TEST(FileTypes, ATypeThatNoExtensionNamesIsNotChecked) {
   TScanRig rig;
-  Set(rig, u"type\\DefaultIcon", u"C:\\gone.ico");
-  AddKey(rig, u"type\\Shell\\open");
+  LoadClasses(rig, R"(
+[\type\DefaultIcon]
+@="C:\\gone.ico"
+[\type\Shell\open]
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(FileTypes, ATypeNamedByTwoExtensionsIsCheckedTwice) {
   TScanRig rig;
-  AddType(rig);
-  Set(rig, u".u", u"TYPE");
-  Set(rig, u"type\\DefaultIcon", u"C:\\gone.ico");
-  EXPECT_EQ(Found(rig), (TStrings{"\\type\\DefaultIcon |  | C:\\gone.ico | 11046(C:\\gone.ico) | 0",
-                                  "\\TYPE\\DefaultIcon |  | C:\\gone.ico | 11046(C:\\gone.ico) | 0"}));
+  LoadWithType(rig, R"(
+[\.u]
+@="TYPE"
+[\type\DefaultIcon]
+@="C:\\gone.ico"
+)");
+  EXPECT_EQ(Found(rig), AllFields({MissingIcon(u"\\type\\DefaultIcon", u"C:\\gone.ico"),
+                                   MissingIcon(u"\\TYPE\\DefaultIcon", u"C:\\gone.ico")}));
 }
 
 TEST(FileTypes, AllFilesComeFirstThoughNoExtensionNamesThem) {
   TScanRig rig;
-  AddType(rig);
-  Set(rig, u"type\\DefaultIcon", u"C:\\gone.ico");
-  Set(rig, u"*\\DefaultIcon", u"C:\\gone.ico");
-  EXPECT_EQ(Found(rig), (TStrings{"\\*\\DefaultIcon |  | C:\\gone.ico | 11046(C:\\gone.ico) | 0",
-                                  "\\type\\DefaultIcon |  | C:\\gone.ico | 11046(C:\\gone.ico) | 0"}));
+  LoadWithType(rig, R"(
+[\type\DefaultIcon]
+@="C:\\gone.ico"
+[\*\DefaultIcon]
+@="C:\\gone.ico"
+)");
+  EXPECT_EQ(Found(rig), AllFields({MissingIcon(u"\\*\\DefaultIcon", u"C:\\gone.ico"),
+                                   MissingIcon(u"\\type\\DefaultIcon", u"C:\\gone.ico")}));
 }
 
 TEST(FileTypes, AnExtensionWithAnEqualsSignNamesTheTypeAfterItsFirstOne) {
   TScanRig rig;
-  Set(rig, u".a=b", u"type");
-  Set(rig, u"type\\DefaultIcon", u"C:\\gone.ico");
-  Set(rig, u"b=type\\DefaultIcon", u"C:\\gone2.ico");
-  EXPECT_EQ(Found(rig), TStrings{"\\b=type\\DefaultIcon |  | C:\\gone2.ico | 11046(C:\\gone2.ico) | 0"});
+  LoadClasses(rig, R"(
+[\.a=b]
+@="type"
+[\type\DefaultIcon]
+@="C:\\gone.ico"
+[\b=type\DefaultIcon]
+@="C:\\gone2.ico"
+)");
+  EXPECT_EQ(Found(rig), AllFields({MissingIcon(u"\\b=type\\DefaultIcon", u"C:\\gone2.ico")}));
 }
 
 TEST(FileTypes, AnEmptyIconIsNotReported) {
@@ -345,145 +464,179 @@ TEST(ShellTargets, TheQuotedFileIsTheOneThatCounts) {
 
 TEST(Verbs, ABrokenCommandIsReportedOnTheVerb) {
   TScanRig rig;
-  AddType(rig);
-  Set(rig, u"type\\shell\\Open\\command", u"C:\\gone.exe %1");
-  EXPECT_EQ(Found(rig),
-            TStrings{"\\type\\Shell\\Open |  | C:\\gone.exe %1 | 11047(Open|C:\\gone.exe %1) | 0"});
+  LoadWithType(rig, R"(
+[\type\shell\Open\command]
+@="C:\\gone.exe %1"
+)");
+  EXPECT_EQ(Found(rig), AllFields({BrokenVerb(u"\\type\\Shell\\Open", u"Open", u"C:\\gone.exe %1")}));
 }
 
 TEST(Verbs, AnEmptyCommandPasses) {
   TScanRig rig;
-  AddType(rig);
-  AddKey(rig, u"type\\shell\\open\\command");
+  LoadWithType(rig, R"(
+[\type\shell\open\command]
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(Verbs, ADropTargetOfAMissingClassIsReportedOnTheVerb) {
   TScanRig rig;
-  AddType(rig);
-  rig.System.Registry.Set(Class(u"type\\Shell\\open\\DropTarget"), u"CLSID", u"{gone}");
-  EXPECT_EQ(Found(rig), TStrings{"\\type\\Shell\\open |  | {gone} | 11047(open|{gone}) | 0"});
+  LoadWithType(rig, R"(
+[\type\Shell\open\DropTarget]
+"CLSID"="{gone}"
+)");
+  EXPECT_EQ(Found(rig), AllFields({BrokenVerb(u"\\type\\Shell\\open", u"open", u"{gone}")}));
 }
 
 TEST(Verbs, ADropTargetWithoutAClassPasses) {
   TScanRig rig;
-  AddType(rig);
-  AddKey(rig, u"type\\Shell\\open\\DropTarget");
-  rig.System.Registry.Set(Class(u"type\\Shell\\edit\\DropTarget"), u"", u"{gone}");
+  LoadWithType(rig, R"(
+[\type\Shell\open\DropTarget]
+[\type\Shell\edit\DropTarget]
+@="{gone}"
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(Verbs, ADropTargetDoesNotAskTheListOfBrokenClasses) {
   TScanRig rig;
-  AddType(rig);
-  AddBrokenClass(rig, u"{c}");
-  rig.System.Registry.Set(Class(u"type\\Shell\\open\\DropTarget"), u"CLSID", u"{c}");
-  EXPECT_EQ(Found(rig, {kControls, kAssociations}), TStrings());
+  LoadWithType(rig, R"(
+[\CLSID\{c}\InprocServer32]
+@="C:\\gone.dll"
+[\type\Shell\open\DropTarget]
+"CLSID"="{c}"
+)");
+  EXPECT_EQ(FoundAfterCustomControls(rig), TStrings());
 }
 
 TEST(Verbs, AVerbWithNeitherCommandNorDropTargetIsReported) {
   TScanRig rig;
-  AddType(rig);
-  Set(rig, u"type\\Shell\\open", u"&Open");
-  EXPECT_EQ(Found(rig), TStrings{"\\type\\Shell\\open |  |  | 11048 | 0"});
+  LoadWithType(rig, R"(
+[\type\Shell\open]
+@="&Open"
+)");
+  EXPECT_EQ(Found(rig), AllFields({VerbWithoutCommand(u"\\type\\Shell\\open")}));
 }
 
 TEST(Verbs, ACommandKeyThatDoesNotOpenIsACommand) {
   TScanRig rig;
-  AddType(rig);
-  Set(rig, u"type\\Shell\\open\\command", u"C:\\gone.exe");
+  LoadWithType(rig, R"(
+[\type\Shell\open\command]
+@="C:\\gone.exe"
+)");
   rig.System.Registry.Deny(Class(u"type\\Shell\\open\\command"));
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(Verbs, BothFaultsOfOneVerbAreReported) {
   TScanRig rig;
-  AddType(rig);
-  Set(rig, u"type\\Shell\\open\\command", u"C:\\gone.exe");
-  rig.System.Registry.Set(Class(u"type\\Shell\\open\\DropTarget"), u"CLSID", u"{gone}");
-  EXPECT_EQ(Found(rig), (TStrings{"\\type\\Shell\\open |  | C:\\gone.exe | 11047(open|C:\\gone.exe) | 0",
-                                  "\\type\\Shell\\open |  | {gone} | 11047(open|{gone}) | 0"}));
+  LoadWithType(rig, R"(
+[\type\Shell\open\command]
+@="C:\\gone.exe"
+[\type\Shell\open\DropTarget]
+"CLSID"="{gone}"
+)");
+  EXPECT_EQ(Found(rig), AllFields({BrokenVerb(u"\\type\\Shell\\open", u"open", u"C:\\gone.exe"),
+                                   BrokenVerb(u"\\type\\Shell\\open", u"open", u"{gone}")}));
 }
 
 // Handlers
 
 TEST(ContextMenuHandlers, ANamedHandlersMissingClassIsReportedWithoutAnImage) {
   TScanRig rig;
-  AddType(rig);
-  Set(rig, u"type\\shellex\\ContextMenuHandlers\\Zip", u"{gone}");
-  EXPECT_EQ(Found(rig),
-            TStrings{"\\type\\shellex\\ContextMenuHandlers\\Zip |  | {gone} | 11045({gone}) | -1"});
+  LoadWithType(rig, R"(
+[\type\shellex\ContextMenuHandlers\Zip]
+@="{gone}"
+)");
+  EXPECT_EQ(Found(rig), AllFields({BrokenHandler(u"\\type\\shellex\\ContextMenuHandlers\\Zip", u"{gone}")}));
 }
 
 TEST(ContextMenuHandlers, ANamedHandlerWithoutAClassIsReported) {
   TScanRig rig;
-  AddType(rig);
-  AddKey(rig, u"type\\shellex\\ContextMenuHandlers\\Zip");
-  EXPECT_EQ(Found(rig), TStrings{"\\type\\shellex\\ContextMenuHandlers\\Zip |  |  | 11049 | -1"});
+  LoadWithType(rig, R"(
+[\type\shellex\ContextMenuHandlers\Zip]
+)");
+  EXPECT_EQ(Found(rig), AllFields({HandlerWithoutClass(u"\\type\\shellex\\ContextMenuHandlers\\Zip")}));
 }
 
 TEST(ContextMenuHandlers, AHandlerThatDoesNotOpenIsSkipped) {
   TScanRig rig;
-  AddType(rig);
-  AddKey(rig, u"type\\shellex\\ContextMenuHandlers\\Zip");
+  LoadWithType(rig, R"(
+[\type\shellex\ContextMenuHandlers\Zip]
+)");
   rig.System.Registry.Deny(Class(u"type\\shellex\\ContextMenuHandlers\\Zip"));
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(ContextMenuHandlers, ABracedHandlersKeyPathLacksItsBackslashAndHasAnImage) {
   TScanRig rig;
-  AddType(rig);
-  AddKey(rig, u"type\\shellex\\ContextMenuHandlers\\{gone}");
-  EXPECT_EQ(Found(rig), TStrings{"\\type\\shellex\\ContextMenuHandlers{gone} |  |  | 11045({gone}) | 0"});
+  LoadWithType(rig, R"(
+[\type\shellex\ContextMenuHandlers\{gone}]
+)");
+  EXPECT_EQ(Found(rig),
+            AllFields({BrokenBracedMenuHandler(u"\\type\\shellex\\ContextMenuHandlers{gone}", u"{gone}")}));
 }
 
 TEST(ContextMenuHandlers, ABracedHandlersValueIsNotRead) {
   TScanRig rig;
-  AddType(rig);
-  Set(rig, u"CLSID\\{c}", u"A class");
-  Set(rig, u"type\\shellex\\ContextMenuHandlers\\{c}", u"{gone}");
+  LoadWithType(rig, R"(
+[\CLSID\{c}]
+@="A class"
+[\type\shellex\ContextMenuHandlers\{c}]
+@="{gone}"
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
 TEST(ContextMenuHandlers, ANameWithOneBraceIsNotBraced) {
   TScanRig rig;
-  AddType(rig);
-  AddKey(rig, u"type\\shellex\\ContextMenuHandlers\\a}");
-  AddKey(rig, u"type\\shellex\\ContextMenuHandlers\\{");
-  EXPECT_EQ(Found(rig), (TStrings{"\\type\\shellex\\ContextMenuHandlers\\a} |  |  | 11049 | -1",
-                                  "\\type\\shellex\\ContextMenuHandlers\\{ |  |  | 11049 | -1"}));
+  LoadWithType(rig, R"(
+[\type\shellex\ContextMenuHandlers\a}]
+[\type\shellex\ContextMenuHandlers\{]
+)");
+  EXPECT_EQ(Found(rig), AllFields({HandlerWithoutClass(u"\\type\\shellex\\ContextMenuHandlers\\a}"),
+                                   HandlerWithoutClass(u"\\type\\shellex\\ContextMenuHandlers\\{")}));
 }
 
 TEST(ContextMenuHandlers, ClassesThatCustomControlsReportedAreBroken) {
   TScanRig rig;
-  AddType(rig);
-  AddBrokenClass(rig, u"{c}");
-  Set(rig, u"type\\shellex\\ContextMenuHandlers\\Zip", u"{c}");
-  AddKey(rig, u"type\\shellex\\ContextMenuHandlers\\{c}");
+  LoadWithType(rig, R"(
+[\CLSID\{c}\InprocServer32]
+@="C:\\gone.dll"
+[\type\shellex\ContextMenuHandlers\Zip]
+@="{c}"
+[\type\shellex\ContextMenuHandlers\{c}]
+)");
   EXPECT_EQ(Found(rig), TStrings());
-  EXPECT_EQ(Found(rig, {kControls, kAssociations}),
-            (TStrings{"\\type\\shellex\\ContextMenuHandlers\\Zip |  | {c} | 11045({c}) | -1",
-                      "\\type\\shellex\\ContextMenuHandlers{c} |  |  | 11045({c}) | 0"}));
+  EXPECT_EQ(FoundAfterCustomControls(rig),
+            AllFields({BrokenHandler(u"\\type\\shellex\\ContextMenuHandlers\\Zip", u"{c}"),
+                       BrokenBracedMenuHandler(u"\\type\\shellex\\ContextMenuHandlers{c}", u"{c}")}));
 }
 
 TEST(PropertySheetHandlers, EveryProblemHasItsBackslashAndNoImage) {
   TScanRig rig;
-  AddType(rig);
-  Set(rig, u"type\\shellex\\PropertySheetHandlers\\a", u"{gone}");
-  AddKey(rig, u"type\\shellex\\PropertySheetHandlers\\b");
-  AddKey(rig, u"type\\shellex\\PropertySheetHandlers\\{gone}");
-  EXPECT_EQ(Found(rig),
-            (TStrings{"\\type\\shellex\\PropertySheetHandlers\\a |  | {gone} | 11045({gone}) | -1",
-                      "\\type\\shellex\\PropertySheetHandlers\\b |  |  | 11049 | -1",
-                      "\\type\\shellex\\PropertySheetHandlers\\{gone} |  |  | 11045({gone}) | -1"}));
+  LoadWithType(rig, R"(
+[\type\shellex\PropertySheetHandlers\a]
+@="{gone}"
+[\type\shellex\PropertySheetHandlers\b]
+[\type\shellex\PropertySheetHandlers\{gone}]
+)");
+  EXPECT_EQ(
+      Found(rig),
+      AllFields({BrokenHandler(u"\\type\\shellex\\PropertySheetHandlers\\a", u"{gone}"),
+                 HandlerWithoutClass(u"\\type\\shellex\\PropertySheetHandlers\\b"),
+                 BrokenBracedSheetHandler(u"\\type\\shellex\\PropertySheetHandlers\\{gone}", u"{gone}")}));
 }
 
 TEST(PropertySheetHandlers, AnExistingClassPasses) {
   TScanRig rig;
-  AddType(rig);
-  Set(rig, u"CLSID\\{c}", u"A class");
-  Set(rig, u"type\\shellex\\PropertySheetHandlers\\a", u"{c}");
-  AddKey(rig, u"type\\shellex\\PropertySheetHandlers\\{c}");
+  LoadWithType(rig, R"(
+[\CLSID\{c}]
+@="A class"
+[\type\shellex\PropertySheetHandlers\a]
+@="{c}"
+[\type\shellex\PropertySheetHandlers\{c}]
+)");
   EXPECT_EQ(Found(rig), TStrings());
 }
 
@@ -492,29 +645,32 @@ TEST(PropertySheetHandlers, AnExistingClassPasses) {
 TEST(FileAssociationsProgress, TheFirstPassFillsTheLowerHalfWithTheNamesOfTheClasses) {
   TScanRig rig;
   for (int i = 0; i < 60; ++i)
-    rig.System.Registry.Set(Class(Numbered(u"k", i)), u"v", u"");
-  rig.Run({kAssociations});
+    rig.System.Registry.Set(Class(NumberedName(u"k", i)), u"v", u"");
+  rig.Run({Section::FileAssociations});
   // 51 x 50 / 60 is 42.5.
-  EXPECT_EQ(Refreshes(rig), (TStrings{"item: k050", "bar: 42"}));
+  EXPECT_EQ(rig.Dialog.Updates, UpdatesOf("File Associations", {"item: k050", "bar: 42"}));
 }
 
 TEST(FileAssociationsProgress, TheSecondPassFillsTheUpperHalfWithTheTypes) {
   TScanRig rig;
+  LoadClasses(rig, R"(
+[\type]
+@="A type"
+)");
   for (int i = 0; i < 39; ++i)
-    Set(rig, Numbered(u".e", i), u"type");
-  Set(rig, u"type", u"A type");
-  rig.Run({kAssociations});
+    rig.System.Registry.Set(Class(NumberedName(u".e", i)), u"", u"type");
+  rig.Run({Section::FileAssociations});
   // The first pass has 40 entries, the second as many with all files first: call 51 is its 11th,
   // 11 x 50 / 40 + 50 is 63.75.
-  EXPECT_EQ(Refreshes(rig), (TStrings{"item: type", "bar: 64"}));
+  EXPECT_EQ(rig.Dialog.Updates, UpdatesOf("File Associations", {"item: type", "bar: 64"}));
 }
 
 TEST(FileAssociationsProgress, AllFilesAreShownByTheirStar) {
   TScanRig rig;
   for (int i = 0; i < 50; ++i)
-    rig.System.Registry.Set(Class(Numbered(u"k", i)), u"v", u"");
-  rig.Run({kAssociations});
-  EXPECT_EQ(Refreshes(rig), (TStrings{"item: *", "bar: 100"}));
+    rig.System.Registry.Set(Class(NumberedName(u"k", i)), u"v", u"");
+  rig.Run({Section::FileAssociations});
+  EXPECT_EQ(rig.Dialog.Updates, UpdatesOf("File Associations", {"item: *", "bar: 100"}));
 }
 
 // A larger registry, its problems listed by hand
@@ -523,76 +679,90 @@ TEST(FileAssociations, EveryProblemOfALargerRegistry) {
   TScanRig rig;
   rig.System.Disk.AddFile(u"C:\\Windows\\notepad.exe");
   rig.System.Disk.AddFile(u"C:\\Program Files\\Zip\\zip.exe");
-  AddBrokenClass(rig, u"{BAD}");
-  Set(rig, u"CLSID\\{GOOD}\\InprocServer32", u"shell.dll");
-  // All files
-  AddKey(rig, u"*\\shellex\\ContextMenuHandlers\\{BAD}");
-  Set(rig, u"*\\shellex\\ContextMenuHandlers\\Zip", u"{GOOD}");
-  AddKey(rig, u"*\\shellex\\PropertySheetHandlers\\{GOOD}");
-  AddKey(rig, u"*\\shellex\\PropertySheetHandlers\\{NONE}");
-  // Text: two extensions
-  Set(rig, u".log", u"txtfile");
-  Set(rig, u".txt", u"txtfile");
-  AddKey(rig, u".txt\\shell\\command");
-  Set(rig, u"txtfile\\DefaultIcon", u"%SystemRoot%\\gone.dll,-152");
-  Set(rig, u"txtfile\\shell\\open\\command", u"%SystemRoot%\\notepad.exe %1");
-  Set(rig, u"txtfile\\shell\\print\\command", u"C:\\Gone\\print.exe /p \"%1\"");
-  AddKey(rig, u"txtfile\\shell\\edit");
-  // Archives
-  Set(rig, u".zip", u"zipfile");
-  Set(rig, u"zipfile\\CLSID", u"{BAD}");
-  Set(rig, u"zipfile\\DefaultIcon", u"C:\\Program Files\\Zip\\zip.exe,0");
-  rig.System.Registry.Set(Class(u"zipfile\\shell\\open\\DropTarget"), u"CLSID", u"{NONE}");
-  Set(rig, u"zipfile\\shellex\\ContextMenuHandlers\\Old", u"{BAD}");
-  AddKey(rig, u"zipfile\\shellex\\ContextMenuHandlers\\New");
-  Set(rig, u"zipfile\\shellex\\PropertySheetHandlers\\Page", u"{NONE}");
-  // Others
-  Set(rig, u".gone", u"gonefile");
-  Set(rig, u".none", u"");
-  AddKey(rig, u"Empty.Class\\CurVer");
-  Set(rig, u"Vendor.Control\\CLSID", u"{NONE}");
-  Set(rig, u"Vendor.Control.1\\CLSID", u"{GOOD}");
-  Set(rig, u"Vendor.Hidden\\CLSID", u"{NONE}");
+  LoadClasses(rig, R"(
+[\CLSID\{BAD}\InprocServer32]
+@="C:\\gone.dll"
+[\CLSID\{GOOD}\InprocServer32]
+@="shell.dll"
+; All files
+[\*\shellex\ContextMenuHandlers\{BAD}]
+[\*\shellex\ContextMenuHandlers\Zip]
+@="{GOOD}"
+[\*\shellex\PropertySheetHandlers\{GOOD}]
+[\*\shellex\PropertySheetHandlers\{NONE}]
+; Text: two extensions
+[\.log]
+@="txtfile"
+[\.txt]
+@="txtfile"
+[\.txt\shell\command]
+[\txtfile\DefaultIcon]
+@="%SystemRoot%\\gone.dll,-152"
+[\txtfile\shell\open\command]
+@="%SystemRoot%\\notepad.exe %1"
+[\txtfile\shell\print\command]
+@="C:\\Gone\\print.exe /p \"%1\""
+[\txtfile\shell\edit]
+; Archives
+[\.zip]
+@="zipfile"
+[\zipfile\CLSID]
+@="{BAD}"
+[\zipfile\DefaultIcon]
+@="C:\\Program Files\\Zip\\zip.exe,0"
+[\zipfile\shell\open\DropTarget]
+"CLSID"="{NONE}"
+[\zipfile\shellex\ContextMenuHandlers\Old]
+@="{BAD}"
+[\zipfile\shellex\ContextMenuHandlers\New]
+[\zipfile\shellex\PropertySheetHandlers\Page]
+@="{NONE}"
+; Others
+[\.gone]
+@="gonefile"
+[\.none]
+@=""
+[\Empty.Class\CurVer]
+[\Vendor.Control\CLSID]
+@="{NONE}"
+[\Vendor.Control.1\CLSID]
+@="{GOOD}"
+[\Vendor.Hidden\CLSID]
+@="{NONE}"
+)");
   rig.Reg.IgnoreList = {u"hkey_classes_root\\vendor.hidden"};
 
-  rig.Run({kControls, kAssociations});
-
-  const std::string root = "80000000 | ";
-  const std::string key = " | kind 1, image 0";
-  const std::string bare = " | kind 1, image -1";
-  const std::string icon =
-      "\\txtfile\\DefaultIcon |  | %SystemRoot%\\gone.dll,-152 | "
-      "11046(%SystemRoot%\\gone.dll,-152)";
-  const std::string edit = "\\txtfile\\Shell\\edit |  |  | 11048";
-  const std::string print =
-      "\\txtfile\\Shell\\print |  | C:\\Gone\\print.exe /p \"%1\" | "
-      "11047(print|C:\\Gone\\print.exe /p \"%1\")";
+  const ScanProblem icon = MissingIcon(u"\\txtfile\\DefaultIcon", u"%SystemRoot%\\gone.dll,-152");
+  const ScanProblem edit = VerbWithoutCommand(u"\\txtfile\\Shell\\edit");
+  const ScanProblem print =
+      BrokenVerb(u"\\txtfile\\Shell\\print", u"print", u"C:\\Gone\\print.exe /p \"%1\"");
   EXPECT_EQ(
-      AllFields(rig.ProblemsOf(u"File Associations")),
-      Usual({
+      FoundAfterCustomControls(rig),
+      AllFields({
           // The first pass, by name: "*", then ".gone", ".log", ".none", ".txt", ".zip", "CLSID" and the rest
-          root + "\\.gone |  | gonefile | 11043(HKEY_CLASSES_ROOT\\gonefile)" + key,
-          root + "\\.txt\\shell\\command |  |  | 11044" + key,
-          root + "\\Empty.Class |  |  | 11044" + key,
-          root + "\\Vendor.Control\\CLSID |  | {NONE} | 11045({NONE})" + key,
-          root + "\\zipfile\\CLSID |  | {BAD} | 11045({BAD})" + key,
+          MissingType(u"\\.gone", u"gonefile"),
+          Empty(u"\\.txt\\shell\\command"),
+          Empty(u"\\Empty.Class"),
+          BrokenClassLink(u"\\Vendor.Control\\CLSID", u"{NONE}"),
+          BrokenClassLink(u"\\zipfile\\CLSID", u"{BAD}"),
           // The second pass: all files, ".log", ".txt", ".zip"
-          root + "\\*\\shellex\\ContextMenuHandlers{BAD} |  |  | 11045({BAD})" + key,
-          root + "\\*\\shellex\\PropertySheetHandlers\\{NONE} |  |  | 11045({NONE})" + bare,
-          root + icon + key,
-          root + edit + key,
-          root + print + key,
-          root + icon + key,
-          root + edit + key,
-          root + print + key,
-          root + "\\zipfile\\CLSID |  | {BAD} | 11045({BAD})" + key,
-          root + "\\zipfile\\Shell\\open |  | {NONE} | 11047(open|{NONE})" + key,
-          root + "\\zipfile\\shellex\\ContextMenuHandlers\\New |  |  | 11049" + bare,
-          root + "\\zipfile\\shellex\\ContextMenuHandlers\\Old |  | {BAD} | 11045({BAD})" + bare,
-          root + "\\zipfile\\shellex\\PropertySheetHandlers\\Page |  | {NONE} | 11045({NONE})" + bare,
+          BrokenBracedMenuHandler(u"\\*\\shellex\\ContextMenuHandlers{BAD}", u"{BAD}"),
+          BrokenBracedSheetHandler(u"\\*\\shellex\\PropertySheetHandlers\\{NONE}", u"{NONE}"),
+          icon,
+          edit,
+          print,
+          icon,
+          edit,
+          print,
+          BrokenClassLink(u"\\zipfile\\CLSID", u"{BAD}"),
+          BrokenVerb(u"\\zipfile\\Shell\\open", u"open", u"{NONE}"),
+          HandlerWithoutClass(u"\\zipfile\\shellex\\ContextMenuHandlers\\New"),
+          BrokenHandler(u"\\zipfile\\shellex\\ContextMenuHandlers\\Old", u"{BAD}"),
+          BrokenHandler(u"\\zipfile\\shellex\\PropertySheetHandlers\\Page", u"{NONE}"),
       }));
   ASSERT_EQ(rig.Headers().size(), 2u);
-  EXPECT_EQ(FieldsOf(rig.Headers()[1]), HeaderFields("80000000", "File Associations", 8, 18));
+  EXPECT_EQ(FieldsOf(rig.Headers()[1]),
+            FieldsOf(SectionHeader(u"File Associations", 8, kHkeyClassesRoot, 18)));
 }
 
 }  // namespace corvalt
