@@ -4,8 +4,9 @@
 
 #include <algorithm>
 
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
-#include "tests/support/scanrig.h"
+#include "tests/support/regtext.h"
 
 namespace corvalt {
 
@@ -17,12 +18,12 @@ using TStrings = std::vector<std::string>;
 TStrings SectionsShown(const TScanRig& rig) {
   TStrings shown;
   const TStrings& updates = rig.Dialog.Updates;
+  const std::string start = "section: " + EncodeUtf8(Says(TextId::ScanningSection)) + " ";
+  constexpr std::string_view kOverall = "overall: ";
   for (std::size_t i = 0; i + 1 < updates.size(); ++i) {
-    constexpr std::string_view kStart = "section: 11035 ";
-    constexpr std::string_view kOverall = "overall: ";
-    if (!updates[i].starts_with(kStart))
+    if (!updates[i].starts_with(start))
       continue;
-    const std::string name = updates[i].substr(kStart.size(), updates[i].size() - kStart.size() - 3);
+    const std::string name = updates[i].substr(start.size(), updates[i].size() - start.size() - 3);
     const std::string line = name + " at " + updates[i + 1].substr(kOverall.size());
     if (shown.empty() || shown.back() != line)
       shown.push_back(line);
@@ -44,63 +45,100 @@ std::vector<std::int32_t> AllCodes() {
   return codes;
 }
 
-constexpr TextView kMicrosoft = u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion";
-constexpr TextView kExplorer = u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer";
-constexpr TextView kControlSet = u"HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet";
+// Problems for every section, but for Device Drivers, which never has one. "#" stands for a number.
+constexpr std::string_view kProblems = R"(
+; Registry Integrity
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\User Shell Folders]
+"#"="C:\\gone#.exe"
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\Shell Folders]
+"#"="C:\\gone#.exe"
+; Files and Folders
+[HKEY_LOCAL_MACHINE\SOFTWARE\Vendor#]
+"Exe"="C:\\gone#.exe"
+[HKEY_CURRENT_USER\Software\Vendor#]
+"Exe"="C:\\gone#.exe"
+[HKEY_USERS\S-1-#\Software\Vendor]
+"Exe"="C:\\gone#.exe"
+; Adware and Spyware
+[HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Services\bad#]
+; Obsolete Software
+[HKEY_CURRENT_USER\Software\Empty#]
+[HKEY_LOCAL_MACHINE\SOFTWARE\Empty#]
+; Custom Controls
+[HKEY_CLASSES_ROOT\CLSID\{#}\InprocServer32]
+@="C:\\gone.dll"
+[HKEY_CLASSES_ROOT\Typelib\{#}\1.0\0\win32]
+@="C:\\gone.dll"
+[HKEY_CLASSES_ROOT\Interface\{#}\ProxyStubClsid32]
+@="{1}"
+; File Extensions
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\FileExts\.#]
+; File Associations
+[HKEY_CLASSES_ROOT\.#]
+@="type#"
+[HKEY_CLASSES_ROOT\type#\CLSID]
+@="{1}"
+[HKEY_CLASSES_ROOT\type#\DefaultIcon]
+@="C:\\gone.ico"
+[HKEY_CLASSES_ROOT\type#\Shell\open]
+[HKEY_CLASSES_ROOT\type#\shellex\ContextMenuHandlers\{9}]
+[HKEY_CLASSES_ROOT\type#\shellex\PropertySheetHandlers\h]
+; Start Menu
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\MenuOrder\Start Menu2\Programs\Gone#]
+; Startup Programs
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Run]
+"#"="C:\\gone#.exe"
+[HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\Run]
+"#"="C:\\gone#.exe"
+; Shared Programs
+[HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\SharedDLLs]
+"C:\\gone#.exe"=dword:00000001
+; Software Locations
+[HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\App Paths\gone#]
+@="C:\\gone#.exe"
+; Add/Remove Programs
+[HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\Uninstall\App#]
+; Windows Fonts
+[HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows NT\CurrentVersion\fonts]
+"#"="C:\\gone#.exe"
+; Help and Resources
+[HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\Help]
+"#"="C:\\Gone"
+[HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\Html Help]
+"#"="C:\\Gone"
+; Sounds and Appevents
+[HKEY_CURRENT_USER\AppEvents\Schemes\Apps\App#]
+@="C:\\gone#.exe"
+; MRU and History Lists
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\ComDlg32\OpenSaveMRU\#]
+"MRUList"="ab"
+"a"="C:\\gone#.exe"
+; Windows Services
+[HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Services\s#]
+"ImagePath"="C:\\gone#.exe"
+; Virtual Devices
+[HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Services\VxD\v#]
+"StaticVxD"="C:\\gone#.exe"
+[HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\VirtualDeviceDrivers]
+"#"="C:\\gone#.exe"
+; ARP Cache
+[HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\App Management\ARPCache\Old#]
+)";
 
-Text Below(TextView key, TextView rest) {
-  return Text(key) + Text(rest);
-}
-
-// Two problems for every section, but for Device Drivers, which never has one.
+// The problems with the numbers 1 and 2.
 void FillWithProblems(TScanRig& rig) {
-  TMemoryRegistry& registry = rig.System.Registry;
-  const Text classes = u"HKEY_CLASSES_ROOT";
-  for (const TextView n : {u"1", u"2"}) {
-    const Text number(n);
-    const Text gone = u"C:\\gone" + number + u".exe";
-    registry.Set(Below(kExplorer, u"\\User Shell Folders"), number, gone);
-    registry.Set(Below(kExplorer, u"\\Shell Folders"), number, gone);
-    registry.Set(u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vendor" + number, u"Exe", gone);
-    registry.Set(u"HKEY_CURRENT_USER\\Software\\Vendor" + number, u"Exe", gone);
-    registry.Set(u"HKEY_USERS\\S-1-" + number + u"\\Software\\Vendor", u"Exe", gone);
-    registry.AddKey(u"HKEY_CURRENT_USER\\Software\\Empty" + number);
-    registry.AddKey(u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Empty" + number);
-    registry.Set(classes + u"\\CLSID\\{" + number + u"}\\InprocServer32", u"", u"C:\\gone.dll");
-    registry.Set(classes + u"\\Typelib\\{" + number + u"}\\1.0\\0\\win32", u"", u"C:\\gone.dll");
-    registry.Set(classes + u"\\Interface\\{" + number + u"}\\ProxyStubClsid32", u"", u"{1}");
-    registry.Set(classes + u"\\." + number, u"", u"type" + number);
-    registry.Set(classes + u"\\type" + number + u"\\CLSID", u"", u"{1}");
-    registry.Set(classes + u"\\type" + number + u"\\DefaultIcon", u"", u"C:\\gone.ico");
-    registry.AddKey(classes + u"\\type" + number + u"\\Shell\\open");
-    registry.AddKey(classes + u"\\type" + number + u"\\shellex\\ContextMenuHandlers\\{9}");
-    registry.AddKey(classes + u"\\type" + number + u"\\shellex\\PropertySheetHandlers\\h");
-    registry.AddKey(Below(kExplorer, u"\\FileExts\\.") + number);
-    registry.AddKey(Below(kExplorer, u"\\MenuOrder\\Start Menu2\\Programs\\Gone") + number);
-    registry.Set(u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Run", number, gone);
-    registry.Set(Below(kMicrosoft, u"\\Run"), number, gone);
-    registry.SetInteger(Below(kMicrosoft, u"\\SharedDLLs"), gone, 1);
-    registry.Set(Below(kMicrosoft, u"\\App Paths\\gone") + number, u"", gone);
-    registry.AddKey(Below(kMicrosoft, u"\\Uninstall\\App") + number);
-    registry.Set(u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\fonts", number, gone);
-    registry.Set(u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\Help", number, u"C:\\Gone");
-    registry.Set(u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\Html Help", number, u"C:\\Gone");
-    registry.Set(u"HKEY_CURRENT_USER\\AppEvents\\Schemes\\Apps\\App" + number, u"", gone);
-    registry.Set(Below(kExplorer, u"\\ComDlg32\\OpenSaveMRU\\") + number, u"MRUList", u"ab");
-    registry.Set(Below(kExplorer, u"\\ComDlg32\\OpenSaveMRU\\") + number, u"a", gone);
-    registry.Set(Below(kControlSet, u"\\Services\\s") + number, u"ImagePath", gone);
-    registry.Set(Below(kControlSet, u"\\Services\\VxD\\v") + number, u"StaticVxD", gone);
-    registry.Set(Below(kControlSet, u"\\Control\\VirtualDeviceDrivers"), number, gone);
-    registry.AddKey(Below(kMicrosoft, u"\\App Management\\ARPCache\\Old") + number);
+  for (const char number : {'1', '2'}) {
+    std::string numbered(kProblems);
+    std::replace(numbered.begin(), numbered.end(), '#', number);
+    LoadRegText(rig.System.Registry, numbered);
   }
-  registry.AddKey(Below(kControlSet, u"\\Services\\bad1"));
-  registry.AddKey(Below(kControlSet, u"\\Services\\bad2"));
   rig.WriteCatalogue(
       "<list><p><name>One</name><service>bad1</service><service>bad2</service></p>"
       "<p><name>Two</name><service>bad1</service></p></list>");
 }
 
-// Headers whose number differs from their children, or without children, and what else can't be.
+// Every header has a caption and counts its problems, of which it has at least one; problems have neither a
+// caption nor children; the tree counts all of them.
 void ExpectConsistentTree(TScanRig& rig) {
   std::size_t nodes = 0;
   for (TResultsNode* header = rig.Results.FirstRoot(); header != nullptr;
@@ -126,7 +164,8 @@ bool IsPrefix(const TStrings& part, const TStrings& whole) {
 
 }  // namespace
 
-// Codes are stored in the users' settings and stand in their scripts. New sections come behind these.
+// The codes are stored in the users' settings and stand in their scripts, so they are compared as the numbers
+// they are there. New sections come behind these.
 TEST(SectionCatalogue, BeginsWithTheFirstTwentyTwoSectionsInTheOrderOfTheirRun) {
   TStrings lines;
   for (const TSection& section : SectionCatalogue().first(22))
@@ -167,7 +206,7 @@ TEST(ScanDriver, RunsEverySectionInTheCataloguesOrder) {
     expected.push_back(name + " at " + std::to_string(RoundHalfToEven(share)));
     // Add/Remove Programs goes to a place of its own on the bar.
     const std::string ownPlace = name + " at 64";
-    if (section.Code == 11 && expected.back() != ownPlace)
+    if (section.Code == Section::AddRemovePrograms && expected.back() != ownPlace)
       expected.push_back(ownPlace);
   }
   EXPECT_EQ(SectionsShown(rig), expected);
@@ -177,62 +216,62 @@ TEST(ScanDriver, EverySectionsHeaderHasItsOwnCaptionImageAndRoot) {
   TScanRig rig;
   FillWithProblems(rig);
   rig.Run(AllCodes());
-  TStrings lines;
-  for (ScanProblem header : rig.Headers()) {
+  std::vector<ScanProblem> headers = rig.Headers();
+  for (ScanProblem& header : headers)
     header.ChildCount = 0;
-    lines.push_back(FieldsOf(header));
-  }
-  EXPECT_EQ(lines, (TStrings{
-                       HeaderFields("80000001", "Registry Integrity", 0, 0),
-                       HeaderFields("80000002", "HKEY_LOCAL_MACHINE - Files and Folders", 1, 0),
-                       HeaderFields("80000001", "HKEY_CURRENT_USER - Files and Folders", 1, 0),
-                       HeaderFields("80000003", "HKEY_USERS - Files and Folders", 1, 0),
-                       HeaderFields("0", "Adware and Spyware", 22, 0),
-                       HeaderFields("0", "Obsolete software", 5, 0),
-                       HeaderFields("0", "Custom Controls", 6, 0),
-                       HeaderFields("0", "File Extensions", 7, 0),
-                       HeaderFields("80000000", "File Associations", 8, 0),
-                       HeaderFields("0", "Start Menu", 9, 0),
-                       HeaderFields("0", "Startup programs", 10, 0),
-                       HeaderFields("0", "Shared Programs", 11, 0),
-                       HeaderFields("0", "Software Locations", 12, 0),
-                       HeaderFields("80000002", "Add/Remove Programs", 13, 0),
-                       HeaderFields("0", "Windows Fonts", 14, 0),
-                       HeaderFields("0", "Help and Resources", 15, 0),
-                       HeaderFields("80000001", "Sounds and Appevents", 1, 0),
-                       HeaderFields("0", "MRU and History Lists", 17, 0),
-                       HeaderFields("80000002", "Windows Services", 17, 0),
-                       HeaderFields("80000002", "Virtual Devices", 20, 0),
-                       HeaderFields("0", "ARP Cache", 22, 0),
-                   }));
+  EXPECT_EQ(AllFields(headers),
+            AllFields({
+                SectionHeader(u"Registry Integrity", 0, kHkeyCurrentUser, 0),
+                SectionHeader(u"HKEY_LOCAL_MACHINE - Files and Folders", 1, kHkeyLocalMachine, 0),
+                SectionHeader(u"HKEY_CURRENT_USER - Files and Folders", 1, kHkeyCurrentUser, 0),
+                SectionHeader(u"HKEY_USERS - Files and Folders", 1, kHkeyUsers, 0),
+                SectionHeader(u"Adware and Spyware", 22, kNoRootKey, 0),
+                SectionHeader(u"Obsolete software", 5, kNoRootKey, 0),
+                SectionHeader(u"Custom Controls", 6, kNoRootKey, 0),
+                SectionHeader(u"File Extensions", 7, kNoRootKey, 0),
+                SectionHeader(u"File Associations", 8, kHkeyClassesRoot, 0),
+                SectionHeader(u"Start Menu", 9, kNoRootKey, 0),
+                SectionHeader(u"Startup programs", 10, kNoRootKey, 0),
+                SectionHeader(u"Shared Programs", 11, kNoRootKey, 0),
+                SectionHeader(u"Software Locations", 12, kNoRootKey, 0),
+                SectionHeader(u"Add/Remove Programs", 13, kHkeyLocalMachine, 0),
+                SectionHeader(u"Windows Fonts", 14, kNoRootKey, 0),
+                SectionHeader(u"Help and Resources", 15, kNoRootKey, 0),
+                SectionHeader(u"Sounds and Appevents", 1, kHkeyCurrentUser, 0),
+                SectionHeader(u"MRU and History Lists", 17, kNoRootKey, 0),
+                SectionHeader(u"Windows Services", 17, kHkeyLocalMachine, 0),
+                SectionHeader(u"Virtual Devices", 20, kHkeyLocalMachine, 0),
+                SectionHeader(u"ARP Cache", 22, kNoRootKey, 0),
+            }));
 }
 
 TEST(ScanDriver, TwoTickedSectionsShareTheBar) {
   TScanRig rig;
-  rig.Run({5, 1});
+  rig.Run({Section::FileExtensions, Section::RegistryIntegrity});
   EXPECT_EQ(SectionsShown(rig), (TStrings{"Registry Integrity at 50", "File Extensions at 100"}));
 }
 
 TEST(ScanDriver, ACodeIsNotFoundInsideALongerOne) {
   TScanRig rig;
   rig.WriteCatalogue("<list/>");
-  rig.Run({21});
+  // The code of Registry Integrity, 1, is a part of the other two.
+  rig.Run({Section::FilesOfLocalMachine});
   EXPECT_EQ(SectionsShown(rig), TStrings{"Files and Folders - HKEY_LOCAL_MACHINE at 100"});
-  rig.Run({1});
+  rig.Run({Section::RegistryIntegrity});
   EXPECT_EQ(SectionsShown(rig), TStrings{"Registry Integrity at 100"});
-  rig.Run({100});
+  rig.Run({Section::AdwareAndSpyware});
   EXPECT_EQ(SectionsShown(rig), TStrings{"Spyware and Virus at 100"});
 }
 
 TEST(ScanDriver, APartlyTickedGroupContributesItsTickedSectionsAlone) {
   TScanRig rig;
-  rig.Run({22});
+  rig.Run({Section::FilesOfCurrentUser});
   EXPECT_EQ(SectionsShown(rig), TStrings{"Files and Folders - HKEY_CURRENT_USER at 100"});
 }
 
 TEST(ScanDriver, AFullyTickedGroupIsNoSectionOfItsOwn) {
   TScanRig rig;
-  rig.Run({21, 22, 23});
+  rig.Run({Section::FilesOfLocalMachine, Section::FilesOfCurrentUser, Section::FilesOfUsers});
   EXPECT_EQ(SectionsShown(rig), (TStrings{"Files and Folders - HKEY_LOCAL_MACHINE at 33",
                                           "Files and Folders - HKEY_CURRENT_USER at 67",
                                           "Files and Folders - HKEY_USERS at 100"}));
@@ -251,7 +290,7 @@ TEST(ScanDriver, WithNothingTickedTheScanEndsAtOnce) {
 TEST(ScanDriver, TheResultsOfAnEarlierScanAreCleared) {
   TScanRig rig;
   FillWithProblems(rig);
-  rig.Run({1});
+  rig.Run({Section::RegistryIntegrity});
   ASSERT_NE(rig.Results.FirstRoot(), nullptr);
   rig.Run({});
   EXPECT_EQ(rig.Results.FirstRoot(), nullptr);
@@ -260,7 +299,7 @@ TEST(ScanDriver, TheResultsOfAnEarlierScanAreCleared) {
 TEST(ScanDriver, SectionsOfOneScanStandInTheTreeInTheOrderOfTheirRun) {
   TScanRig rig;
   FillWithProblems(rig);
-  rig.Run({19, 100, 1});
+  rig.Run({Section::ArpCache, Section::AdwareAndSpyware, Section::RegistryIntegrity});
   TStrings captions;
   for (const ScanProblem& header : rig.Headers())
     captions.push_back(EncodeUtf8(header.SectionCaption));
@@ -270,10 +309,12 @@ TEST(ScanDriver, SectionsOfOneScanStandInTheTreeInTheOrderOfTheirRun) {
 TEST(Cancelling, DuringTheThirdSectionRunsNoLaterOne) {
   TScanRig rig;
   FillWithProblems(rig);
-  rig.Run({1, 21});
+  rig.Run({Section::RegistryIntegrity, Section::FilesOfLocalMachine});
   const int readsOfTwoSections = rig.Reads();
   // One read into the third section.
-  rig.RunAndCancel({1, 21, 22, 23, 3, 4}, readsOfTwoSections + 1);
+  rig.RunAndCancel({Section::RegistryIntegrity, Section::FilesOfLocalMachine, Section::FilesOfCurrentUser,
+                    Section::FilesOfUsers, Section::ObsoleteSoftware, Section::CustomControls},
+                   readsOfTwoSections + 1);
   EXPECT_EQ(SectionsShown(rig),
             (TStrings{"Registry Integrity at 17", "Files and Folders - HKEY_LOCAL_MACHINE at 33",
                       "Files and Folders - HKEY_CURRENT_USER at 50"}));
@@ -283,17 +324,18 @@ TEST(Cancelling, DuringTheThirdSectionRunsNoLaterOne) {
 TEST(Cancelling, WithTheLastReadOfASectionRunsNoLaterOneEither) {
   TScanRig rig;
   FillWithProblems(rig);
-  rig.Run({1});
+  rig.Run({Section::RegistryIntegrity});
   const int reads = rig.Reads();
-  rig.RunAndCancel({1, 9}, reads);
+  rig.RunAndCancel({Section::RegistryIntegrity, Section::SharedPrograms}, reads);
   EXPECT_EQ(SectionsShown(rig), TStrings{"Registry Integrity at 50"});
   EXPECT_EQ(rig.Headers().size(), 1u);
+  EXPECT_EQ(rig.Reads(), reads);
 }
 
 TEST(Cancelling, AtTheFirstValueOfTheShellFoldersFinishesThatValueAlone) {
   TScanRig rig;
   FillWithProblems(rig);
-  rig.RunAndCancel({1}, 2);  // the names, then the first value
+  rig.RunAndCancel({Section::RegistryIntegrity}, 2);  // the names, then the first value
   ASSERT_EQ(rig.Problems().size(), 1u);
   EXPECT_EQ(rig.Problems()[0].ValueName, u"1");
   EXPECT_EQ(rig.Reads(), 2);
@@ -302,7 +344,7 @@ TEST(Cancelling, AtTheFirstValueOfTheShellFoldersFinishesThatValueAlone) {
 TEST(Cancelling, AtTheLastValueOfTheFirstShellFolderKeyLeavesTheSecondKeyUnread) {
   TScanRig rig;
   FillWithProblems(rig);
-  rig.RunAndCancel({1}, 3);
+  rig.RunAndCancel({Section::RegistryIntegrity}, 3);
   EXPECT_EQ(rig.Problems().size(), 2u);
   EXPECT_EQ(rig.Reads(), 3);
 }
@@ -310,18 +352,22 @@ TEST(Cancelling, AtTheLastValueOfTheFirstShellFolderKeyLeavesTheSecondKeyUnread)
 TEST(Cancelling, AtTheNamesOfTheShellFoldersFindsNothingAndLeavesNoHeader) {
   TScanRig rig;
   FillWithProblems(rig);
-  rig.RunAndCancel({1}, 1);
+  rig.RunAndCancel({Section::RegistryIntegrity}, 1);
   EXPECT_EQ(rig.Results.FirstRoot(), nullptr);
   EXPECT_EQ(rig.Reads(), 1);
 }
 
 TEST(Cancelling, InAKeysValuesEntersNoSubKey) {
   TScanRig rig;
-  rig.System.Registry.Set(u"HKEY_CURRENT_USER\\A", u"1", u"C:\\gone1");
-  rig.System.Registry.Set(u"HKEY_CURRENT_USER\\A", u"2", u"C:\\gone2");
-  rig.System.Registry.Set(u"HKEY_CURRENT_USER\\A\\B", u"1", u"C:\\gone1");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\A]
+"1"="C:\\gone1"
+"2"="C:\\gone2"
+[HKEY_CURRENT_USER\A\B]
+"1"="C:\\gone1"
+)");
   // Values and subkeys of the root, those of "A", then the type of its first value.
-  rig.RunAndCancel({22}, 5);
+  rig.RunAndCancel({Section::FilesOfCurrentUser}, 5);
   ASSERT_EQ(rig.Problems().size(), 1u);
   EXPECT_EQ(rig.Problems()[0].KeyPath, u"\\A");
   EXPECT_EQ(rig.Problems()[0].ValueName, u"1");
@@ -330,7 +376,7 @@ TEST(Cancelling, InAKeysValuesEntersNoSubKey) {
 TEST(Cancelling, AtAFileTypeStillFinishesAllThatBelongsToIt) {
   TScanRig rig;
   FillWithProblems(rig);
-  rig.Run({6});
+  rig.Run({Section::FileAssociations});
   const TStrings all = rig.Lines();
   // The whole entry of type1 and of type2 holds the same kinds of problems; a cut inside one never happens.
   const auto ofType = [](const TStrings& lines, const std::string& type) {
@@ -342,7 +388,7 @@ TEST(Cancelling, AtAFileTypeStillFinishesAllThatBelongsToIt) {
   EXPECT_EQ(ofType(all, "type1"), 3);
   const int reads = rig.Reads();
   for (int read = 1; read <= reads; ++read) {
-    rig.RunAndCancel({6}, read);
+    rig.RunAndCancel({Section::FileAssociations}, read);
     EXPECT_TRUE(IsPrefix(rig.Lines(), all)) << read;
     EXPECT_EQ(ofType(rig.Lines(), "type1") % 3, 0) << read;
     EXPECT_EQ(ofType(rig.Lines(), "type2") % 3, 0) << read;
@@ -351,29 +397,40 @@ TEST(Cancelling, AtAFileTypeStillFinishesAllThatBelongsToIt) {
 
 TEST(Cancelling, InTheFirstPassOfFileAssociationsSkipsTheSecond) {
   TScanRig rig;
-  rig.System.Registry.Set(u"HKEY_CLASSES_ROOT\\.a", u"", u"gone");
-  rig.System.Registry.Set(u"HKEY_CLASSES_ROOT\\.b", u"", u"gone");
-  rig.System.Registry.AddKey(u"HKEY_CLASSES_ROOT\\*\\Shell\\open");
-  rig.System.Registry.Set(u"HKEY_CLASSES_ROOT\\*", u"v", u"");
-  rig.Run({6});
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CLASSES_ROOT\.a]
+@="gone"
+[HKEY_CLASSES_ROOT\.b]
+@="gone"
+[HKEY_CLASSES_ROOT\*\Shell\open]
+[HKEY_CLASSES_ROOT\*]
+"v"=""
+)");
+  rig.Run({Section::FileAssociations});
   ASSERT_EQ(rig.Problems().size(), 3u);
   // The class names; nothing more of "*" than its values and its missing class; then ".a".
-  rig.RunAndCancel({6}, 1);
+  rig.RunAndCancel({Section::FileAssociations}, 1);
   EXPECT_TRUE(rig.Problems().empty());
-  rig.RunAndCancel({6}, 3);
+  rig.RunAndCancel({Section::FileAssociations}, 3);
   ASSERT_EQ(rig.Problems().size(), 1u);
   EXPECT_EQ(rig.Problems()[0].KeyPath, u"\\.a");
 }
 
 TEST(Cancelling, InAPassOfCustomControlsSkipsTheLaterPasses) {
   TScanRig rig;
-  rig.System.Registry.Set(u"HKEY_CLASSES_ROOT\\CLSID\\{1}\\InprocServer32", u"", u"C:\\gone.dll");
-  rig.System.Registry.Set(u"HKEY_CLASSES_ROOT\\CLSID\\{2}\\InprocServer32", u"", u"C:\\gone.dll");
-  rig.System.Registry.Set(u"HKEY_CLASSES_ROOT\\Typelib\\{3}\\1.0\\0\\win32", u"", u"C:\\gone.dll");
-  rig.System.Registry.Set(u"HKEY_CLASSES_ROOT\\Interface\\{4}\\TypeLib", u"", u"{5}");
-  rig.Run({4});
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CLASSES_ROOT\CLSID\{1}\InprocServer32]
+@="C:\\gone.dll"
+[HKEY_CLASSES_ROOT\CLSID\{2}\InprocServer32]
+@="C:\\gone.dll"
+[HKEY_CLASSES_ROOT\Typelib\{3}\1.0\0\win32]
+@="C:\\gone.dll"
+[HKEY_CLASSES_ROOT\Interface\{4}\TypeLib]
+@="{5}"
+)");
+  rig.Run({Section::CustomControls});
   ASSERT_EQ(rig.Problems().size(), 4u);
-  rig.RunAndCancel({4}, 2);  // the class names, then the first class's server
+  rig.RunAndCancel({Section::CustomControls}, 2);  // the class names, then the first class's server
   ASSERT_EQ(rig.Problems().size(), 1u);
   EXPECT_EQ(rig.Problems()[0].KeyPath, u"\\CLSID\\{1}");
 }
@@ -389,18 +446,18 @@ TEST_P(CancellingSection, LeavesABeginningOfItsProblemsAndAConsistentTree) {
   ASSERT_EQ(rig.Failure, nullptr);
   const TStrings all = rig.Lines();
   const int reads = rig.Reads();
-  if (GetParam() != 16) {
+  if (GetParam() != Section::DeviceDrivers) {
     EXPECT_GE(all.size(), 2u);
   }
   std::size_t found = 0;
   for (int read = 1; read <= reads; ++read) {
-    rig.RunAndCancel({GetParam(), 19}, read);
+    rig.RunAndCancel({GetParam(), Section::ArpCache}, read);
     ASSERT_EQ(rig.Failure, nullptr);
     ExpectConsistentTree(rig);
     const TStrings lines = rig.Lines();
     EXPECT_TRUE(IsPrefix(lines, all)) << "cancelled at read " << read;
     EXPECT_GE(lines.size(), found) << "cancelled at read " << read;
-    EXPECT_EQ(Shows(rig, "ARP Cache"), GetParam() == 19) << "cancelled at read " << read;
+    EXPECT_EQ(Shows(rig, "ARP Cache"), GetParam() == Section::ArpCache) << "cancelled at read " << read;
     found = lines.size();
   }
 }
@@ -411,7 +468,7 @@ TEST(Cancelling, BeforeTheSecondSectionEndsTheFirstOneProperly) {
   TScanRig rig;
   FillWithProblems(rig);
   for (int read = 1; read <= 12; ++read) {
-    rig.RunAndCancel({1, 22}, read);
+    rig.RunAndCancel({Section::RegistryIntegrity, Section::FilesOfCurrentUser}, read);
     ExpectConsistentTree(rig);
   }
 }
