@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <sstream>
 
+#include "tests/support/names.h"
+
 namespace corvalt {
 
 namespace {
@@ -51,7 +53,9 @@ Text NumberedName(TextView prefix, int number) {
 }
 
 std::vector<std::string> SectionStart(const std::string& progressName, int overallPosition) {
-  return {"item: ", "section: 11035 " + progressName + "...", "overall: " + std::to_string(overallPosition)};
+  const std::string scanning = EncodeUtf8(Says(TextId::ScanningSection));
+  return {"item: ", "section: " + scanning + " " + progressName + "...",
+          "overall: " + std::to_string(overallPosition)};
 }
 
 std::vector<std::string> UpdatesOf(const std::string& progressName, const std::vector<std::string>& updates) {

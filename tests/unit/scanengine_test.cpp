@@ -4,8 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "system/systemerror.h"
+#include "tests/support/names.h"
 #include "tests/support/problemfields.h"
-#include "tests/support/scanrig.h"
+#include "tests/support/regtext.h"
 
 namespace corvalt {
 
@@ -19,25 +20,17 @@ constexpr TextView kSharedDlls =
 constexpr TextView kUserShellFolders =
     u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders";
 
-constexpr std::int32_t kFilesOfUser = 22;
-constexpr std::int32_t kSharedPrograms = 9;
-
-// Whether a value with this text is left alone by the walk of the user's hive.
+// Whether a scan of the user's hive reports no problem for a value with this text.
 bool Passes(TScanRig& rig, TextView text) {
   rig.System.Registry.Set(kVendor, u"Exe", text);
-  rig.Run({kFilesOfUser});
+  rig.Run({Section::FilesOfCurrentUser});
   return rig.Problems().empty();
 }
 
-Text Numbered(TextView prefix, int number) {
-  const Text digits = DecimalText(number);
-  return Text(prefix) + Text(3 - digits.size(), u'0') + digits;
-}
-
-// Values of the shared-files list that nothing is wrong with: no path, counted once.
+// Values of the list of shared files that are never reported: their names are no paths, their counts are 1.
 void AddSharedFiles(TScanRig& rig, int count) {
   for (int i = 0; i < count; ++i)
-    rig.System.Registry.SetInteger(kSharedDlls, Numbered(u"f", i), 1);
+    rig.System.Registry.SetInteger(kSharedDlls, NumberedName(u"f", i), 1);
 }
 
 }  // namespace
@@ -205,9 +198,12 @@ TEST(CommandPath, AProgramIsFoundWithoutItsExtensionAndBeforeBlanks) {
 TEST(CommandPath, TheNameOfASharedFileIsJudgedTheSameWay) {
   TScanRig rig;
   rig.System.Disk.AddFile(u"C:\\Tools\\grid.ocx");
-  rig.System.Registry.SetInteger(kSharedDlls, u"C:\\Tools\\grid.ocx\\1", 1);
-  rig.System.Registry.SetInteger(kSharedDlls, u"C:\\Tools\\gone.ocx\\1", 1);
-  rig.Run({kSharedPrograms});
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\SharedDLLs]
+"C:\\Tools\\grid.ocx\\1"=dword:00000001
+"C:\\Tools\\gone.ocx\\1"=dword:00000001
+)");
+  rig.Run({Section::SharedPrograms});
   ASSERT_EQ(rig.Problems().size(), 1u);
   EXPECT_EQ(rig.Problems()[0].ValueName, u"C:\\Tools\\gone.ocx\\1");
 }
@@ -217,11 +213,11 @@ TEST(CommandPath, TheNameOfASharedFileIsJudgedTheSameWay) {
 namespace {
 
 bool CountsAsEmpty(TScanRig& rig) {
-  rig.Run({6});
+  rig.Run({Section::FileAssociations});
   return !rig.Problems().empty();
 }
 
-// What a scan thread, which has nothing ticked to scan, says of a key of the user's.
+// What a scan thread without any checked section returns for a key of the user.
 bool IsKeyEmpty(TScanRig& rig, TextView keyPath, bool recursive) {
   rig.Sections.CheckOnly({});
   TSystem system = rig.System.Bundle();
@@ -245,53 +241,72 @@ bool IsKeyEmpty(TScanRig& rig, TextView keyPath, bool recursive) {
 
 TEST(KeyEmptiness, AKeyWithNothingIsEmpty) {
   TScanRig rig;
-  rig.System.Registry.AddKey(u"HKEY_CLASSES_ROOT\\thing");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CLASSES_ROOT\thing]
+)");
   EXPECT_TRUE(CountsAsEmpty(rig));
 }
 
 TEST(KeyEmptiness, OneValueIsEnoughToBeUsed) {
   TScanRig rig;
-  rig.System.Registry.SetInteger(u"HKEY_CLASSES_ROOT\\thing", u"n", 0);
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CLASSES_ROOT\thing]
+"n"=dword:00000000
+)");
   EXPECT_FALSE(CountsAsEmpty(rig));
 }
 
 TEST(KeyEmptiness, TheUnnamedValueCountsEvenWithAnEmptyText) {
   TScanRig rig;
-  rig.System.Registry.Set(u"HKEY_CLASSES_ROOT\\thing", u"", u"");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CLASSES_ROOT\thing]
+@=""
+)");
   EXPECT_FALSE(CountsAsEmpty(rig));
 }
 
 TEST(KeyEmptiness, EmptySubKeysOfEveryDepthLeaveAKeyEmpty) {
   TScanRig rig;
-  rig.System.Registry.AddKey(u"HKEY_CLASSES_ROOT\\thing\\a\\b\\c");
-  rig.System.Registry.AddKey(u"HKEY_CLASSES_ROOT\\thing\\d");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CLASSES_ROOT\thing\a\b\c]
+[HKEY_CLASSES_ROOT\thing\d]
+)");
   EXPECT_TRUE(CountsAsEmpty(rig));
 }
 
 TEST(KeyEmptiness, OneValueFarBelowMakesAKeyUsed) {
   TScanRig rig;
-  rig.System.Registry.AddKey(u"HKEY_CLASSES_ROOT\\thing\\a");
-  rig.System.Registry.SetInteger(u"HKEY_CLASSES_ROOT\\thing\\b\\c", u"n", 0);
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CLASSES_ROOT\thing\a]
+[HKEY_CLASSES_ROOT\thing\b\c]
+"n"=dword:00000000
+)");
   EXPECT_FALSE(CountsAsEmpty(rig));
 }
 
 TEST(KeyEmptiness, AKeyThatDoesNotOpenIsNotEmpty) {
   TScanRig rig;
-  rig.System.Registry.AddKey(u"HKEY_CLASSES_ROOT\\thing");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CLASSES_ROOT\thing]
+)");
   rig.System.Registry.Deny(u"HKEY_CLASSES_ROOT\\thing");
   EXPECT_FALSE(CountsAsEmpty(rig));
 }
 
 TEST(KeyEmptiness, ASubKeyThatDoesNotOpenMakesAKeyUsed) {
   TScanRig rig;
-  rig.System.Registry.AddKey(u"HKEY_CLASSES_ROOT\\thing\\a");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CLASSES_ROOT\thing\a]
+)");
   rig.System.Registry.Deny(u"HKEY_CLASSES_ROOT\\thing\\a");
   EXPECT_FALSE(CountsAsEmpty(rig));
 }
 
 TEST(KeyEmptiness, SubKeysCountByThemselvesWhenTheyAreNotLookedInto) {
   TScanRig rig;
-  rig.System.Registry.AddKey(u"HKEY_CURRENT_USER\\thing\\a");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\thing\a]
+)");
   EXPECT_FALSE(IsKeyEmpty(rig, u"\\thing", false));
   EXPECT_TRUE(IsKeyEmpty(rig, u"\\thing", true));
   EXPECT_TRUE(IsKeyEmpty(rig, u"\\thing\\a", false));
@@ -301,7 +316,10 @@ TEST(KeyEmptiness, SubKeysCountByThemselvesWhenTheyAreNotLookedInto) {
 
 TEST(KeyEmptiness, AnOnlySubKeyWithOneValueMakesAKeyUsedInBothWays) {
   TScanRig rig;
-  rig.System.Registry.Set(u"HKEY_CURRENT_USER\\thing\\a", u"v", u"");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\thing\a]
+"v"=""
+)");
   EXPECT_FALSE(IsKeyEmpty(rig, u"\\thing", false));
   EXPECT_FALSE(IsKeyEmpty(rig, u"\\thing", true));
 }
@@ -310,17 +328,23 @@ TEST(KeyEmptiness, AnOnlySubKeyWithOneValueMakesAKeyUsedInBothWays) {
 
 TEST(ProblemNodes, AHeaderCarriesItsCaptionAndTheNumberOfItsProblems) {
   TScanRig rig;
-  rig.System.Registry.Set(kVendor, u"A", u"C:\\gone1");
-  rig.System.Registry.Set(kVendor, u"B", u"C:\\gone2");
-  rig.Run({kFilesOfUser});
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Vendor]
+"A"="C:\\gone1"
+"B"="C:\\gone2"
+)");
+  rig.Run({Section::FilesOfCurrentUser});
   EXPECT_EQ(AllFields(rig.Headers()),
-            TStrings{HeaderFields("80000001", "HKEY_CURRENT_USER - Files and Folders", 1, 2)});
+            AllFields({SectionHeader(u"HKEY_CURRENT_USER - Files and Folders", 1, kHkeyCurrentUser, 2)}));
 }
 
 TEST(ProblemNodes, EveryNodeIsCheckedAndAHeaderOpensWithItsFirstProblem) {
   TScanRig rig;
-  rig.System.Registry.Set(kVendor, u"A", u"C:\\gone1");
-  rig.Run({kFilesOfUser});
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Vendor]
+"A"="C:\\gone1"
+)");
+  rig.Run({Section::FilesOfCurrentUser});
   TResultsNode* header = rig.Results.FirstRoot();
   ASSERT_NE(header, nullptr);
   EXPECT_EQ(header->State, TCheckState::Checked);
@@ -337,9 +361,12 @@ TEST(ProblemNodes, TheNumberIsStoredWhenTheSectionEnds) {
       counts.push_back(rig.Results.FirstRoot()->Problem.ChildCount);
     return 0;
   });
-  rig.System.Registry.Set(kVendor, u"A", u"C:\\gone1");
-  rig.System.Registry.Set(kVendor, u"B", u"C:\\gone2");
-  rig.Run({kFilesOfUser});
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Vendor]
+"A"="C:\\gone1"
+"B"="C:\\gone2"
+)");
+  rig.Run({Section::FilesOfCurrentUser});
   // Two texts are measured for each problem, before it is added.
   EXPECT_EQ(counts, (std::vector<std::uint32_t>{0, 0, 0, 0}));
   EXPECT_EQ(rig.Headers()[0].ChildCount, 2u);
@@ -347,7 +374,7 @@ TEST(ProblemNodes, TheNumberIsStoredWhenTheSectionEnds) {
 
 TEST(ProblemNodes, ASectionThatFindsNothingLeavesNoTrace) {
   TScanRig rig;
-  rig.Run({kFilesOfUser, kSharedPrograms});
+  rig.Run({Section::FilesOfCurrentUser, Section::SharedPrograms});
   EXPECT_EQ(rig.Results.FirstRoot(), nullptr);
   EXPECT_EQ(rig.Results.Model().TotalCount(), 0u);
 }
@@ -355,50 +382,69 @@ TEST(ProblemNodes, ASectionThatFindsNothingLeavesNoTrace) {
 TEST(ProblemNodes, TheColumnGrowsToTheLongestTextAndAHundredPixels) {
   TScanRig rig;
   rig.Results = TResultsTreeModel([](TextView text) { return static_cast<int>(text.size()) * 10; });
-  // The key path has 16 characters, the description "11042(A|C:\gone1)" 17.
-  rig.System.Registry.Set(kVendor, u"A", u"C:\\gone1");
-  rig.Run({kFilesOfUser});
+  // Neither the key path nor the description has 20 characters.
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Vendor]
+"A"="C:\\gone1"
+)");
+  rig.Run({Section::FilesOfCurrentUser});
   EXPECT_EQ(rig.Results.ColumnWidth(), 300);
-  // The key path has 40 characters, more than the description.
-  rig.System.Registry.Set(u"HKEY_CURRENT_USER\\Software\\Vendor\\a23456789012345678901234", u"A",
-                          u"C:\\gone1");
-  rig.Run({kFilesOfUser});
+  // The key path has 41 characters, more than the description.
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Vendor\a23456789012345678901234]
+"A"="C:\\gone1"
+)");
+  rig.Run({Section::FilesOfCurrentUser});
   EXPECT_EQ(rig.Results.ColumnWidth(), 41 * 10 + 100);
-  // "11042(B|C:\" and 40 characters and ")".
-  rig.System.Registry.Set(kVendor, u"B", u"C:\\" + Text(40, u'x'));
-  rig.Run({kFilesOfUser});
-  EXPECT_EQ(rig.Results.ColumnWidth(), 52 * 10 + 100);
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Vendor]
+"B"="C:\\1234567890123456789012345678901234567890"
+)");
+  rig.Run({Section::FilesOfCurrentUser});
+  const Text description =
+      Says(TextId::MissingFileOfValue, u"B", u"C:\\1234567890123456789012345678901234567890");
+  EXPECT_EQ(rig.Results.ColumnWidth(), static_cast<int>(description.size()) * 10 + 100);
 }
 
 TEST(ProblemNodes, TheColumnNeverShrinksAndStaysAtItsExactWidth) {
   TScanRig rig;
   rig.Results = TResultsTreeModel([](TextView) { return 200; });
-  rig.System.Registry.Set(kVendor, u"A", u"C:\\gone1");
-  rig.Run({kFilesOfUser});
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Vendor]
+"A"="C:\\gone1"
+)");
+  rig.Run({Section::FilesOfCurrentUser});
   EXPECT_EQ(rig.Results.ColumnWidth(), 300);
   rig.Results.SetColumnWidth(700);
-  rig.Run({kFilesOfUser});
+  rig.Run({Section::FilesOfCurrentUser});
   EXPECT_EQ(rig.Results.ColumnWidth(), 700);
 }
 
 TEST(ProblemNodes, IgnoredProblemsDoNotWidenTheColumn) {
   TScanRig rig;
   rig.Results = TResultsTreeModel([](TextView text) { return static_cast<int>(text.size()) * 100; });
-  rig.System.Registry.Set(kVendor, u"A", u"C:\\gone1");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Vendor]
+"A"="C:\\gone1"
+)");
   rig.Reg.IgnoreList = {u"gone1"};
-  rig.Run({kFilesOfUser});
+  rig.Run({Section::FilesOfCurrentUser});
   EXPECT_EQ(rig.Results.ColumnWidth(), 300);
 }
 
 TEST(ProblemNodes, AnErrorInAScannerEndsTheScanWithItsHeaderLeftUncounted) {
   TScanRig rig;
-  rig.System.Registry.Set(kVendor, u"A", u"C:\\gone1");
-  rig.System.Registry.AddKey(u"HKEY_CURRENT_USER\\Software\\Empty");
-  rig.Run({kFilesOfUser, 100, 3});  // no adware catalogue is there
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Vendor]
+"A"="C:\\gone1"
+[HKEY_CURRENT_USER\Software\Empty]
+)");
+  rig.Run({Section::FilesOfCurrentUser, Section::AdwareAndSpyware,
+           Section::ObsoleteSoftware});  // no adware catalogue is there
   ASSERT_NE(rig.Failure, nullptr);
   EXPECT_EQ(AllFields(rig.Headers()),
-            (TStrings{HeaderFields("80000001", "HKEY_CURRENT_USER - Files and Folders", 1, 1),
-                      HeaderFields("0", "Adware and Spyware", 22, 0)}));
+            AllFields({SectionHeader(u"HKEY_CURRENT_USER - Files and Folders", 1, kHkeyCurrentUser, 1),
+                       SectionHeader(u"Adware and Spyware", 22, kNoRootKey, 0)}));
 }
 
 // The ignore lists
@@ -407,21 +453,24 @@ namespace {
 
 // A value that is reported unless it is ignored: HKEY_CURRENT_USER, \Software\Vendor, "Exe", C:\Old\app.exe.
 TScanRig& WithProblem(TScanRig& rig) {
-  rig.System.Registry.Set(kVendor, u"Exe", u"C:\\Old\\app.exe");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Vendor]
+"Exe"="C:\\Old\\app.exe"
+)");
   return rig;
 }
 
 bool IsIgnoredBy(const Text& entry) {
   TScanRig rig;
   WithProblem(rig).Reg.IgnoreList = {entry};
-  rig.Run({kFilesOfUser});
+  rig.Run({Section::FilesOfCurrentUser});
   return rig.Problems().empty();
 }
 
 bool IsIgnoredByBuiltIn(const Text& entry) {
   TScanRig rig;
   WithProblem(rig).Reg.BuiltInExclusions = {entry};
-  rig.Run({kFilesOfUser});
+  rig.Run({Section::FilesOfCurrentUser});
   return rig.Problems().empty();
 }
 
@@ -434,9 +483,9 @@ TEST(IgnoreLists, ThatChangeWhileAScanRunsCountForTheNext) {
     rig.Reg.IgnoreList = rig.Reg.BuiltInExclusions = {u"vendor"};
     return 1;
   });
-  WithProblem(rig).Run({kFilesOfUser});
+  WithProblem(rig).Run({Section::FilesOfCurrentUser});
   EXPECT_EQ(rig.Problems().size(), 1u);
-  rig.Run({kFilesOfUser});
+  rig.Run({Section::FilesOfCurrentUser});
   EXPECT_TRUE(rig.Problems().empty());
 }
 
@@ -469,17 +518,23 @@ TEST(IgnoreLists, AnEntryHasNoWildcards) {
 TEST(IgnoreLists, ASwitchedOffEntryIsPassedOver) {
   EXPECT_FALSE(IsIgnoredBy(u";vendor"));
   TScanRig rig;
-  rig.System.Registry.Set(u"HKEY_CURRENT_USER\\Software\\a;vendor", u"Exe", u"C:\\Old\\app.exe");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\a;vendor]
+"Exe"="C:\\Old\\app.exe"
+)");
   rig.Reg.IgnoreList = {u";vendor"};
-  rig.Run({kFilesOfUser});
+  rig.Run({Section::FilesOfCurrentUser});
   EXPECT_EQ(rig.Problems().size(), 1u);
 }
 
 TEST(IgnoreLists, ASemicolonLaterInAnEntryIsPlainText) {
   TScanRig rig;
-  rig.System.Registry.Set(u"HKEY_CURRENT_USER\\Software\\a;vendor", u"Exe", u"C:\\Old\\app.exe");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\a;vendor]
+"Exe"="C:\\Old\\app.exe"
+)");
   rig.Reg.IgnoreList = {u"a;vendor"};
-  rig.Run({kFilesOfUser});
+  rig.Run({Section::FilesOfCurrentUser});
   EXPECT_TRUE(rig.Problems().empty());
 }
 
@@ -489,40 +544,51 @@ TEST(IgnoreLists, AnEmptyEntryMatchesNothing) {
 
 TEST(IgnoreLists, EveryEntryOfEitherListCounts) {
   TScanRig rig;
-  rig.System.Registry.Set(kVendor, u"A", u"C:\\gone1");
-  rig.System.Registry.Set(kVendor, u"B", u"C:\\gone2");
-  rig.System.Registry.Set(kVendor, u"C", u"C:\\gone3");
-  rig.System.Registry.Set(kVendor, u"D", u"C:\\gone4");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Vendor]
+"A"="C:\\gone1"
+"B"="C:\\gone2"
+"C"="C:\\gone3"
+"D"="C:\\gone4"
+)");
   rig.Reg.BuiltInExclusions = {u"nothing", u"gone1"};
   rig.Reg.IgnoreList = {u"nowhere", u";gone4", u"gone2", u"", u"GONE3"};
-  rig.Run({kFilesOfUser});
+  rig.Run({Section::FilesOfCurrentUser});
   ASSERT_EQ(rig.Problems().size(), 1u);
   EXPECT_EQ(rig.Problems()[0].ValueName, u"D");
 }
 
 TEST(IgnoreLists, APathMatchesKeysWhoseNamesOnlyBeginWithIt) {
   TScanRig rig;
-  rig.System.Registry.Set(u"HKEY_CURRENT_USER\\Software\\Foo", u"A", u"C:\\gone1");
-  rig.System.Registry.Set(u"HKEY_CURRENT_USER\\Software\\FooBar\\Deep", u"A", u"C:\\gone1");
-  rig.System.Registry.Set(u"HKEY_CURRENT_USER\\Software\\Fo", u"A", u"C:\\gone1");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Foo]
+"A"="C:\\gone1"
+[HKEY_CURRENT_USER\Software\FooBar\Deep]
+"A"="C:\\gone1"
+[HKEY_CURRENT_USER\Software\Fo]
+"A"="C:\\gone1"
+)");
   rig.Reg.IgnoreList = {u"hkey_current_user\\software\\foo"};
-  rig.Run({kFilesOfUser});
+  rig.Run({Section::FilesOfCurrentUser});
   ASSERT_EQ(rig.Problems().size(), 1u);
   EXPECT_EQ(rig.Problems()[0].KeyPath, u"\\Software\\Fo");
 }
 
 TEST(IgnoreLists, TheUnnamedValueLeavesTwoBackslashes) {
   TScanRig rig;
-  rig.System.Registry.Set(kVendor, u"", u"C:\\gone1");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Vendor]
+@="C:\\gone1"
+)");
   rig.Reg.IgnoreList = {u"vendor\\\\c:\\gone1"};
-  rig.Run({kFilesOfUser});
+  rig.Run({Section::FilesOfCurrentUser});
   EXPECT_TRUE(rig.Problems().empty());
 }
 
 TEST(IgnoreLists, ASectionWhoseProblemsAreAllIgnoredLeavesNoTrace) {
   TScanRig rig;
   WithProblem(rig).Reg.IgnoreList = {u"\\vendor\\"};
-  rig.Run({kFilesOfUser});
+  rig.Run({Section::FilesOfCurrentUser});
   EXPECT_EQ(rig.Results.FirstRoot(), nullptr);
 }
 
@@ -530,10 +596,14 @@ TEST(IgnoreLists, ASectionWhoseProblemsAreAllIgnoredLeavesNoTrace) {
 
 TEST(SuppressedHeader, TheFirstProblemBecomesTheSectionNode) {
   TScanRig rig;
-  for (const TextView name : {u"C:\\gone1", u"C:\\gone2", u"C:\\gone3"})
-    rig.System.Registry.SetInteger(kSharedDlls, name, 1);
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\SharedDLLs]
+"C:\\gone1"=dword:00000001
+"C:\\gone2"=dword:00000001
+"C:\\gone3"=dword:00000001
+)");
   rig.Reg.IgnoreList = {u"hkey_current_user"};
-  rig.Run({kSharedPrograms});
+  rig.Run({Section::SharedPrograms});
   const std::vector<ScanProblem> headers = rig.Headers();
   ASSERT_EQ(headers.size(), 1u);
   EXPECT_EQ(headers[0].ValueName, u"C:\\gone1");
@@ -546,27 +616,37 @@ TEST(SuppressedHeader, TheFirstProblemBecomesTheSectionNode) {
 
 TEST(SuppressedHeader, ALoneProblemIsDeletedAtTheSectionsEnd) {
   TScanRig rig;
-  rig.System.Registry.SetInteger(kSharedDlls, u"C:\\gone1", 1);
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\SharedDLLs]
+"C:\\gone1"=dword:00000001
+)");
   rig.Reg.IgnoreList = {u"hkey_current_user"};
-  rig.Run({kSharedPrograms});
+  rig.Run({Section::SharedPrograms});
   EXPECT_EQ(rig.Results.FirstRoot(), nullptr);
 }
 
 TEST(SuppressedHeader, ASectionThatFindsNothingTouchesNoOtherSectionsNode) {
   TScanRig rig;
-  rig.System.Registry.Set(u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vendor", u"Exe", u"C:\\Old\\app.exe");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_LOCAL_MACHINE\SOFTWARE\Vendor]
+"Exe"="C:\\Old\\app.exe"
+)");
   rig.Reg.IgnoreList = {u"hkey_current_user"};
-  rig.Run({21, kSharedPrograms, 10});
+  rig.Run({Section::FilesOfLocalMachine, Section::SharedPrograms, Section::SoftwareLocations});
   EXPECT_EQ(AllFields(rig.Headers()),
-            TStrings{HeaderFields("80000002", "HKEY_LOCAL_MACHINE - Files and Folders", 1, 1)});
+            AllFields({SectionHeader(u"HKEY_LOCAL_MACHINE - Files and Folders", 1, kHkeyLocalMachine, 1)}));
 }
 
 TEST(SuppressedHeader, TheHeadersTextIsTheRootsNameAndTwoBackslashes) {
   TScanRig rig;
-  for (const TextView name : {u"A", u"B", u"C"})
-    rig.System.Registry.Set(kVendor, name, u"C:\\gone");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Vendor]
+"A"="C:\\gone"
+"B"="C:\\gone"
+"C"="C:\\gone"
+)");
   rig.Reg.BuiltInExclusions = {u"hkey_current_user\\\\"};
-  rig.Run({kFilesOfUser});
+  rig.Run({Section::FilesOfCurrentUser});
   ASSERT_EQ(rig.Headers().size(), 1u);
   EXPECT_EQ(rig.Headers()[0].ValueName, u"A");
   EXPECT_EQ(rig.Problems().size(), 2u);
@@ -574,21 +654,26 @@ TEST(SuppressedHeader, TheHeadersTextIsTheRootsNameAndTwoBackslashes) {
 
 TEST(SuppressedHeader, ThreeBackslashesMatchNoHeader) {
   TScanRig rig;
-  rig.System.Registry.Set(kVendor, u"A", u"C:\\gone");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Vendor]
+"A"="C:\\gone"
+)");
   rig.Reg.BuiltInExclusions = {u"hkey_current_user\\\\\\"};
-  rig.Run({kFilesOfUser});
+  rig.Run({Section::FilesOfCurrentUser});
   ASSERT_EQ(rig.Headers().size(), 1u);
   EXPECT_EQ(rig.Headers()[0].SectionCaption, u"HKEY_CURRENT_USER - Files and Folders");
 }
 
 TEST(SuppressedHeader, AnotherSectionKeepsItsOwnHeader) {
   TScanRig rig;
-  rig.System.Registry.SetInteger(kSharedDlls, u"C:\\gone1", 1);
-  rig.System.Registry.SetInteger(kSharedDlls, u"C:\\gone2", 1);
-  rig.System.Registry.AddKey(
-      u"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\App");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\SharedDLLs]
+"C:\\gone1"=dword:00000001
+"C:\\gone2"=dword:00000001
+[HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\Uninstall\App]
+)");
   rig.Reg.IgnoreList = {u"hkey_current_user"};
-  rig.Run({kSharedPrograms, 11});
+  rig.Run({Section::SharedPrograms, Section::AddRemovePrograms});
   const std::vector<ScanProblem> headers = rig.Headers();
   ASSERT_EQ(headers.size(), 2u);
   EXPECT_EQ(headers[0].ValueName, u"C:\\gone1");
@@ -600,18 +685,18 @@ TEST(SuppressedHeader, AnotherSectionKeepsItsOwnHeader) {
 TEST(Progress, TheFirstRefreshComesWithTheFiftyFirstCallAndThenEveryFiftieth) {
   TScanRig rig;
   AddSharedFiles(rig, 120);
-  rig.Run({kSharedPrograms});
+  rig.Run({Section::SharedPrograms});
   // 51 x 100 / 120 is 42.5, which goes to the even 42; 101 x 100 / 120 is 84.2.
   EXPECT_EQ(rig.Dialog.Updates,
-            (TStrings{"item: ", "section: 11035 Shared Programs...", "overall: 100",
-                      "item: SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\SharedDLLs\\f050", "bar: 42",
-                      "item: SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\SharedDLLs\\f100", "bar: 84"}));
+            UpdatesOf("Shared Programs",
+                      {"item: SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\SharedDLLs\\f050", "bar: 42",
+                       "item: SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\SharedDLLs\\f100", "bar: 84"}));
 }
 
 TEST(Progress, AHundredAndTwentyCallsAfterARefreshRefreshTwice) {
   TScanRig rig;
   AddSharedFiles(rig, 51 + 120);
-  rig.Run({kSharedPrograms});
+  rig.Run({Section::SharedPrograms});
   TStrings labels;
   for (const std::string& update : rig.Dialog.Updates) {
     if (update.starts_with("item: S"))
@@ -623,29 +708,30 @@ TEST(Progress, AHundredAndTwentyCallsAfterARefreshRefreshTwice) {
 TEST(Progress, FiftyCallsRefreshNothing) {
   TScanRig rig;
   AddSharedFiles(rig, 50);
-  rig.Run({kSharedPrograms});
-  EXPECT_EQ(rig.Dialog.Updates, (TStrings{"item: ", "section: 11035 Shared Programs...", "overall: 100"}));
+  rig.Run({Section::SharedPrograms});
+  EXPECT_EQ(rig.Dialog.Updates, SectionStart("Shared Programs", 100));
 }
 
 TEST(Progress, CallsAreCountedAcrossSections) {
   TScanRig rig;
   for (int i = 0; i < 30; ++i)
-    rig.System.Registry.Set(kUserShellFolders, Numbered(u"s", i), u"C:\\Windows");
+    rig.System.Registry.Set(kUserShellFolders, NumberedName(u"s", i), u"C:\\Windows");
   AddSharedFiles(rig, 80);
-  rig.Run({1, kSharedPrograms});
+  rig.Run({Section::RegistryIntegrity, Section::SharedPrograms});
   // The 51st call is the 21st shared file: 21 x 100 / 80 is 26.25. The 101st is the 71st: 88.75.
-  EXPECT_EQ(rig.Dialog.Updates,
-            (TStrings{"item: ", "section: 11035 Registry Integrity...", "overall: 50",
-                      "item: ", "section: 11035 Shared Programs...", "overall: 100",
-                      "item: SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\SharedDLLs\\f020", "bar: 26",
-                      "item: SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\SharedDLLs\\f070", "bar: 89"}));
+  TStrings updates = SectionStart("Registry Integrity", 50);
+  const TStrings shared = UpdatesOf(
+      "Shared Programs", {"item: SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\SharedDLLs\\f020", "bar: 26",
+                          "item: SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\SharedDLLs\\f070", "bar: 89"});
+  updates.insert(updates.end(), shared.begin(), shared.end());
+  EXPECT_EQ(rig.Dialog.Updates, updates);
 }
 
 TEST(Progress, EachScanCountsItsCallsAnew) {
   TScanRig rig;
   AddSharedFiles(rig, 30);
-  rig.Run({kSharedPrograms});
-  rig.Run({kSharedPrograms});
+  rig.Run({Section::SharedPrograms});
+  rig.Run({Section::SharedPrograms});
   EXPECT_EQ(rig.Dialog.Updates.size(), 3u);
 }
 
@@ -664,7 +750,9 @@ TEST(Progress, APercentageHalfwayGoesToTheEvenNumber) {
 
 TEST(Progress, TheOverallBarRoundsHalvesToEven) {
   TScanRig rig;
-  rig.Run({1, 21, 22, 23, 3, 4, 5, 6});
+  rig.Run({Section::RegistryIntegrity, Section::FilesOfLocalMachine, Section::FilesOfCurrentUser,
+           Section::FilesOfUsers, Section::ObsoleteSoftware, Section::CustomControls, Section::FileExtensions,
+           Section::FileAssociations});
   TStrings positions;
   for (const std::string& update : rig.Dialog.Updates) {
     if (update.starts_with("overall"))
@@ -678,12 +766,13 @@ TEST(Progress, TheDialogIsLeftAloneOnceTheScanIsCancelled) {
   TScanRig rig;
   // The services run to their end whatever the thread is told: 60 calls.
   for (int i = 0; i < 60; ++i) {
-    rig.System.Registry.Set(u"HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\" + Numbered(u"s", i),
-                            u"ImagePath", u"x");
+    rig.System.Registry.Set(
+        u"HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\" + NumberedName(u"s", i), u"ImagePath",
+        u"x");
   }
-  rig.RunAndCancel({17}, 1);
-  EXPECT_EQ(rig.Dialog.Updates, (TStrings{"item: ", "section: 11035 Windows Services...", "overall: 100"}));
-  rig.Run({17});
+  rig.RunAndCancel({Section::WindowsServices}, 1);
+  EXPECT_EQ(rig.Dialog.Updates, SectionStart("Windows Services", 100));
+  rig.Run({Section::WindowsServices});
   EXPECT_EQ(rig.Dialog.Updates.size(), 5u);
 }
 
