@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "tests/support/names.h"
+#include "tests/support/regtext.h"
 #include "tests/support/repairrig.h"
 
 namespace corvalt {
@@ -15,10 +17,34 @@ using TLines = std::vector<std::string>;
 constexpr TextView kOld = u"HKEY_CURRENT_USER\\Software\\Old";
 constexpr TextView kSettings =
     u"HKEY_CURRENT_USER\\Software\\TessalySoft\\Tessaly Utilities\\Settings\\AvailableModules";
+constexpr TextView kRunKey = u"HKEY_LOCAL_MACHINE\\Software\\Run";
 constexpr TextView kPrograms = u"HKEY_CURRENT_USER\\Menu\\Start Menu2\\Programs";
 constexpr TextView kRecent = u"HKEY_CURRENT_USER\\Software\\Recent";
 constexpr std::int32_t kStartMenuImage = 9;
 constexpr std::int32_t kMruImage = 17;
+
+// The registry of TSmallRepair.
+constexpr std::string_view kBroken = R"([HKEY_CURRENT_USER\Software\Old]
+
+[HKEY_CURRENT_USER\Software\Old\Below]
+"Deep"="x"
+)";
+constexpr std::string_view kRun = R"([HKEY_LOCAL_MACHINE\Software\Run]
+"Updater"="C:\\gone.exe"
+"Good"="C:\\good.exe"
+)";
+constexpr std::string_view kRepairedRun = R"([HKEY_LOCAL_MACHINE\Software\Run]
+"Good"="C:\\good.exe"
+)";
+
+// What the dialog shows when a section begins and when something is deleted.
+std::string Repairing(const std::string& section) {
+  return "section: " + EncodeUtf8(Says(TextId::RepairingSection)) + " " + section + "...";
+}
+
+std::string Deleting(TextId text, const std::string& what = {}) {
+  return "item: " + EncodeUtf8(Says(text)) + " " + what;
+}
 
 bool Holds(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
@@ -28,12 +54,18 @@ bool Holds(const std::string& text, const std::string& part) {
 class TSmallRepair : public TRepairRig {
  public:
   TSmallRepair() {
-    System.Registry.Set(u"HKEY_CURRENT_USER\\Software\\Old\\Below", u"Deep", u"x");
-    System.Registry.Set(u"HKEY_LOCAL_MACHINE\\Software\\Run", u"Updater", u"C:\\gone.exe");
-    System.Registry.Set(u"HKEY_LOCAL_MACHINE\\Software\\Run", u"Good", u"C:\\good.exe");
+    LoadRegText(System.Registry, kBroken);
+    LoadRegText(System.Registry, kRun);
     Section = AddSection(u"Broken");
     Key = AddProblem(Section, KeyProblem(kHkeyCurrentUser, u"\\Software\\Old"));
     Value = AddProblem(Section, ValueProblem(kHkeyLocalMachine, u"\\Software\\Run", u"Updater"));
+  }
+
+  std::string OldText() {
+    return RegText(System.Registry, kOld);
+  }
+  std::string RunText() {
+    return RegText(System.Registry, kRunKey);
   }
 
   std::vector<std::string> Dump() {
@@ -55,9 +87,8 @@ class TSmallRepair : public TRepairRig {
 TEST(Repair, DeletesWhatIsCheckedAndMarksIt) {
   TSmallRepair rig;
   rig.Repair();
-  EXPECT_FALSE(rig.System.Registry.HasKey(kOld));
-  EXPECT_FALSE(rig.System.Registry.HasValue(u"HKEY_LOCAL_MACHINE\\Software\\Run", u"Updater"));
-  EXPECT_TRUE(rig.System.Registry.HasValue(u"HKEY_LOCAL_MACHINE\\Software\\Run", u"Good"));
+  EXPECT_EQ(rig.OldText(), "");
+  EXPECT_EQ(rig.RunText(), kRepairedRun);
   EXPECT_TRUE(rig.Key->Problem.StateFlag2);
   EXPECT_TRUE(rig.Value->Problem.StateFlag2);
   EXPECT_FALSE(rig.Section->Problem.StateFlag2);
@@ -69,7 +100,8 @@ TEST(Repair, LeavesWhatIsNotChecked) {
   TSmallRepair rig;
   rig.Uncheck(rig.Key);
   rig.Repair();
-  EXPECT_TRUE(rig.System.Registry.HasKey(kOld));
+  EXPECT_EQ(rig.OldText(), kBroken);
+  EXPECT_EQ(rig.RunText(), kRepairedRun);
   EXPECT_FALSE(Holds(rig.BackupText(), "Software\\Old"));
   EXPECT_EQ(rig.Unmarked(), TLines({"\\Software\\Old|"}));
 }
@@ -126,16 +158,18 @@ TEST(Repair, ShowsItsProgressInThisOrder) {
   TSmallRepair rig;
   rig.Repair();
   // Two problems, both backed up: the deletions count to four.
-  EXPECT_EQ(rig.Updates, TLines({"section: Backup ...", "item: ", "overall: 0",          // the backup
-                                 "item: ", "bar: 0", "item: ", "bar: 50",                // its two problems
-                                 "section: 11036 Broken...", "item: ", "overall: 50",    // the section
-                                 "item: 11069 ", "bar: 25",                              // the key
-                                 "item: 11070 \\Software\\Run - Updater", "bar: 50"}));  // the value
+  EXPECT_EQ(rig.Updates,
+            TLines({"section: Backup ...", "item: ", "overall: 0",  // the backup
+                    "item: ", "bar: 0", "item: ", "bar: 50",        // its two problems
+                    Repairing("Broken"), "item: ", "overall: 50",   // the section
+                    Deleting(TextId::DeletingKey), "bar: 25",       // the key
+                    Deleting(TextId::DeletingValue, "\\Software\\Run - Updater"), "bar: 50"}));  // the value
 }
 
 TEST(Repair, ShowsEachAmpersandOfItsTextsOnceAndPathsAsTheyAre) {
   TSmallRepair rig;
-  const std::string lines = "11036=Repair & clean\n11070=Delete & forget\n";
+  const std::string lines = EncodeUtf8(Says(TextId::RepairingSection)) + "=Repair & clean\n" +
+                            EncodeUtf8(Says(TextId::DeletingValue)) + "=Delete & forget\n";
   rig.Vars.Texts.Selected =
       TLanguageTable::FromFile(std::vector<std::uint8_t>(lines.begin(), lines.end()), rig.System.Locale);
   rig.Value->Problem.ValueName = u"a && b";
@@ -156,22 +190,28 @@ TEST(Repair, NeverFillsTheBarWhenNotAllIsChecked) {
 
 TEST(Repair, WithoutABackupFillsTheBar) {
   TSmallRepair rig;
-  rig.System.Registry.SetInteger(kSettings, u"RegistryCleaner", 0);
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\TessalySoft\Tessaly Utilities\Settings\AvailableModules]
+"RegistryCleaner"=dword:00000000
+)");
   rig.Repair();
-  EXPECT_EQ(rig.Updates, TLines({"section: 11036 Broken...", "item: ", "overall: 0", "item: 11069 ",
-                                 "bar: 50", "item: 11070 \\Software\\Run - Updater", "bar: 100"}));
+  EXPECT_EQ(rig.Updates,
+            TLines({Repairing("Broken"), "item: ", "overall: 0", Deleting(TextId::DeletingKey), "bar: 50",
+                    Deleting(TextId::DeletingValue, "\\Software\\Run - Updater"), "bar: 100"}));
 }
 
 TEST(Repair, DoesNotAnnounceASectionThatIsNotFullyChecked) {
   TSmallRepair rig;
   TResultsNode* mixed = rig.AddSection(u"Mixed");
-  rig.System.Registry.AddKey(u"HKEY_CURRENT_USER\\M");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\M]
+)");
   TResultsNode* kept = rig.AddProblem(mixed, KeyProblem(kHkeyCurrentUser, u"\\Kept"));
   rig.AddProblem(mixed, KeyProblem(kHkeyCurrentUser, u"\\M"));
   rig.Uncheck(kept);
   rig.Repair();
-  EXPECT_EQ(std::count(rig.Updates.begin(), rig.Updates.end(), "section: 11036 Mixed..."), 0);
-  EXPECT_FALSE(rig.System.Registry.HasKey(u"HKEY_CURRENT_USER\\M"));
+  EXPECT_EQ(std::count(rig.Updates.begin(), rig.Updates.end(), Repairing("Mixed")), 0);
+  EXPECT_EQ(RegText(rig.System.Registry, u"HKEY_CURRENT_USER\\M"), "");
 }
 
 TEST(Repair, RepairsTheCheckedChildrenOfAnUncheckedSection) {
@@ -179,7 +219,7 @@ TEST(Repair, RepairsTheCheckedChildrenOfAnUncheckedSection) {
   rig.Section->State = TCheckState::Unchecked;
   rig.Repair();
   EXPECT_EQ(rig.Outcome.Deleted.size(), 2U);
-  EXPECT_EQ(std::count(rig.Updates.begin(), rig.Updates.end(), "section: 11036 Broken..."), 0);
+  EXPECT_EQ(std::count(rig.Updates.begin(), rig.Updates.end(), Repairing("Broken")), 0);
 }
 
 TEST(Repair, OfNothingCheckedStillWritesAListedBackup) {
@@ -201,10 +241,14 @@ TEST(Repair, OfAnEmptyTreeStillWritesAListedBackup) {
 
 TEST(Repair, WithBackupsSwitchedOffWritesNoneAndDeletesAllTheSame) {
   TSmallRepair rig;
-  rig.System.Registry.SetInteger(kSettings, u"RegistryCleaner", 0);
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\TessalySoft\Tessaly Utilities\Settings\AvailableModules]
+"RegistryCleaner"=dword:00000000
+)");
   rig.Repair();
   EXPECT_FALSE(rig.System.Disk.DirectoryExists(rig.Vars.SuiteBackupsFolder));
-  EXPECT_FALSE(rig.System.Registry.HasKey(kOld));
+  EXPECT_EQ(rig.OldText(), "");
+  EXPECT_EQ(rig.RunText(), kRepairedRun);
   EXPECT_EQ(rig.Outcome.BackupName, u"");
   EXPECT_TRUE(rig.Outcome.BackupMade);
 }
@@ -216,7 +260,7 @@ TEST(Repair, DeletesAFileWithoutBackingItUp) {
   rig.Repair();
   EXPECT_FALSE(rig.System.Disk.FileExists(u"C:\\Menu\\gone.lnk"));
   EXPECT_FALSE(Holds(rig.BackupText(), "gone.lnk"));
-  EXPECT_EQ(rig.Updates[rig.Updates.size() - 2], "item: 11071 C:\\Menu\\gone.lnk");
+  EXPECT_EQ(rig.Updates[rig.Updates.size() - 2], Deleting(TextId::DeletingFile, "C:\\Menu\\gone.lnk"));
   EXPECT_TRUE(rig.Unmarked().empty());
 }
 
@@ -233,52 +277,63 @@ TEST(Repair, MarksAFileThatCannotBeDeletedAndCountsIt) {
 
 TEST(Repair, TakesAKeyPathWithoutItsBackslashFromTheRoot) {
   TRepairRig rig;
-  rig.System.Registry.Set(kOld, u"Trace", u"x");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Old]
+"Trace"="x"
+)");
   TResultsNode* section = rig.AddSection(u"Adware");
   rig.AddProblem(section, ValueProblem(kHkeyCurrentUser, u"Software\\Old", u"Trace"));
   rig.AddProblem(section, KeyProblem(kHkeyCurrentUser, u"Software\\Old"));
   rig.Repair();
-  EXPECT_FALSE(rig.System.Registry.HasKey(kOld));
+  EXPECT_EQ(RegText(rig.System.Registry, kOld), "");
   EXPECT_TRUE(Holds(rig.BackupText(), "[HKEY_CURRENT_USER\\Software\\Old]"));
 }
 
 TEST(Repair, TakesAValueNameOfOneNulForTheUnnamedValue) {
   TRepairRig rig;
-  rig.System.Registry.Set(kRecent, u"", u"C:\\gone.txt");
+  const std::string before = R"([HKEY_CURRENT_USER\Software\Recent]
+@="C:\\gone.txt"
+)";
+  LoadRegText(rig.System.Registry, before);
   rig.AddProblem(rig.AddSection(u"MRU"),
                  ValueProblem(kHkeyCurrentUser, u"\\Software\\Recent", TextView(u"\0", 1)));
   rig.Repair();
-  EXPECT_FALSE(rig.System.Registry.HasValue(kRecent, u""));
+  EXPECT_EQ(RegText(rig.System.Registry, kRecent), "[HKEY_CURRENT_USER\\Software\\Recent]\n");
   EXPECT_TRUE(Holds(rig.BackupText(), "@="));
   rig.RestoreTheBackup();
-  EXPECT_TRUE(rig.System.Registry.HasValue(kRecent, u""));
+  EXPECT_EQ(RegText(rig.System.Registry, kRecent), before);
 }
 
 TEST(Repair, NeverBacksUpOrDeletesAWholeRoot) {
   TRepairRig rig;
-  rig.System.Registry.Set(kOld, u"Path", u"x");
+  const std::string before = R"([HKEY_CURRENT_USER\Software\Old]
+"Path"="x"
+)";
+  LoadRegText(rig.System.Registry, before);
   rig.AddProblem(rig.AddSection(u"Odd"), KeyProblem(kHkeyCurrentUser, u"\\"));
   rig.Repair();
-  EXPECT_TRUE(rig.System.Registry.HasKey(kOld));
+  EXPECT_EQ(RegText(rig.System.Registry, kOld), before);
   EXPECT_FALSE(Holds(rig.BackupText(), "["));
   EXPECT_EQ(rig.Outcome.NotSaved.size(), 1U);
 }
 
 TEST(Repair, LeavesAProblemOfUnknownKind) {
   TRepairRig rig;
-  rig.System.Registry.AddKey(kOld);
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Old]
+)");
   ScanProblem problem = KeyProblem(kHkeyCurrentUser, u"\\Software\\Old");
   problem.Kind = static_cast<TProblemKind>(4);
   rig.AddProblem(rig.AddSection(u"Odd"), problem);
   rig.Repair();
-  EXPECT_TRUE(rig.System.Registry.HasKey(kOld));
+  EXPECT_EQ(RegText(rig.System.Registry, kOld), "[HKEY_CURRENT_USER\\Software\\Old]\n");
   EXPECT_EQ(rig.Unmarked().size(), 1U);
 }
 
 TEST(RepairOfMissingThings, MarksThemAsRemoved) {
   TSmallRepair rig;
   rig.System.Registry.RemoveKey(kOld);
-  rig.System.Registry.RemoveKey(u"HKEY_LOCAL_MACHINE\\Software\\Run");
+  rig.System.Registry.RemoveKey(kRunKey);
   rig.Repair();
   EXPECT_TRUE(rig.Unmarked().empty());
   EXPECT_EQ(rig.Outcome.Deleted.size(), 2U);
@@ -289,11 +344,13 @@ TEST(RepairOfMissingThings, MarksThemAsRemoved) {
 
 TEST(RepairOfMissingThings, MarksAMissingValueOfAnExistingKey) {
   TRepairRig rig;
-  rig.System.Registry.AddKey(kOld);
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Old]
+)");
   rig.AddProblem(rig.AddSection(u"Broken"), ValueProblem(kHkeyCurrentUser, u"\\Software\\Old", u"Gone"));
   rig.Repair();
   EXPECT_TRUE(rig.Unmarked().empty());
-  EXPECT_EQ(rig.Updates[rig.Updates.size() - 2], "item: 11070 \\Software\\Old - Gone");
+  EXPECT_EQ(rig.Updates[rig.Updates.size() - 2], Deleting(TextId::DeletingValue, "\\Software\\Old - Gone"));
 }
 
 TEST(RepairOfMissingThings, DoesNotDeleteWhatAppearsAfterTheBackup) {
@@ -301,28 +358,37 @@ TEST(RepairOfMissingThings, DoesNotDeleteWhatAppearsAfterTheBackup) {
   TResultsNode* section = rig.AddSection(u"Broken");
   rig.AddProblem(section, KeyProblem(kHkeyCurrentUser, u"\\Software\\Old"));
   rig.AddProblem(section, ValueProblem(kHkeyCurrentUser, u"\\Software\\Recent", u"a"));
-  rig.Repair([&rig](const std::string& update, TWorkerThread&) {
-    if (update == "section: 11036 Broken...") {
-      rig.System.Registry.Set(kOld, u"New", u"x");
-      rig.System.Registry.Set(kRecent, u"a", u"x");
+  const std::string appeared = R"([HKEY_CURRENT_USER\Software\Old]
+"New"="x"
+)";
+  const std::string appearedToo = R"([HKEY_CURRENT_USER\Software\Recent]
+"a"="x"
+)";
+  rig.Repair([&](const std::string& update, TWorkerThread&) {
+    if (update == Repairing("Broken")) {
+      LoadRegText(rig.System.Registry, appeared);
+      LoadRegText(rig.System.Registry, appearedToo);
     }
   });
-  EXPECT_TRUE(rig.System.Registry.HasValue(kOld, u"New"));
-  EXPECT_TRUE(rig.System.Registry.HasValue(kRecent, u"a"));
+  EXPECT_EQ(RegText(rig.System.Registry, kOld), appeared);
+  EXPECT_EQ(RegText(rig.System.Registry, kRecent), appearedToo);
   EXPECT_EQ(rig.Unmarked().size(), 2U);
 }
 
 TEST(RepairOfUnreadableThings, LeavesADeniedKeyAndItsValuesAndGoesOn) {
   TSmallRepair rig;
-  rig.System.Registry.Set(u"HKEY_CURRENT_USER\\Locked", u"v", u"x");
+  const std::string locked = R"([HKEY_CURRENT_USER\Locked]
+"v"="x"
+)";
+  LoadRegText(rig.System.Registry, locked);
+  LoadRegText(rig.System.Registry, "[HKEY_CURRENT_USER\\Last]\n");
   rig.AddProblem(rig.Section, ValueProblem(kHkeyCurrentUser, u"\\Locked", u"v"));
   rig.AddProblem(rig.Section, KeyProblem(kHkeyCurrentUser, u"\\Locked"));
-  rig.System.Registry.AddKey(u"HKEY_CURRENT_USER\\Last");
   rig.AddProblem(rig.Section, KeyProblem(kHkeyCurrentUser, u"\\Last"));
   rig.System.Registry.Deny(u"HKEY_CURRENT_USER\\Locked");
   rig.Repair();
-  EXPECT_TRUE(rig.System.Registry.HasValue(u"HKEY_CURRENT_USER\\Locked", u"v"));
-  EXPECT_FALSE(rig.System.Registry.HasKey(u"HKEY_CURRENT_USER\\Last"));
+  EXPECT_EQ(RegText(rig.System.Registry, u"HKEY_CURRENT_USER\\Locked"), locked);
+  EXPECT_EQ(RegText(rig.System.Registry, u"HKEY_CURRENT_USER\\Last"), "");
   EXPECT_EQ(rig.Unmarked(), TLines({"\\Locked|v", "\\Locked|"}));
   EXPECT_EQ(rig.Outcome.NotSaved.size(), 2U);
   EXPECT_EQ(rig.Outcome.Deleted.size(), 3U);
@@ -332,11 +398,16 @@ TEST(RepairOfUnreadableThings, LeavesADeniedKeyAndItsValuesAndGoesOn) {
 
 TEST(RepairOfUnreadableThings, LeavesAKeyWithADeniedKeyBelowIt) {
   TRepairRig rig;
-  rig.System.Registry.Set(kOld, u"v", u"x");
+  const std::string before = R"([HKEY_CURRENT_USER\Software\Old]
+"v"="x"
+
+[HKEY_CURRENT_USER\Software\Old\Locked]
+)";
+  LoadRegText(rig.System.Registry, before);
   rig.System.Registry.Deny(u"HKEY_CURRENT_USER\\Software\\Old\\Locked");
   rig.AddProblem(rig.AddSection(u"Broken"), KeyProblem(kHkeyCurrentUser, u"\\Software\\Old"));
   rig.Repair();
-  EXPECT_TRUE(rig.System.Registry.HasValue(kOld, u"v"));
+  EXPECT_EQ(RegText(rig.System.Registry, kOld), before);
   EXPECT_FALSE(Holds(rig.BackupText(), "["));
   EXPECT_EQ(rig.Unmarked().size(), 1U);
 }
@@ -345,7 +416,10 @@ TEST(RepairOfUnreadableThings, NeverFollowsARegistryLink) {
   for (const bool backupsOn : {true, false}) {
     TRepairRig rig;
     rig.System.Registry.SetInteger(kSettings, u"RegistryCleaner", backupsOn ? 1 : 0);
-    rig.System.Registry.Set(u"HKEY_LOCAL_MACHINE\\Precious", u"v", u"x");
+    const std::string precious = R"([HKEY_LOCAL_MACHINE\Precious]
+"v"="x"
+)";
+    LoadRegText(rig.System.Registry, precious);
     rig.System.Registry.MakeLink(u"HKEY_CURRENT_USER\\Link", u"HKEY_LOCAL_MACHINE\\Precious");
     rig.System.Registry.MakeLink(u"HKEY_CURRENT_USER\\Parent\\Link", u"HKEY_LOCAL_MACHINE\\Precious");
     TResultsNode* section = rig.AddSection(u"Broken");
@@ -353,7 +427,7 @@ TEST(RepairOfUnreadableThings, NeverFollowsARegistryLink) {
     rig.AddProblem(section, KeyProblem(kHkeyCurrentUser, u"\\Link"));
     rig.AddProblem(section, KeyProblem(kHkeyCurrentUser, u"\\Parent"));
     rig.Repair();
-    EXPECT_TRUE(rig.System.Registry.HasValue(u"HKEY_LOCAL_MACHINE\\Precious", u"v")) << backupsOn;
+    EXPECT_EQ(RegText(rig.System.Registry, u"HKEY_LOCAL_MACHINE\\Precious"), precious) << backupsOn;
     EXPECT_TRUE(rig.System.Registry.HasKey(u"HKEY_CURRENT_USER\\Parent\\Link")) << backupsOn;
     EXPECT_EQ(rig.Unmarked().size(), backupsOn ? 3U : 0U);
     EXPECT_EQ(rig.Outcome.Failed.size(), backupsOn ? 0U : 3U);
@@ -363,12 +437,13 @@ TEST(RepairOfUnreadableThings, NeverFollowsARegistryLink) {
 TEST(AFailedDeletion, IsMarkedAsRemovedAndCounted) {
   TSmallRepair rig;
   rig.Repair([&rig](const std::string& update, TWorkerThread&) {
-    if (update == "section: 11036 Broken...") {
+    if (update == Repairing("Broken")) {
       rig.System.Registry.Deny(kOld);
-      rig.System.Registry.Deny(u"HKEY_LOCAL_MACHINE\\Software\\Run");
+      rig.System.Registry.Deny(kRunKey);
     }
   });
-  EXPECT_TRUE(rig.System.Registry.HasKey(kOld));
+  EXPECT_EQ(rig.OldText(), kBroken);
+  EXPECT_EQ(rig.RunText(), kRun);
   EXPECT_TRUE(rig.Unmarked().empty());
   EXPECT_EQ(rig.Outcome.Failed.size(), 2U);
   EXPECT_EQ(rig.Outcome.Deleted.size(), 0U);
@@ -378,7 +453,7 @@ TEST(AFailedBackupOfARepair, EndsItBeforeAnythingIsDeletedWhicheverStepFails) {
   struct TCase {
     const char* Name;
     std::function<void(TSmallRepair&)> Break;
-    const char* Reason;
+    std::string Reason;
   };
   const TCase cases[] = {
       {"folder", [](TSmallRepair& rig) { rig.System.Disk.FailMakingFolders(kErrorAccessDenied); },
@@ -387,7 +462,8 @@ TEST(AFailedBackupOfARepair, EndsItBeforeAnythingIsDeletedWhicheverStepFails) {
        "System message 112."},
       {"read back", [](TSmallRepair& rig) { rig.System.Disk.FailReading(kErrorAccessDenied); },
        "System message 5."},
-      {"verify", [](TSmallRepair& rig) { rig.System.Disk.CorruptWrites(true); }, "40005"},
+      {"verify", [](TSmallRepair& rig) { rig.System.Disk.CorruptWrites(true); },
+       EncodeUtf8(Says(TextId::BackupNotVerified))},
       {"index",
        [](TSmallRepair& rig) {
          const Text index = rig.Vars.SuiteBackupsFolder + u"index.ini";
@@ -396,6 +472,7 @@ TEST(AFailedBackupOfARepair, EndsItBeforeAnythingIsDeletedWhicheverStepFails) {
        },
        "index.ini: System message 5."},
   };
+  const std::string notBegun = EncodeUtf8(Says(TextId::RepairFailedBeforeDeletion)) + "(";
   for (const TCase& each : cases) {
     TSmallRepair rig;
     const std::vector<std::string> before = rig.Dump();
@@ -403,7 +480,7 @@ TEST(AFailedBackupOfARepair, EndsItBeforeAnythingIsDeletedWhicheverStepFails) {
     rig.Repair();
     EXPECT_EQ(rig.Dump(), before) << each.Name;
     EXPECT_EQ(rig.Unmarked().size(), 2U) << each.Name;
-    EXPECT_EQ(rig.FailureText.substr(0, 6), "40004(") << each.Name;
+    EXPECT_TRUE(rig.FailureText.starts_with(notBegun)) << rig.FailureText;
     EXPECT_TRUE(Holds(rig.FailureText, each.Reason)) << rig.FailureText;
     EXPECT_FALSE(rig.Outcome.BackupMade) << each.Name;
     EXPECT_EQ(rig.Outcome.NotReached, 2U) << each.Name;
@@ -426,34 +503,37 @@ TEST(CancellingARepair, DoesNotStopTheBackupButEveryDeletion) {
 TEST(CancellingARepair, StopsBeforeTheNextProblem) {
   TSmallRepair rig;
   rig.Repair([](const std::string& update, TWorkerThread& thread) {
-    if (update == "item: 11069 ")
+    if (update == Deleting(TextId::DeletingKey))
       thread.Terminate();
   });
-  EXPECT_FALSE(rig.System.Registry.HasKey(kOld));
-  EXPECT_TRUE(rig.System.Registry.HasValue(u"HKEY_LOCAL_MACHINE\\Software\\Run", u"Updater"));
+  EXPECT_EQ(rig.OldText(), "");
+  EXPECT_EQ(rig.RunText(), kRun);
   EXPECT_EQ(rig.Unmarked(), TLines({"\\Software\\Run|Updater"}));
   EXPECT_EQ(rig.Outcome.NotReached, 1U);
 }
 
 TEST(CancellingARepair, StopsBeforeTheNextSection) {
   TSmallRepair rig;
-  rig.System.Registry.AddKey(u"HKEY_CURRENT_USER\\Next");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Next]
+)");
   rig.AddProblem(rig.AddSection(u"Next"), KeyProblem(kHkeyCurrentUser, u"\\Next"));
   rig.Repair([](const std::string& update, TWorkerThread& thread) {
     if (Holds(update, "Updater"))
       thread.Terminate();
   });
-  EXPECT_TRUE(rig.System.Registry.HasKey(u"HKEY_CURRENT_USER\\Next"));
+  EXPECT_EQ(RegText(rig.System.Registry, u"HKEY_CURRENT_USER\\Next"), "[HKEY_CURRENT_USER\\Next]\n");
   EXPECT_FALSE(Holds(rig.Updates.back(), "Next"));
 }
 
 TEST(CancellingARepair, MarksWhatWasDeletedWhileItWasCancelled) {
   TSmallRepair rig;
   rig.Repair([&rig](const std::string& update, TWorkerThread& thread) {
-    if (update == "section: 11036 Broken...")
+    if (update == Repairing("Broken"))
       rig.System.Registry.OnDeletion = [&thread] { thread.Terminate(); };
   });
-  EXPECT_FALSE(rig.System.Registry.HasKey(kOld));
+  EXPECT_EQ(rig.OldText(), "");
+  EXPECT_EQ(rig.RunText(), kRun);
   EXPECT_TRUE(rig.Key->Problem.StateFlag2);
   EXPECT_FALSE(rig.Value->Problem.StateFlag2);
   EXPECT_EQ(rig.Outcome.Deleted.size(), 1U);
@@ -463,142 +543,193 @@ TEST(CancellingARepair, MarksWhatWasDeletedWhileItWasCancelled) {
 
 TEST(StartMenuRepair, DeletesTheEmptiedKeysUpToTheProgramsKey) {
   TRepairRig rig;
-  rig.System.Registry.Set(Text(kPrograms), u"Order", u"p");
-  rig.System.Registry.Set(Text(kPrograms) + u"\\A", u"Order", u"a");
-  rig.System.Registry.Set(Text(kPrograms) + u"\\A\\B", u"Order", u"b");
-  const std::vector<std::string> before = rig.System.Registry.Dump(kPrograms);
+  const std::string before = R"([HKEY_CURRENT_USER\Menu\Start Menu2\Programs]
+"Order"="p"
+
+[HKEY_CURRENT_USER\Menu\Start Menu2\Programs\A]
+"Order"="a"
+
+[HKEY_CURRENT_USER\Menu\Start Menu2\Programs\A\B]
+"Order"="b"
+)";
+  LoadRegText(rig.System.Registry, before);
   rig.AddProblem(rig.AddSection(u"Start Menu", kStartMenuImage),
                  KeyProblem(kHkeyCurrentUser, u"\\Menu\\Start Menu2\\Programs\\A\\B", kStartMenuImage));
   rig.Repair();
-  EXPECT_FALSE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A"));
-  EXPECT_TRUE(rig.System.Registry.HasValue(kPrograms, u"Order"));
+  EXPECT_EQ(RegText(rig.System.Registry, kPrograms), R"([HKEY_CURRENT_USER\Menu\Start Menu2\Programs]
+"Order"="p"
+)");
   // The emptied keys' own values are in the backup too.
   rig.RestoreTheBackup();
-  EXPECT_EQ(rig.System.Registry.Dump(kPrograms), before);
+  EXPECT_EQ(RegText(rig.System.Registry, kPrograms), before);
 }
 
 TEST(StartMenuRepair, StopsAtTheFirstKeyThatHoldsOtherKeys) {
   TRepairRig rig;
-  rig.System.Registry.AddKey(Text(kPrograms) + u"\\A\\B");
-  rig.System.Registry.AddKey(Text(kPrograms) + u"\\A\\Other");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Menu\Start Menu2\Programs\A\B]
+[HKEY_CURRENT_USER\Menu\Start Menu2\Programs\A\Other]
+)");
   rig.AddProblem(rig.AddSection(u"Start Menu"),
                  KeyProblem(kHkeyCurrentUser, u"\\Menu\\Start Menu2\\Programs\\A\\B", kStartMenuImage));
   rig.Repair();
-  EXPECT_FALSE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A\\B"));
-  EXPECT_TRUE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A\\Other"));
+  EXPECT_EQ(RegText(rig.System.Registry, kPrograms), R"([HKEY_CURRENT_USER\Menu\Start Menu2\Programs]
+
+[HKEY_CURRENT_USER\Menu\Start Menu2\Programs\A]
+
+[HKEY_CURRENT_USER\Menu\Start Menu2\Programs\A\Other]
+)");
 }
 
 TEST(StartMenuRepair, DeletesAKeyAboveOnlyWhenItsBackupHoldsIt) {
   TRepairRig rig;
-  rig.System.Registry.Set(Text(kPrograms) + u"\\A\\B", u"Order", u"b");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Menu\Start Menu2\Programs\A\B]
+"Order"="b"
+)");
   rig.System.Registry.Deny(Text(kPrograms) + u"\\A\\Locked");
   rig.AddProblem(rig.AddSection(u"Start Menu"),
                  KeyProblem(kHkeyCurrentUser, u"\\Menu\\Start Menu2\\Programs\\A\\B", kStartMenuImage));
   rig.Repair([&rig](const std::string& update, TWorkerThread&) {
-    if (update == "section: 11036 Start Menu...")
+    if (update == Repairing("Start Menu"))
       rig.System.Registry.RemoveKey(Text(kPrograms) + u"\\A\\Locked");
   });
-  EXPECT_FALSE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A\\B"));
-  EXPECT_TRUE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A"));
+  EXPECT_EQ(RegText(rig.System.Registry, kPrograms), R"([HKEY_CURRENT_USER\Menu\Start Menu2\Programs]
+
+[HKEY_CURRENT_USER\Menu\Start Menu2\Programs\A]
+)");
 }
 
 TEST(StartMenuRepair, LooksAtTheProblemsOwnPictureNotAtItsSections) {
   for (const std::int32_t image : {-1, 0}) {
     TRepairRig rig;
-    rig.System.Registry.AddKey(Text(kPrograms) + u"\\A\\B");
+    LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Menu\Start Menu2\Programs\A\B]
+)");
     rig.AddProblem(rig.AddSection(u"Start Menu", kStartMenuImage),
                    KeyProblem(kHkeyCurrentUser, u"\\Menu\\Start Menu2\\Programs\\A\\B", image));
     rig.Repair();
-    EXPECT_FALSE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A\\B"));
-    EXPECT_TRUE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A"));
+    EXPECT_EQ(RegText(rig.System.Registry, kPrograms), R"([HKEY_CURRENT_USER\Menu\Start Menu2\Programs]
+
+[HKEY_CURRENT_USER\Menu\Start Menu2\Programs\A]
+)");
   }
 }
 
 TEST(StartMenuRepair, TrimsThePathAndDropsItsLastBackslash) {
   TRepairRig rig;
-  rig.System.Registry.AddKey(Text(kPrograms) + u"\\A\\B");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Menu\Start Menu2\Programs\A\B]
+)");
   rig.AddProblem(rig.AddSection(u"Start Menu"),
                  KeyProblem(kHkeyCurrentUser, u"\\Menu\\Start Menu2\\Programs\\A\\B\\", kStartMenuImage));
   rig.Repair();
-  EXPECT_FALSE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A"));
-  EXPECT_TRUE(rig.System.Registry.HasKey(kPrograms));
+  EXPECT_EQ(RegText(rig.System.Registry, kPrograms), "[HKEY_CURRENT_USER\\Menu\\Start Menu2\\Programs]\n");
 }
 
 TEST(StartMenuRepair, DeletesTheEmptiedKeysAlsoWhenItsOwnWasDeletedMeanwhile) {
   TRepairRig rig;
-  rig.System.Registry.AddKey(Text(kPrograms) + u"\\A\\B");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Menu\Start Menu2\Programs\A\B]
+)");
   rig.AddProblem(rig.AddSection(u"Start Menu"),
                  KeyProblem(kHkeyCurrentUser, u"\\Menu\\Start Menu2\\Programs\\A\\B", kStartMenuImage));
   rig.Repair([&rig](const std::string& update, TWorkerThread&) {
-    if (update == "section: 11036 Start Menu...")
+    if (update == Repairing("Start Menu"))
       rig.System.Registry.RemoveKey(Text(kPrograms) + u"\\A\\B");
   });
-  EXPECT_FALSE(rig.System.Registry.HasKey(Text(kPrograms) + u"\\A"));
-  EXPECT_TRUE(rig.System.Registry.HasKey(kPrograms));
+  EXPECT_EQ(RegText(rig.System.Registry, kPrograms), "[HKEY_CURRENT_USER\\Menu\\Start Menu2\\Programs]\n");
 }
 
 TEST(MruRepair, WritesTheOrderAlsoWhenItsValueWasDeletedMeanwhile) {
   TRepairRig rig;
-  rig.System.Registry.Set(kRecent, u"a", u"C:\\gone.txt");
-  rig.System.Registry.Set(kRecent, u"b", u"C:\\here.txt");
-  rig.System.Registry.Set(kRecent, u"MRUList", u"ba");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Recent]
+"a"="C:\\gone.txt"
+"b"="C:\\here.txt"
+"MRUList"="ba"
+)");
   rig.AddProblem(rig.AddSection(u"MRU"),
                  ValueProblem(kHkeyCurrentUser, u"\\Software\\Recent", u"a", kMruImage));
   rig.Repair([&rig](const std::string& update, TWorkerThread&) {
-    if (update == "section: 11036 MRU...") {
+    if (update == Repairing("MRU")) {
       EXPECT_EQ(rig.System.Raw.DeleteValue(kHkeyCurrentUser, u"\\Software\\Recent", u"a"), TRawResult::Done);
     }
   });
-  EXPECT_EQ(rig.System.Registry.FindValue(kRecent, u"MRUList")->Data, StringBytes(u"b"));
+  EXPECT_EQ(RegText(rig.System.Registry, kRecent), R"([HKEY_CURRENT_USER\Software\Recent]
+"b"="C:\\here.txt"
+"MRUList"="b"
+)");
 }
 
 TEST(MruRepair, WritesTheOrderOfTheValuesThatStay) {
   TRepairRig rig;
-  for (const TextView name : {u"a", u"b", u"c"})
-    rig.System.Registry.Set(kRecent, name, u"C:\\gone.txt");
-  rig.System.Registry.Set(kRecent, u"MRUList", u"cba");
-  const std::vector<std::string> before = rig.System.Registry.Dump(kRecent);
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Recent]
+"a"="C:\\gone.txt"
+"b"="C:\\gone.txt"
+"c"="C:\\gone.txt"
+"MRUList"="cba"
+)");
   rig.AddProblem(rig.AddSection(u"MRU", kMruImage),
                  ValueProblem(kHkeyCurrentUser, u"\\Software\\Recent", u"b", kMruImage));
   rig.Repair();
-  EXPECT_EQ(rig.System.Registry.FindValue(kRecent, u"MRUList")->Data, StringBytes(u"ac"));
+  EXPECT_EQ(RegText(rig.System.Registry, kRecent), R"([HKEY_CURRENT_USER\Software\Recent]
+"a"="C:\\gone.txt"
+"c"="C:\\gone.txt"
+"MRUList"="ac"
+)");
   // The old order is in the backup too.
   rig.RestoreTheBackup();
-  std::vector<std::string> after = rig.System.Registry.Dump(kRecent);
-  std::sort(after.begin(), after.end());
-  std::vector<std::string> sortedBefore = before;
-  std::sort(sortedBefore.begin(), sortedBefore.end());
-  EXPECT_EQ(after, sortedBefore);
+  EXPECT_EQ(RegText(rig.System.Registry, kRecent), R"([HKEY_CURRENT_USER\Software\Recent]
+"a"="C:\\gone.txt"
+"c"="C:\\gone.txt"
+"MRUList"="cba"
+"b"="C:\\gone.txt"
+)");
 }
 
 TEST(MruRepair, OfTheLastValueLeavesAnEmptyOrder) {
   TRepairRig rig;
-  rig.System.Registry.Set(kRecent, u"a", u"C:\\gone.txt");
-  rig.System.Registry.Set(kRecent, u"mruLIST", u"a");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Recent]
+"a"="C:\\gone.txt"
+"mruLIST"="a"
+)");
   rig.AddProblem(rig.AddSection(u"MRU"),
                  ValueProblem(kHkeyCurrentUser, u"\\Software\\Recent", u"a", kMruImage));
   rig.Repair();
-  EXPECT_EQ(rig.System.Registry.FindValue(kRecent, u"MRUList")->Data, StringBytes(u""));
+  EXPECT_EQ(RegText(rig.System.Registry, kRecent), R"([HKEY_CURRENT_USER\Software\Recent]
+"mruLIST"=""
+)");
 }
 
 TEST(MruRepair, WritesNoOrderWhereThereWasNone) {
   TRepairRig rig;
-  rig.System.Registry.Set(kRecent, u"a", u"C:\\gone.txt");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Recent]
+"a"="C:\\gone.txt"
+)");
   rig.AddProblem(rig.AddSection(u"MRU"),
                  ValueProblem(kHkeyCurrentUser, u"\\Software\\Recent", u"a", kMruImage));
   rig.Repair();
-  EXPECT_FALSE(rig.System.Registry.HasValue(kRecent, u"MRUList"));
+  EXPECT_EQ(RegText(rig.System.Registry, kRecent), R"([HKEY_CURRENT_USER\Software\Recent]
+)");
 }
 
 TEST(MruRepair, LooksAtTheProblemsOwnPictureNotAtItsSections) {
   TRepairRig rig;
-  rig.System.Registry.Set(kRecent, u"a", u"C:\\gone.txt");
-  rig.System.Registry.Set(kRecent, u"MRUList", u"a");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Recent]
+"a"="C:\\gone.txt"
+"MRUList"="a"
+)");
   rig.AddProblem(rig.AddSection(u"MRU", kMruImage),
                  ValueProblem(kHkeyCurrentUser, u"\\Software\\Recent", u"a"));
   rig.Repair();
-  EXPECT_FALSE(rig.System.Registry.HasValue(kRecent, u"a"));
-  EXPECT_EQ(rig.System.Registry.FindValue(kRecent, u"MRUList")->Data, StringBytes(u"a"));
+  EXPECT_EQ(RegText(rig.System.Registry, kRecent), R"([HKEY_CURRENT_USER\Software\Recent]
+"MRUList"="a"
+)");
   EXPECT_FALSE(Holds(rig.BackupText(), "MRUList"));
 }
 
