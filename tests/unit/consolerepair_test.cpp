@@ -4,6 +4,8 @@
 
 #include <thread>
 
+#include "tests/support/names.h"
+#include "tests/support/regtext.h"
 #include "tests/support/testconsole.h"
 
 namespace corvalt {
@@ -17,16 +19,41 @@ constexpr TextView kModules =
 constexpr TextView kIgnored =
     u"HKEY_CURRENT_USER\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\IgnoreList";
 
+// The user's broken shell folder, before and after a repair.
+constexpr std::string_view kBroken =
+    R"([HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\Shell Folders]
+"Fonts"="C:\\gone"
+)";
+constexpr std::string_view kRepaired =
+    R"([HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\Shell Folders]
+)";
+
+constexpr std::string_view kApp = R"([HKEY_CURRENT_USER\Software\App]
+"File"="C:\\gone"
+)";
+constexpr std::string_view kRepairedApp = "[HKEY_CURRENT_USER\\Software\\App]\n";
+
+// A text as a line of the console.
+std::string Line(const Text& text) {
+  return EncodeUtf8(text) + "\n";
+}
+
+// How a text with an argument begins.
+std::string Begin(TextId text) {
+  return EncodeUtf8(Says(text)) + "(";
+}
+
 const std::string kListing =
     "Registry Integrity (1)\n"
     "  HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders\n"
     "    Value: Fonts\n"
-    "    11068(Fonts|C:\\gone)\n";
+    "    " +
+    Line(Says(TextId::MissingShellFolder, u"Fonts", u"C:\\gone"));
 
 class ConsoleRepair : public testing::Test {
  protected:
   ConsoleRepair() {
-    m_rig.Scan.System.Registry.Set(kShellFolders, u"Fonts", u"C:\\gone");
+    LoadRegText(m_rig.Scan.System.Registry, kBroken);
   }
 
   // Forgets what was written and told before.
@@ -37,8 +64,19 @@ class ConsoleRepair : public testing::Test {
   }
 
   int Repair(std::vector<Text> more = {u"--yes"}) {
-    more.insert(more.begin(), {u"repair", u"--sections", u"1"});
+    more.insert(more.begin(), {u"repair", u"--sections", DecimalText(Section::RegistryIntegrity)});
     return Run(more);
+  }
+
+  // A broken value, and a link to its key: the problem that is found behind the link stays.
+  void AddLinkedApp() {
+    LoadRegText(m_rig.Scan.System.Registry, kApp);
+    m_rig.Scan.System.Registry.MakeLink(u"HKEY_CURRENT_USER\\Software\\Link",
+                                        u"HKEY_CURRENT_USER\\Software\\App");
+  }
+
+  std::string TextOf(TextView key) {
+    return RegText(m_rig.Scan.System.Registry, key);
   }
 
   bool HasProblem() {
@@ -58,17 +96,18 @@ TEST_F(ConsoleRepair, WithoutYesListsWhatItWouldDeleteAndDeletesNothing) {
   m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"index.ini", "[1]\r\nType=11001\r\n");
   EXPECT_EQ(Repair({}), 1);
   EXPECT_EQ(m_rig.Console.Output, kListing);
-  EXPECT_EQ(m_rig.Told(), "40116\n");
-  EXPECT_TRUE(HasProblem());
+  EXPECT_EQ(m_rig.Told(), Line(Says(TextId::NothingDeletedWithoutYes)));
+  EXPECT_EQ(TextOf(kShellFolders), kBroken);
   // Not even an old backup.
   EXPECT_EQ(m_rig.Scan.System.Disk.Content(BackupsFolder() + u"index.ini"), "[1]\r\nType=11001\r\n");
 }
 
 TEST_F(ConsoleRepair, WithYesBacksUpAndDeletes) {
   EXPECT_EQ(Repair(), 0);
-  EXPECT_FALSE(HasProblem());
+  EXPECT_EQ(TextOf(kShellFolders), kRepaired);
   EXPECT_EQ(m_rig.Console.Output, "");
-  EXPECT_EQ(m_rig.Told(), "40117(46341.5)\n40118(1)\n");
+  EXPECT_EQ(m_rig.Told(),
+            Line(Says(TextId::BackupNamed, u"46341.5")) + Line(Says(TextId::EntriesRepaired, u"1")));
 }
 
 TEST_F(ConsoleRepair, WithNothingToDoAnswersZeroAndMakesNoBackup) {
@@ -86,29 +125,28 @@ TEST_F(ConsoleRepair, TidiesTheBackupsUpFirst) {
 }
 
 TEST_F(ConsoleRepair, ListsWhatIsLeftAndAnswersOne) {
-  m_rig.Scan.System.Registry.Set(u"HKEY_CURRENT_USER\\Software\\App", u"File", u"C:\\gone");
-  m_rig.Scan.System.Registry.MakeLink(u"HKEY_CURRENT_USER\\Software\\Link",
-                                      u"HKEY_CURRENT_USER\\Software\\App");
-  EXPECT_EQ(Run({u"repair", u"--sections", u"22", u"--yes"}), 1);
-  EXPECT_FALSE(m_rig.Scan.System.Registry.HasValue(u"HKEY_CURRENT_USER\\Software\\App", u"File"));
+  AddLinkedApp();
+  EXPECT_EQ(Run({u"repair", u"--sections", DecimalText(Section::FilesOfCurrentUser), u"--yes"}), 1);
+  EXPECT_EQ(TextOf(u"HKEY_CURRENT_USER\\Software\\App"), kRepairedApp);
   EXPECT_NE(m_rig.Console.Output.find("\\Software\\Link\n"), std::string::npos) << m_rig.Console.Output;
   EXPECT_EQ(m_rig.Console.Output.find("\\Software\\App\n"), std::string::npos);
-  EXPECT_NE(m_rig.Told().find("40060(1)\n"), std::string::npos) << m_rig.Told();
+  EXPECT_NE(m_rig.Told().find(Line(Says(TextId::EntriesNotSaved, u"1"))), std::string::npos) << m_rig.Told();
 }
 
 TEST_F(ConsoleRepair, ListsWhatCouldNotBeDeletedAndAnswersOne) {
   m_rig.Scan.System.Registry.LetUse(kShellFolders, TMemoryRights::Read);
   EXPECT_EQ(Repair(), 1);
-  EXPECT_TRUE(HasProblem());
+  EXPECT_EQ(TextOf(kShellFolders), kBroken);
   EXPECT_EQ(m_rig.Console.Output, kListing);
-  EXPECT_EQ(m_rig.Told(), "40117(46341.5)\n40061(1)\n");
+  EXPECT_EQ(m_rig.Told(),
+            Line(Says(TextId::BackupNamed, u"46341.5")) + Line(Says(TextId::EntriesNotDeleted, u"1")));
 }
 
 TEST_F(ConsoleRepair, ListsWhatIsLeftOnStandardErrorWhereStandardOutputHoldsJson) {
-  m_rig.Scan.System.Registry.Set(u"HKEY_CURRENT_USER\\Software\\App", u"File", u"C:\\gone");
-  m_rig.Scan.System.Registry.MakeLink(u"HKEY_CURRENT_USER\\Software\\Link",
-                                      u"HKEY_CURRENT_USER\\Software\\App");
-  EXPECT_EQ(Run({u"repair", u"--sections", u"22", u"--yes", u"--json", u"-"}), 1);
+  AddLinkedApp();
+  EXPECT_EQ(
+      Run({u"repair", u"--sections", DecimalText(Section::FilesOfCurrentUser), u"--yes", u"--json", u"-"}),
+      1);
   EXPECT_EQ(m_rig.Console.Output.front(), '{');
   EXPECT_NE(m_rig.Told().find("  HKEY_CURRENT_USER\\Software\\Link\n"), std::string::npos) << m_rig.Told();
 }
@@ -116,8 +154,8 @@ TEST_F(ConsoleRepair, ListsWhatIsLeftOnStandardErrorWhereStandardOutputHoldsJson
 TEST_F(ConsoleRepair, AnswersThreeWithTheReasonWhenTheDiskIsFull) {
   m_rig.Scan.System.Disk.FailReplacing(kErrorDiskFull);
   EXPECT_EQ(Repair(), 3);
-  EXPECT_TRUE(HasProblem());
-  EXPECT_NE(m_rig.Told().find("40004("), std::string::npos) << m_rig.Told();
+  EXPECT_EQ(TextOf(kShellFolders), kBroken);
+  EXPECT_NE(m_rig.Told().find(Begin(TextId::RepairFailedBeforeDeletion)), std::string::npos) << m_rig.Told();
   EXPECT_NE(m_rig.Told().find("System message 112."), std::string::npos) << m_rig.Told();
 }
 
@@ -126,22 +164,28 @@ TEST_F(ConsoleRepair, RepairsAlsoWhenTheBackupsCannotBeTidiedUp) {
                                  "[1]\r\n");
   m_rig.Scan.System.Disk.MakeUnreadable(u"C:\\Users\\Ann\\AppData\\TessalySoft\\Corvalt\\Backups\\index.ini");
   EXPECT_EQ(Repair(), 0);
-  EXPECT_NE(m_rig.Told().find("40007("), std::string::npos) << m_rig.Told();
+  EXPECT_NE(m_rig.Told().find(Begin(TextId::MaintenanceFailed)), std::string::npos) << m_rig.Told();
   EXPECT_FALSE(HasProblem());
 }
 
 TEST_F(ConsoleRepair, AnswersThreeWhenTheScanFails) {
-  EXPECT_EQ(Run({u"repair", u"--sections", u"1,100", u"--yes"}), 3);
+  EXPECT_EQ(Run({u"repair", u"--sections",
+                 DecimalText(Section::RegistryIntegrity) + u"," + DecimalText(Section::AdwareAndSpyware),
+                 u"--yes"}),
+            3);
   EXPECT_TRUE(HasProblem());
 }
 
 TEST_F(ConsoleRepair, WithBackupsSwitchedOffNeedsASecondWord) {
-  m_rig.Scan.System.Registry.SetInteger(kModules, u"RegistryCleaner", 0);
+  LoadRegText(m_rig.Scan.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\TessalySoft\Tessaly Utilities\Settings\AvailableModules]
+"RegistryCleaner"=dword:00000000
+)");
   EXPECT_EQ(Repair(), 2);
   EXPECT_TRUE(HasProblem());
   EXPECT_EQ(Repair({u"--yes", u"--no-backup"}), 0);
   EXPECT_FALSE(HasProblem());
-  EXPECT_EQ(m_rig.Told(), "40118(1)\n");
+  EXPECT_EQ(m_rig.Told(), Line(Says(TextId::EntriesRepaired, u"1")));
   EXPECT_FALSE(m_rig.Scan.System.Disk.Content(BackupsFolder() + u"index.ini"));
 }
 
@@ -151,12 +195,10 @@ TEST_F(ConsoleRepair, MakesABackupInSpiteOfTheWordWhereTheSettingsWantOne) {
 }
 
 TEST_F(ConsoleRepair, AnswersForTheDeletionsWhenWhatIsLeftCannotBeWritten) {
-  m_rig.Scan.System.Registry.Set(u"HKEY_CURRENT_USER\\Software\\App", u"File", u"C:\\gone");
-  m_rig.Scan.System.Registry.MakeLink(u"HKEY_CURRENT_USER\\Software\\Link",
-                                      u"HKEY_CURRENT_USER\\Software\\App");
+  AddLinkedApp();
   m_rig.Console.WriteFailure = kErrorDiskFull;
-  EXPECT_EQ(Run({u"repair", u"--sections", u"22", u"--yes"}), 1);
-  EXPECT_FALSE(m_rig.Scan.System.Registry.HasValue(u"HKEY_CURRENT_USER\\Software\\App", u"File"));
+  EXPECT_EQ(Run({u"repair", u"--sections", DecimalText(Section::FilesOfCurrentUser), u"--yes"}), 1);
+  EXPECT_EQ(TextOf(u"HKEY_CURRENT_USER\\Software\\App"), kRepairedApp);
 }
 
 TEST_F(ConsoleRepair, MakesABackupWhenBackupsAreSwitchedOffDuringTheScan) {
@@ -172,7 +214,7 @@ TEST_F(ConsoleRepair, MakesABackupWhenBackupsAreSwitchedOffDuringTheScan) {
 TEST_F(ConsoleRepair, WritesWhatItFoundAsJsonBeforeItDeletes) {
   EXPECT_EQ(Repair({u"--yes", u"--json", u"-"}), 0);
   EXPECT_NE(m_rig.Console.Output.find("\"valueName\":\"Fonts\""), std::string::npos) << m_rig.Console.Output;
-  m_rig.Scan.System.Registry.Set(kShellFolders, u"Fonts", u"C:\\gone");
+  LoadRegText(m_rig.Scan.System.Registry, kBroken);
   EXPECT_EQ(Repair({u"--yes", u"--json", u"C:\\no folder\\a.json"}), 3);
   EXPECT_TRUE(HasProblem());
 }
@@ -204,14 +246,14 @@ TEST_F(ConsoleRepair, BackupsSaysWhyTheyCannotBeListed) {
   m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"index.ini", "");
   m_rig.Scan.System.Disk.MakeUnreadable(BackupsFolder() + u"index.ini");
   EXPECT_EQ(Run({u"backups"}), 3);
-  EXPECT_EQ(m_rig.Told().substr(0, 6), "40009(");
+  EXPECT_TRUE(m_rig.Told().starts_with(Begin(TextId::BackupsNotListed))) << m_rig.Told();
 }
 
 TEST_F(ConsoleRepair, RestoreBringsItBack) {
   Repair();
   EXPECT_EQ(Run({u"restore", u"46341.5"}), 0);
-  EXPECT_TRUE(HasProblem());
-  EXPECT_EQ(m_rig.Told(), "11041(46341.5)\n");
+  EXPECT_EQ(TextOf(kShellFolders), kBroken);
+  EXPECT_EQ(m_rig.Told(), Line(Says(TextId::RestoreDone, u"46341.5")));
 }
 
 TEST_F(ConsoleRepair, RestoreAnswersOneWhenLinesAreSkipped) {
@@ -222,7 +264,9 @@ TEST_F(ConsoleRepair, RestoreAnswersOneWhenLinesAreSkipped) {
   EXPECT_TRUE(HasProblem());
   const std::size_t lines = SplitLines(FromAscii(text)).size();
   EXPECT_EQ(m_rig.Told(),
-            "40083\n40014(46341.5)\n40015(1)\n40085(" + std::to_string(lines + 1) + "|nonsense)\n");
+            Line(Says(TextId::BackupNotWhole)) + Line(Says(TextId::RestoreIncomplete, u"46341.5")) +
+                Line(Says(TextId::LinesSkipped, u"1")) +
+                Line(Says(TextId::SkippedLine, DecimalText(static_cast<int>(lines) + 1), u"nonsense")));
 }
 
 TEST_F(ConsoleRepair, RestoreRefusesABackupMadeElsewhereUnlessToldOtherwise) {
@@ -230,11 +274,11 @@ TEST_F(ConsoleRepair, RestoreRefusesABackupMadeElsewhereUnlessToldOtherwise) {
   m_rig.Scan.System.Machine.Computer = u"OTHER";
   EXPECT_EQ(Run({u"restore", u"46341.5"}), 3);
   EXPECT_FALSE(HasProblem());
-  const std::string foreign = "40082(ANNS-PC|S-1-5-21-1000-2000-3000-1001)\n";
-  EXPECT_EQ(m_rig.Told(), foreign + "40088\n");
+  const std::string foreign = Line(Says(TextId::BackupForeign, u"ANNS-PC", u"S-1-5-21-1000-2000-3000-1001"));
+  EXPECT_EQ(m_rig.Told(), foreign + Line(Says(TextId::UseForeign)));
   EXPECT_EQ(Run({u"restore", u"46341.5", u"--foreign"}), 0);
   EXPECT_TRUE(HasProblem());
-  EXPECT_EQ(m_rig.Told(), foreign + "11041(46341.5)\n");
+  EXPECT_EQ(m_rig.Told(), foreign + Line(Says(TextId::RestoreDone, u"46341.5")));
 }
 
 TEST_F(ConsoleRepair, RestoreGoesOnWithAFileThatIsNotWhole) {
@@ -244,21 +288,22 @@ TEST_F(ConsoleRepair, RestoreGoesOnWithAFileThatIsNotWhole) {
   m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"46341.5", text);
   EXPECT_EQ(Run({u"restore", u"46341.5"}), 1);
   EXPECT_TRUE(HasProblem());
-  EXPECT_EQ(m_rig.Told(), "40083\n40014(46341.5)\n");
+  EXPECT_EQ(m_rig.Told(),
+            Line(Says(TextId::BackupNotWhole)) + Line(Says(TextId::RestoreIncomplete, u"46341.5")));
 }
 
 TEST_F(ConsoleRepair, RestoreRefusesWhatIsNotListed) {
   m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"7", "REGEDIT4\r\n[HKEY_CURRENT_USER\\Made]\r\n");
   EXPECT_EQ(Run({u"restore", u"7"}), 3);
-  EXPECT_FALSE(m_rig.Scan.System.Registry.HasKey(u"HKEY_CURRENT_USER\\Made"));
-  EXPECT_EQ(m_rig.Told(), "40010(7)\n");
+  EXPECT_EQ(TextOf(u"HKEY_CURRENT_USER\\Made"), "");
+  EXPECT_EQ(m_rig.Told(), Line(Says(TextId::BackupMissing, u"7")));
 }
 
 TEST_F(ConsoleRepair, RestoreRefusesAFileWithoutTheHeader) {
   Repair();
   m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"46341.5", "[HKEY_CURRENT_USER\\Made]\r\n");
   EXPECT_EQ(Run({u"restore", u"46341.5"}), 3);
-  EXPECT_EQ(m_rig.Told(), "40011(46341.5)\n");
+  EXPECT_EQ(m_rig.Told(), Line(Says(TextId::BackupDamaged, u"46341.5")));
 }
 
 TEST_F(ConsoleRepair, OnlyARepairTidiesTheBackupsUp) {
@@ -266,7 +311,7 @@ TEST_F(ConsoleRepair, OnlyARepairTidiesTheBackupsUp) {
   m_rig.Scan.System.Disk.AddFile(BackupsFolder() + u"index.ini", index);
   Run({u"backups"});
   Run({u"restore", u"1"});
-  Run({u"scan", u"--sections", u"1"});
+  Run({u"scan", u"--sections", DecimalText(Section::RegistryIntegrity)});
   Run({u"ignore", u"list"});
   EXPECT_EQ(m_rig.Scan.System.Disk.Content(BackupsFolder() + u"index.ini"), index);
 }
@@ -283,8 +328,11 @@ TEST_F(ConsoleRepair, IgnoreAddsListsAndRemovesEntries) {
 }
 
 TEST_F(ConsoleRepair, IgnoreShowsAndRemovesSwitchedOffEntries) {
-  m_rig.Scan.System.Registry.SetInteger(kIgnored, u";off", 1);
-  m_rig.Scan.System.Registry.SetInteger(kIgnored, u"off", 1);
+  LoadRegText(m_rig.Scan.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\TessalySoft\Tessaly Utilities\Corvalt\IgnoreList]
+";off"=dword:00000001
+"off"=dword:00000001
+)");
   EXPECT_EQ(Run({u"ignore", u"list"}), 0);
   EXPECT_EQ(m_rig.Console.Output, ";off\noff\n");
   EXPECT_EQ(Run({u"ignore", u"remove", u"off"}), 0);
