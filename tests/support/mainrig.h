@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/names.h"
 #include "tests/support/scanrig.h"
 #include "ui/regmain.h"
 
@@ -32,9 +33,9 @@ class TMainRig : private TRegMainView {
  public:
   TMainRig();
 
-  // A value that names a missing file: a problem that only the section with code 22 reports. The
-  // number tells them apart.
-  static constexpr std::int32_t kSection = 22;
+  // A value that names a missing file: a problem that only this section reports. The number tells them
+  // apart.
+  static constexpr std::int32_t kSection = Section::FilesOfCurrentUser;
   void Break(int number);
   void BreakMany(int count);
   bool IsBroken(int number) const;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "base/text.h"
 #include "core/languageids.h"
@@ -41,5 +42,10 @@ inline constexpr std::int32_t AdwareAndSpyware = 100;
 Text Says(TextId id);
 Text Says(TextId id, TextView argument);
 Text Says(TextId id, TextView first, TextView second);
+
+// A message box with this text and the title of its kind, as the double of the message boxes writes it.
+std::string InformationBox(TextView text);
+std::string FailureBox(TextView text);
+std::string QuestionBox(TextView text);
 
 }  // namespace corvalt

@@ -12,6 +12,7 @@
 
 #include "scan/catalogue.h"
 #include "tests/support/mainrig.h"
+#include "tests/support/names.h"
 
 namespace corvalt {
 
@@ -20,8 +21,8 @@ namespace {
 using TLines = std::vector<std::string>;
 
 constexpr TextView kCatalogue = u"C:\\Program Files\\Tessaly\\data\\xdata.dat";
-constexpr std::int32_t kAdware = 100;
-constexpr std::int32_t kFonts = 12;
+// The group of the three sections of files and folders.
+constexpr std::int32_t kFilesGroup = 2;
 constexpr TextView kSections =
     u"HKEY_CURRENT_USER\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt\\Sections";
 constexpr TextView kSettings =
@@ -51,6 +52,16 @@ TSectionsNode* SectionOf(TRegMain& main, std::int32_t code) {
     }
   }
   return nullptr;
+}
+
+// The label of the window's summary.
+Text SummaryLabel(const Text& found, const Text& selected) {
+  return Says(TextId::Summary) + u" (" + found + u"," + selected + u")";
+}
+
+// What a dialog remembers of the counts that it was shown.
+std::string Counts(const Text& found, const Text& selected, int problems) {
+  return EncodeUtf8(found + u"," + selected) + ".|" + std::to_string(problems);
 }
 
 // A rig whose scan has found the given number of problems in one section.
@@ -83,20 +94,20 @@ TEST(MainWindowSettings, GroupsAreNeverStored) {
   rig.Main.LoadSections();
   rig.Main.SaveSettings();
   EXPECT_EQ(rig.StoredSection(u"0"), "(none)");
-  EXPECT_EQ(rig.StoredSection(u"2"), "(none)");
+  EXPECT_EQ(rig.StoredSection(DecimalText(kFilesGroup)), "(none)");
 }
 
 TEST(MainWindowSettings, AnUncheckedSectionStaysUncheckedOverTheNextStart) {
   TMainRig rig;
   rig.Main.LoadSections();
-  rig.Main.Sections().Model().SetChecked(SectionOf(rig.Main, 21), false);
+  rig.Main.Sections().Model().SetChecked(SectionOf(rig.Main, Section::FilesOfLocalMachine), false);
   rig.Main.SaveSettings();
-  EXPECT_EQ(rig.StoredSection(u"21"), "false");
-  rig.Main.Sections().CheckOnly({1});
+  EXPECT_EQ(rig.StoredSection(DecimalText(Section::FilesOfLocalMachine)), "false");
+  rig.Main.Sections().CheckOnly({Section::RegistryIntegrity});
   rig.Main.LoadSections();
-  EXPECT_EQ(SectionOf(rig.Main, 21)->State, TCheckState::Unchecked);
-  EXPECT_EQ(SectionOf(rig.Main, 22)->State, TCheckState::Checked);
-  EXPECT_EQ(SectionOf(rig.Main, 2)->State, TCheckState::Mixed);
+  EXPECT_EQ(SectionOf(rig.Main, Section::FilesOfLocalMachine)->State, TCheckState::Unchecked);
+  EXPECT_EQ(SectionOf(rig.Main, Section::FilesOfCurrentUser)->State, TCheckState::Checked);
+  EXPECT_EQ(SectionOf(rig.Main, kFilesGroup)->State, TCheckState::Mixed);
   EXPECT_EQ(rig.Main.Sections().FirstRoot()->State, TCheckState::Mixed);
 }
 
@@ -188,13 +199,13 @@ TEST(MainWindowActions, TheScansDialogOffersItsRepairWhenTheMaintenanceHasEnded)
 TEST(MainWindowHint, SaysHowToBeginUntilAScanHasFoundNothing) {
   TMainRig rig;
   rig.Vars.Texts = NumberedTexts();
-  EXPECT_EQ(rig.Main.EmptyHint(), u"40017");
+  EXPECT_EQ(rig.Main.EmptyHint(), Says(TextId::HintScan));
   rig.Users = {[&rig](TDialogRecord&) {
     EXPECT_EQ(rig.Main.EmptyHint(), u"");
     rig.WaitForTheEnd();
   }};
   rig.Main.Scan();
-  EXPECT_EQ(rig.Main.EmptyHint(), u"11016");
+  EXPECT_EQ(rig.Main.EmptyHint(), Says(TextId::NoProblemFound));
 }
 
 TEST(MainWindowHint, SaysHowToBeginAfterAScanThatWasStopped) {
@@ -203,7 +214,7 @@ TEST(MainWindowHint, SaysHowToBeginAfterAScanThatWasStopped) {
   rig.Users = {[](TDialogRecord&) {}};
   rig.Main.Scan();
   rig.PumpUntil([&rig] { return !rig.Main.WorkerRuns(); });
-  EXPECT_EQ(rig.Main.EmptyHint(), u"40017");
+  EXPECT_EQ(rig.Main.EmptyHint(), Says(TextId::HintScan));
 }
 
 TEST(MainWindowHint, SaysHowToBeginAfterARepairOfEverything) {
@@ -213,7 +224,7 @@ TEST(MainWindowHint, SaysHowToBeginAfterARepairOfEverything) {
   rig.Main.Scan();
   rig.Main.Repair();
   EXPECT_EQ(rig.RowCount(), 0U);
-  EXPECT_EQ(rig.Main.EmptyHint(), u"40017");
+  EXPECT_EQ(rig.Main.EmptyHint(), Says(TextId::HintScan));
 }
 
 TEST(MainWindowActions, ARepairOfAnEmptyTreeOpensNoDialog) {
@@ -254,9 +265,11 @@ TEST(MainWindowScan, WithoutProblemsEndsWithTheTextsOfNone) {
   rig.Main.Scan();
   ASSERT_EQ(rig.Dialogs.size(), 1u);
   EXPECT_EQ(rig.Dialogs[0].Mode, TProgressMode::Scan);
-  EXPECT_EQ(rig.Dialogs[0].Results, TLines({"11016,11017.|0"}));
+  EXPECT_EQ(rig.Dialogs[0].Results,
+            TLines({Counts(Says(TextId::NoProblemFound), Says(TextId::NoProblemSelected), 0)}));
   ASSERT_FALSE(rig.Summaries.empty());
-  EXPECT_EQ(rig.Summaries.back().Label, u"11011 (11016,11017)");
+  EXPECT_EQ(rig.Summaries.back().Label,
+            SummaryLabel(Says(TextId::NoProblemFound), Says(TextId::NoProblemSelected)));
   EXPECT_EQ(rig.Enabled(), "scan restore");
 }
 
@@ -264,9 +277,10 @@ TEST(MainWindowScan, ShowsItsCountsInTheWindowAndInTheDialog) {
   TMainRig rig;
   rig.BreakMany(3);
   rig.Main.Scan();
-  EXPECT_EQ(rig.Dialogs.at(0).Results, TLines({"11013(3),11015(3).|3"}));
-  EXPECT_EQ(rig.Summaries.back().TotalText, u"11013(3)");
-  EXPECT_EQ(rig.Summaries.back().SelectedText, u"11015(3)");
+  EXPECT_EQ(rig.Dialogs.at(0).Results,
+            TLines({Counts(Says(TextId::ProblemsFound, u"3"), Says(TextId::ProblemsSelected, u"3"), 3)}));
+  EXPECT_EQ(rig.Summaries.back().TotalText, Says(TextId::ProblemsFound, u"3"));
+  EXPECT_EQ(rig.Summaries.back().SelectedText, Says(TextId::ProblemsSelected, u"3"));
   EXPECT_EQ(rig.Header(0)->Problem.ChildCount, 3u);
   EXPECT_EQ(rig.Header(0)->State, TCheckState::Checked);
   EXPECT_GT(rig.ResultsChanges, 0);
@@ -279,7 +293,9 @@ TEST(MainWindowScan, ShowsItsProgressInTheDialog) {
   const TLines& updates = rig.Dialogs.at(0).Updates;
   ASSERT_GE(updates.size(), 3u);
   EXPECT_EQ(updates[0], "item: ");
-  EXPECT_TRUE(updates[1].starts_with("section: 11035 ") && updates[1].ends_with("...")) << updates[1];
+  EXPECT_TRUE(updates[1].starts_with("section: " + EncodeUtf8(Says(TextId::ScanningSection)) + " ") &&
+              updates[1].ends_with("..."))
+      << updates[1];
 }
 
 TEST(MainWindowScan, WithNoSectionTickedSaysSoAndKeepsTheResults) {
@@ -287,7 +303,7 @@ TEST(MainWindowScan, WithNoSectionTickedSaysSoAndKeepsTheResults) {
   rig.Main.Rows().Select(rig.Row(0, 0));
   rig.Main.Sections().CheckOnly({});
   rig.Main.Scan();
-  EXPECT_EQ(rig.System.Calls, TLines({"information 10045 | 40017"}));
+  EXPECT_EQ(rig.System.Calls, TLines({InformationBox(Says(TextId::HintScan))}));
   EXPECT_TRUE(rig.Dialogs.empty());
   EXPECT_EQ(rig.RowCount(), 2u);
   EXPECT_EQ(rig.Main.Rows().Selected(), rig.Row(0, 0));
@@ -324,7 +340,7 @@ TEST(MainWindowScan, TellsTheTreeOfEveryRowThatComesOrGoes) {
   rig.Main.Scan();
   // A header and its rows.
   EXPECT_EQ(changes, 4);
-  rig.Main.Sections().CheckOnly({kFonts});
+  rig.Main.Sections().CheckOnly({Section::WindowsFonts});
   changes = 0;
   rig.Main.Scan();
   // A header that goes again.
@@ -434,18 +450,23 @@ TEST(MainWindowScan, ThatFailsSaysWhyAndLeavesEverythingUsable) {
   TMainRig rig;
   rig.Break(0);
   rig.System.Disk.AddFile(kCatalogue, "not a catalogue");
-  rig.Main.Sections().CheckOnly({TMainRig::kSection, kAdware});
+  rig.Main.Sections().CheckOnly({TMainRig::kSection, Section::AdwareAndSpyware});
   rig.Main.Scan();
-  EXPECT_EQ(rig.System.Calls,
-            TLines({"failure 40001 | 40002(40003(C:\\Program Files\\Tessaly\\\\data\\xdata.dat))"}));
+  EXPECT_EQ(
+      rig.System.Calls,
+      TLines({FailureBox(Says(TextId::ScanFailed, Says(TextId::CatalogueUnreadable,
+                                                       u"C:\\Program Files\\Tessaly\\\\data\\xdata.dat")))}));
   // What was found before the failure is there.
   EXPECT_EQ(rig.RowCount(), 1u);
-  EXPECT_EQ(rig.Dialogs[0].Results, TLines({"failed: 11012,11014.|1"}));
+  EXPECT_EQ(
+      rig.Dialogs[0].Results,
+      TLines({"failed: " + Counts(Says(TextId::OneProblemFound), Says(TextId::OneProblemSelected), 1)}));
   EXPECT_EQ(rig.Dialogs[0].Ends, std::vector<TRunEnd>({TRunEnd::Failed}));
   EXPECT_EQ(rig.Enabled(), "scan repair restore export");
   rig.Main.Sections().CheckOnly({TMainRig::kSection});
   rig.Main.Scan();
-  EXPECT_EQ(rig.Dialogs[1].Results, TLines({"11012,11014.|1"}));
+  EXPECT_EQ(rig.Dialogs[1].Results,
+            TLines({Counts(Says(TextId::OneProblemFound), Says(TextId::OneProblemSelected), 1)}));
   EXPECT_EQ(rig.System.Calls.size(), 1u);
   EXPECT_EQ(rig.RowCount(), 1u);
 }
@@ -465,7 +486,7 @@ TEST(MainWindowScan, ThatFailsAfterItsDialogHasGoneSaysWhyAllTheSame) {
   rig.Main.Scan();
   closed.set_value();
   rig.WaitForTheEnd();
-  EXPECT_EQ(rig.System.Calls, TLines({"failure 40001 | 40002(no more)"}));
+  EXPECT_EQ(rig.System.Calls, TLines({FailureBox(Says(TextId::ScanFailed, u"no more"))}));
   EXPECT_EQ(rig.Dialogs[0].Results, TLines());
   rig.System.Registry.OnRead = nullptr;
   rig.Main.Scan();
@@ -487,7 +508,8 @@ TEST(MainWindowRepair, DropsTheRepairedRowsAndRecounts) {
   EXPECT_EQ(rig.Row(0, 0)->Problem.KeyPath, u"\\Software\\App\\1");
   EXPECT_EQ(rig.Header(0)->Problem.ChildCount, 1u);
   EXPECT_EQ(rig.Header(0)->State, TCheckState::Unchecked);
-  EXPECT_EQ(rig.Summaries.back().Label, u"11011 (11012,11017)");
+  EXPECT_EQ(rig.Summaries.back().Label,
+            SummaryLabel(Says(TextId::OneProblemFound), Says(TextId::NoProblemSelected)));
 }
 
 TEST(MainWindowRepair, OfEverythingLeavesAnEmptyTree) {
@@ -495,7 +517,8 @@ TEST(MainWindowRepair, OfEverythingLeavesAnEmptyTree) {
   rig.Main.Repair();
   EXPECT_EQ(rig.Main.Results().Model().TotalCount(), 0u);
   EXPECT_EQ(rig.Enabled(), "scan restore");
-  EXPECT_EQ(rig.Summaries.back().Label, u"11011 (11016,11017)");
+  EXPECT_EQ(rig.Summaries.back().Label,
+            SummaryLabel(Says(TextId::NoProblemFound), Says(TextId::NoProblemSelected)));
 }
 
 TEST(MainWindowRepair, EndsWithItsFinalMessageAndNoCount) {
@@ -505,7 +528,9 @@ TEST(MainWindowRepair, EndsWithItsFinalMessageAndNoCount) {
   ASSERT_EQ(rig.Dialogs.size(), 1u);
   EXPECT_EQ(rig.Dialogs[0].Mode, TProgressMode::Repair);
   // The summary first.
-  EXPECT_EQ(rig.Dialogs[0].Results, TLines({"11012,11017.|1", "11008|0"}));
+  EXPECT_EQ(rig.Dialogs[0].Results,
+            TLines({Counts(Says(TextId::OneProblemFound), Says(TextId::NoProblemSelected), 1),
+                    EncodeUtf8(Says(TextId::RepairFinalMessage)) + "|0"}));
 }
 
 TEST(MainWindowRepair, SaysHowManyEntriesItCouldNotSave) {
@@ -513,7 +538,9 @@ TEST(MainWindowRepair, SaysHowManyEntriesItCouldNotSave) {
   rig.System.Registry.Deny(FullKeyText(rig.Row(0, 0)->Problem));
   rig.Main.Repair();
   ASSERT_EQ(rig.Dialogs.size(), 1u);
-  EXPECT_EQ(rig.Dialogs[0].Results.back(), "11008\r\n40060(1)|0");
+  EXPECT_EQ(
+      rig.Dialogs[0].Results.back(),
+      EncodeUtf8(Says(TextId::RepairFinalMessage) + u"\r\n" + Says(TextId::EntriesNotSaved, u"1")) + "|0");
 }
 
 TEST(MainWindowRepair, SaysHowManyEntriesItCouldNotDelete) {
@@ -521,7 +548,9 @@ TEST(MainWindowRepair, SaysHowManyEntriesItCouldNotDelete) {
   rig.System.Registry.LetUse(FullKeyText(rig.Row(0, 1)->Problem), TMemoryRights::Read);
   rig.Main.Repair();
   ASSERT_EQ(rig.Dialogs.size(), 1u);
-  EXPECT_EQ(rig.Dialogs[0].Results.back(), "11008\r\n40061(1)|0");
+  EXPECT_EQ(
+      rig.Dialogs[0].Results.back(),
+      EncodeUtf8(Says(TextId::RepairFinalMessage) + u"\r\n" + Says(TextId::EntriesNotDeleted, u"1")) + "|0");
 }
 
 TEST(MainWindowRepair, AsksNothing) {
@@ -572,7 +601,7 @@ TEST(MainWindowRepair, ClosedInTheMiddleSaysHowManyEntriesItCouldNotSave) {
   rig.Main.Repair();
   EXPECT_EQ(rig.System.Calls, TLines());
   rig.WaitForTheEnd();
-  EXPECT_EQ(rig.System.Calls, TLines({"information 10045 | 40060(2)"}));
+  EXPECT_EQ(rig.System.Calls, TLines({InformationBox(Says(TextId::EntriesNotSaved, u"2"))}));
   EXPECT_EQ(rig.Dialogs[0].Results, TLines());
 }
 
@@ -590,7 +619,8 @@ TEST(MainWindowRepair, ThatCannotBackUpDeletesNothingAndSaysWhy) {
   rig.System.Disk.FailReplacing(112);
   rig.Main.Repair();
   ASSERT_EQ(rig.System.Calls.size(), 1u);
-  EXPECT_TRUE(rig.System.Calls[0].starts_with("failure 40001 | 40004(")) << rig.System.Calls[0];
+  EXPECT_TRUE(rig.System.Calls[0].starts_with(FailureBox(Says(TextId::RepairFailedBeforeDeletion) + u"(")))
+      << rig.System.Calls[0];
   EXPECT_NE(rig.System.Calls[0].find("System message 112."), std::string::npos) << rig.System.Calls[0];
   EXPECT_TRUE(rig.IsBroken(0));
   EXPECT_EQ(rig.RowCount(), 2u);
@@ -613,7 +643,8 @@ TEST(MainWindowRepair, IsDoneWithTheWindowWhenItSaysAFailure) {
   rig.Main.Repair();
   EXPECT_EQ(enabled, "scan repair restore export");
   // The text of a repair that came to its end is not among them.
-  EXPECT_EQ(results, TLines({"failed: 11013(2),11015(2).|2"}));
+  EXPECT_EQ(results, TLines({"failed: " + Counts(Says(TextId::ProblemsFound, u"2"),
+                                                 Says(TextId::ProblemsSelected, u"2"), 2)}));
 }
 
 // From the scan's dialog on
@@ -634,9 +665,12 @@ TEST(MainWindowRepair, FromTheScansDialogRunsInADialogOfItsOwnOnceTheFirstIsClos
   ASSERT_EQ(rig.Dialogs.size(), 2U);
   EXPECT_FALSE(scanDialogIsThere);
   EXPECT_EQ(rig.Dialogs[1].Mode, TProgressMode::Repair);
-  // The scan's dialog is told nothing of the repair.
-  EXPECT_EQ(rig.Dialogs[0].Results, TLines({"11013(3),11015(3).|3"}));
-  EXPECT_EQ(rig.Dialogs[1].Results, TLines({"11016,11017.|0", "11008|0"}));
+  // The scan's dialog gets no result of the repair.
+  EXPECT_EQ(rig.Dialogs[0].Results,
+            TLines({Counts(Says(TextId::ProblemsFound, u"3"), Says(TextId::ProblemsSelected, u"3"), 3)}));
+  EXPECT_EQ(rig.Dialogs[1].Results,
+            TLines({Counts(Says(TextId::NoProblemFound), Says(TextId::NoProblemSelected), 0),
+                    EncodeUtf8(Says(TextId::RepairFinalMessage)) + "|0"}));
   EXPECT_EQ(rig.RowCount(), 0U);
   EXPECT_FALSE(rig.Main.AnyThreadRuns());
   EXPECT_EQ(rig.Enabled(), "scan restore");
@@ -680,14 +714,15 @@ TEST(MainWindowMaintenance, ThatFailsSaysWhyAndLeavesEverythingUsable) {
   rig.System.MessageBoxes.OnMessage = [&] { enabled = rig.Enabled(); };
   rig.PumpUntil([&] { return !rig.Main.AnyThreadRuns() && !rig.System.Calls.empty(); });
   ASSERT_EQ(rig.System.Calls.size(), 1u);
-  EXPECT_TRUE(rig.System.Calls[0].starts_with("failure 40001 | 40007(")) << rig.System.Calls[0];
+  EXPECT_TRUE(rig.System.Calls[0].starts_with(FailureBox(Says(TextId::MaintenanceFailed) + u"(")))
+      << rig.System.Calls[0];
   EXPECT_EQ(enabled, "scan repair restore export");
 }
 
 TEST(MainWindowFailure, OfTheWindowItselfIsSaidInTheSystemsWords) {
   TMainRig rig;
   rig.Main.ShowFailure(std::make_exception_ptr(TSystemException({8}, u"C:\\a")));
-  EXPECT_EQ(rig.System.Calls, TLines({"failure 40001 | C:\\a: System message 8."}));
+  EXPECT_EQ(rig.System.Calls, TLines({FailureBox(u"C:\\a: System message 8.")}));
 }
 
 TEST(MainWindowEnd, TerminatesAScanAndWaitsByPumping) {
@@ -739,10 +774,11 @@ TEST(MainWindowIgnore, AfterAYesTheNextScanReportsTheProblemNoMore) {
   rig.Main.Rows().Select(rig.Row(0, 0));
   rig.System.MessageBoxes.Answers = {TAnswer::Yes};
   rig.Main.Rows().Choose(kChoiceIgnore);
-  EXPECT_EQ(rig.System.Calls, TLines({"question 10044 | 11009"}));
+  EXPECT_EQ(rig.System.Calls, TLines({QuestionBox(Says(TextId::ConfirmIgnore))}));
   EXPECT_EQ(rig.Reg.IgnoreList, std::vector<Text>({u"HKEY_CURRENT_USER\\Software\\App\\0\\File"}));
   EXPECT_TRUE(rig.System.Registry.HasValue(kIgnored, u"HKEY_CURRENT_USER\\Software\\App\\0\\File"));
-  EXPECT_EQ(rig.Summaries.back().Label, u"11011 (11012,11014)");
+  EXPECT_EQ(rig.Summaries.back().Label,
+            SummaryLabel(Says(TextId::OneProblemFound), Says(TextId::OneProblemSelected)));
   rig.Main.Scan();
   ASSERT_EQ(rig.RowCount(), 1u);
   EXPECT_EQ(rig.Row(0, 0)->Problem.KeyPath, u"\\Software\\App\\1");
@@ -755,7 +791,8 @@ TEST(MainWindowIgnore, TheLastRowTakesItsHeaderAndTheRepairWithIt) {
   rig.Main.Rows().Choose(kChoiceIgnore);
   EXPECT_EQ(rig.Main.Results().Model().TotalCount(), 0u);
   EXPECT_EQ(rig.Enabled(), "scan restore");
-  EXPECT_EQ(rig.Summaries.back().Label, u"11011 (11016,11017)");
+  EXPECT_EQ(rig.Summaries.back().Label,
+            SummaryLabel(Says(TextId::NoProblemFound), Says(TextId::NoProblemSelected)));
 }
 
 TEST(MainWindowIgnore, AnyAnswerButYesChangesNothing) {
@@ -786,13 +823,14 @@ TEST(MainWindowSummary, FollowsTheCheckBoxes) {
   TScannedRig rig(2);
   rig.Main.Results().Model().SetChecked(rig.Row(0, 0), false);
   rig.Main.Rows().Checked(rig.Row(0, 0));
-  EXPECT_EQ(rig.Summaries.back().Label, u"11011 (11013(2),11014)");
+  EXPECT_EQ(rig.Summaries.back().Label,
+            SummaryLabel(Says(TextId::ProblemsFound, u"2"), Says(TextId::OneProblemSelected)));
 }
 
 TEST(MainWindowReport, IsSavedAndSaysWhere) {
   TScannedRig rig(2);
   rig.Main.SaveReport(u"C:\\a & b.txt");
-  EXPECT_EQ(rig.System.Calls, TLines({"information 10045 | 11010 C:\\a & b.txt"}));
+  EXPECT_EQ(rig.System.Calls, TLines({InformationBox(Says(TextId::ReportSaved) + u" C:\\a & b.txt")}));
   const std::optional<std::string> report = rig.System.Disk.Content(u"C:\\a & b.txt");
   ASSERT_TRUE(report);
   EXPECT_TRUE(report->starts_with("Report created on "));
@@ -810,7 +848,7 @@ TEST(MainWindowReport, ThatCannotBeWrittenSaysTheSystemsReasonAndNothingElse) {
   TScannedRig rig(1);
   rig.System.Disk.FailReplacing(5);
   rig.Main.SaveReport(u"C:\\r.txt");
-  EXPECT_EQ(rig.System.Calls, TLines({"failure 40001 | 40008(System message 5.)"}));
+  EXPECT_EQ(rig.System.Calls, TLines({FailureBox(Says(TextId::ReportNotSaved, u"System message 5."))}));
   EXPECT_FALSE(rig.System.Disk.Content(u"C:\\r.txt"));
 }
 
