@@ -38,6 +38,7 @@ listed() {
   [[ $(reader list Restore | wc -l) == "$1" ]]
 }
 
+# The backup and the log beside it.
 backup_files() {
   find "$WINEPREFIX/drive_c/users" -path '*/Backups/*' -name '[0-9]*'
 }
@@ -45,7 +46,7 @@ backup_files() {
 # Line by line, as the reader prints a text of several lines.
 viewer_shows_the_file() {
   reader controls 'Registry repair' | awk -F '\t' '$2 == "TessalyTextView" { print $9 }' >"$work/viewed"
-  sed 's/\r$/ | /' "$(backup_files)" | tr -d '\n' >"$work/file"
+  sed 's/\r$/ | /' "$(backup_files | grep -v '\.log$')" | tr -d '\n' >"$work/file"
   echo >>"$work/file"
   head -c 300 "$work/viewed"
   grep -q '^REGEDIT4.*Vendor' "$work/viewed" && cmp "$work/viewed" "$work/file"
@@ -150,7 +151,7 @@ press Restore Remove
 ok "Remove takes the row away" eventually listed 0
 picture removed
 ok "and the backup from the disk" backups 0
-ok "its file has gone" test -z "$(backup_files)"
+ok "its file and its log have gone" test -z "$(backup_files)"
 key Escape
 ok "the restore dialog closes" reader gone Restore
 
