@@ -408,7 +408,7 @@ TEST(Cancelling, InTheFirstPassOfFileAssociationsSkipsTheSecond) {
 )");
   rig.Run({Section::FileAssociations});
   ASSERT_EQ(rig.Problems().size(), 3u);
-  // The class names; nothing more of "*" than its values and its missing class; then ".a".
+  // The reads are the names of the classes, the values of "*", which links to no class, then those of ".a".
   rig.RunAndCancel({Section::FileAssociations}, 1);
   EXPECT_TRUE(rig.Problems().empty());
   rig.RunAndCancel({Section::FileAssociations}, 3);
