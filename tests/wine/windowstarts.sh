@@ -30,9 +30,11 @@ bars() {
   reader controls 'Scanning ...' | awk -F '\t' '$2 == "msctls_progress32" { print $9 }'
 }
 
+# A section's own bar is full for a moment at its end.
 bars_are_between() {
   bars | tee "$work/bars"
-  [[ $(wc -l <"$work/bars") == 2 ]] && awk '$1 <= 0 || $1 >= 100 { out = 1 } END { exit out }' "$work/bars"
+  [[ $(wc -l <"$work/bars") == 2 ]] &&
+    awk '$1 <= 0 || $1 > 100 { out = 1 } $1 < 100 { between = 1 } END { exit out || !between }' "$work/bars"
 }
 
 tasks_are_off() {
