@@ -129,6 +129,8 @@ void TMainStatusBar::Show(const TSummary& summary, const TTextMeter& meter) {
 
 void TMainStatusBar::Resize() {
   ::SendMessageW(m_handle, WM_SIZE, 0, 0);
+  // A bar that is widened keeps what was drawn, and with it the grip at its former end.
+  InvalidateRect(m_handle, nullptr, TRUE);
 }
 
 int TMainStatusBar::Height() const {

@@ -240,6 +240,22 @@ TEST_F(MainWindow, TheStatusBarHasTwoPartsTheFirst200WideAndAHiddenProgressBar) 
   EXPECT_EQ(GetWindowLongPtrW(bar, GWL_STYLE) & WS_VISIBLE, 0);
 }
 
+TEST_F(MainWindow, AWiderWindowDrawsTheStatusBarAnewWhereItsSizeGripWas) {
+  m_window->Show(SW_SHOW);
+  UpdateWindow(StatusBar());
+  RECT before = {};
+  GetClientRect(StatusBar(), &before);
+  ASSERT_FALSE(GetUpdateRect(StatusBar(), nullptr, FALSE));
+  const SIZE window = SizeOf(Window());
+  SetWindowPos(Window(), nullptr, 0, 0, static_cast<int>(window.cx) + 100, static_cast<int>(window.cy),
+               SWP_NOZORDER | SWP_NOACTIVATE);
+  RECT outdated = {};
+  ASSERT_TRUE(GetUpdateRect(StatusBar(), &outdated, FALSE));
+  // The grip is a square at the bar's end.
+  EXPECT_LE(outdated.left, before.right - before.bottom);
+  EXPECT_EQ(outdated.right, before.right + 100);
+}
+
 TEST_F(MainWindow, TheSummaryIsALabelOverTheResults) {
   const HWND summary = GetDlgItem(Window(), kSummaryId);
   EXPECT_EQ(TextOf(summary), "11011");
