@@ -111,6 +111,10 @@ class Packages:
 
 # Scripts that install what users download.
 INSTALLING = {"package", "healthy"}
+# The script that is run once for each language, and the languages that are looked at every time: the shortest texts,
+# made-up long ones, and one whose characters come from another font.
+LANGUAGE_SCRIPT = TOP / "tests" / "wine" / "language.sh"
+USUAL_LANGUAGES = ("english", "long", "japanese")
 
 
 def house_checks():
@@ -155,12 +159,20 @@ def audits(machine):
         yield Check(f"{name}-{machine}", [PYTHON, *command], builds=(preset,))
 
 
+def language_checks(languages):
+    for language in languages:
+        command = ["bash", str(LANGUAGE_SCRIPT.relative_to(TOP)), language]
+        yield Check(f"wine-language-{language}", command, counting_script, ("windows-x64",), pinned=True)
+
+
 def windows_checks():
     preset = "windows-x64"
-    for script in sorted(TOP.glob("tests/wine/*.sh"), key=lambda script: -script.stat().st_size):
+    scripts = set(TOP.glob("tests/wine/*.sh")) - {LANGUAGE_SCRIPT}
+    for script in sorted(scripts, key=lambda script: -script.stat().st_size):
         command = ["bash", str(script.relative_to(TOP))]
         builds = (preset, "windows-x86", "packages") if script.stem in INSTALLING else (preset,)
         yield Check(f"wine-{script.stem}", command, counting_script, builds, pinned=True)
+    yield from language_checks(USUAL_LANGUAGES)
     # The optimised build takes the large inputs, the sanitized one smaller ones.
     for name in ("unit", "contract", "thread"):
         command = ["tools/emulator", "--fresh", test_program(preset, name)]
@@ -179,6 +191,8 @@ def x86_checks():
 
 
 def deep_checks():
+    languages = sorted(file.stem for file in TOP.glob("languages/*.lng"))
+    yield from language_checks(language for language in languages if language not in USUAL_LANGUAGES)
     yield Check("fuzz", ["tools/fuzz", "20"], counting_script, ("fuzz",))
     yield Check("packages-twice", ["bash", "tests/package/twice.sh"], counting_script, ("packages",))
     yield Check("tidy", [PYTHON, "tools/tidy.py"], counting_script, ("native-debug", "fuzz", "windows-x64"))
@@ -358,7 +372,7 @@ def parsed_arguments():
     parser.add_argument("names", nargs="*", metavar="NAME", help="only the checks of these names")
     modes = parser.add_mutually_exclusive_group()
     modes.add_argument("--quick", action="store_true", help="the format, the house's rules and the native tests")
-    modes.add_argument("--all", action="store_true", help="also the fuzz targets, clang-tidy and the 32-bit tests")
+    modes.add_argument("--all", action="store_true", help="also all languages, the fuzz targets, clang-tidy and the 32-bit tests")
     modes.add_argument("--x86", action="store_true", help="the 32-bit tests, in a Debian tree below build/ (needs root)")
     modes.add_argument("--list", action="store_true", help="names the checks and runs none")
     return parser.parse_args()

@@ -1,16 +1,19 @@
 #!/usr/bin/env bash
-# Every window in a language whose texts are 40 % longer and wider than the English ones, on displays of several scales:
-# no caption is cut off. Pictures of each window are left in build/wine-longlanguage/. Ends with "N passed, N failed".
+# language.sh LANGUAGE: every window in a language of languages/, or in "long", whose texts are 40 % longer and wider
+# than the English ones, on displays of two scales: no caption is cut off. Pictures of each window, to be looked at, are
+# left in build/wine-language-LANGUAGE/. Ends with "N passed, N failed".
 set -euo pipefail
 cd "$(dirname "$0")/../.."
+language=${1:?"a language of languages/, or \"long\""}
 source tools/wine.sh
 trap stop_wine EXIT
 
-work=$PWD/build/wine-longlanguage
+work=$PWD/build/wine-language-$language
 rm -rf "$work"
 mkdir -p "$work"
 source tests/support/winechecks.sh
 
+answer_no=7
 settings='HKCU\Software\TessalySoft\Tessaly Utilities'
 
 windows() {
@@ -46,9 +49,26 @@ whole() {
   ok "$scale dots per inch: $1" windows "$2"
 }
 
-make_long_program() {
+# The built program with the language's file as it is in the sources.
+copy_program() {
   cp -a "$folder" "$work/Corvalt"
-  python3 tests/support/longlanguage.py languages/english.lng "$work/Corvalt/languages/long.lng"
+  local file=$work/Corvalt/languages/$language.lng
+  if [[ $language == long ]]; then
+    python3 tests/support/longlanguage.py languages/english.lng "$file"
+  else
+    cp "languages/$language.lng" "$file"
+  fi
+}
+
+# Tahoma, and a font for the characters that it lacks, as Windows has them.
+prepare_fonts() {
+  # Debian's Wine doesn't look into the folder of its own fonts, and takes another one for Tahoma.
+  ln -s /usr/share/wine/fonts/tahoma{,bd}.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
+  local face
+  for face in Tahoma 'Tahoma Bold'; do
+    run_windows reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink' /v "$face" \
+      /t REG_MULTI_SZ /d 'wqy-microhei.ttc,WenQuanYi Micro Hei' /f
+  done
 }
 
 prepare_prefix() {
@@ -58,7 +78,7 @@ prepare_prefix() {
   for key in 'HKCU\Control Panel\Desktop' 'HKCU\Software\Wine\Fonts'; do
     run_windows reg add "$key" /v LogPixels /t REG_DWORD /d "$scale" /f
   done
-  run_windows reg add "$settings" /v Language /d "${language:-long.lng}" /f
+  run_windows reg add "$settings" /v Language /d "$language.lng" /f
   run_windows reg add "$settings\\Corvalt\\IgnoreList" /v 'HKEY_CURRENT_USER\Software\Ignored\' /t REG_DWORD /d 1 /f
   local value
   for value in one two; do
@@ -87,6 +107,10 @@ look_at_every_window() {
   whole viewer Tfrmbackupview
   windows Tfrmbackupview 2
   screen_is_still
+  windows TfrmRestore 102
+  whole question '#32770'
+  windows '#32770' "$answer_no"
+  screen_is_still
   windows TfrmRestore 2
   screen_is_still
   windows TfrmRegMain 1004
@@ -98,11 +122,17 @@ look_at_every_window() {
 }
 
 start_display
-make_long_program
-for scale in ${scales:-96 144}; do
+copy_program
+for scale in 96 144; do
   start_fresh_wine "$PWD/build/wine"
   prepare_prefix >/dev/null
   # Programs take the scale that the session began with.
+  "$wine_server" -k
+  "$wine_server" -w
+  start_wine "$WINEPREFIX"
+  # Not before: with another scale Wine writes its own links anew.
+  prepare_fonts >/dev/null
+  # Each program reads the list of fonts that the session's first program made.
   "$wine_server" -k
   "$wine_server" -w
   start_wine "$WINEPREFIX"
