@@ -111,8 +111,8 @@ class Packages:
 
 # Scripts that install what users download.
 INSTALLING = {"package", "healthy"}
-# The script that is run once for each language, and the languages that are looked at every time: the shortest texts,
-# made-up long ones, and one whose characters come from another font.
+# The script that is run once for each language, and the languages that are looked at every time: the original texts,
+# made-up long ones, and texts whose characters come from another font.
 LANGUAGE_SCRIPT = TOP / "tests" / "wine" / "language.sh"
 USUAL_LANGUAGES = ("english", "long", "japanese")
 

@@ -89,6 +89,18 @@ class Plan(unittest.TestCase):
         for check in self.checks()[0]:
             self.assertEqual(check.pinned, check.name.startswith(("wine-", "windows-x64-")), check.name)
 
+    def languages(self, *words):
+        return {check.name for check in self.checks(*words)[0] if check.name.startswith("wine-language-")}
+
+    def test_three_languages_are_looked_at_every_time(self):
+        self.assertEqual(
+            self.languages(), {"wine-language-english", "wine-language-long", "wine-language-japanese"}
+        )
+
+    def test_all_looks_at_every_language(self):
+        names = [path.stem for path in TOP.glob("languages/*.lng")] + ["long"]
+        self.assertEqual(self.languages("--all"), {f"wine-language-{name}" for name in names})
+
 
 if __name__ == "__main__":
     unittest.main()
