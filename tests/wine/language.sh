@@ -62,6 +62,8 @@ copy_program() {
 
 # Tahoma, and a font for the characters that it lacks, as Windows has them.
 prepare_fonts() {
+  # A font that is missing would show boxes, and no check would fail.
+  ls /usr/share/wine/fonts/tahoma{,bd}.ttf /usr/share/fonts/truetype/wqy/wqy-microhei.ttc
   # Debian's Wine doesn't look into the folder of its own fonts, and takes another one for Tahoma.
   ln -s /usr/share/wine/fonts/tahoma{,bd}.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
   local face
