@@ -581,7 +581,9 @@ TEST(MainWindowRepair, ClosedInTheMiddleKeepsTheRowsThatItDidNotReach) {
   rig.WaitForTheEnd();
   EXPECT_EQ(rig.Dialogs[0].Updates.size(), updates);
   EXPECT_EQ(rig.Dialogs[0].Results, TLines());
-  EXPECT_EQ(rig.RowCount(), static_cast<std::size_t>(kProblems - 5));
+  // The thread may have been at the sixth already when it was told to end.
+  EXPECT_LE(rig.RowCount(), static_cast<std::size_t>(kProblems - 5));
+  EXPECT_GE(rig.RowCount(), static_cast<std::size_t>(kProblems - 6));
   EXPECT_EQ(rig.Header(0)->Problem.ChildCount, rig.RowCount());
   EXPECT_TRUE(rig.IsBroken(kProblems - 1));
   EXPECT_EQ(rig.Enabled(), "scan repair restore export");
