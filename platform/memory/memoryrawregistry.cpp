@@ -116,10 +116,12 @@ TRawResult TMemoryRawRegistry::ReadAttributes(TRootKey rootKey, TextView keyPath
 }
 
 TRawResult TMemoryRawRegistry::MayCreateSubKeys(TRootKey rootKey, TextView keyPath) {
-  TOpenMemoryKey found;
-  const TRawResult result = Open(rootKey, keyPath, found);
-  if (result != TRawResult::Done)
-    return result;
+  const std::optional<TParsedKeyPath> parsed = ParseKeyPath(keyPath);
+  if (!parsed)
+    return TRawResult::Failed;
+  const TOpenMemoryKey found = m_hives.Find(m_hives.Root(rootKey), parsed->Names, true);
+  if (!found)
+    return TRawResult::Missing;
   return found.Key->Rights == TMemoryRights::Everything ? TRawResult::Done : TRawResult::Denied;
 }
 
@@ -262,7 +264,7 @@ TRawResult TMemoryRawRegistry::Inspect(const TMemoryKeyPointer& top, const TKeyC
     for (const Text& name : content.SubKeys) {
       const TOpenMemoryKey subKey = m_hives.Find(key, {name}, false);
       if (!subKey)
-        return TRawResult::Missing;
+        continue;
       if (subKey.Key->Rights >= TMemoryRights::Read)
         return TRawResult::Denied;
       keys.push_back(subKey.Key);

@@ -62,6 +62,9 @@ TRawResult TKeyTree::Inspect(const TKeyCheck& mayDelete) {
     for (const Text& name : subKeys) {
       TRegistryKey subKey;
       const LSTATUS opened = m_calls.Open(key, name, kDeletionAccess, true, subKey);
+      // Somebody else may have deleted it since it was listed.
+      if (RawResultOf(opened) == TRawResult::Missing)
+        continue;
       if (opened != ERROR_SUCCESS)
         return RawResultOf(opened);
       m_keys.push_back({std::move(subKey), pathBelow + u"\\" + name});
@@ -72,9 +75,9 @@ TRawResult TKeyTree::Inspect(const TKeyCheck& mayDelete) {
 
 TRawResult TKeyTree::Delete() {
   while (!m_keys.empty()) {
-    const LSTATUS status = m_calls.DeleteKey(m_keys.back().Key.Get());
-    if (status != ERROR_SUCCESS)
-      return RawResultOf(status);
+    const TRawResult deleted = RawResultOf(m_calls.DeleteKey(m_keys.back().Key.Get()));
+    if (deleted != TRawResult::Done && deleted != TRawResult::Missing)
+      return deleted;
     m_keys.pop_back();
   }
   return TRawResult::Done;

@@ -235,12 +235,9 @@ TRawResult TWindowsRawRegistry::MayCreateSubKeys(TRootKey rootKey, TextView keyP
   const std::optional<Text> path = SystemPath(keyPath);
   if (!path)
     return TRawResult::Failed;
+  // A link is followed: the user's Software\Classes is one, and its classes are created where it leads.
   TRegistryKey key;
-  const LSTATUS status =
-      m_calls.Open(RootHandle(rootKey), *path, KEY_CREATE_SUB_KEY | KEY_QUERY_VALUE, true, key);
-  if (status != ERROR_SUCCESS)
-    return RawResultOf(status);
-  return m_calls.IsLink(key.Get()) ? TRawResult::Link : TRawResult::Done;
+  return RawResultOf(m_calls.Open(RootHandle(rootKey), *path, KEY_CREATE_SUB_KEY, false, key));
 }
 
 bool TWindowsRawRegistry::OpensWithFullAccess(TRootKey rootKey, TextView subKey) {

@@ -194,7 +194,12 @@ TEST_F(RawKeysContract, AttributesOfALinkAreNeitherReadNorSet) {
   EXPECT_EQ(m_system.Raw.ReadAttributes(kScratchRoot, At(u"Link"), attributes), TRawResult::Link);
   EXPECT_EQ(m_system.Raw.WriteAttributes(kScratchRoot, At(u"Link"), {std::uint64_t{1}, {}}, lost),
             TRawResult::Link);
-  EXPECT_EQ(m_system.Raw.MayCreateSubKeys(kScratchRoot, At(u"Link")), TRawResult::Link);
+}
+
+TEST_F(RawKeysContract, SubKeysMayBeCreatedWhereALinkLeads) {
+  Create(u"Target");
+  m_subject->MakeLink(At(u"Link"), At(u"Target"));
+  EXPECT_EQ(m_system.Raw.MayCreateSubKeys(kScratchRoot, At(u"Link")), TRawResult::Done);
 }
 
 TEST_F(RawKeysContract, SubKeysMayBeCreatedWhereTheUserHasTheRight) {
@@ -275,6 +280,21 @@ TEST_F(RawKeysContract, ALinkPlantedWhileATreeIsLookedAtIsNotFollowed) {
   EXPECT_NE(m_system.Raw.DeleteKeyAt(PlaceOf(u"Key"), check), TRawResult::Done);
   EXPECT_TRUE(Exists(u"Target\\Sub"));
   EXPECT_TRUE(Exists(u"Key\\Sub\\Deeper"));
+}
+
+TEST_F(RawKeysContract, ASubKeyThatHasGoneSinceItWasListedKeepsNothingFromTheDeletion) {
+  Create(u"Key\\A");
+  Create(u"Key\\B");
+  const TKeyCheck check = [&](TextView pathBelow, const TRawKey&) {
+    if (pathBelow.empty()) {
+      const std::unique_ptr<RegistryStore> store = m_system.Registry.CreateStore(TRegistryAccess::Full);
+      store->SetRootKey(kScratchRoot);
+      store->DeleteKey(At(u"Key\\A"));
+    }
+    return true;
+  };
+  EXPECT_EQ(m_system.Raw.DeleteKeyAt(PlaceOf(u"Key"), check), TRawResult::Done);
+  EXPECT_FALSE(Exists(u"Key"));
 }
 
 TEST_F(RawKeysContract, AValueIsDeletedOnlyAsItWasAgreedTo) {

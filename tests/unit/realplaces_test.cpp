@@ -138,6 +138,29 @@ TEST_F(RealPlaces, AValueBelowTheLinkedClassesOfTheUserIsDeletedAndRestored) {
   EXPECT_EQ(Registry().Dump(key), before);
 }
 
+TEST_F(RealPlaces, AKeyBelowTheLinkedClassesOfTheUserIsDeletedAndRestored) {
+  const Text key = u"HKEY_CURRENT_USER\\Software\\Classes\\.gone";
+  Registry().Set(key, u"Old", u"x");
+  const std::vector<std::string> before = Registry().Dump(key);
+  AddKey(kHkeyCurrentUser, u"\\Software\\Classes\\.gone");
+  m_rig.Repair();
+  EXPECT_FALSE(Registry().HasKey(key));
+  EXPECT_TRUE(m_rig.Unmarked().empty());
+  EXPECT_EQ(m_rig.RestoreTheBackup(), TRestoreEnd::Restored);
+  EXPECT_EQ(Registry().Dump(key), before);
+}
+
+TEST_F(RealPlaces, AClassOfTheUserDirectlyBelowTheRootIsDeletedAndRestored) {
+  const Text key = u"HKEY_CURRENT_USER\\Software\\Classes\\Thing";
+  Registry().Set(key, u"", u"x");
+  const std::vector<std::string> before = Registry().Dump(key);
+  AddKey(kHkeyClassesRoot, u"\\Thing");
+  m_rig.Repair();
+  EXPECT_FALSE(Registry().HasKey(key));
+  EXPECT_EQ(m_rig.RestoreTheBackup(), TRestoreEnd::Restored);
+  EXPECT_EQ(Registry().Dump(key), before);
+}
+
 // The walk of a whole root reports them with an empty key path.
 TEST_F(RealPlaces, AValueOfARootKeyIsDeletedAndRestored) {
   Registry().Set(u"HKEY_CURRENT_USER", u"OlD", u"C:\\gone.exe");
