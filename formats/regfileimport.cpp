@@ -65,7 +65,11 @@ void TRegFileImport::PlanKeys() {
     if (entry->Kind != TRegFileEntry::TKind::Key)
       continue;
     TKeyPlace place = PlaceOf(*entry);
-    m_planned.try_emplace({place.RootKey, UpperCase(place.KeyPath)}, entry->Attributes);
+    const auto [planned, isFirst] =
+        m_planned.try_emplace({place.RootKey, UpperCase(place.KeyPath)}, entry->Attributes);
+    // The key line above a single value holds hardly anything of its key, not even the time.
+    if (!isFirst && !planned->second.LastWrite)
+      planned->second = entry->Attributes;
   }
 }
 

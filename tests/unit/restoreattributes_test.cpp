@@ -120,6 +120,16 @@ TEST_F(RestoredAttributes, ComeBackAlsoWhenASubkeyWasSavedBeforeItsKey) {
   EXPECT_EQ(Dump(), before);
 }
 
+TEST_F(RestoredAttributes, ComeBackAlsoWhenAValueWasSavedBeforeItsKey) {
+  BuildKey();
+  const std::vector<std::string> before = Dump();
+  EXPECT_EQ(m_exporter.ExportValue(KeyAt(u"HKEY_CURRENT_USER\\K\\Sub"), u"a"), TExportResult::Done);
+  Export(u"HKEY_CURRENT_USER\\K");
+  m_system.Registry.RemoveKey(kKey);
+  EXPECT_EQ(Import().AttributesLost, 0U);
+  EXPECT_EQ(Dump(), before);
+}
+
 TEST_F(RestoredAttributes, ThatCantBeGivenBackAreCounted) {
   BuildKey();
   Export(u"HKEY_CURRENT_USER\\K");
