@@ -148,13 +148,15 @@ Text ParentFolder(const Text& folder) {
 
 // Whether a path names a device: by its form ("\\\\.\\"), or by one of its names.
 bool NamesDevice(TextView path) {
-  const std::vector<Text> names = NonEmptyParts(ReplaceAll(path, u"/", u"\\"), u'\\');
+  const std::vector<Text> names = NonEmptyParts(path, u'\\');
   return path.starts_with(u"\\\\.\\") || std::any_of(names.begin(), names.end(), IsDeviceName);
 }
 
 // The data path of the portable mode as its file gives it; a relative one lies in the program's folder. Empty
 // for one that can't name a folder: a device, or a folder relative to a drive's current one ("D:data").
-Text DataPathOf(const Text& given, const Text& programFolder) {
+Text DataPathOf(const Text& written, const Text& programFolder) {
+  // Windows takes "/" for a separator too.
+  const Text given = ReplaceAll(written, u"/", u"\\");
   const bool hasDrive = given.size() > 1 && given[1] == u':';
   if (given.empty() || NamesDevice(given) || (hasDrive && !given.substr(2).starts_with(u'\\')))
     return {};

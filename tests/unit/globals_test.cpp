@@ -381,12 +381,15 @@ TEST_F(Environment, ARelativePortableDataPathLiesInTheProgramFolder) {
   EXPECT_EQ(backups("data"), u"C:\\Suite\\Corvalt\\data\\TessalySoft\\");
   EXPECT_EQ(backups("..\\data\\"), u"C:\\Suite\\Corvalt\\..\\data\\TessalySoft\\");
   EXPECT_EQ(backups("\\data"), u"C:\\data\\TessalySoft\\");
+  EXPECT_EQ(backups("/data"), u"C:\\data\\TessalySoft\\");
+  EXPECT_EQ(backups("D:/data"), u"D:\\data\\TessalySoft\\");
+  EXPECT_EQ(backups("//server/share"), u"\\\\server\\share\\TessalySoft\\");
   EXPECT_EQ(backups("\\\\server\\share"), u"\\\\server\\share\\TessalySoft\\");
 }
 
 TEST_F(Environment, APortableDataPathThatNamesADeviceCountsAsAbsent) {
   for (const std::string dataPath :
-       {"nul", "D:\\data\\com1", "\\\\.\\PhysicalDrive0", "aux.txt\\data", "D:data"}) {
+       {"nul", "D:\\data\\com1", "\\\\.\\PhysicalDrive0", "//./PhysicalDrive0", "aux.txt\\data", "D:data"}) {
     System.Disk.AddFile(u"C:\\Suite\\Corvalt\\settings.ini", "[Portable]\nType=1\nDataPath=" + dataPath);
     EXPECT_EQ(Fill().SuiteDataFolder, u"C:\\Suite\\data\\common\\Administrator\\TessalySoft\\") << dataPath;
   }
