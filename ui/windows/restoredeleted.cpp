@@ -42,6 +42,14 @@ void SetItemText(HWND list, int row, int column, Text text) {
   ::SendMessageW(list, column == 0 ? LVM_INSERTITEMW : LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
 }
 
+// A Delete key that is held down removes one backup, not one after another: no question is asked.
+std::optional<LRESULT> IgnoreHeldDelete(UINT message, WPARAM wParam, LPARAM lParam) {
+  constexpr LPARAM kWasDown = 1 << 30;  // WM_KEYDOWN, learn.microsoft.com: the previous key state
+  if (message == WM_KEYDOWN && wParam == VK_DELETE && (lParam & kWasDown) != 0)
+    return 0;
+  return std::nullopt;
+}
+
 }  // namespace
 
 TfrmRestore::TfrmRestore(TSystem& system, const TGlobalVars& vars, HWND owner)
@@ -52,6 +60,7 @@ TfrmRestore::TfrmRestore(TSystem& system, const TGlobalVars& vars, HWND owner)
   constexpr DWORD kListStyle = WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER;
   m_list = AddControl(kListClass, {}, kListStyle, kDialogListId, 0, 0, 0, 0, WS_EX_CLIENTEDGE);
   ::SendMessageW(m_list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT);
+  m_listMessages.Attach(m_list, IgnoreHeldDelete);
   AddColumn(m_list, 0, PlainText(label(TextId::ColumnCreationDate)), 0, LVCFMT_LEFT);
   AddColumn(m_list, 1, PlainText(label(TextId::ColumnSize)), 0, LVCFMT_RIGHT);
   AddButton(label(TextId::ButtonRestore), kRestoreButtonId, 0, 0, 0, 0, true);

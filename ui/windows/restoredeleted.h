@@ -4,6 +4,7 @@
 #include "ui/restoremodel.h"
 #include "ui/windows/controlsapi.h"
 #include "ui/windows/modalwindow.h"
+#include "ui/windows/subclass.h"
 
 namespace corvalt {
 
@@ -30,6 +31,7 @@ class TfrmRestore : public TModalWindow {
   TRestoreModel m_model;
   HWND m_instruction = nullptr;
   HWND m_list = nullptr;
+  TSubclass m_listMessages;
 };
 
 }  // namespace corvalt

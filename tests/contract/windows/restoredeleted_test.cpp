@@ -197,6 +197,18 @@ TEST_F(RestoreWindow, TheDeleteKeyRemovesTheSelectedRow) {
   EXPECT_EQ(m_memory.Calls, TLines());
 }
 
+TEST_F(RestoreWindow, ADeleteKeyThatIsHeldDownRemovesOneRow) {
+  AddBackup("46340");
+  AddBackup("46341");
+  Open();
+  ::SendMessageW(List(), WM_KEYDOWN, VK_DELETE, 1);
+  constexpr LPARAM kRepeated = (1 << 30) | 1;
+  ::SendMessageW(List(), WM_KEYDOWN, VK_DELETE, kRepeated);
+  ::SendMessageW(List(), WM_KEYDOWN, VK_DELETE, kRepeated);
+  EXPECT_EQ(RowCount(), 1);
+  EXPECT_TRUE(m_memory.Disk.Content(u"C:\\Backups\\46340"));
+}
+
 TEST_F(RestoreWindow, ADoubleClickOnARowViewsIt) {
   AddBackup("46340");
   Open();
