@@ -123,8 +123,11 @@ Function RemoveOlderVersion
   ReadRegStr $0 HKLM "${APPS_KEY}" "InstallLocation"
   ${If} $0 != ""
   ${AndIf} ${FileExists} "$0\${UNINSTALLER}"
+    ; One that can't be started sets the error flag.
+    ClearErrors
     ExecWait '"$0\${UNINSTALLER}" /S _?=$0' $1
-    ${If} $1 <> 0
+    ${If} ${Errors}
+    ${OrIf} $1 <> 0
       MessageBox MB_OK|MB_ICONSTOP "The version in $0 could not be replaced." /SD IDOK
       SetErrorLevel ${CODE_ABORTED}
       Quit

@@ -73,6 +73,14 @@ dump "$work/dump.before"
 
 ok "the older version installs silently" run_windows "$work/older.exe" /S
 ok "it brings its own file" test -e "$WINEPREFIX/drive_c/Program Files/Tessaly Utilities/Corvalt/old.txt"
+older_uninstaller="$WINEPREFIX/drive_c/Program Files/Tessaly Utilities/Corvalt/uninstall.exe"
+mv "$older_uninstaller" "$work/uninstall.exe"
+echo "no program" >"$older_uninstaller"
+code=0
+run_windows "$packages/Corvalt-$version-setup-native64.exe" /S || code=$?
+ok "an older version that can't remove itself is not installed over" test "$code" = 2
+ok "nor changed" test -e "$WINEPREFIX/drive_c/Program Files/Tessaly Utilities/Corvalt/old.txt"
+mv "$work/uninstall.exe" "$older_uninstaller"
 ok "the present version installs over it" run_windows "$packages/Corvalt-$version-setup-native64.exe" /S
 (cd "$packages/x64" && find . -type f && echo ./uninstall.exe) | sort >"$work/expected"
 program_files >"$work/installed"
