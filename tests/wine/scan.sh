@@ -82,6 +82,12 @@ cp "$work/out" "$work/second.json"
 ok "a second scan answers the same" answered 1
 ok "a second scan finds the same" result same "$work/found.json" "$work/second.json"
 ok "the schema in docs/ describes the JSON" python3 -m jsonschema -i "$work/second.json" docs/scan.schema.json
+corvaltc ignore add HKEY_CURRENT_USER
+corvaltc scan --json -
+cp "$work/out" "$work/headless.json"
+ok "it describes sections whose header is ignored" python3 -m jsonschema -i "$work/headless.json" docs/scan.schema.json
+ok "some header was ignored" grep -q '"caption":""' "$work/headless.json"
+corvaltc ignore remove HKEY_CURRENT_USER
 run_windows reg add 'HKCU\Software\TessalySoft\Tessaly Utilities' /v Language /d japanese.lng /f >/dev/null
 corvaltc scan --json -
 ok "the JSON is the same in every language" cmp "$work/out" "$work/second.json"
@@ -145,6 +151,7 @@ failed, found = (json.load(open(path, encoding="utf-8"))["sections"] for path in
 assert failed[:4] == found[:4] and failed[0]["caption"] == "Registry Integrity", failed
 assert [(s["caption"], s["childCount"], s["problems"]) for s in failed[4:]] == [("Adware and Spyware", 0, [])], failed
 PY
+ok "the schema describes that too" python3 -m jsonschema -i "$work/failed.json" docs/scan.schema.json
 ok "so is its report" grep -q "Adware and Spyware(0 Problems found)" "$work/failed.txt"
 
 echo "$passed passed, $failed failed"
