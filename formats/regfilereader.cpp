@@ -73,12 +73,19 @@ bool TRegFileReader::ReadEntry() {
     return ReadKeyLine();
   if (IsExactLine(rest))
     return ReadExactLine();
+  EndKeyWhereAKeyLineIsMissing();
   if (rest.front() == u'"' || rest.front() == u'@')
     return ReadValueLine();
   // A key line with a damaged beginning must end the key before it.
   if (WithoutBlanks(rest).ends_with(u']'))
     m_hasKey = false;
   return false;
+}
+
+// Only a key line follows the comments about a key: what stands there instead has taken its place.
+void TRegFileReader::EndKeyWhereAKeyLineIsMissing() {
+  if (std::exchange(m_attributes, {}) != TRegFileAttributes())
+    m_hasKey = false;
 }
 
 // A key's name may hold "]": the last one ends the line.
@@ -220,8 +227,10 @@ bool TRegFileReader::ReadHexBytes(TBytes& bytes) {
 bool TRegFileReader::ReadExactLine() {
   if (!m_cursor.TakeExact(kExactLine))
     return false;
-  if (m_cursor.TakeWord(kExactValue))
+  if (m_cursor.TakeWord(kExactValue)) {
+    EndKeyWhereAKeyLineIsMissing();
     return ReadExactValue();
+  }
   // A comment of this form that is no value may be a damaged key line.
   m_hasKey = false;
   m_entry.Attributes = std::exchange(m_attributes, {});

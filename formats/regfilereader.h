@@ -74,6 +74,7 @@ class TRegFileReader {
   TLineResult ReadLine();
   bool IsWanted() const;
   bool ReadEntry();
+  void EndKeyWhereAKeyLineIsMissing();
   bool ReadKeyLine();
   bool ReadValueLine();
   bool ReadName();

@@ -142,6 +142,24 @@ TEST(RegFileReader, EscapesStandForQuotesBackslashesAndLineBreaks) {
   ExpectValue(R"("a"="x\r\ny")", "a 1:78000d000a0079000000");
 }
 
+TEST(RegFileReader, CommentsAboutAKeyWithoutItsLineEndTheKeyBefore) {
+  const TReading reading = ReadBelowKey(";Corvalt volatile=1\r\n\"a\"=\"x\"\r\n\"b\"=\"y\"\r\n");
+  EXPECT_EQ(reading.Entries, TLines());
+  EXPECT_EQ(reading.Skipped, 2U);
+}
+
+TEST(RegFileReader, CommentsAboutAKeyWhoseLineIsDamagedDoNotCountForTheNext) {
+  const std::string file =
+      "REGEDIT4\r\n;Corvalt volatile=1\r\nXHKEY_CURRENT_USER\\A]\r\n[HKEY_CURRENT_USER\\B]\r\n";
+  TMemoryLocale locale;
+  TRegFileReader reader({reinterpret_cast<const std::uint8_t*>(file.data()), file.size()}, locale);
+  const TRegFileEntry* entry = reader.Next();
+  ASSERT_NE(entry, nullptr);
+  EXPECT_EQ(entry->KeyPath, u"\\B");
+  EXPECT_EQ(entry->Attributes, TRegFileAttributes());
+  EXPECT_EQ(reader.LinesSkipped(), 1U);
+}
+
 TEST(RegFileReader, UnknownEscapesAreMalformed) {
   ExpectMalformed(R"("a"="C:\temp")");
   ExpectMalformed(R"("a\x"="b")");
