@@ -156,7 +156,7 @@ bool NamesDevice(TextView path) {
 // for one that can't name a folder: a device, or a folder relative to a drive's current one ("D:data").
 Text DataPathOf(const Text& written, const Text& programFolder) {
   // Windows takes "/" for a separator too.
-  const Text given = ReplaceAll(written, u"/", u"\\");
+  Text given = ReplaceAll(written, u"/", u"\\");
   const bool hasDrive = given.size() > 1 && given[1] == u':';
   if (given.empty() || NamesDevice(given) || (hasDrive && !given.substr(2).starts_with(u'\\')))
     return {};
