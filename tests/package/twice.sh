@@ -8,8 +8,7 @@ top=$PWD
 work=$PWD/build/package-twice
 rm -rf "$work"
 mkdir -p "$work"
-passed=0
-failed=0
+source tests/support/checks.sh
 
 # The sources of pugixml come from Debian's archive once; they are compared with a fixed hash each time.
 build() {
@@ -22,18 +21,6 @@ build() {
   }
   # What is packed, and what stands beside it.
   (cd "$work/$1/build/package" && find . -type f -not -name build.log -print0 | sort -z | xargs -0 sha256sum) >"$work/$2"
-}
-
-ok() {
-  local name=$1
-  shift
-  if "$@"; then
-    passed=$((passed + 1))
-    echo "ok    $name"
-  else
-    failed=$((failed + 1))
-    echo "FAIL  $name"
-  fi
 }
 
 ok "the packages are made" build first first.sums

@@ -1,23 +1,9 @@
 # Sourced by the scripts in tests/wine/: counts checks, runs the console program, fills a prefix with broken entries.
 # Expects tools/wine.sh and the variable work, a folder of the script's own.
 
-passed=0
-failed=0
-folder=build/windows-x64/Corvalt
+source tests/support/checks.sh
 
-# ok NAME COMMAND...: passed when the command succeeds.
-ok() {
-  local name=$1
-  shift
-  if "$@" >"$work/last" 2>&1; then
-    passed=$((passed + 1))
-    echo "ok    $name"
-  else
-    failed=$((failed + 1))
-    echo "FAIL  $name"
-    head -n 40 "$work/last" | sed 's/^/      /'
-  fi
-}
+folder=build/windows-x64/Corvalt
 
 # corvaltc ARGUMENT...: runs it; sets code, and leaves both outputs in files.
 corvaltc() {

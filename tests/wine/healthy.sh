@@ -10,6 +10,7 @@ work=$PWD/build/wine-healthy
 rm -rf "$work"
 mkdir -p "$work"
 source tests/support/winechecks.sh
+source tests/support/installation.sh
 
 # Fills the prefix and keeps a copy of it.
 become_healthy() {
@@ -57,20 +58,13 @@ shows_window() {
   echo "$1: $answer"
 }
 
-# Installs and uninstalls a program: what is there in between and afterwards. The uninstaller goes on in a copy of itself.
+# Installs and uninstalls a program: what is there in between and afterwards.
 installs() {
-  local folder="$WINEPREFIX/drive_c/Program Files/Tessaly Utilities" tries
-  local apps='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Corvalt'
+  local folder="$WINEPREFIX/drive_c/Program Files/Tessaly Utilities"
   told run_windows "$setup" /S
   (cd "$folder" && find . -type f | sort)
   told run_windows reg query "$apps" /v DisplayVersion
-  told run_windows 'C:\Program Files\Tessaly Utilities\Corvalt\uninstall.exe' /S
-  for ((tries = 0; tries < 300; ++tries)); do
-    if ! run_windows reg query "$apps" >/dev/null 2>&1; then
-      break
-    fi
-    sleep 0.1
-  done
+  told uninstall
   ls "$folder" 2>/dev/null || echo "all is gone"
   told run_windows reg query "$apps"
 }

@@ -10,11 +10,10 @@ work=$PWD/build/wine-package
 rm -rf "$work"
 mkdir -p "$work"
 source tests/support/winechecks.sh
+source tests/support/installation.sh
 
 packages=$PWD/build/package
 version=$(sed -nE 's/^project\(Corvalt VERSION ([0-9.]+).*/\1/p' CMakeLists.txt)
-installed='C:\Program Files\Tessaly Utilities\Corvalt'
-apps='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Corvalt'
 
 # An installer of version 0.9 with a file that the present one lacks.
 make_older_installer() {
@@ -40,19 +39,6 @@ program_files() {
 apps_value() {
   run_windows reg query "$apps" /v "$1" | tr -d '\r' | tee "$work/query"
   grep -qF -- "$2" "$work/query"
-}
-
-# The uninstaller goes on in a copy of itself.
-uninstall() {
-  run_windows "$installed\\uninstall.exe" /S "$@"
-  local tries
-  for ((tries = 0; tries < 300; ++tries)); do
-    if ! run_windows reg query "$apps" >/dev/null 2>&1; then
-      return
-    fi
-    sleep 0.1
-  done
-  return 1
 }
 
 without_suite() {
