@@ -31,6 +31,19 @@ class Environment : public testing::Test {
     FillGlobalVars(bundle, Vars);
     return Vars;
   }
+  TSystem BundleWith(TMemoryDisk& disk) {
+    return {System.Registry,
+            System.Raw,
+            disk,
+            disk,
+            System.Machine,
+            System.Locale,
+            System.Clock,
+            System.MessageBoxes,
+            System.Programs,
+            System.EditorWindows,
+            System.Interprocess};
+  }
   std::int32_t StoredInteger(TextView name) {
     const auto store = System.Registry.CreateStore(TRegistryAccess::Read);
     store->OpenKey(kSuiteSettingsKey, false);
@@ -220,17 +233,7 @@ class TManyDrives : public TMemoryDisk {
 
 TEST_F(Environment, ADriveListOf129CharactersFits) {
   TManyDrives disk(129);
-  TSystem bundle{System.Registry,
-                 System.Raw,
-                 disk,
-                 disk,
-                 System.Machine,
-                 System.Locale,
-                 System.Clock,
-                 System.MessageBoxes,
-                 System.Programs,
-                 System.EditorWindows,
-                 System.Interprocess};
+  TSystem bundle = BundleWith(disk);
   FillGlobalVars(bundle, Vars);
   EXPECT_EQ(disk.Offered(), 129u);
   EXPECT_EQ(Vars.FixedDrives, u"C:\\;");
@@ -238,17 +241,7 @@ TEST_F(Environment, ADriveListOf129CharactersFits) {
 
 TEST_F(Environment, ALongerDriveListRaisesTheSystemsMessage14) {
   TManyDrives disk(130);
-  TSystem bundle{System.Registry,
-                 System.Raw,
-                 disk,
-                 disk,
-                 System.Machine,
-                 System.Locale,
-                 System.Clock,
-                 System.MessageBoxes,
-                 System.Programs,
-                 System.EditorWindows,
-                 System.Interprocess};
+  TSystem bundle = BundleWith(disk);
   try {
     FillGlobalVars(bundle, Vars);
     FAIL() << "nothing raised";
