@@ -2,6 +2,8 @@
 
 The compiler writes the time of day into the file. Where the system lets one program watch another, the clock that the
 compiler reads is held still, so that the same pages give the same bytes; elsewhere the file works just as well.
+The project has no binary index, because the compiler leaves some of its bytes as the memory was; the list of keywords
+(help.hhk) is read in its place.
 """
 
 import os
