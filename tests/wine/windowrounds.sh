@@ -16,11 +16,19 @@ object_room=$((rounds / 3))
 
 # A scan clears the results of the one before; then a problem is selected.
 round() {
-  click_centre "$scan_link" 4
-  reader saying 'Scanning ...' "$count problems found" || return 1
-  key Escape
-  reader gone 'Scanning ...' || return 1
-  click_centre "$problem" 4
+  step click_centre "$scan_link" 4 &&
+    step reader saying 'Scanning ...' "$count problems found" &&
+    step key Escape &&
+    step reader gone 'Scanning ...' &&
+    step click_centre "$problem" 4
+}
+
+# step COMMAND...: says what failed.
+step() {
+  local code=0
+  "$@" || code=$?
+  ((code == 0)) || echo "$* ended with $code"
+  return $code
 }
 
 go_round() {
