@@ -70,6 +70,19 @@ def python_tests(code, text):
     return Result(max(ran - bad, 0), bad)
 
 
+def faults(output):
+    """The lines of an output that tell what went wrong, at most 20 and 40 of a script's: its failed checks, with what
+    each printed."""
+    told, of_check, in_check = [], [], False
+    for line in output:
+        in_check = line.startswith("FAIL  ") or (in_check and line.startswith("      "))
+        if in_check:
+            of_check.append(line)
+        elif FAULTS.search(line):
+            told.append(line)
+    return told[:20] + of_check[:40]
+
+
 def counting_script(code, text):
     """A script whose last line is "N passed, N failed"."""
     lines = text.splitlines()
@@ -310,7 +323,7 @@ class Runner:
         else:
             lines.append(f"FAIL  {name:24} {result.passed:5} passed, {result.failed} failed  {seconds:4.0f} s  {result.remark}")
             output = text.splitlines()
-            lines += ["      " + line for line in output if FAULTS.search(line)][:20]
+            lines += ["      " + line for line in faults(output)]
             lines += ["    | " + line for line in output[-15:]]
             lines.append(f"    The whole output is in build/logs/{name}.log")
         with self.lock:

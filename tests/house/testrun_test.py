@@ -51,6 +51,10 @@ class Readers(unittest.TestCase):
         self.assertEqual(counts(testrun.counting_script(143, "3 passed, 0 failed\n")), (3, 1))
         self.assertEqual(counts(testrun.counting_script(0, "")), (0, 1))
 
+    def test_a_failed_check_is_shown_with_what_it_printed(self):
+        output = ["ok    a", "FAIL  b", "      first", "      last", "ok    c", "ran", "x.cpp:1: error: y", "FAIL  d"]
+        self.assertEqual(testrun.faults(output), ["x.cpp:1: error: y", "FAIL  b", "      first", "      last", "FAIL  d"])
+
     def test_python_tests(self):
         self.assertEqual(counts(testrun.python_tests(0, "Ran 4 tests in 0.1s\n\nOK\n")), (4, 0))
         self.assertEqual(
