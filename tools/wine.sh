@@ -8,6 +8,7 @@ export WINEDLLOVERRIDES="winedbg.exe=d;mscoree=;mshtml="
 
 wine_program=/usr/lib/wine/wine64
 wine_server=/usr/lib/wine/wineserver64
+wine_fonts=/usr/share/wine/fonts
 display_process=
 
 # The last core that this shell may use. Server and programs share it: a call between cores costs 15 times as much.
@@ -52,8 +53,22 @@ start_wine() {
       echo "Wine could not make the prefix $WINEPREFIX" >&2
       return 1
     fi
+    give_fonts
     touch "$WINEPREFIX/.complete"
   fi
+}
+
+# Tahoma, and a font for the characters that it lacks, as Windows has them. Debian's Wine doesn't look into the folder of
+# its own fonts, and takes another one for Tahoma.
+give_fonts() {
+  # A font that is missing would show as other measures or boxes, and no check would fail.
+  ls "$wine_fonts"/tahoma{,bd}.ttf /usr/share/fonts/truetype/wqy/wqy-microhei.ttc >/dev/null
+  ln -s "$wine_fonts"/tahoma{,bd}.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
+  local face
+  for face in Tahoma 'Tahoma Bold'; do
+    run_windows reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink' /v "$face" \
+      /t REG_MULTI_SZ /d 'wqy-microhei.ttc,WenQuanYi Micro Hei' /f >/dev/null
+  done
 }
 
 # make_pristine_wine FOLDER: the prefix that others are copies of, made once. Scripts that begin together wait for the

@@ -60,19 +60,6 @@ copy_program() {
   fi
 }
 
-# Tahoma, and a font for the characters that it lacks, as Windows has them.
-prepare_fonts() {
-  # A font that is missing would show boxes, and no check would fail.
-  ls /usr/share/wine/fonts/tahoma{,bd}.ttf /usr/share/fonts/truetype/wqy/wqy-microhei.ttc
-  # Debian's Wine doesn't look into the folder of its own fonts, and takes another one for Tahoma.
-  ln -s /usr/share/wine/fonts/tahoma{,bd}.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
-  local face
-  for face in Tahoma 'Tahoma Bold'; do
-    run_windows reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink' /v "$face" \
-      /t REG_MULTI_SZ /d 'wqy-microhei.ttc,WenQuanYi Micro Hei' /f
-  done
-}
-
 prepare_prefix() {
   # Without a window manager the windows draw their own title bars.
   run_windows reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f
@@ -129,12 +116,6 @@ for scale in 96 144; do
   start_fresh_wine "$PWD/build/wine"
   prepare_prefix >/dev/null
   # Programs take the scale that the session began with.
-  "$wine_server" -k
-  "$wine_server" -w
-  start_wine "$WINEPREFIX"
-  # Not before: with another scale Wine writes its own links anew.
-  prepare_fonts >/dev/null
-  # Each program reads the list of fonts that the session's first program made.
   "$wine_server" -k
   "$wine_server" -w
   start_wine "$WINEPREFIX"
