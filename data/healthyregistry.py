@@ -53,7 +53,8 @@ class HealthyRegistry:
 
     def holds(self, kind, trace):
         """Whether the trace would be found on the machine."""
-        place = self._as_classes(in_the_usual_view(trace.lower()))
+        # A mapped key itself is found by its path with the separator.
+        place = self._as_classes(in_the_usual_view(trace.lower() + "\\")).rstrip("\\")
         if kind == "SERVICE":
             return SERVICES + place in self.keys
         if kind == "BHO":

@@ -230,6 +230,8 @@ def registry_place_faults(kind, trace):
         yield "a name between two backslashes is empty"
     elif kind == "REGKEY" and is_shared_key(trace.lower()):
         yield "many programs share this key; a repair would delete all of it"
+    elif kind == "REGKEY" and root != "HKEY_CLASSES_ROOT" and names[0].lower() != "software":
+        yield "a REGKEY lies below HKEY_CLASSES_ROOT or Software; a service is a SERVICE"
     if trace.lower().startswith("hkey_local_machine\\software\\classes\\"):
         yield "write HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes as HKEY_CLASSES_ROOT"
 
@@ -246,7 +248,9 @@ def innocence(kind, trace, healthy):
 
 
 def own_name(kind, trace):
-    """The name that alone makes the trace: of a value in a Run key, or of a key right below Software."""
+    """The name that alone makes the trace: of a service, of a value in a Run key, or of a key right below Software."""
+    if kind == "SERVICE":
+        return trace
     *key, name = trace.split("\\")
     place = "\\".join(key[1:]).lower()
     if kind == "REGVALUE" and place.endswith("\\currentversion\\run"):

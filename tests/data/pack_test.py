@@ -420,11 +420,19 @@ class InnocentTraces(Refusals):
         for kind, trace in (
             ("REGKEY", "HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Node\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon"),
             ("REGKEY", "HKEY_CLASSES_ROOT\\WOW6432Node\\CLSID\\{00021401-0000-0000-C000-000000000046}"),
+            ("REGKEY", "HKEY_LOCAL_MACHINE\\SOFTWARE\\Classes"),
+            ("REGKEY", "HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Node\\Classes"),
+            ("REGKEY", "HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001"),
             ("REGKEY", "HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Services\\RpcSs"),
             ("REGVALUE", "HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet002\\Services\\Schedule\\ImagePath"),
         ):
             with self.subTest(trace):
                 self.assert_innocent(kind, trace, "a healthy machine holds this")
+
+    def test_a_key_outside_the_classes_and_software(self):
+        for trace in ("HKEY_LOCAL_MACHINE\\HARDWARE\\Sly", "HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\Sly"):
+            with self.subTest(trace):
+                self.assert_innocent("REGKEY", trace, "a REGKEY lies below HKEY_CLASSES_ROOT or Software")
 
     def test_an_identifier_of_zeros(self):
         for kind in ("BHO", "TOOLBAR"):
@@ -436,6 +444,8 @@ class InnocentTraces(Refusals):
         for kind, trace in (
             ("REGVALUE", run + "Sentry"),
             ("REGVALUE", run + "winnet"),
+            ("SERVICE", "agent"),
+            ("SERVICE", "svc"),
             ("REGKEY", "HKEY_CURRENT_USER\\Software\\PAV"),
             ("REGKEY", "HKEY_LOCAL_MACHINE\\SOFTWARE\\AV1"),
             ("REGKEY", "HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Node\\IST"),
