@@ -34,10 +34,13 @@ endfunction()
 add_windows_program(corvalt WIN32)
 add_windows_program(corvaltc)
 
-# The window's pictures: its resources name each icon by its path below the build folder.
-target_include_directories(corvalt PRIVATE "${CMAKE_BINARY_DIR}")
-set_property(SOURCE "${CMAKE_SOURCE_DIR}/app/resources/corvalt.rc" APPEND PROPERTY OBJECT_DEPENDS "${programIcons}")
-add_dependencies(corvalt program_pictures)
+# The resources name each icon by its path below the build folder.
+foreach(program corvalt corvaltc)
+  target_include_directories(${program} PRIVATE "${CMAKE_BINARY_DIR}")
+  set_property(
+    SOURCE "${CMAKE_SOURCE_DIR}/app/resources/${program}.rc" APPEND PROPERTY OBJECT_DEPENDS "${programIcons}")
+  add_dependencies(${program} program_pictures)
+endforeach()
 
 # cmake --install BUILD --prefix FOLDER leaves the complete program folder in FOLDER.
 install(TARGETS corvalt corvaltc RUNTIME DESTINATION .)

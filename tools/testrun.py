@@ -164,7 +164,8 @@ def audits(machine):
     commands = {
         "imports": ["tests/house/importaudit.py", "x86_64-w64-mingw32-objdump", window, console],
         "manual": ["tests/help/chmaudit.py", f"{folder}/help.chm"],
-        "pictures": ["tests/art/pictureaudit.py", window],
+        "pictures": ["tests/art/pictureaudit.py", "window", window],
+        "picturesc": ["tests/art/pictureaudit.py", "console", console],
         "manifest": ["tests/house/manifestaudit.py", "window", window],
         "manifestc": ["tests/house/manifestaudit.py", "console", console],
     }

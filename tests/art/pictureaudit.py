@@ -1,4 +1,5 @@
-"""Holds a program to the pictures that pictures.rc lists: pictureaudit.py PROGRAM... prints what is missing.
+"""Holds a program to its pictures: pictureaudit.py window PROGRAM to those that pictures.rc lists, pictureaudit.py console
+PROGRAM to the program's icon. Prints what is missing.
 
 Reads the program's resources with wrestool, and the sizes of each picture out of its icon.
 """
@@ -42,10 +43,13 @@ def wrestool(program, *options):
     return subprocess.run(command, check=True, stdout=subprocess.PIPE).stdout
 
 
-def faults(program):
+def faults(kind, program):
     found = []
+    pictures = listed_pictures()
+    if kind == "console":
+        pictures = {PROGRAM_ICON: pictures[PROGRAM_ICON]}
     present = {int(number) for number in re.findall(rb"--name=(\d+)", wrestool(program, "--list"))}
-    for number, path in listed_pictures().items():
+    for number, path in pictures.items():
         if number not in present:
             found.append(f"{program}: no picture {number} ({path})")
             continue
@@ -56,7 +60,8 @@ def faults(program):
 
 
 def main():
-    found = [fault for program in sys.argv[1:] for fault in faults(program)]
+    kind, program = sys.argv[1:]
+    found = faults(kind, program)
     print("\n".join([*found, f"faults: {len(found)}"]))
     sys.exit(bool(found) or len(sys.argv) < 2)
 
