@@ -153,6 +153,8 @@ void BecomeHealthyMachine(TScanRig& rig) {
   TSystem system = rig.System.Bundle();
   const TLanguageTexts texts = rig.Vars.Texts;
   FillGlobalVars(system, rig.Vars);
+  // As a 64-bit program sees the machine, though the tests may be a 32-bit one.
+  rig.Vars.SysWow64Folder = u"C:\\Windows\\SysWOW64\\";
   rig.Vars.Texts = texts;
   rig.System.Registry.RemoveKey(u"HKEY_CURRENT_USER\\Software");
   THealthyReader(rig.System.Registry).Read(LinesOf("tests/healthy/healthy.reg"));
