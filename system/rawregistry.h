@@ -116,15 +116,16 @@ class TRawRegistry {
 
   virtual TRawResult ReadAttributes(TRootKey rootKey, TextView keyPath, TKeyAttributes& attributes) = 0;
 
-  // Whether the user may create subkeys in the key: Done or Denied.
+  // Whether the user may create subkeys in the key, or, where it is a link, in the key that it leads to:
+  // Done, Denied or Missing.
   virtual TRawResult MayCreateSubKeys(TRootKey rootKey, TextView keyPath) = 0;
 
   // Whether the key opens for the user with full access (KEY_ALL_ACCESS), links followed. subKey is handed to
   // the system as it is: it has no leading "\".
   virtual bool OpensWithFullAccess(TRootKey rootKey, TextView subKey) = 0;
 
-  // Creates the key; missing parents get no class and are not volatile. Done also when the key exists, and
-  // isNew tells which.
+  // Creates the key; missing parents get no class, and are volatile only below a volatile key. Done also when
+  // the key exists, and isNew tells which.
   virtual TRawResult CreateKey(TRootKey rootKey, TextView keyPath, const TNewKey& newKey, bool& isNew) = 0;
   TRawResult CreateKey(TRootKey rootKey, TextView keyPath) {
     bool isNew = false;

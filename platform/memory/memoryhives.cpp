@@ -149,10 +149,13 @@ TRawResult TMemoryHives::Create(const TOpenMemoryKey& from, const std::vector<Te
     return TRawResult::Failed;
   if (parent->Rights != TMemoryRights::Everything)
     return TRawResult::Denied;
-  const bool createsParents = known + 1 < names.size();
-  if (parent->IsVolatile && (createsParents || !newKey.IsVolatile))
+  if (parent->IsVolatile && !newKey.IsVolatile)
     return TRawResult::MustBeVolatile;
-  created = Build(from, names);
+  created = parent;
+  for (std::size_t i = known; i < names.size(); ++i) {
+    created = Add(created, names[i]);
+    created->IsVolatile = parent->IsVolatile;
+  }
   created->ClassName = newKey.ClassName;
   created->IsVolatile = newKey.IsVolatile;
   return TRawResult::Done;

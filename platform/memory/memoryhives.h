@@ -78,7 +78,8 @@ class TMemoryHives {
   TOpenMemoryKey Find(TOpenMemoryKey from, const std::vector<Text>& names, bool followLast) const;
 
   // Creates the key with its missing parents, links followed; what is missing below HKEY_CLASSES_ROOT is
-  // created in the machine's hive. No key is created where the result is MustBeVolatile, Denied or Failed.
+  // created in the machine's hive. Parents are volatile only below a volatile key. No key is created where
+  // the result is MustBeVolatile, Denied or Failed.
   TRawResult Create(const TOpenMemoryKey& from, const std::vector<Text>& names, const TNewKey& newKey,
                     TMemoryKeyPointer& created);
 

@@ -247,6 +247,19 @@ bool TWindowsRawRegistry::OpensWithFullAccess(TRootKey rootKey, TextView subKey)
          m_calls.Open(RootHandle(rootKey), subKey, KEY_ALL_ACCESS, false, key) == ERROR_SUCCESS;
 }
 
+// Of a key that is not plain: the system would give missing parents the same class and volatility.
+TRawResult TWindowsRawRegistry::CreateParents(TRootKey rootKey, const Text& path, const TNewKey& newKey) {
+  const std::size_t end = path.rfind(u'\\');
+  const bool isPlain = newKey.ClassName.empty() && !newKey.IsVolatile;
+  if (isPlain || end == Text::npos || m_chain.Exists(rootKey, path.substr(0, end)))
+    return TRawResult::Done;
+  TKeptPointer parent;
+  const TRawResult result = OpenOrCreate(rootKey, path.substr(0, end), {}, parent);
+  if (result != TRawResult::MustBeVolatile || !newKey.IsVolatile)
+    return result;
+  return OpenOrCreate(rootKey, path.substr(0, end), {.IsVolatile = true}, parent);
+}
+
 TRawResult TWindowsRawRegistry::CreateKey(TRootKey rootKey, TextView keyPath, const TNewKey& newKey,
                                           bool& isNew) {
   const std::lock_guard<std::mutex> hold(m_mutex);
@@ -256,15 +269,10 @@ TRawResult TWindowsRawRegistry::CreateKey(TRootKey rootKey, TextView keyPath, co
   // A key kept from before might have been deleted; the result must be about the registry as it is now.
   if (m_chain.Last(rootKey, *path))
     m_chain.Clear();
-  // The system would give missing parents the same class and volatility.
-  const std::size_t parentEnd = std::min(path->rfind(u'\\'), path->size());
-  const bool isPlain = newKey.ClassName.empty() && !newKey.IsVolatile;
+  const TRawResult parents = CreateParents(rootKey, *path, newKey);
+  if (parents != TRawResult::Done)
+    return parents;
   TKeptPointer key;
-  if (!isPlain && parentEnd < path->size() && !m_chain.Exists(rootKey, path->substr(0, parentEnd))) {
-    const TRawResult parent = OpenOrCreate(rootKey, path->substr(0, parentEnd), {}, key);
-    if (parent != TRawResult::Done)
-      return parent;
-  }
   const TRawResult result = OpenOrCreate(rootKey, *path, newKey, key);
   if (result == TRawResult::Done)
     isNew = key->IsNew;

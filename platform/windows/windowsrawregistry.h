@@ -56,6 +56,7 @@ class TWindowsRawRegistry : public TRawRegistry {
   TRawResult OpenAnew(TRootKey rootKey, const Text& path, REGSAM access, TKeptPointer& key);
   TRawResult OpenKept(TRootKey rootKey, const Text& path, REGSAM access, TKeptPointer& key);
   TRawResult OpenOrCreate(TRootKey rootKey, const Text& path, const TNewKey& newKey, TKeptPointer& key);
+  TRawResult CreateParents(TRootKey rootKey, const Text& path, const TNewKey& newKey);
   TRawResult RefuseLink(TKeptKey& key);
   TRawResult WriteTo(HKEY handle, const Text& name, const TRawValue& value);
   TRawResult PlaceOfKey(TRootKey rootKey, const Text& path, TKeyPlace& place);

@@ -141,6 +141,28 @@ TEST_F(RawKeysContract, AVolatileKeyTakesNoLastingSubKey) {
   EXPECT_FALSE(Exists(u"Volatile\\Sub"));
 }
 
+TEST_F(RawKeysContract, MissingParentsBelowAVolatileKeyAreVolatileToo) {
+  bool isNew = false;
+  ASSERT_EQ(m_system.Raw.CreateKey(kScratchRoot, At(u"Volatile"), {u"", true}, isNew), TRawResult::Done);
+  EXPECT_EQ(m_system.Raw.CreateKey(kScratchRoot, At(u"Volatile\\A\\B\\Sub"), {u"Class", false}, isNew),
+            TRawResult::MustBeVolatile);
+  EXPECT_FALSE(Exists(u"Volatile\\A"));
+  ASSERT_EQ(m_system.Raw.CreateKey(kScratchRoot, At(u"Volatile\\A\\B\\Sub"), {u"Class", true}, isNew),
+            TRawResult::Done);
+  EXPECT_TRUE(isNew);
+  EXPECT_EQ(AttributesOf(u"Volatile\\A\\B").ClassName, u"");
+  for (const TextView parent : {u"Volatile\\A\\Lasting", u"Volatile\\A\\B\\Lasting"})
+    EXPECT_EQ(m_system.Raw.CreateKey(kScratchRoot, At(parent)), TRawResult::MustBeVolatile);
+}
+
+TEST_F(RawKeysContract, MissingParentsOfAVolatileKeyLastWhereTheyCan) {
+  bool isNew = false;
+  ASSERT_EQ(m_system.Raw.CreateKey(kScratchRoot, At(u"Lasting\\Volatile"), {u"", true}, isNew),
+            TRawResult::Done);
+  EXPECT_EQ(m_system.Raw.CreateKey(kScratchRoot, At(u"Lasting\\Sub")), TRawResult::Done);
+  EXPECT_EQ(m_system.Raw.CreateKey(kScratchRoot, At(u"Lasting\\Volatile\\Sub")), TRawResult::MustBeVolatile);
+}
+
 TEST_F(RawKeysContract, AnOrdinaryKeyHasNoPermissionsOfItsOwn) {
   Create(u"Key\\Sub");
   const TKeyAttributes attributes = AttributesOf(u"Key\\Sub");

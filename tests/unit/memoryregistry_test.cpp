@@ -101,6 +101,18 @@ TEST_F(MemoryRegistry, AVolatileKeyTakesOnlyVolatileSubKeys) {
   EXPECT_EQ(AttributesOf(kHkeyCurrentUser, u"\\Volatile\\Sub").IsVolatile, true);
 }
 
+TEST_F(MemoryRegistry, MissingParentsAreVolatileOnlyBelowAVolatileKey) {
+  m_registry.MakeVolatile(u"HKEY_CURRENT_USER\\Volatile");
+  bool isNew = false;
+  EXPECT_EQ(m_raw.CreateKey(kHkeyCurrentUser, u"\\Volatile\\Parent\\Sub"), TRawResult::MustBeVolatile);
+  EXPECT_EQ(m_raw.CreateKey(kHkeyCurrentUser, u"\\Volatile\\Parent\\Sub", {u"Class", true}, isNew),
+            TRawResult::Done);
+  EXPECT_EQ(AttributesOf(kHkeyCurrentUser, u"\\Volatile\\Parent").IsVolatile, true);
+  EXPECT_EQ(AttributesOf(kHkeyCurrentUser, u"\\Volatile\\Parent").ClassName, u"");
+  EXPECT_EQ(m_raw.CreateKey(kHkeyCurrentUser, u"\\Lasting\\Sub", {u"", true}, isNew), TRawResult::Done);
+  EXPECT_EQ(AttributesOf(kHkeyCurrentUser, u"\\Lasting").IsVolatile, false);
+}
+
 TEST_F(MemoryRegistry, ANewKeyInheritsAndHasNoPermissionsOfItsOwn) {
   m_registry.AddKey(u"HKEY_CURRENT_USER\\Key\\Sub");
   EXPECT_FALSE(AttributesOf(kHkeyCurrentUser, u"\\Key").HasOwnSecurity);

@@ -80,6 +80,32 @@ TEST_F(OddKeys, ComeBackWithoutAnyDifference) {
   EXPECT_EQ(Dump(), before);
 }
 
+// "RegCreateKeyEx", learn.microsoft.com: what is created in a volatile key must be volatile
+// (ERROR_CHILD_MUST_BE_VOLATILE), and so must the parents that are missing there.
+TEST(FleetingKeys, ComeBackBelowAVolatileKeyAlsoWithoutTheirParents) {
+  for (const bool tellsVolatility : {true, false}) {
+    TRepairRig rig;
+    TMemoryRegistry& registry = rig.System.Registry;
+    registry.TellsVolatility = tellsVolatility;
+    const Text session = u"HKEY_CURRENT_USER\\Session";
+    const Text broken = session + u"\\1\\Apps\\Broken";
+    registry.Set(broken, u"file", u"C:\\gone");
+    for (const TextView below : {u"", u"\\1", u"\\1\\Apps", u"\\1\\Apps\\Broken"})
+      registry.MakeVolatile(session + Text(below));
+    const std::vector<std::string> before = registry.Dump(broken);
+    rig.AddProblem(rig.AddSection(u"Broken"), KeyProblem(kHkeyCurrentUser, u"\\Session\\1\\Apps\\Broken"));
+    rig.Repair();
+    ASSERT_EQ(rig.Outcome.Deleted.size(), 1U);
+    registry.RemoveKey(session + u"\\1");
+    EXPECT_EQ(rig.RestoreTheBackup(), TRestoreEnd::Restored) << tellsVolatility;
+    EXPECT_EQ(registry.Dump(broken), before) << tellsVolatility;
+    for (const TextView below : {u"\\1", u"\\1\\Apps", u"\\1\\Apps\\Broken"}) {
+      const TMemoryKey* key = registry.KeyAt(session + Text(below));
+      EXPECT_TRUE(key != nullptr && key->IsVolatile) << EncodeUtf8(below) << tellsVolatility;
+    }
+  }
+}
+
 // As a user without the rights gets them back: owners of others and times stay as the system gave them.
 TEST_F(OddKeys, ComeBackWithTheirValuesWhereTheSystemLetsAProgramSetNothing) {
   TMemoryRegistry& registry = m_rig.System.Registry;
