@@ -203,6 +203,8 @@ TLockAnswer TMemoryInterprocess::Lock(const TLockWish& wish, const std::function
   std::unique_lock<std::mutex> hold(Locks->Mutex);
   Names.push_back(name);
   while (Locks->AllHeld || Locks->Held.contains(name)) {
+    if (OnWait)
+      OnWait();
     Locks->Released.wait_for(hold, kLockSlice);
     if (stop && stop())
       return {TLockEnd::Stopped, nullptr};

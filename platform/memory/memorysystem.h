@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -116,6 +117,8 @@ class TMemoryInterprocess : public TInterprocess {
   std::chrono::milliseconds LongestPatience = std::chrono::milliseconds(10000);
   std::set<std::uint32_t> RunningProcesses;
   std::vector<Text> Names;  // of the locks that were wished for
+  // Called on the thread that has to wait for a lock, several times a second.
+  std::function<void()> OnWait;
 };
 
 class TMemorySystem {

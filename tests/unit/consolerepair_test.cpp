@@ -159,6 +159,24 @@ TEST_F(ConsoleRepair, AnswersThreeWithTheReasonWhenTheDiskIsFull) {
   EXPECT_NE(m_rig.Told().find("System message 112."), std::string::npos) << m_rig.Told();
 }
 
+TEST_F(ConsoleRepair, CancelledWhileItWaitsForTheBackupsListsWhatIsLeftAndAnswersOne) {
+  TMemoryInterprocess& interprocess = m_rig.Scan.System.Interprocess;
+  std::unique_ptr<THeldLock> others;
+  // Another copy takes the lock while this one scans.
+  m_rig.Scan.System.Registry.OnRead = [&, mainThread = std::this_thread::get_id()] {
+    if (std::this_thread::get_id() != mainThread && !others)
+      others = interprocess.HoldEveryLock();
+  };
+  bool wasTaken = false;
+  interprocess.OnWait = [&] { wasTaken = m_rig.Console.Interrupt(); };
+  EXPECT_EQ(Repair(), 1);
+  EXPECT_TRUE(wasTaken);
+  EXPECT_EQ(TextOf(kShellFolders), kBroken);
+  EXPECT_EQ(m_rig.Console.Output, kListing);
+  EXPECT_EQ(m_rig.Told(), Line(Says(TextId::EntriesNotReached, u"1")));
+  EXPECT_FALSE(m_rig.Scan.System.Disk.Content(BackupsFolder() + u"46341.5"));
+}
+
 TEST_F(ConsoleRepair, RepairsAlsoWhenTheBackupsCannotBeTidiedUp) {
   m_rig.Scan.System.Disk.AddFile(u"C:\\Users\\Ann\\AppData\\TessalySoft\\Corvalt\\Backups\\index.ini",
                                  "[1]\r\n");

@@ -90,7 +90,7 @@ TExitCode Delete(TConsoleContext& context, TResultsTreeModel& results, bool list
                  bool noBackup) {
   const TRepairOutcome outcome = RunRepair(context, results, noBackup);
   TellRepair(context, outcome);
-  if (!outcome.Cleaning.BackupMade)
+  if (outcome.Failure && !outcome.Cleaning.BackupMade)
     return TExitCode::Failed;
   const std::unordered_set<const TResultsNode*> gone(outcome.Cleaning.Deleted.begin(),
                                                      outcome.Cleaning.Deleted.end());
