@@ -97,6 +97,10 @@ class TFileStore {
 
   // About the name itself: a link is not followed.
   [[nodiscard]] virtual TFileInfo Info(TextView path) = 0;
+
+  // The path from its drive or share on, as the system reads it: the current folder before a relative one,
+  // "." and ".." worked out, "\\" between the names. Nothing need exist there. Empty when it can't be read.
+  [[nodiscard]] virtual Text FullPath(TextView path) = 0;
 };
 
 }  // namespace corvalt

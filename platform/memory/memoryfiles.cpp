@@ -402,4 +402,20 @@ TFileInfo TMemoryDisk::Info(TextView path) {
   return InfoOf(Find(path), path.substr(LastPos(u"\\", path)));
 }
 
+Text TMemoryDisk::FullPath(TextView path) {
+  const auto isSeparator = [](char16_t unit) { return unit == u'\\' || unit == u'/'; };
+  const bool isNetwork = path.size() > 1 && isSeparator(path[0]) && isSeparator(path[1]);
+  if (path.empty() || isNetwork || HoldsNul(path))
+    return isNetwork ? Text(path) : Text();
+  Text whole(path);
+  if (isSeparator(path[0]))
+    whole.insert(0, CurrentFolder.substr(0, 2));
+  else if (path.substr(1, 1) != u":")
+    whole.insert(0, CurrentFolder + u"\\");
+  Text full;
+  for (const Text& name : Components(whole))
+    full += (full.empty() ? u"" : u"\\") + name;
+  return full.size() == 2 || isSeparator(path.back()) ? full + u"\\" : full;
+}
+
 }  // namespace corvalt

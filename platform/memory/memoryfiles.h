@@ -121,6 +121,10 @@ class TMemoryDisk : public FileSystemProbe, public TFileStore {
   TSystemError MakeFolders(TextView path) override;
   TSystemError OpenFolder(TextView path, std::unique_ptr<TOpenFolder>& folder) override;
   TFileInfo Info(TextView path) override;
+  Text FullPath(TextView path) override;
+
+  // What FullPath puts before a relative path.
+  Text CurrentFolder = u"C:\\Users";
 
  private:
   friend class TMemoryFolder;

@@ -310,4 +310,8 @@ TFileInfo TWindowsFiles::Info(TextView path) {
   return info;
 }
 
+Text TWindowsFiles::FullPath(TextView path) {
+  return HoldsNul(path) ? Text() : FullPathOf(Text(path));
+}
+
 }  // namespace corvalt

@@ -57,6 +57,7 @@ class TWindowsFiles : public TFileStore {
   TSystemError MakeFolders(TextView path) override;
   TSystemError OpenFolder(TextView path, std::unique_ptr<TOpenFolder>& folder) override;
   TFileInfo Info(TextView path) override;
+  Text FullPath(TextView path) override;
 };
 
 }  // namespace corvalt

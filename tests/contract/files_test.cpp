@@ -80,6 +80,25 @@ TEST_F(FileStoreContract, AFileWhosePiecesEndInAFailureStaysAsItWas) {
   EXPECT_EQ(Names().size(), 1u);
 }
 
+TEST_F(FileStoreContract, AFullPathIsTheSameForEverySpelling) {
+  const Text full = m_system.Files.FullPath(At(u"Folder\\file.txt"));
+  EXPECT_EQ(full, At(u"Folder\\file.txt"));
+  for (const TextView other : {u"Folder\\.\\file.txt", u"Folder\\Below\\..\\file.txt", u"Folder//file.txt",
+                               u"Folder\\file.txt.", u"Folder\\file.txt "})
+    EXPECT_EQ(m_system.Files.FullPath(At(other)), full) << EncodeUtf8(other);
+  EXPECT_EQ(m_system.Files.FullPath(At(u"Folder/")), At(u"Folder\\"));
+}
+
+TEST_F(FileStoreContract, AFullPathOfARelativeOneBeginsWithTheCurrentFolder) {
+  const Text full = m_system.Files.FullPath(u"file.txt");
+  EXPECT_EQ(full.substr(1, 2), u":\\") << EncodeUtf8(full);
+  EXPECT_TRUE(full.ends_with(u"\\file.txt")) << EncodeUtf8(full);
+  EXPECT_EQ(m_system.Files.FullPath(u".\\file.txt"), full);
+  EXPECT_EQ(m_system.Files.FullPath(u"Folder\\..\\file.txt"), full);
+  EXPECT_EQ(m_system.Files.FullPath(u"\\file.txt"), full.substr(0, 2) + u"\\file.txt");
+  EXPECT_EQ(m_system.Files.FullPath(u""), u"");
+}
+
 TEST_F(FileStoreContract, LargeFilesPassUnchanged) {
   TBytes large(3 * 1024 * 1024 + 17);
   for (std::size_t i = 0; i < large.size(); ++i)

@@ -131,8 +131,27 @@ TEST_F(ConsoleProgram, AValueMayFollowItsOptionAfterAnEqualsSign) {
   ExpectWrongUsage({u"scan", u"--json=a", u"--json", u"b"}, "40104(--json)");
 }
 
-TEST_F(ConsoleProgram, AReportAndJsonOfOneNameAreRefused) {
-  ExpectWrongUsage({u"scan", u"--report", u"C:\\a.txt", u"--json", u"c:\\A.TXT"}, "40108");
+TEST_F(ConsoleProgram, AReportAndJsonOfOneFileAreRefusedHoweverItIsSpelled) {
+  AddShellFolderProblem();
+  m_rig.Scan.System.Disk.CurrentFolder = u"C:\\Work";
+  const std::vector<std::pair<Text, Text>> spellings = {{u"C:\\a.txt", u"c:\\A.TXT"},
+                                                        {u"a.txt", u".\\a.txt"},
+                                                        {u"a.txt", u"c:/work//A.txt"},
+                                                        {u"..\\a.txt", u"\\a.txt"},
+                                                        {u"C:\\b\\..\\a.txt", u"C:\\a.txt"}};
+  for (const auto& [report, json] : spellings) {
+    EXPECT_EQ(m_rig.Run({u"scan", u"--report", report, u"--json", json}), 2) << EncodeUtf8(json);
+    EXPECT_EQ(m_rig.Told(), std::string("40108\n") + kHelpHint);
+    EXPECT_EQ(m_rig.Console.Output, "");
+    m_rig.Console.Told.clear();
+  }
+}
+
+TEST_F(ConsoleProgram, AReportMayHaveTheNameThatMeansStandardOutputForJson) {
+  AddShellFolderProblem();
+  m_rig.Scan.System.Disk.CurrentFolder = u"C:";
+  EXPECT_EQ(m_rig.Run({u"scan", u"--sections", u"1", u"--report", u"C:\\-", u"--json", u"-"}), 1);
+  EXPECT_TRUE(File(u"C:\\-"));
 }
 
 TEST_F(ConsoleProgram, HelpIsGivenBehindACommandToo) {

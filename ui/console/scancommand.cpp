@@ -34,10 +34,17 @@ TScanOptions ParseOptions(const std::vector<Text>& list) {
   options.Quiet = arguments.Has(u"--quiet");
   if (options.Report == kStandardOutput)
     throw TUsageError(TextId::ReportNeedsFile);
-  // The second would replace the first.
-  if (options.Report && options.Json && EqualIgnoringCase(*options.Report, *options.Json))
-    throw TUsageError(TextId::ReportAndJsonDiffer);
   return options;
+}
+
+// The second would replace the first.
+void RefuseOneFileForBoth(TConsoleContext& context, const TScanOptions& options) {
+  if (!options.Report || !options.Json || options.Json == kStandardOutput)
+    return;
+  TFileStore& files = context.System.Files;
+  const Text report = files.FullPath(*options.Report);
+  if (!report.empty() && EqualIgnoringCase(report, files.FullPath(*options.Json)))
+    throw TUsageError(TextId::ReportAndJsonDiffer);
 }
 
 // Everything that was asked for, also when a part of it fails. False when one did.
@@ -56,6 +63,7 @@ bool WriteFindings(TConsoleContext& context, const TScanOptions& options, TResul
 }
 
 TExitCode Scan(TConsoleContext& context, const TScanOptions& options) {
+  RefuseOneFileForBoth(context, options);
   TSectionsTreeModel sections;
   if (options.SectionCodes)
     sections.CheckOnly(*options.SectionCodes);
