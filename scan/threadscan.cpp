@@ -1,6 +1,7 @@
 #include "scan/threadscan.h"
 
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 #include "base/lettercase.h"
@@ -94,12 +95,20 @@ void TScan::Execute() {
   }
 }
 
-// A scanner that throws ends the scan, with its section as it was.
+// A scanner that throws ends the scan. Its section ends like any other: a header without a number would look
+// as if it were still being scanned.
 void TScan::RunSection(const TSection& section) {
   m_section = &section;
   AddHeader();
-  section.Scanner(*this);
+  std::exception_ptr failure;
+  try {
+    section.Scanner(*this);
+  } catch (...) {
+    failure = std::current_exception();
+  }
   Synchronize([this] { EndSection(); });
+  if (failure)
+    std::rethrow_exception(failure);
 }
 
 Text TScan::CollectEnabledSections(TSectionsNode* node) {

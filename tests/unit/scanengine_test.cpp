@@ -3,10 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "system/systemerror.h"
 #include "tests/support/names.h"
 #include "tests/support/problemfields.h"
 #include "tests/support/regtext.h"
+#include "ui/resultsrows.h"
 
 namespace corvalt {
 
@@ -432,7 +435,34 @@ TEST(ProblemNodes, IgnoredProblemsDoNotWidenTheColumn) {
   EXPECT_EQ(rig.Results.ColumnWidth(), 300);
 }
 
-TEST(ProblemNodes, AnErrorInAScannerEndsTheScanWithItsHeaderLeftUncounted) {
+TEST(ProblemNodes, AnErrorInAScannerEndsTheScanAndCountsWhatItFound) {
+  TScanRig rig;
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\Software\Vendor]
+"A"="C:\\gone1"
+[HKEY_CURRENT_USER\Software\Zeta]
+"B"="C:\\gone2"
+[HKEY_CURRENT_USER\Software\Empty]
+)");
+  // What adding a problem throws comes to the scanner.
+  rig.Results = TResultsTreeModel([](TextView text) -> int {
+    if (text == u"\\Software\\Zeta")
+      throw std::runtime_error("no more");
+    return 0;
+  });
+  rig.Run({Section::FilesOfCurrentUser, Section::ObsoleteSoftware});
+  ASSERT_NE(rig.Failure, nullptr);
+  EXPECT_EQ(rig.Problems().size(), 1U);
+  EXPECT_EQ(AllFields(rig.Headers()),
+            AllFields({SectionHeader(u"HKEY_CURRENT_USER - Files and Folders", 1, kHkeyCurrentUser, 1)}));
+  // No row looks as if the scan were still at it.
+  const TLanguageTexts texts = NumberedTexts();
+  const TResultsRows rows(rig.Results, texts, {});
+  EXPECT_EQ(EncodeUtf8(rows.Lines(*rig.Results.FirstRoot()).front().Content),
+            "HKEY_CURRENT_USER - Files and Folders  " + EncodeUtf8(Says(TextId::HeaderCount, u"1")));
+}
+
+TEST(ProblemNodes, AnErrorInAScannerThatFoundNothingLeavesNoHeader) {
   TScanRig rig;
   LoadRegText(rig.System.Registry, R"(
 [HKEY_CURRENT_USER\Software\Vendor]
@@ -443,8 +473,7 @@ TEST(ProblemNodes, AnErrorInAScannerEndsTheScanWithItsHeaderLeftUncounted) {
            Section::ObsoleteSoftware});  // no adware catalogue is there
   ASSERT_NE(rig.Failure, nullptr);
   EXPECT_EQ(AllFields(rig.Headers()),
-            AllFields({SectionHeader(u"HKEY_CURRENT_USER - Files and Folders", 1, kHkeyCurrentUser, 1),
-                       SectionHeader(u"Adware and Spyware", 22, kNoRootKey, 0)}));
+            AllFields({SectionHeader(u"HKEY_CURRENT_USER - Files and Folders", 1, kHkeyCurrentUser, 1)}));
 }
 
 // The ignore lists

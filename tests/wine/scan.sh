@@ -142,17 +142,15 @@ folder=$work/Corvalt
 corvaltc scan --json "$json/failed.json" --report "$json/failed.txt"
 ok "a scan that fails answers 3" answered 3
 ok "the reason names the catalogue" error_says 'data\xdata.dat'
-# The section that failed is in the file too, with no problem and no count.
 ok "what was found before is written" python3 - "$work/failed.json" "$work/found.json" <<'PY'
 import json
 import sys
 
 failed, found = (json.load(open(path, encoding="utf-8"))["sections"] for path in sys.argv[1:])
-assert failed[:4] == found[:4] and failed[0]["caption"] == "Registry Integrity", failed
-assert [(s["caption"], s["childCount"], s["problems"]) for s in failed[4:]] == [("Adware and Spyware", 0, [])], failed
+assert failed == found[:4] and failed[0]["caption"] == "Registry Integrity", failed
 PY
 ok "the schema describes that too" python3 -m jsonschema -i "$work/failed.json" docs/scan.schema.json
-ok "so is its report" grep -q "Adware and Spyware(0 Problems found)" "$work/failed.txt"
+ok "the report has the same" result report "$work/failed.json" "$work/failed.txt"
 
 echo "$passed passed, $failed failed"
 ((failed == 0))
