@@ -26,6 +26,8 @@ struct TRegistryAtHand {
 };
 
 // The registry in the view that the backup was made in; Registry is null where the system has no such view.
+// Damage and a later program may have written a number that is no view: it counts as one that the system
+// lacks, because keys in the wrong view would reach other programs.
 [[nodiscard]] TRegistryAtHand RegistryOf(const std::optional<TBackupOrigin>& origin, TSystem& system);
 
 }  // namespace corvalt
