@@ -2,6 +2,8 @@
 
 #include <limits>
 
+#include "base/characters.h"
+
 namespace corvalt {
 
 namespace {
@@ -193,17 +195,10 @@ std::optional<Text> DecodeUtf8(std::string_view bytes) {
 std::string EncodeUtf8(TextView text) {
   std::string bytes;
   bytes.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char16_t unit = text[i];
-    if (IsHighSurrogate(unit) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
-      const char32_t high = unit - 0xD800u;
-      const char32_t low = text[++i] - 0xDC00u;
-      AppendUtf8(bytes, 0x10000 + (high << 10) + low);
-    } else if (IsHighSurrogate(unit) || IsLowSurrogate(unit)) {
-      AppendUtf8(bytes, kReplacement);
-    } else {
-      AppendUtf8(bytes, unit);
-    }
+  while (!text.empty()) {
+    const TCharacter character = FirstCharacter(text);
+    AppendUtf8(bytes, character.IsHalf() ? kReplacement : character.Value);
+    text.remove_prefix(character.Units);
   }
   return bytes;
 }

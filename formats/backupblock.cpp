@@ -7,6 +7,7 @@
 #include <charconv>
 #include <string_view>
 
+#include "base/characters.h"
 #include "formats/regfileformat.h"
 #include "formats/textfile.h"
 
@@ -35,14 +36,6 @@ std::optional<TNumber> NumberOf(std::string_view digits, int base = 10) {
   if (error != std::errc() || end != digits.data() + digits.size())
     return std::nullopt;
   return number;
-}
-
-std::string HexDigits(std::uint32_t number, std::size_t count) {
-  constexpr char kDigits[] = "0123456789abcdef";
-  std::string digits(count, '0');
-  for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit, number >>= 4)
-    *digit = kDigits[number & 15];
-  return digits;
 }
 
 bool IsPlain(char16_t unit) {

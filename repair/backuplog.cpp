@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/characters.h"
 #include "repair/backupfolder.h"
 
 namespace corvalt {
@@ -57,27 +58,16 @@ bool BreaksLine(char16_t unit) {
          (unit >= 0x2066 && unit <= 0x2069);
 }
 
-std::string Escaped(char16_t unit) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string escaped(1, kEscape);
-  for (int shift = 12; shift >= 0; shift -= 4)
-    escaped += kDigits[static_cast<std::size_t>(unit >> shift) & 0xF];
-  return escaped;
-}
-
 // A name so that it stays on its line, and no two names look the same.
 std::string InOneLine(TextView name) {
   std::string line;
-  for (std::size_t i = 0; i < name.size(); ++i) {
-    const char16_t unit = name[i];
-    if (IsHighSurrogate(unit) && i + 1 < name.size() && IsLowSurrogate(name[i + 1])) {
-      line += EncodeUtf8(name.substr(i, 2));
-      ++i;
-    } else if (unit == kEscape || BreaksLine(unit) || IsHighSurrogate(unit) || IsLowSurrogate(unit)) {
-      line += Escaped(unit);
-    } else {
-      line += EncodeUtf8(name.substr(i, 1));
-    }
+  while (!name.empty()) {
+    const TCharacter character = FirstCharacter(name);
+    if (character.Value == kEscape || BreaksLine(name[0]) || character.IsHalf())
+      line += kEscape + HexDigits(character.Value, 4);
+    else
+      line += EncodeUtf8(name.substr(0, character.Units));
+    name.remove_prefix(character.Units);
   }
   return line;
 }

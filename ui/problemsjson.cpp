@@ -1,5 +1,7 @@
 #include "ui/problemsjson.h"
 
+#include "base/characters.h"
+
 namespace corvalt {
 
 namespace {
@@ -9,22 +11,6 @@ constexpr std::size_t kPiece = 65536;  // bytes from which on a piece is written
 // Those of ASCII and those above it, which a terminal may obey too.
 bool IsControl(char16_t unit) {
   return unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);
-}
-
-std::string Escape(char16_t unit) {
-  constexpr char kDigits[] = "0123456789abcdef";
-  std::string escape = "\\u";
-  for (const unsigned shift : {12U, 8U, 4U, 0U})
-    escape += kDigits[(unsigned{unit} >> shift) & 0xFU];
-  return escape;
-}
-
-// How many units from the text's front make one character that UTF-8 has bytes for; 0 when the first is a
-// lone surrogate.
-std::size_t CharacterLength(TextView text) {
-  if (IsHighSurrogate(text[0]))
-    return text.size() > 1 && IsLowSurrogate(text[1]) ? 2 : 0;
-  return IsLowSurrogate(text[0]) ? 0 : 1;
 }
 
 std::string RootKeyJson(TRootKey rootKey) {
@@ -52,15 +38,15 @@ std::string HeaderJson(const ScanProblem& header) {
 std::string JsonString(TextView text) {
   std::string json = "\"";
   while (!text.empty()) {
-    const std::size_t length = CharacterLength(text);
-    if (length == 0 || IsControl(text[0])) {
-      json += Escape(text[0]);
+    const TCharacter character = FirstCharacter(text);
+    if (character.IsHalf() || IsControl(text[0])) {
+      json += "\\u" + HexDigits(character.Value, 4);
     } else {
       if (text[0] == u'"' || text[0] == u'\\')
         json += '\\';
-      json += EncodeUtf8(text.substr(0, length));
+      json += EncodeUtf8(text.substr(0, character.Units));
     }
-    text.remove_prefix(length == 0 ? 1 : length);
+    text.remove_prefix(character.Units);
   }
   return json + "\"";
 }

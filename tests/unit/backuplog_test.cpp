@@ -214,12 +214,12 @@ TEST(BackupLog, KeepsEveryNameOnItsLineAndApartFromOthers) {
   const auto expected = [](const std::string& name) {
     return "HKEY_CURRENT_USER\\K\t" + name + "\tvalue written\tdone\r\n";
   };
-  EXPECT_EQ(line(u"a\r\nb\tc"), expected("a^000D^000Ab^0009c"));
-  EXPECT_EQ(line(u"^000D"), expected("^005E000D"));
+  EXPECT_EQ(line(u"a\r\nb\tc"), expected("a^000d^000ab^0009c"));
+  EXPECT_EQ(line(u"^000D"), expected("^005e000D"));
   EXPECT_EQ(line(Text(1, u'\0')), expected("^0000"));
-  EXPECT_EQ(line(Text(1, char16_t{0xD800}) + u"x"), expected("^D800x"));
-  EXPECT_EQ(line(Text(1, char16_t{0xDC00})), expected("^DC00"));
-  EXPECT_EQ(line(u"\u2028\u202E\u0085"), expected("^2028^202E^0085"));
+  EXPECT_EQ(line(Text(1, char16_t{0xD800}) + u"x"), expected("^d800x"));
+  EXPECT_EQ(line(Text(1, char16_t{0xDC00})), expected("^dc00"));
+  EXPECT_EQ(line(u"\u2028\u202E\u0085"), expected("^2028^202e^0085"));
   EXPECT_EQ(line(u"Größe %s \U0001F600"), expected("Gr\xC3\xB6\xC3\x9F"
                                                    "e %s \xF0\x9F\x98\x80"));
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "base/characters.h"
+
 namespace corvalt {
 
 namespace {
@@ -55,17 +57,6 @@ bool IsIn(const std::array<TRange, kCount>& ranges, char32_t character) {
   const auto range = std::lower_bound(ranges.begin(), ranges.end(), character,
                                       [](const TRange& each, char32_t wanted) { return each.Last < wanted; });
   return range != ranges.end() && range->First <= character;
-}
-
-// The units of the first character of a text that is not empty, and the character.
-struct TCharacter {
-  std::size_t Units = 1;
-  char32_t Value = 0;
-};
-TCharacter FirstCharacter(TextView text) {
-  if (text.size() < 2 || !IsHighSurrogate(text[0]) || !IsLowSurrogate(text[1]))
-    return {1, text[0]};
-  return {2, 0x10000 + (static_cast<char32_t>(text[0] - 0xD800) << 10) + (text[1] - 0xDC00U)};
 }
 
 // Twice as wide, but not the Korean script, which has blanks between its words.
