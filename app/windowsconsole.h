@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <functional>
-#include <mutex>
 #include <string_view>
 
 #include "base/text.h"

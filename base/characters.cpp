@@ -20,4 +20,8 @@ std::string HexDigits(std::uint32_t number, std::size_t count) {
   return digits;
 }
 
+bool IsControl(char16_t unit) {
+  return unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);
+}
+
 }  // namespace corvalt

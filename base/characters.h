@@ -23,4 +23,11 @@ TCharacter FirstCharacter(TextView text);
 // The lowest digits of the number, so many, in lower-case letters.
 std::string HexDigits(std::uint32_t number, std::size_t count);
 
+// Whether the unit is a control character: one of ASCII, or one of those above it (U+007F to U+009F), which a
+// terminal may obey too.
+bool IsControl(char16_t unit);
+
+// What stands for text that can't be shown or encoded (U+FFFD).
+inline constexpr char16_t kReplacementCharacter = u'\uFFFD';
+
 }  // namespace corvalt

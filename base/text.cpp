@@ -9,7 +9,6 @@ namespace corvalt {
 namespace {
 
 constexpr char16_t kBlank = u' ';
-constexpr char16_t kReplacement = u'\uFFFD';
 
 void AppendUtf8(std::string& bytes, char32_t point) {
   const auto add = [&bytes](char32_t byte) {
@@ -197,7 +196,7 @@ std::string EncodeUtf8(TextView text) {
   bytes.reserve(text.size());
   while (!text.empty()) {
     const TCharacter character = FirstCharacter(text);
-    AppendUtf8(bytes, character.IsHalf() ? kReplacement : character.Value);
+    AppendUtf8(bytes, character.IsHalf() ? kReplacementCharacter : character.Value);
     text.remove_prefix(character.Units);
   }
   return bytes;

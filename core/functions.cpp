@@ -13,7 +13,8 @@ namespace {
 constexpr TextView kProgramExtension = u".exe";
 constexpr TextView kNetworkPrefix = u"\\\\";
 
-// Command lines have few; a text with more is looked at with care for the time that it takes.
+// Command lines hold fewer. Of a text with more blanks only the part that a path can reach to is looked for
+// (PossiblePart), because each blank costs questions to the disk.
 constexpr std::ptrdiff_t kManyBlanks = 32;
 
 bool IsAbsolute(TextView text) {
@@ -143,10 +144,10 @@ std::optional<Text> TPathChecks::LongestExistingFile(TextView command) {
   if (found)
     return found;
   // On a drive that is not fixed the whole text was found already.
-  const bool isMonstrous = std::count(command.begin(), command.end(), u' ') > kManyBlanks;
-  const TextView possible = isMonstrous ? PossiblePart(command) : command;
+  const bool hasManyBlanks = std::count(command.begin(), command.end(), u' ') > kManyBlanks;
+  const TextView possible = hasManyBlanks ? PossiblePart(command) : command;
   for (auto rest = CutAtLastBlank(possible); rest && !found; rest = CutAtLastBlank(*rest)) {
-    if (isMonstrous && IsStopped())
+    if (hasManyBlanks && IsStopped())
       return Text(*rest);
     found = FoundWithOrWithoutExtension(*rest, true);
   }

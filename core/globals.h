@@ -11,6 +11,8 @@
 
 namespace corvalt {
 
+// Some fields are read by no part of this module, such as CommonFilesFolder, SkinPath and the folders of the
+// Start menu; the suite requires that all of them are filled, so keep them.
 struct TGlobalVars {
   // Folders end with "\".
   Text AppDataFolder;

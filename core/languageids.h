@@ -166,7 +166,7 @@ enum class TextId : std::int32_t {
   ActionCheckRow = 40034,
   ActionUncheckRow = 40035,
 
-  // Said at the start
+  // Shown at the start
   UseThe64BitProgram = 40036,
 
   // The backup folder

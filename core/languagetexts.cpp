@@ -3,7 +3,6 @@
 #include "base/devicenames.h"
 #include "core/datafiles.h"
 #include "core/displaylanguages.h"
-#include "core/globals.h"
 #include "core/settingskeys.h"
 #include "formats/textfile.h"
 #include "system/openkey.h"
@@ -30,8 +29,9 @@ bool IsThere(TSystem& system, const Text& languagesFolder, const Text& name) {
   return IsPlainFileName(name) && !IsDeviceName(name) && system.Probe.FileExists(languagesFolder + name);
 }
 
-// The language that the suite's settings name, at the first start the one that Windows itself shows. With
-// full access the settings get what was chosen instead of what they lacked or whose file is missing.
+// The file of the language that the suite's settings name. Where they name none, the language that Windows
+// shows; where that one or the named one has no file, English. With full access the choice is stored wherever
+// the settings name no file that exists.
 Text ChooseLanguage(TSystem& system, const Text& languagesFolder, TRegistryAccess access) {
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(access);
   const TOpenKey key(*store, kSuiteKey, true);

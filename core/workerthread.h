@@ -76,8 +76,8 @@ class TWorkerThread {
   std::atomic<bool> m_terminated = false;
   TEndHandler m_endHandler;
   std::exception_ptr m_fatalException;
-  std::mutex
-      m_ownerMutex;  // guards the two below between Launch and a body that ends without a user interface
+  // Guards the two below between Launch and a body that ends without a user interface.
+  std::mutex m_ownerMutex;
   std::unique_ptr<TWorkerThread> m_self;
   bool m_abandoned = false;
   std::thread m_thread;

@@ -8,7 +8,6 @@
 #include <string>
 
 #include "base/text.h"
-#include "system/rawregistry.h"
 
 namespace corvalt {
 

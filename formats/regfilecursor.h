@@ -9,7 +9,6 @@
 
 #include "base/text.h"
 #include "formats/regfilelines.h"
-#include "system/rawregistry.h"
 #include "system/registryvalues.h"
 
 namespace corvalt {

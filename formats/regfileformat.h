@@ -41,7 +41,6 @@
 
 #include "base/keypaths.h"
 #include "base/text.h"
-#include "system/rawregistry.h"
 #include "system/registryvalues.h"
 
 namespace corvalt {

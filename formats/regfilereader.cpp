@@ -182,8 +182,7 @@ bool TRegFileReader::ReadDword() {
   if (!number || !m_cursor.AtEnd())
     return false;
   m_entry.Value.Type = kRegDword;
-  for (int shift = 0; shift < 32; shift += 8)
-    m_entry.Value.Data.push_back(static_cast<std::uint8_t>(*number >> shift));
+  m_entry.Value.Data = IntegerBytes(*number);
   return true;
 }
 
@@ -255,7 +254,7 @@ bool TRegFileReader::ReadExactKey() {
 
 bool TRegFileReader::ReadExactValue() {
   TRawValue& value = m_entry.Value;
-  if (!ReadExactText(value.Name) || value.Name.find(u'\0') != Text::npos || !m_cursor.Take(kExactSeparator))
+  if (!ReadExactText(value.Name) || HoldsNul(value.Name) || !m_cursor.Take(kExactSeparator))
     return false;
   const std::optional<std::uint32_t> type = m_cursor.TakeNumber();
   value.Data.clear();

@@ -13,7 +13,6 @@
 #include "formats/regfilecursor.h"
 #include "formats/regfileformat.h"
 #include "formats/regfilelines.h"
-#include "system/rawregistry.h"
 #include "system/registryvalues.h"
 #include "system/systemlocale.h"
 

@@ -10,7 +10,6 @@
 #include "base/text.h"
 #include "formats/backupblock.h"
 #include "formats/regfileformat.h"
-#include "system/rawregistry.h"
 #include "system/registryvalues.h"
 #include "system/systemlocale.h"
 

@@ -1,4 +1,4 @@
-// Any bytes as a data file: a content within the limit, or nothing.
+// Any bytes as a data file: a content within the limit, or nullopt.
 #include "formats/inflate.h"
 
 #include <cstdlib>

@@ -10,7 +10,6 @@
 #include "platform/memory/memorysystem.h"
 #include "scan/threadscan.h"
 #include "system/queueuithread.h"
-#include "system/systemerror.h"
 #include "tests/support/datafile.h"
 #include "tests/support/silentdialog.h"
 #include "ui/resultstree.h"

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "base/lettercase.h"
 #include "core/languagetexts.h"
 #include "repair/backupname.h"
 
@@ -11,7 +10,8 @@ namespace corvalt {
 namespace {
 
 constexpr TextView kLockName = u"TessalySoft Tessaly Utilities Backups ";
-// The end of a folder tells it from others; a lock's name has its limit.
+// Units of the folder's path that the lock's name ends with. Paths differ at their ends, and the name of a
+// lock takes 150 units (system/interprocess.h).
 constexpr std::size_t kFolderInLockName = 110;
 
 constexpr std::chrono::milliseconds kIndexPatience = std::chrono::seconds(2);

@@ -1,10 +1,10 @@
 #include "repair/backuplog.h"
 
-#include <span>
 #include <string_view>
 #include <utility>
 
 #include "base/characters.h"
+#include "formats/textfile.h"
 #include "repair/backupfolder.h"
 
 namespace corvalt {
@@ -12,7 +12,6 @@ namespace corvalt {
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{64} * 1024;  // bytes
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr char kEscape = '^';
 
 std::string_view NameOf(TChangeKind kind) {
@@ -54,8 +53,7 @@ std::string_view NameOf(TRawResult result) {
 // Control characters, the separators of lines and paragraphs, and those that turn the direction of what
 // follows (Unicode Standard Annex 9, unicode.org/reports/tr9).
 bool BreaksLine(char16_t unit) {
-  return unit < u' ' || (unit >= 0x7F && unit <= 0x9F) || (unit >= 0x2028 && unit <= 0x202E) ||
-         (unit >= 0x2066 && unit <= 0x2069);
+  return IsControl(unit) || (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
 }
 
 // A name so that it stays on its line, and no two names look the same.

@@ -12,6 +12,7 @@
 #include "system/changelog.h"
 #include "system/filestore.h"
 #include "system/system.h"
+#include "system/systemerror.h"
 
 namespace corvalt {
 

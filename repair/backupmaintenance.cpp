@@ -16,7 +16,8 @@ constexpr TextView kLegacyFolder = u"TessalySoft\\Corvalt\\Backups\\";
 constexpr std::array<TextView, 4> kFurtherFileKeys = {u"29601", u"29602", u"29603", u"29606"};
 constexpr TextView kNoFile = u"nofile";
 
-// Days by the suite's setting; no backup is removed before the floor.
+// Days after which a backup is too old, by the number that the suite's setting holds; another number means
+// never. Whatever it holds, none is removed for its age before kAgeFloor days.
 constexpr std::array<std::int32_t, 6> kAgeLimits = {7, 14, 21, 30, 60, 90};
 constexpr std::int32_t kNoAgeLimit = 99999999;
 constexpr std::int32_t kAgeFloor = 90;
@@ -40,8 +41,8 @@ std::vector<Text> ListInSuite(TBackupFolder& suite, const std::vector<Text>& nam
   return added;
 }
 
-// While the old index can't be deleted it brings its sections back at each start, also those of backups that
-// the user has removed.
+// Takes out of the suite's index the names that were just added and have no file. An old index that can't be
+// deleted is read again at each start, and would list backups again that the user has removed.
 void TakeOutWithoutFile(TBackupFolder& suite, const std::vector<Text>& added) {
   suite.ChangeIndex([&suite, &added](TIniFile& index) {
     for (const Text& name : added) {
@@ -61,9 +62,8 @@ void MoveFiles(TSystem& system, TBackupFolder& legacy, const TBackupFolder& suit
 }
 
 bool IsOfStore(TextView fileName, TextView decimalSign) {
-  constexpr TextView kLogEnd = u".log";
-  if (fileName.ends_with(kLogEnd))
-    fileName.remove_suffix(kLogEnd.size());
+  if (fileName.ends_with(kBackupLogEnd))
+    fileName.remove_suffix(kBackupLogEnd.size());
   return EqualIgnoringCase(fileName, kBackupIndexName) || TimeOfBackupName(fileName, decimalSign).has_value();
 }
 
@@ -111,7 +111,8 @@ void TBackupPruning::Run() {
   m_folder.ChangeIndex([this](TIniFile& index) {
     const std::vector<Text> names = index.SectionNames();
     PruneByAge(index, names);
-    // Names that were erased by age are counted once more, which may remove more than needed.
+    // These are all names, also those that were just removed for their age: the limit counts them too, so
+    // that more backups may go than it asks for.
     PruneByCount(index, names);
   });
 }
@@ -156,7 +157,7 @@ void TBackupPruning::DeleteFiles(const TIniFile& index, const Text& name) {
   Delete(name);
 }
 
-// A file that can't be deleted keeps no backup in the index.
+// A file that can't be deleted stays; its backup is taken out of the index all the same.
 void TBackupPruning::Delete(TextView name) {
   static_cast<void>(m_folder.DeleteFile(name));
 }

@@ -11,6 +11,9 @@ namespace corvalt {
 
 inline constexpr TextView kBackupIndexName = u"index.ini";
 
+// How the name of a backup's log ends; the backup's name stands before it.
+inline constexpr TextView kBackupLogEnd = u".log";
+
 // The module id that this program's backups carry in the index: the number of its own title.
 inline constexpr TextView kCleanerModuleId = u"11001";
 
@@ -31,7 +34,7 @@ class TBackupName {
 
   // The file beside the backup that lists the changes of its repair and of its restores.
   Text LogName() const {
-    return m_value + u".log";
+    return m_value + Text(kBackupLogEnd);
   }
 
   bool operator==(const TBackupName&) const = default;

@@ -19,7 +19,8 @@ namespace corvalt {
 // (0) is no obstacle: the file is not whole then, which is asked about.
 [[nodiscard]] bool IsSupported(const TBackupOrigin& origin, TSystem& system);
 
-// A registry, and its owner where it was opened for this use.
+// A registry to work on. Opened owns it where it was opened for this use, and is null where it is the
+// program's own.
 struct TRegistryAtHand {
   TRawRegistry* Registry = nullptr;
   std::unique_ptr<TRawRegistry> Opened;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "base/lettercase.h"
 #include "core/languagetexts.h"
 #include "repair/backupmaintenance.h"
 #include "repair/backuporigin.h"
@@ -70,7 +69,7 @@ TExportResult BackupStore::AddKeyToBackup(const TKeyPath& key) {
   const TRawResult found = m_system.Raw.FindKey(key.RootKey(), key.Path(), place);
   if (found != TRawResult::Done)
     return found == TRawResult::Missing ? TExportResult::Missing : TExportResult::Unreadable;
-  // The right to delete a key is not the right to bring it back.
+  // Who may delete a key may still be unable to create it again, which takes a right on its parent.
   if (m_system.Raw.MayCreateSubKeys(place.RootKey, ParentPath(place.KeyPath)) != TRawResult::Done)
     return TExportResult::Unreadable;
   const std::size_t keysBefore = m_exporter.Exported().size();

@@ -2,18 +2,26 @@
 // other modules write too.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <utility>
 #include <vector>
 
+#include "base/keypaths.h"
+#include "base/text.h"
 #include "core/globals.h"
 #include "formats/ioregistry.h"
 #include "repair/backupfolder.h"
 #include "repair/backupname.h"
 #include "repair/deletionright.h"
+#include "system/interprocess.h"
+#include "system/rawregistry.h"
 #include "system/system.h"
+#include "system/systemerror.h"
+#include "system/systemlocale.h"
 
 namespace corvalt {
 

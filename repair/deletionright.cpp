@@ -1,7 +1,6 @@
 #include "repair/deletionright.h"
 
 #include <algorithm>
-#include <array>
 
 #include "base/lettercase.h"
 #include "core/settings.h"
@@ -28,13 +27,10 @@ const TKeyPlace* FindIn(const std::map<Text, TKeyPlace>& places, const Text& com
   return place == places.end() ? nullptr : &place->second;
 }
 
-// Of the type and the bytes.
+// A digest of the value's type and bytes.
 TDigest ContentOf(const TRawValue& value) {
   TDigester digester;
-  std::array<std::uint8_t, sizeof(value.Type)> type{};
-  for (std::size_t i = 0; i < type.size(); ++i)
-    type[i] = static_cast<std::uint8_t>(value.Type >> (8 * i));
-  digester.Add(type);
+  digester.Add(IntegerBytes(value.Type));
   digester.Add(value.Data);
   return digester.Finish();
 }

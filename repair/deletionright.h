@@ -10,6 +10,7 @@
 #include "base/digest.h"
 #include "base/keypaths.h"
 #include "base/text.h"
+#include "system/rawregistry.h"
 #include "system/registryvalues.h"
 #include "system/system.h"
 

@@ -26,7 +26,7 @@ TextView StoredName(TextView entry) {
   return entry.substr(0, entry.find(u'\0'));
 }
 
-// What all forms of an entry have in common.
+// The same text for an entry in any letter case, switched on or off.
 Text SameInAllForms(TextView entry) {
   return UpperCase(StoredName(WithoutOffMark(entry)));
 }

@@ -17,8 +17,9 @@ namespace {
 // The failure that the last start showed, in the cleaner's own settings.
 constexpr TextView kFailureValue = u"maintenancefailure";
 
-// Keeps the failure for the next start; an empty reason is none. Whether it is another one than before, which
-// the user is to be told: what fails in the same way at each start is shown once.
+// Stores the reason of a failure for the next start; an empty reason means that there was none. Returns
+// whether it differs from the stored one: only then the user is told, so that what fails in the same way at
+// each start is shown once.
 bool RememberFailure(TSystem& system, const Text& reason) {
   const std::unique_ptr<RegistryStore> store = system.Registry.CreateStore(TRegistryAccess::Full);
   const TOpenKey key(*store, kCleanerSettingsKey, !reason.empty());
@@ -59,7 +60,7 @@ void MaintainBackups(TSystem& system, const TGlobalVars& vars, const std::functi
     } catch (const TBackupWorkStopped&) {
       throw;
     } catch (...) {
-      // Old backups that can't be taken over keep no others from being removed.
+      // The other backups are tidied up also where the old ones can't be taken over.
       failure = std::current_exception();
     }
     store.RemoveLeftFiles();

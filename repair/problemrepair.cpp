@@ -153,7 +153,7 @@ TDeletion TProblemDeleter::DeletionOf(TRawResult result) const {
 
 void TProblemDeleter::DeleteEmptyMenuKeys(const TKeyPath& key) {
   for (const TKeyPath& menuKey : MenuKeysUpward(key)) {
-    // A key that stays is a subkey of the next one.
+    // A key that stays is a subkey of the next one, which therefore stays too.
     if (HasSubKeys(menuKey) || DeleteKeyAsSaved(menuKey) != TDeletion::Deleted)
       return;
   }

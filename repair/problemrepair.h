@@ -9,6 +9,8 @@
 #include "repair/backupstore.h"
 #include "repair/deletionright.h"
 #include "scan/scanproblem.h"
+#include "system/rawregistry.h"
+#include "system/registrystore.h"
 #include "system/registryvalues.h"
 #include "system/system.h"
 

@@ -4,6 +4,7 @@
 
 #include "base/lettercase.h"
 #include "core/languagetexts.h"
+#include "formats/ioregistry.h"
 #include "repair/backuplog.h"
 #include "repair/backuporigin.h"
 

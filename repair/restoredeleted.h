@@ -3,13 +3,16 @@
 
 #include <cstddef>
 #include <functional>
-#include <optional>
 #include <vector>
 
+#include "base/text.h"
 #include "core/globals.h"
-#include "formats/ioregistry.h"
+#include "formats/backupblock.h"
+#include "formats/regfileimport.h"
 #include "repair/backupstore.h"
 #include "system/system.h"
+#include "system/systemerror.h"
+#include "system/systemlocale.h"
 
 namespace corvalt {
 

@@ -121,7 +121,7 @@ void TCleaning::BackUpChecked() {
 }
 
 void TCleaning::BackUp(const ScanProblem& problem, std::size_t done) {
-  // The percentages of the deletions count every problem that was backed up once more.
+  // A problem that is backed up counts twice in the total that the percentages of the deletions are taken of.
   ++m_total;
   ItemText.clear();
   Percent = PercentOf(done, m_checked);
@@ -188,7 +188,7 @@ void TCleaning::UpdateStatus() {
 
 void TCleaning::UpdateItem() {
   Synchronize([this] {
-    // What is deleted is deleted, also after Cancel; only the labels and bars stand still then.
+    // A node whose entry was deleted is marked also after Cancel; labels and bars no longer move then.
     if (CurrentNode != nullptr)
       m_context.Results.Data(CurrentNode).StateFlag2 = true;
     if (Terminated())

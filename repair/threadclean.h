@@ -4,17 +4,22 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <vector>
 
+#include "base/text.h"
 #include "core/globals.h"
+#include "core/languageids.h"
 #include "core/workerthread.h"
 #include "repair/backuplog.h"
+#include "repair/backupname.h"
 #include "repair/backupstore.h"
+#include "repair/deletionright.h"
 #include "repair/problemrepair.h"
+#include "scan/scanproblem.h"
 #include "scan/scantrees.h"
 #include "system/system.h"
+#include "system/uithread.h"
 
 namespace corvalt {
 

@@ -61,8 +61,8 @@ class TAssociationChecks {
 
   TScan& m_scan;
   std::unique_ptr<RegistryStore> m_reader;
-  std::unique_ptr<RegistryStore>
-      m_prober;  // only asked whether keys exist, so that the reader's key stays open
+  // Only asked whether keys exist, so that the reader's key stays open.
+  std::unique_ptr<RegistryStore> m_prober;
   std::vector<Text> m_typePairs = {Text(kAllFilesPair)};
 };
 

@@ -15,6 +15,10 @@ enum class TCheckState { Unchecked, Checked, Mixed };
 // is read and changed through the tree only, so that a const tree can be read and not changed.
 struct TResultsNode;
 
+// Pixels that a scan leaves in the column beside the widest text of a row, at 96 dots per inch: the check
+// box, the lines of the tree and the margins.
+inline constexpr int kColumnRoom = 100;
+
 // Two levels: section headers at the root, problems below them. Changes on the user-interface thread only,
 // but for Clear.
 class TResultsTree {

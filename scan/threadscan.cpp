@@ -11,9 +11,6 @@ namespace corvalt {
 
 namespace {
 
-// Room beside the longest text of a row: the check box, the lines of the tree and the margins, in pixels.
-constexpr int kColumnRoom = 100;
-
 // The dialog is refreshed on every fiftieth call; each refresh is a round trip to the user-interface thread.
 constexpr std::int32_t kProgressThreshold = 50;
 

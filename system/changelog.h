@@ -2,10 +2,17 @@
 // that is created or deleted and each value that is written or deleted, with the result.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
 
+#include "base/keypaths.h"
+#include "base/text.h"
 #include "system/rawregistry.h"
 #include "system/registrystore.h"
+#include "system/registryvalues.h"
 #include "system/system.h"
 
 namespace corvalt {
@@ -172,12 +179,17 @@ class TLoggedSystem {
 
   // Valid as long as this object.
   TSystem Bundle() {
-    return {m_registry,           m_raw,
-            m_system.Probe,       m_system.Files,
-            m_system.Machine,     m_system.Locale,
-            m_system.Clock,       m_system.MessageBoxes,
-            m_system.Programs,    m_system.EditorWindows,
-            m_system.Interprocess};
+    return {.Registry = m_registry,
+            .Raw = m_raw,
+            .Probe = m_system.Probe,
+            .Files = m_system.Files,
+            .Machine = m_system.Machine,
+            .Locale = m_system.Locale,
+            .Clock = m_system.Clock,
+            .MessageBoxes = m_system.MessageBoxes,
+            .Programs = m_system.Programs,
+            .EditorWindows = m_system.EditorWindows,
+            .Interprocess = m_system.Interprocess};
   }
 
  private:

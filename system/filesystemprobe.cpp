@@ -5,14 +5,13 @@
 namespace corvalt {
 
 bool MeansMissing(std::uint32_t error) {
-  constexpr std::uint32_t kInvalidName = 123;
   constexpr std::uint32_t kBadPathName = 161;
   constexpr std::uint32_t kFileNameTooLong = 206;
   constexpr std::uint32_t kNoDirectory = 267;
   switch (error) {
     case kErrorFileNotFound:
     case kErrorPathNotFound:
-    case kInvalidName:
+    case kErrorInvalidName:
     case kBadPathName:
     case kFileNameTooLong:
     case kNoDirectory:

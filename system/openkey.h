@@ -1,6 +1,7 @@
 // A key that is open for a block of statements.
 #pragma once
 
+#include "base/text.h"
 #include "system/registrystore.h"
 
 namespace corvalt {

@@ -17,8 +17,7 @@ class TUiThread {
   virtual bool Send(const std::function<void()>& routine) = 0;
 
   // Hands routine over to run on the user-interface thread later, in the order of the calls, and returns at
-  // once. False after Shut; an accepted routine runs for certain, at the latest during
-  // Shut.
+  // once. False after Shut; an accepted routine runs for certain, at the latest during Shut.
   virtual bool Post(std::function<void()> routine) = 0;
 
   // Called on the user-interface thread, when the program ends: runs what was posted, makes every waiting

@@ -8,11 +8,6 @@ namespace {
 
 constexpr std::size_t kPiece = 65536;  // bytes from which on a piece is written
 
-// Those of ASCII and those above it, which a terminal may obey too.
-bool IsControl(char16_t unit) {
-  return unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);
-}
-
 std::string RootKeyJson(TRootKey rootKey) {
   return rootKey == kNoRootKey ? "null" : JsonString(RootKeyName(rootKey));
 }

@@ -7,8 +7,6 @@ namespace corvalt {
 
 namespace {
 
-constexpr std::size_t kMany = 1000000;
-
 std::vector<Text> LeftoverLines(std::size_t notSaved, std::size_t notDeleted, const TLanguageTexts& texts) {
   std::vector<Text> lines;
   const auto add = [&lines, &texts](TextId id, std::size_t count) {
@@ -72,7 +70,7 @@ std::vector<Text> OutcomeMessages(const TLanguageTexts& texts) {
   const TSummary widest = WidestSummary(texts);
   const TProgressOutcome scan =
       ProgressOutcome(TProgressMode::Scan, TRunEnd::Complete, widest.FinalMessage, widest.Total, texts);
-  return {PlainText(scan.Message), PlainText(RepairMessage(kMany, kMany, texts))};
+  return {PlainText(scan.Message), PlainText(RepairMessage(widest.Total, widest.Total, texts))};
 }
 
 }  // namespace corvalt

@@ -6,6 +6,7 @@
 
 #include "base/text.h"
 #include "scan/scanproblem.h"
+#include "system/rawregistry.h"
 #include "system/system.h"
 
 namespace corvalt {

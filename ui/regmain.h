@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "base/text.h"
 #include "core/globalregs.h"
@@ -91,11 +92,12 @@ class TRegMain {
   void LoadSections();
   void SaveSettings();
 
-  // A scan or repair thread runs; its end handler has not run yet. Until then the trees belong to it.
+  // Whether a scan or repair thread runs, or its end handler has still to run. Until then the trees belong to
+  // it.
   bool WorkerRuns() const {
     return m_scan != nullptr || m_cleaning != nullptr;
   }
-  // Any thread of this object lives: the window must not go.
+  // Whether any thread of this object runs; the window must not be destroyed meanwhile.
   bool AnyThreadRuns() const {
     return WorkerRuns() || m_prepare != nullptr;
   }
@@ -156,7 +158,7 @@ class TRegMain {
   TResultsTreeModel m_results;
   TResultsRows m_rows;
 
-  // Null when they do not live.
+  // Null while there is none.
   TScan* m_scan = nullptr;
   TCleaning* m_cleaning = nullptr;
   TPrepare* m_prepare = nullptr;

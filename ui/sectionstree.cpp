@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "core/globalregs.h"
 #include "core/settingskeys.h"
 #include "scan/catalogue.h"
 #include "system/openkey.h"

@@ -21,7 +21,6 @@ namespace {
 constexpr int kRounds = 3;
 constexpr int kSections = 20;
 constexpr int kProblemsASection = 10000;
-constexpr int kColumnRoom = 100;  // what the scan leaves beside the widest text
 constexpr int kRepaints = 20;
 constexpr int kPages = 200;
 constexpr SIZE kTreeSize = {510, 430};

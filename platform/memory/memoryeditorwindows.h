@@ -1,10 +1,12 @@
 // The windows of a registry editor that a test makes up.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "base/text.h"
 #include "system/editorwindows.h"
 
 namespace corvalt {

@@ -1,4 +1,4 @@
-// Message boxes that answer from a script.
+// Message boxes that a test answers in advance.
 #pragma once
 
 #include <deque>

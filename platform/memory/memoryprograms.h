@@ -1,10 +1,12 @@
-// Programs that start, or not, as a test says.
+// Programs that start, or do not, as a test has set it.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "base/text.h"
 #include "system/programs.h"
 
 namespace corvalt {

@@ -128,8 +128,17 @@ class TMemorySystem {
 
   // Valid as long as this object.
   TSystem Bundle() {
-    return {Registry, Raw,          Disk,     Disk,          Machine,     Locale,
-            Clock,    MessageBoxes, Programs, EditorWindows, Interprocess};
+    return {.Registry = Registry,
+            .Raw = Raw,
+            .Probe = Disk,
+            .Files = Disk,
+            .Machine = Machine,
+            .Locale = Locale,
+            .Clock = Clock,
+            .MessageBoxes = MessageBoxes,
+            .Programs = Programs,
+            .EditorWindows = EditorWindows,
+            .Interprocess = Interprocess};
   }
 
   // The usual variables and folders of a Windows XP machine: C:\Windows, C:\Program Files, a user "Ann".

@@ -1,5 +1,7 @@
 #include "platform/windows/keyplaces.h"
 
+#include <algorithm>
+
 #include "base/lettercase.h"
 
 namespace corvalt {
@@ -9,7 +11,6 @@ namespace {
 constexpr TextView kMachineHives = u"\\REGISTRY\\MACHINE\\";
 constexpr TextView kUserHives = u"\\REGISTRY\\USER\\";
 constexpr TextView kClassesHiveEnding = u"_Classes\\";
-constexpr TextView kUserClasses = u"\\Software\\Classes\\";
 constexpr TextView k32BitNode = u"\\Wow6432Node\\";
 
 bool BeginsWith(TextView text, TextView beginning) {
@@ -52,7 +53,7 @@ std::optional<TKeyPlace> TKeyPlaces::PlaceOf(TextView systemName) {
     return TKeyPlace{kHkeyCurrentUser, PathBelow(userHive + u"\\", systemName)};
   const Text classesHive = userHive + Text(kClassesHiveEnding);
   if (!userHive.empty() && BeginsWith(systemName, classesHive))
-    return TKeyPlace{kHkeyCurrentUser, Text(kUserClasses) + Text(systemName.substr(classesHive.size()))};
+    return TKeyPlace{kHkeyCurrentUser, Text(kClassesPrefix) + Text(systemName.substr(classesHive.size()))};
   if (BeginsWith(systemName, kUserHives))
     return TKeyPlace{kHkeyUsers, PathBelow(kUserHives, systemName)};
   return std::nullopt;

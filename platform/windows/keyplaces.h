@@ -10,6 +10,9 @@
 
 namespace corvalt {
 
+// Where the user's classes lie below HKEY_CURRENT_USER, and the machine's below HKEY_LOCAL_MACHINE.
+inline constexpr TextView kClassesPrefix = u"\\Software\\Classes\\";
+
 class TKeyPlaces {
  public:
   explicit TKeyPlaces(TRegistryCalls& calls) : m_calls(calls) {

@@ -49,7 +49,8 @@ TRawResult TKeyReader::ReadOnce(HKEY key, TRawKey& content) {
     return TRawResult::Missing;
   if (status != ERROR_SUCCESS)
     return RawResultOf(status);
-  // What a single call has read is of one moment; what came after it came after the reading.
+  // One call reads one moment: with at most one value or subkey there was nothing that could change in
+  // between.
   if (before.Values + before.SubKeys <= 1)
     return TRawResult::Done;
   TKeyCounts after;

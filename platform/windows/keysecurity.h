@@ -1,8 +1,6 @@
 // The security descriptors of opened keys.
 #pragma once
 
-#include <span>
-
 #include "platform/windows/windowsapi.h"
 #include "system/rawregistry.h"
 #include "system/registryvalues.h"

@@ -1,7 +1,5 @@
 #include "base/lettercase.h"
 
-#include <span>
-
 #include "platform/windows/windowsapi.h"
 
 namespace corvalt {

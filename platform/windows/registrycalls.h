@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <vector>
 
 #include "base/text.h"
 #include "platform/windows/windowsapi.h"

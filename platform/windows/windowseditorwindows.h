@@ -1,6 +1,9 @@
 // The windows of another program.
 #pragma once
 
+#include <cstdint>
+
+#include "base/text.h"
 #include "platform/windows/windowsapi.h"
 #include "system/editorwindows.h"
 

@@ -36,8 +36,8 @@ Text RightsText(const Text& user, bool forAllUsers) {
   return u"D:(A;;GA;;;SY)(A;;GA;;;" + user + u")" + others;
 }
 
-// What an elevated program makes is, unless said otherwise, closed to the same user's other programs. Null
-// where the system has no security descriptors.
+// Without a descriptor of its own, an object that an elevated program makes is closed to the programs that
+// the same user runs without elevation. Null where the system has no security descriptors.
 TOwnedLocalMemory MakeDescriptor(const Text& user, bool forAllUsers) {
   PSECURITY_DESCRIPTOR descriptor = nullptr;
   if (user.empty() || !ConvertStringSecurityDescriptorToSecurityDescriptorW(

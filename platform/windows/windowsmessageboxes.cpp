@@ -18,7 +18,7 @@ UINT StyleOf(TMessageKind kind) {
 }  // namespace
 
 TAnswer TWindowsMessageBoxes::ShowMessage(TextView text, TextView title, TMessageKind kind) {
-  // The dialog that is open over the owner asks for itself.
+  // Where a dialog is open over the owner the message box belongs to the dialog.
   const HWND owner = m_owner == nullptr ? nullptr : GetLastActivePopup(m_owner);
   const int answer = MessageBoxW(owner, Wide(Text(text)), Wide(Text(title)), StyleOf(kind));
   if (kind != TMessageKind::Question)

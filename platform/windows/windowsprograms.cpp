@@ -33,7 +33,7 @@ bool Start(HWND owner, TextView verb, TextView file, ULONG mask, bool waitForIdl
 TWindowsPrograms::~TWindowsPrograms() {
   if (!m_htmlHelp)
     return;
-  // Its windows live on a thread of the module that is about to go.
+  // The help windows run on a thread of the module, which is unloaded after this.
   if (const THtmlHelp htmlHelp = HtmlHelpRoutine())
     htmlHelp(nullptr, nullptr, kCloseAll, 0);
 }

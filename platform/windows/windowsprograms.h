@@ -1,6 +1,9 @@
 // Other programs, links, the help file, a file's properties.
 #pragma once
 
+#include <cstdint>
+
+#include "base/text.h"
 #include "platform/windows/windowsapi.h"
 #include "system/programs.h"
 

@@ -16,8 +16,6 @@ namespace {
 constexpr REGSAM kReadAccess = KEY_READ;
 constexpr REGSAM kChangeAccess = KEY_READ | KEY_WRITE;
 
-constexpr TextView kUserClasses = u"\\Software\\Classes\\";
-
 }  // namespace
 
 TWindowsRawRegistry::TWindowsRawRegistry() : m_view(OwnView()) {
@@ -176,9 +174,9 @@ TRawResult TWindowsRawRegistry::FindValue(TRootKey rootKey, TextView keyPath, Te
     });
   };
   result = holdsValue(found);
-  const bool inUserClasses = found.RootKey == kHkeyCurrentUser &&
-                             found.KeyPath.size() > kUserClasses.size() &&
-                             EqualIgnoringCase(found.KeyPath.substr(0, kUserClasses.size()), kUserClasses);
+  const bool inUserClasses =
+      found.RootKey == kHkeyCurrentUser && found.KeyPath.size() > kClassesPrefix.size() &&
+      EqualIgnoringCase(found.KeyPath.substr(0, kClassesPrefix.size()), kClassesPrefix);
   if (result == TRawResult::Missing && rootKey == kHkeyClassesRoot && inUserClasses) {
     result = PlaceOfKey(kHkeyLocalMachine, found.KeyPath.substr(1), found);
     if (result == TRawResult::Done)

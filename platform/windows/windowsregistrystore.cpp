@@ -1,7 +1,6 @@
 #include "platform/windows/windowsregistrystore.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 #include "base/lettercase.h"

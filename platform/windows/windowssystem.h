@@ -25,8 +25,17 @@ class TWindowsSystem {
 
   // Valid as long as this object.
   TSystem Bundle() {
-    return {Registry, Raw,          Probe,    Files,         Machine,     Locale,
-            Clock,    MessageBoxes, Programs, EditorWindows, Interprocess};
+    return {.Registry = Registry,
+            .Raw = Raw,
+            .Probe = Probe,
+            .Files = Files,
+            .Machine = Machine,
+            .Locale = Locale,
+            .Clock = Clock,
+            .MessageBoxes = MessageBoxes,
+            .Programs = Programs,
+            .EditorWindows = EditorWindows,
+            .Interprocess = Interprocess};
   }
 
   // The window that message boxes, and what is started, belong to; nullptr for none.

@@ -25,7 +25,8 @@ TTickRoutine FindTickRoutine() {
   return found ? reinterpret_cast<TTickRoutine>(reinterpret_cast<void*>(found)) : ShortTickCount;
 }
 
-// No guarded static: its guard waits by the very thread library that asks here.
+// The routine is kept in an atomic and not in a static with an initialiser: the lock of such a static is
+// taken by the thread library, which calls this function itself.
 ULONGLONG WINAPI TickCount() {
   static std::atomic<TTickRoutine> routine{nullptr};
   TTickRoutine known = routine.load(std::memory_order_relaxed);

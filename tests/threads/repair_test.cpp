@@ -4,10 +4,7 @@
 
 #include <future>
 #include <memory>
-#include <set>
 
-#include "repair/prepare.h"
-#include "repair/restoredeleted.h"
 #include "tests/support/repairrig.h"
 
 namespace corvalt {

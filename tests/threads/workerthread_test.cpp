@@ -1,5 +1,5 @@
 // The worker thread over the queue, with real threads. Nothing here waits for a time to pass: the order of
-// things is held by the door itself.
+// things is given by the UI-thread interface itself.
 #include "core/workerthread.h"
 
 #include <gtest/gtest.h>

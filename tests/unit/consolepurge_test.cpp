@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/testconsole.h"
 
 namespace corvalt {
@@ -13,9 +14,10 @@ const Text kSuite = u"HKEY_CURRENT_USER\\Software\\TessalySoft\\Tessaly Utilitie
 const Text kModule = kSuite + u"\\Corvalt";
 // The section of another module of the suite, with files of its own.
 const std::string kOther = "[46000]\r\nType=29001\r\n29601=more\r\n";
+// What goes and what stays, as it is told first.
 const std::string kNamed =
-    "40162(HKEY_CURRENT_USER\\Software\\TessalySoft\\Tessaly Utilities\\Corvalt)\n"
-    "40163(C:\\Users\\Ann\\AppData\\TessalySoft\\Tessaly Utilities\\Backups\\)\n";
+    EncodeUtf8(Says(TextId::SettingsThatGo, kModule) + u"\n" + Says(TextId::WhatStays, kFolder) + u"\n");
+const std::string kTwoBackups = EncodeUtf8(Says(TextId::BackupsThatGo, u"2")) + "\n";
 
 class ConsolePurge : public testing::Test {
  protected:
@@ -63,7 +65,7 @@ TEST_F(ConsolePurge, RemovesTheBackupsAndTheirLogsAndTheSettingsAndNamesThem) {
   for (const TextView name : {u"46340", u"46340.log", u"46341.5"})
     EXPECT_FALSE(HasFile(name)) << EncodeUtf8(name);
   EXPECT_FALSE(m_system.Registry.HasKey(kModule));
-  EXPECT_EQ(m_rig.Told(), "40161(2)\n" + kNamed);
+  EXPECT_EQ(m_rig.Told(), kTwoBackups + kNamed);
   EXPECT_EQ(m_rig.Console.Output, "");
 }
 
@@ -81,7 +83,7 @@ TEST_F(ConsolePurge, WithoutYesSaysWhatWouldGoAndRemovesNothing) {
   EXPECT_EQ(Purge({}), 1);
   EXPECT_EQ(Index(), before);
   ExpectNothingIsRemoved();
-  EXPECT_EQ(m_rig.Told(), "40161(2)\n" + kNamed + "40164\n");
+  EXPECT_EQ(m_rig.Told(), kTwoBackups + kNamed + EncodeUtf8(Says(TextId::NothingPurgedWithoutYes)) + "\n");
 }
 
 TEST_F(ConsolePurge, WithNothingToRemoveSucceeds) {
@@ -121,7 +123,9 @@ TEST_F(ConsolePurge, RemovesNothingWhileAnotherCopyWorksOnTheBackups) {
   const auto held = m_system.Interprocess.HoldEveryLock();
   EXPECT_EQ(Purge(), 3);
   ExpectNothingIsRemoved();
-  EXPECT_NE(m_rig.Told().find("40050(11001)\n"), std::string::npos) << m_rig.Told();
+  EXPECT_NE(m_rig.Told().find(EncodeUtf8(Says(TextId::BackupsInUse, Says(TextId::ProgramTitle)))),
+            std::string::npos)
+      << m_rig.Told();
 }
 
 TEST_F(ConsolePurge, KeepsABackupListedWhoseFileCannotBeDeletedAndRemovesTheOthers) {
@@ -130,7 +134,9 @@ TEST_F(ConsolePurge, KeepsABackupListedWhoseFileCannotBeDeletedAndRemovesTheOthe
   EXPECT_EQ(Index(), "[46340]\r\nType=11001\r\n" + kOther);
   EXPECT_FALSE(HasFile(u"46341.5"));
   EXPECT_FALSE(m_system.Registry.HasKey(kModule));
-  EXPECT_EQ(m_rig.Told(), "40161(2)\n" + kNamed + "40013(46340|System message 5.)\n");
+  EXPECT_EQ(m_rig.Told(), kTwoBackups + kNamed +
+                              EncodeUtf8(Says(TextId::BackupNotRemoved, u"46340", u"System message 5.")) +
+                              "\n");
 }
 
 TEST_F(ConsolePurge, KeepsTheBackupOfALogThatCannotBeDeleted) {
@@ -144,7 +150,10 @@ TEST_F(ConsolePurge, SaysThatSettingsAreLeft) {
   m_system.Registry.Deny(kModule + u"\\IgnoreList");
   EXPECT_EQ(Purge(), 1);
   EXPECT_FALSE(HasFile(u"46340"));
-  EXPECT_NE(m_rig.Told().find("40165(HKEY_CURRENT_USER\\Software\\"), std::string::npos) << m_rig.Told();
+  EXPECT_NE(
+      m_rig.Told().find(EncodeUtf8(Says(TextId::SettingsNotRemoved)) + "(HKEY_CURRENT_USER\\Software\\"),
+      std::string::npos)
+      << m_rig.Told();
 }
 
 TEST_F(ConsolePurge, RemovesTheBackupsOfOlderReleasesToo) {

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include "platform/memory/memorysystem.h"
 
 namespace corvalt {

@@ -2,6 +2,7 @@
 
 #include "tests/support/names.h"
 #include "tests/support/problemfields.h"
+#include "tests/support/regtext.h"
 
 namespace corvalt {
 
@@ -20,18 +21,21 @@ ScanProblem Empty(TRootKey root, TextView vendor) {
 }
 
 void AddManyVendors(TScanRig& rig) {
-  TMemoryRegistry& registry = rig.System.Registry;
-  registry.AddKey(UserKey(u"_Old"));
-  registry.AddKey(UserKey(u"Empty"));
-  registry.AddKey(UserKey(u"Deep\\A\\B"));
-  registry.AddKey(UserKey(u"Deep\\C"));
-  registry.Set(UserKey(u"Used\\A\\B"), u"", u"");
-  registry.AddKey(UserKey(u"POLICIES"));
-  registry.AddKey(UserKey(u"Partly denied\\Shut"));
-  registry.Deny(UserKey(u"Partly denied\\Shut"));
-  registry.AddKey(MachineKey(u"Machine Vendor"));
-  registry.SetInteger(MachineKey(u"Used"), u"n", 0);
-  registry.AddKey(MachineKey(u"Policies"));
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_CURRENT_USER\SOFTWARE\_Old]
+[HKEY_CURRENT_USER\SOFTWARE\Empty]
+[HKEY_CURRENT_USER\SOFTWARE\Deep\A\B]
+[HKEY_CURRENT_USER\SOFTWARE\Deep\C]
+[HKEY_CURRENT_USER\SOFTWARE\Used\A\B]
+@=""
+[HKEY_CURRENT_USER\SOFTWARE\POLICIES]
+[HKEY_CURRENT_USER\SOFTWARE\Partly denied\Shut]
+[HKEY_LOCAL_MACHINE\SOFTWARE\Machine Vendor]
+[HKEY_LOCAL_MACHINE\SOFTWARE\Used]
+"n"=dword:00000000
+[HKEY_LOCAL_MACHINE\SOFTWARE\Policies]
+)");
+  rig.System.Registry.Deny(UserKey(u"Partly denied\\Shut"));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "system/queueuithread.h"
 #include "system/systemerror.h"
+#include "tests/support/names.h"
 #include "tests/support/scanrig.h"
 
 namespace corvalt {
@@ -76,14 +77,16 @@ TEST(Maintenance, EndsWithTheReasonInTheUsersWords) {
   rig.System.Disk.AddFile(Text(kFolder) + u"index.ini", "[1]\r\n");
   rig.System.Disk.FailReading(kErrorAccessDenied);
   rig.Run();
-  EXPECT_EQ(rig.FailureText, "40007(C:\\Backups\\index.ini: System message 5.)");
+  EXPECT_EQ(rig.FailureText,
+            EncodeUtf8(Says(TextId::MaintenanceFailed, u"C:\\Backups\\index.ini: System message 5.")));
 }
 
 TEST(Maintenance, TellsAFailureThatStaysAtTheFirstStartOnly) {
   TPrepareRig rig;
   rig.System.Disk.AddFolder(Text(kLegacyFolder) + u"index.ini");
   rig.Run();
-  EXPECT_EQ(rig.FailureText, "40007(" + EncodeUtf8(kLegacyFolder) + "index.ini: System message 5.)");
+  EXPECT_EQ(rig.FailureText, EncodeUtf8(Says(TextId::MaintenanceFailed,
+                                             Text(kLegacyFolder) + u"index.ini: System message 5.")));
   rig.Run();
   EXPECT_EQ(rig.FailureText, "");
   rig.System.Disk.Remove(Text(kLegacyFolder) + u"index.ini");

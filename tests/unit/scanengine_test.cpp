@@ -5,7 +5,6 @@
 
 #include <stdexcept>
 
-#include "system/systemerror.h"
 #include "tests/support/names.h"
 #include "tests/support/problemfields.h"
 #include "tests/support/regtext.h"

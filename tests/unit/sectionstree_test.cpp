@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "core/globalregs.h"
 #include "platform/memory/memorysystem.h"
 
 namespace corvalt {

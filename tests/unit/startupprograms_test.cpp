@@ -2,6 +2,7 @@
 
 #include "tests/support/names.h"
 #include "tests/support/problemfields.h"
+#include "tests/support/regtext.h"
 
 namespace corvalt {
 
@@ -17,14 +18,18 @@ ScanProblem Missing(TRootKey root, TextView name, TextView command) {
 
 void RegisterManyPrograms(TScanRig& rig) {
   rig.System.Disk.AddFile(u"C:\\Tools\\here.exe");
-  rig.System.Registry.Set(kMachineRun, u"Machine", u"\"C:\\Old\\machine.exe\" -q");
-  rig.System.Registry.Set(kMachineRun, u"Here", u"here");
-  rig.System.Registry.Set(kUserRun, u"Updater", u"C:\\Old\\updater.exe /start");
-  rig.System.Registry.Set(kUserRun, u"Bare", u"gone.exe");
-  rig.System.Registry.Set(kUserRun, u"Here", u"C:\\Tools\\here.exe -x");
+  LoadRegText(rig.System.Registry, R"(
+[HKEY_LOCAL_MACHINE\Software\Microsoft\Windows\CurrentVersion\Run]
+"Machine"="\"C:\\Old\\machine.exe\" -q"
+"Here"="here"
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Run]
+"Updater"="C:\\Old\\updater.exe /start"
+"Bare"="gone.exe"
+"Here"="C:\\Tools\\here.exe -x"
+"Empty"=""
+"Removable"="E:\\gone.exe"
+)");
   rig.System.Registry.SetExpand(kUserRun, u"Expanded", u"%windir%\\gone.exe");
-  rig.System.Registry.Set(kUserRun, u"Empty", u"");
-  rig.System.Registry.Set(kUserRun, u"Removable", u"E:\\gone.exe");
 }
 
 }  // namespace

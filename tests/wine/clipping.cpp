@@ -17,7 +17,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <vector>
 
 #include "platform/windows/windowsapi.h"
 

@@ -1,6 +1,5 @@
 // corvaltc backups: name, time and size of each backup, one a line with tabs between.
 
-#include "core/languagetexts.h"
 #include "repair/restoredeleted.h"
 #include "system/systemerror.h"
 #include "ui/console/arguments.h"

@@ -6,6 +6,8 @@
 #include <span>
 #include <vector>
 
+#include "base/text.h"
+#include "core/languageids.h"
 #include "ui/console/console.h"
 
 namespace corvalt {

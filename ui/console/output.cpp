@@ -2,19 +2,10 @@
 
 #include <algorithm>
 
+#include "base/characters.h"
 #include "core/languagetexts.h"
 
 namespace corvalt {
-
-namespace {
-
-constexpr char16_t kReplacement = 0xFFFD;
-
-bool IsControl(char16_t unit) {
-  return unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);
-}
-
-}  // namespace
 
 bool TellWriteFailure(TConsoleContext& context, TSystemError error, TextView subject) {
   if (!error.Failed())
@@ -56,7 +47,7 @@ void TellCount(TConsoleContext& context, TextId id, std::size_t count) {
 
 std::string LineText(TextView text) {
   Text line(text);
-  std::replace_if(line.begin(), line.end(), IsControl, kReplacement);
+  std::replace_if(line.begin(), line.end(), IsControl, kReplacementCharacter);
   return EncodeUtf8(line);
 }
 

@@ -1,7 +1,6 @@
 // corvaltc purge: removes what this program has stored for the user that runs it.
 
 #include "core/globalregs.h"
-#include "core/languagetexts.h"
 #include "core/settingskeys.h"
 #include "repair/backupstore.h"
 #include "ui/console/arguments.h"

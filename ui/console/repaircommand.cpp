@@ -11,7 +11,6 @@
 #include "ui/console/problemlisting.h"
 #include "ui/console/repairrun.h"
 #include "ui/console/scanrun.h"
-#include "ui/problemsjson.h"
 #include "ui/progresstexts.h"
 #include "ui/resultstree.h"
 #include "ui/sectionstree.h"
@@ -21,7 +20,7 @@ namespace corvalt {
 namespace {
 
 struct TRepairOptions {
-  std::optional<std::vector<std::int32_t>> SectionCodes;  // nothing: all sections
+  std::optional<std::vector<std::int32_t>> SectionCodes;  // nullopt: all sections
   std::optional<Text> Json;
   bool Yes = false;
   bool NoBackup = false;

@@ -17,7 +17,7 @@ namespace corvalt {
 namespace {
 
 struct TScanOptions {
-  std::optional<std::vector<std::int32_t>> SectionCodes;  // nothing: all sections
+  std::optional<std::vector<std::int32_t>> SectionCodes;  // nullopt: all sections
   std::optional<Text> Report;
   std::optional<Text> Json;
   bool Quiet = false;

@@ -25,7 +25,8 @@ constexpr int kCheckBoxReach = 1;
 constexpr double kUnitsPerTextHeight = 1.7;
 constexpr double kLineStep = 0.9;
 
-// Rows further away than this have coordinates that a rectangle of the system can hold.
+// Pixels. A row further away is placed at this distance: its coordinates must fit into 32 bits, as those of
+// RECT do, and it is far outside of the window all the same.
 constexpr std::int64_t kFarAway = 1 << 28;
 
 bool HoldsWithin(const TBox& box, int reach, int x, int y) {

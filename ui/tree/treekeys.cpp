@@ -63,8 +63,8 @@ TTreeNode* TTreeKeys::Type(char16_t unit, std::uint64_t milliseconds,
     m_typed.clear();
   m_lastTyped = milliseconds;
   m_typed += UpperUnit(unit);
-  const bool goesOn = IsOneLetterRepeated(m_typed);
-  const Text wanted = goesOn ? m_typed.substr(0, 1) : m_typed;
+  const bool isRepeated = IsOneLetterRepeated(m_typed);
+  const Text wanted = isRepeated ? m_typed.substr(0, 1) : m_typed;
   TTreeNode* start = m_model.Selected() != nullptr ? m_model.Selected() : m_layout.FirstRow();
   if (start == nullptr)
     return nullptr;
@@ -72,8 +72,9 @@ TTreeNode* TTreeKeys::Type(char16_t unit, std::uint64_t milliseconds,
     TTreeNode* row = m_layout.NextRow(node);
     return row != nullptr ? row : m_layout.FirstRow();
   };
-  // A word being typed may go on matching the row it is on; a letter repeated leaves it.
-  TTreeNode* row = goesOn && m_model.Selected() != nullptr ? next(start) : start;
+  // One letter, typed once or again, looks behind the selected row; more letters may still match the row
+  // itself.
+  TTreeNode* row = isRepeated && m_model.Selected() != nullptr ? next(start) : start;
   TTreeNode* const first = row;
   do {
     if (UpperCase(lineOf(*row)).starts_with(wanted))

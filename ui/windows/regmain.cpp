@@ -18,8 +18,6 @@ constexpr int kSplitterWidth = 4;
 constexpr int kSummaryHeight = 27;
 constexpr int kSummaryMargin = 8;
 constexpr int kFirstColumnWidth = 300;
-// Beside the text of the widest row: the scan adds as many pixels.
-constexpr int kColumnRoom = 100;
 constexpr int kSmallPicture = 16;
 constexpr int kToolbarPicture = 24;
 

@@ -1,6 +1,10 @@
 // TfrmRestore: the dialog that lists the backups and brings them back.
 #pragma once
 
+#include <cstddef>
+
+#include "core/globals.h"
+#include "system/system.h"
 #include "ui/restoremodel.h"
 #include "ui/windows/controlsapi.h"
 #include "ui/windows/modalwindow.h"

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "platform/memory/memorysystem.h"
+#include "tests/support/names.h"
 #include "tests/support/scanrig.h"
 #include "ui/windows/lists.h"
 
@@ -39,14 +40,14 @@ class IgnoreListWindow : public testing::Test {
   HWND List() const {
     return FindWindowExW(m_dialog->Handle(), nullptr, WC_LISTVIEWW, nullptr);
   }
-  HWND Button(const wchar_t* caption) const {
-    return FindWindowExW(m_dialog->Handle(), nullptr, L"BUTTON", caption);
+  HWND Button(TextId caption) const {
+    return FindWindowExW(m_dialog->Handle(), nullptr, L"BUTTON", Wide(Says(caption)));
   }
-  void Press(const wchar_t* caption) const {
+  void Press(TextId caption) const {
     ::SendMessageW(Button(caption), BM_CLICK, 0, 0);
   }
   bool MayRemove() const {
-    return IsWindowEnabled(Button(L"10034")) != FALSE;
+    return IsWindowEnabled(Button(TextId::ButtonRemove)) != FALSE;
   }
   void SetState(int row, UINT state, UINT mask) const {
     LVITEMW item = {};
@@ -94,9 +95,10 @@ class IgnoreListWindow : public testing::Test {
 
 TEST_F(IgnoreListWindow, ShowsItsTextsInTheUsersLanguage) {
   Open({});
-  EXPECT_EQ(TextOf(m_dialog->Handle()), u"11072");
-  EXPECT_EQ(TextOf(FindWindowExW(m_dialog->Handle(), nullptr, L"STATIC", nullptr)), u"11073(11001)");
-  for (const wchar_t* caption : {L"10034", L"10012", L"10013"})
+  EXPECT_EQ(TextOf(m_dialog->Handle()), Says(TextId::IgnoreListManager));
+  EXPECT_EQ(TextOf(FindWindowExW(m_dialog->Handle(), nullptr, L"STATIC", nullptr)),
+            Says(TextId::IgnoreListExplanation, Says(TextId::ProgramTitle)));
+  for (const TextId caption : {TextId::ButtonRemove, TextId::ButtonOk, TextId::ButtonCancel})
     EXPECT_NE(Button(caption), nullptr);
   wchar_t text[100] = {};
   LVCOLUMNW column = {};
@@ -104,7 +106,7 @@ TEST_F(IgnoreListWindow, ShowsItsTextsInTheUsersLanguage) {
   column.pszText = text;
   column.cchTextMax = 100;
   ::SendMessageW(List(), LVM_GETCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
-  EXPECT_EQ(FromWide(text), u"11074");
+  EXPECT_EQ(FromWide(text), Says(TextId::ColumnIgnoredEntry));
 }
 
 TEST_F(IgnoreListWindow, ShowsCheckBoxesAndNoHeader) {
@@ -128,7 +130,7 @@ TEST_F(IgnoreListWindow, RemoveTakesTheSelectedRowAtOnceAndNeedsOne) {
   EXPECT_FALSE(MayRemove());
   Select(0);
   EXPECT_TRUE(MayRemove());
-  Press(L"10034");
+  Press(TextId::ButtonRemove);
   EXPECT_EQ(Rows(), TEntries({u"b"}));
   EXPECT_TRUE(m_memory.Calls.empty());
   // Not before OK.
@@ -138,12 +140,12 @@ TEST_F(IgnoreListWindow, RemoveTakesTheSelectedRowAtOnceAndNeedsOne) {
 TEST_F(IgnoreListWindow, AfterARemovalTheNextRowIsSelectedAndAtTheEndTheOneBefore) {
   Open({u"a", u"b", u"c"});
   Select(1);
-  Press(L"10034");
+  Press(TextId::ButtonRemove);
   EXPECT_EQ(SelectedListRow(List()), 1);
-  Press(L"10034");
+  Press(TextId::ButtonRemove);
   EXPECT_EQ(SelectedListRow(List()), 0);
   EXPECT_TRUE(MayRemove());
-  Press(L"10034");
+  Press(TextId::ButtonRemove);
   EXPECT_FALSE(MayRemove());
 }
 
@@ -161,8 +163,8 @@ TEST_F(IgnoreListWindow, OkStoresWhatTheRowsShow) {
   SetChecked(0, false);
   SetChecked(1, true);
   Select(2);
-  Press(L"10034");
-  Press(L"10012");
+  Press(TextId::ButtonRemove);
+  Press(TextId::ButtonOk);
   EXPECT_EQ(m_reg.IgnoreList, TEntries({u";a", u"b"}));
   EXPECT_EQ(Stored(), TEntries({u";a", u"b"}));
 }
@@ -170,9 +172,9 @@ TEST_F(IgnoreListWindow, OkStoresWhatTheRowsShow) {
 TEST_F(IgnoreListWindow, ARowCheckedAfterAnotherWasRemovedIsTheOneThatIsStored) {
   Open({u"a", u"b", u"c"});
   Select(0);
-  Press(L"10034");
+  Press(TextId::ButtonRemove);
   SetChecked(1, false);
-  Press(L"10012");
+  Press(TextId::ButtonOk);
   EXPECT_EQ(m_reg.IgnoreList, TEntries({u"b", u";c"}));
 }
 
@@ -181,8 +183,8 @@ TEST_F(IgnoreListWindow, CancelChangesNothing) {
   Open({u"a"});
   SetChecked(0, false);
   Select(0);
-  Press(L"10034");
-  Press(L"10013");
+  Press(TextId::ButtonRemove);
+  Press(TextId::ButtonCancel);
   EXPECT_EQ(m_reg.IgnoreList, TEntries({u"a"}));
   EXPECT_EQ(Stored(), TEntries({u"a"}));
 }

@@ -26,7 +26,7 @@ class RegistryCalls : public TRegistryContract {
     }
   }
 
-  // Reads everything depth first, as the scanners do, and answers the number of values met.
+  // Reads everything depth first, as the scanners do, and returns the number of values met.
   std::uint64_t Walk(RegistryStore& store, const Text& path) {
     if (!store.OpenKey(path, false))
       return 0;

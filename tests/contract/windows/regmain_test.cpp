@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "platform/windows/windowsuithread.h"
+#include "tests/support/names.h"
 #include "tests/support/scanrig.h"
 #include "ui/windows/commands.h"
 
@@ -48,6 +49,15 @@ std::string EntriesOf(HMENU menu) {
     const bool isSeparator = (GetMenuState(menu, static_cast<UINT>(i), MF_BYPOSITION) & MF_SEPARATOR) != 0;
     entries += (i == 0 ? "" : " | ") + (isSeparator ? "-" : EncodeUtf8(FromWide(text)));
   }
+  return entries;
+}
+
+// The same of a menu with these captions; kSeparator for a separator.
+constexpr std::nullopt_t kSeparator = std::nullopt;
+std::string Entries(const std::vector<std::optional<TextId>>& captions) {
+  std::string entries;
+  for (const std::optional<TextId>& caption : captions)
+    entries += (entries.empty() ? "" : " | ") + (caption ? EncodeUtf8(Says(*caption)) : "-");
   return entries;
 }
 
@@ -147,15 +157,18 @@ TEST_F(MainWindow, IsInTheMiddleOfTheScreenWithItsInsideOf750By527) {
 }
 
 TEST_F(MainWindow, HasTheProgramsTitle) {
-  EXPECT_EQ(TextOf(Window()), "11001");
+  EXPECT_EQ(TextOf(Window()), EncodeUtf8(Says(TextId::ProgramTitle)));
 }
 
 TEST_F(MainWindow, ItsMenusHoldWhatIsOfferedAndNothingHidden) {
   const HMENU bar = GetMenu(Window());
-  EXPECT_EQ(EntriesOf(bar), "10001 | 11003 | 10004");
-  EXPECT_EQ(EntriesOf(GetSubMenu(bar, 0)), "10020 | - | 10005");
-  EXPECT_EQ(EntriesOf(GetSubMenu(bar, 1)), "11004 | 11005 | - | 11006");
-  EXPECT_EQ(EntriesOf(GetSubMenu(bar, 2)), "10023\tF1 | - | 10018 | - | 10019");
+  EXPECT_EQ(EntriesOf(bar), Entries({TextId::MenuFile, TextId::MenuAction, TextId::MenuHelp}));
+  EXPECT_EQ(EntriesOf(GetSubMenu(bar, 0)), Entries({TextId::ActionExport, kSeparator, TextId::ActionExit}));
+  EXPECT_EQ(EntriesOf(GetSubMenu(bar, 1)),
+            Entries({TextId::ActionScan, TextId::ActionRepair, kSeparator, TextId::ActionRestore}));
+  EXPECT_EQ(EntriesOf(GetSubMenu(bar, 2)),
+            Entries({TextId::ActionHelpContents}) + "\tF1 | " +
+                Entries({kSeparator, TextId::ActionHomePage, kSeparator, TextId::ActionAbout}));
 }
 
 TEST_F(MainWindow, ItsToolbarHasFourButtonsWithCaptionAndPicture) {
@@ -172,14 +185,23 @@ TEST_F(MainWindow, ItsToolbarHasFourButtonsWithCaptionAndPicture) {
                           ? "-"
                           : EncodeUtf8(FromWide(text)) + " " + std::to_string(button.iBitmap));
   }
-  EXPECT_EQ(buttons, TLines({"11004 5", "11005 10", "-", "11006 6", "-", "11072 9"}));
+  const auto button = [](TextId caption, int picture) {
+    return EncodeUtf8(Says(caption)) + " " + std::to_string(picture);
+  };
+  EXPECT_EQ(buttons, TLines({button(TextId::ActionScan, 5), button(TextId::ActionRepair, 10), "-",
+                             button(TextId::ActionRestore, 6), "-", button(TextId::IgnoreListManager, 9)}));
 }
 
 TEST_F(MainWindow, ItsTasksAreFourLinksFromScanToTheIgnoreList) {
   TLines links;
-  for (HWND link = nullptr; (link = FindWindowExW(Navigation(), link, L"Button", nullptr)) != nullptr;)
-    links.push_back(TextOf(link) + " " + std::to_string(GetDlgCtrlID(link)));
-  EXPECT_EQ(links, TLines({"11004 1001", "11005 1002", "11006 1003", "11072 1004"}));
+  for (HWND each = nullptr; (each = FindWindowExW(Navigation(), each, L"Button", nullptr)) != nullptr;)
+    links.push_back(TextOf(each) + " " + std::to_string(GetDlgCtrlID(each)));
+  const auto link = [](TextId caption, int command) {
+    return EncodeUtf8(Says(caption)) + " " + std::to_string(command);
+  };
+  EXPECT_EQ(links, TLines({link(TextId::ActionScan, kCmdScan), link(TextId::ActionRepair, kCmdRepair),
+                           link(TextId::ActionRestore, kCmdRestore),
+                           link(TextId::IgnoreListManager, kCmdIgnoreList)}));
 }
 
 TEST_F(MainWindow, TheSectionsTreeFillsTheNavigationPaneBelowTheTasks) {
@@ -210,7 +232,8 @@ TEST_F(MainWindow, TheHeadingsOfThePaneAreLabelsWithTheirText) {
   TLines headings;
   for (HWND label = nullptr; (label = FindWindowExW(Navigation(), label, L"Static", nullptr)) != nullptr;)
     headings.push_back(TextOf(label));
-  EXPECT_EQ(headings, TLines({"10022", "11002"}));
+  EXPECT_EQ(headings,
+            TLines({EncodeUtf8(Says(TextId::GroupTasks)), EncodeUtf8(Says(TextId::GroupSections))}));
 }
 
 TEST_F(MainWindow, CannotBeMadeSmallerThanItsPartsNeed) {
@@ -258,7 +281,7 @@ TEST_F(MainWindow, AWiderWindowDrawsTheStatusBarAnewWhereItsSizeGripWas) {
 
 TEST_F(MainWindow, TheSummaryIsALabelOverTheResults) {
   const HWND summary = GetDlgItem(Window(), kSummaryId);
-  EXPECT_EQ(TextOf(summary), "11011");
+  EXPECT_EQ(TextOf(summary), EncodeUtf8(Says(TextId::Summary)));
   RECT place = {};
   RECT tree = {};
   GetWindowRect(summary, &place);
@@ -318,10 +341,10 @@ TEST_F(MainWindow, EnterOnATaskDoesIt) {
   ::SendMessageW(sections, WM_KEYDOWN, VK_SPACE, 1);
   SetFocus(GetDlgItem(Navigation(), kCmdScan));
   ::PostMessageW(GetFocus(), WM_KEYDOWN, VK_RETURN, 1);
-  // A key that is held repeats: that counts for nothing.
+  // A key that is held down repeats; only its first message does the task.
   ::PostMessageW(GetFocus(), WM_KEYDOWN, VK_RETURN, (1 << 30) | 1);
   RunToTheEnd();
-  EXPECT_EQ(Calls(), TLines({"information 10045 | 40017"}));
+  EXPECT_EQ(Calls(), TLines({InformationBox(Says(TextId::HintScan))}));
 }
 
 TEST_F(MainWindow, F5AndTheInertEntriesDoNothing) {
@@ -356,7 +379,9 @@ TEST_F(MainWindow, TheHomePageAndTheUpgradePageAreOpenedAsLinks) {
 
 TEST_F(MainWindow, TheAboutBoxSaysTheProgramAndItsVersion) {
   Command(kCmdAbout);
-  EXPECT_EQ(Calls(), TLines({"information 10019 | 11001\r\n40020(1.2.3)\r\n\r\n40021"}));
+  const Text about = Says(TextId::ProgramTitle) + u"\r\n" + Says(TextId::AboutVersion, u"1.2.3") +
+                     u"\r\n\r\n" + Says(TextId::AboutPurpose);
+  EXPECT_EQ(Calls(), TLines({"information " + EncodeUtf8(Says(TextId::ActionAbout) + u" | " + about)}));
 }
 
 TEST_F(MainWindow, TheRegistryEditorIsNotOpenedWithoutASelectedProblem) {
@@ -367,7 +392,10 @@ TEST_F(MainWindow, TheRegistryEditorIsNotOpenedWithoutASelectedProblem) {
 TEST_F(MainWindow, ItsContextMenuHasTheJumpFirstAndTheInertEntries) {
   POINT place = {300, 300};
   ClientToScreen(Window(), &place);
-  const std::string entries = "11022 | 40027 | 40028 | 40029 | 40030 | 40031\tF5";
+  const std::string entries =
+      Entries({TextId::ButtonOpenInRegedit, TextId::ActionModifyProperties, TextId::ActionBackupEntry,
+               TextId::ActionRemoveEntry, TextId::ActionShowCommandLine, TextId::ActionRefresh}) +
+      "\tF5";
   EXPECT_EQ(ContextMenuAt(place), entries);
   EXPECT_EQ(ContextMenuAt({-1, -1}), entries);
 }
@@ -376,7 +404,7 @@ TEST_F(MainWindow, TheTitleBarHasTheSystemsMenu) {
   RECT place = {};
   GetWindowRect(Window(), &place);
   const std::string entries = ContextMenuAt({place.left + 300, place.top + 15});
-  EXPECT_EQ(entries.find("40027"), std::string::npos) << entries;
+  EXPECT_EQ(entries.find(EncodeUtf8(Says(TextId::ActionModifyProperties))), std::string::npos) << entries;
   EXPECT_EQ(entries, EntriesOf(GetSystemMenu(Window(), FALSE)));
 }
 

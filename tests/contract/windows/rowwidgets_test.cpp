@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/repairrig.h"
 #include "tests/support/scanrig.h"
 #include "ui/windows/commands.h"
@@ -161,8 +162,8 @@ TEST_F(RowWidgets, ListAndButtonHaveNamesToAssistiveTechnology) {
     object->Release();
     return text;
   };
-  EXPECT_EQ(nameOf(Chooser()), u"11021");
-  EXPECT_EQ(nameOf(m_widgets.Button()), u"11022");
+  EXPECT_EQ(nameOf(Chooser()), Says(TextId::RowAction));
+  EXPECT_EQ(nameOf(m_widgets.Button()), Says(TextId::ButtonOpenInRegedit));
 }
 
 TEST_F(RowWidgets, TheOpenListTakesTheWheel) {

@@ -6,6 +6,7 @@
 
 #include <optional>
 
+#include "tests/support/names.h"
 #include "tests/support/scanrig.h"
 
 namespace corvalt {
@@ -13,6 +14,15 @@ namespace corvalt {
 namespace {
 
 using TLines = std::vector<std::string>;
+
+// What a scan shows while it runs, and at its end.
+const Text kScanning = Says(TextId::ScanningSection) + u" Windows Fonts...";
+const Text kNoProblem = Says(TextId::NoProblemFound) + u"," + Says(TextId::NoProblemSelected) + u".";
+const Text kOneProblem = Says(TextId::OneProblemFound) + u"," + Says(TextId::OneProblemSelected) + u".";
+
+std::string Said(TextId id) {
+  return EncodeUtf8(Says(id));
+}
 
 std::string ClassOf(HWND window) {
   wchar_t name[100] = {};
@@ -157,7 +167,8 @@ TEST_F(ProgressDialog, ItsControlsStandInTheirPlaces) {
   EXPECT_EQ(Controls(),
             TLines({"Static 16 8 329 13", "msctls_progress32 16 32 329 17", "msctls_progress32 16 64 329 17",
                     "Static 16 88 25 25", "Static 40 90 305 57", "Static 16 152 329 2",
-                    "Button 152 160 91 25 11032 hidden", "Button 264 160 75 25 10013"}));
+                    "Button 152 160 91 25 " + Said(TextId::ButtonRepair) + " hidden",
+                    "Button 264 160 75 25 " + Said(TextId::ButtonCancel)}));
 }
 
 TEST_F(ProgressDialog, StandsInTheMiddleOfItsOwner) {
@@ -170,60 +181,60 @@ TEST_F(ProgressDialog, StandsInTheMiddleOfItsOwner) {
 }
 
 TEST_F(ProgressDialog, ItsCaptionSaysWhatRuns) {
-  EXPECT_EQ(TextOf(Open(TProgressMode::Scan).Handle()), "11035 ...");
-  EXPECT_EQ(TextOf(Open(TProgressMode::Repair).Handle()), "11036 ...");
+  EXPECT_EQ(TextOf(Open(TProgressMode::Scan).Handle()), Said(TextId::ScanningSection) + " ...");
+  EXPECT_EQ(TextOf(Open(TProgressMode::Repair).Handle()), Said(TextId::RepairingSection) + " ...");
 }
 
 TEST_F(ProgressDialog, ShowsTheProgressInItsBarsAndLines) {
   TfrmScan& dialog = Open(TProgressMode::Scan);
-  dialog.SetSectionLabel(u"11035 Windows Fonts...");
+  dialog.SetSectionLabel(kScanning);
   dialog.SetItemLabel(u"Software\\A & B");
   dialog.SetOverallPosition(40);
   dialog.SetSectionPosition(70);
-  EXPECT_EQ(TextOf(Control(kSectionLabel)), "11035 Windows Fonts...");
+  EXPECT_EQ(TextOf(Control(kSectionLabel)), EncodeUtf8(kScanning));
   EXPECT_EQ(TextOf(Control(kItemLabel)), "Software\\A & B");
   EXPECT_EQ(Position(kOverallBar), 40);
   EXPECT_EQ(Position(kSectionBar), 70);
 }
 
 TEST_F(ProgressDialog, AScanThatFindsNothingEndsWithFullBarsAndNoRepairButton) {
-  Open(TProgressMode::Scan).ShowResult(TRunEnd::Complete, u"11016,11017.", 0);
+  Open(TProgressMode::Scan).ShowResult(TRunEnd::Complete, kNoProblem, 0);
   EXPECT_EQ(Position(kOverallBar), 100);
   EXPECT_EQ(Position(kSectionBar), 100);
   EXPECT_TRUE(IsHidden(Control(kPicture)));
-  EXPECT_EQ(TextOf(Control(kSectionLabel)), "11031");
-  EXPECT_EQ(TextOf(Control(kItemLabel)), "11016,11017.");
+  EXPECT_EQ(TextOf(Control(kSectionLabel)), Said(TextId::ScanComplete));
+  EXPECT_EQ(TextOf(Control(kItemLabel)), EncodeUtf8(kNoProblem));
   EXPECT_TRUE(IsHidden(Control(kRepairButton)));
-  EXPECT_EQ(TextOf(Control(kCloseButton)), "10014");
+  EXPECT_EQ(TextOf(Control(kCloseButton)), Said(TextId::ButtonClose));
 }
 
 TEST_F(ProgressDialog, AScanThatFindsProblemsOffersTheRepairAfterABlankLine) {
-  Open(TProgressMode::Scan).ShowResult(TRunEnd::Complete, u"11012,11014.", 1);
-  EXPECT_EQ(TextOf(Control(kItemLabel)), "11012,11014.\r\n\r\n11033");
+  Open(TProgressMode::Scan).ShowResult(TRunEnd::Complete, kOneProblem, 1);
+  EXPECT_EQ(TextOf(Control(kItemLabel)), EncodeUtf8(kOneProblem + u"\r\n\r\n" + Says(TextId::InviteRepair)));
   EXPECT_FALSE(IsHidden(Control(kRepairButton)));
 }
 
 TEST_F(ProgressDialog, ARepairEndsWithItsMessageAloneAndNoSecondRepair) {
   TfrmScan& dialog = Open(TProgressMode::Repair);
-  dialog.ShowResult(TRunEnd::Complete, u"11012,11014.", 1);
-  dialog.ShowResult(TRunEnd::Complete, u"11008", 0);
-  EXPECT_EQ(TextOf(Control(kSectionLabel)), "11034");
-  EXPECT_EQ(TextOf(Control(kItemLabel)), "11008");
+  dialog.ShowResult(TRunEnd::Complete, kOneProblem, 1);
+  dialog.ShowResult(TRunEnd::Complete, Says(TextId::RepairFinalMessage), 0);
+  EXPECT_EQ(TextOf(Control(kSectionLabel)), Said(TextId::RepairComplete));
+  EXPECT_EQ(TextOf(Control(kItemLabel)), Said(TextId::RepairFinalMessage));
   EXPECT_TRUE(IsHidden(Control(kRepairButton)));
   EXPECT_TRUE(IsHidden(Control(kPicture)));
   EXPECT_EQ(Position(kOverallBar), 100);
-  EXPECT_EQ(TextOf(Control(kCloseButton)), "10014");
+  EXPECT_EQ(TextOf(Control(kCloseButton)), Said(TextId::ButtonClose));
 }
 
 TEST_F(ProgressDialog, ARunThatFailedSaysSoAndItsBarsStayWhereTheyWere) {
   TfrmScan& dialog = Open(TProgressMode::Scan);
   dialog.SetOverallPosition(40);
-  dialog.ShowResult(TRunEnd::Failed, u"11012,11014.", 1);
-  EXPECT_EQ(TextOf(Control(kSectionLabel)), "40001");
+  dialog.ShowResult(TRunEnd::Failed, kOneProblem, 1);
+  EXPECT_EQ(TextOf(Control(kSectionLabel)), Said(TextId::TitleError));
   EXPECT_EQ(Position(kOverallBar), 40);
   EXPECT_TRUE(IsHidden(Control(kPicture)));
   EXPECT_FALSE(IsHidden(Control(kRepairButton)));
-  EXPECT_EQ(TextOf(Control(kCloseButton)), "10014");
+  EXPECT_EQ(TextOf(Control(kCloseButton)), Said(TextId::ButtonClose));
 }
 
 TEST_F(ProgressDialog, ItsOwnerTakesNoInputWhileItIsOpen) {
@@ -254,7 +265,9 @@ TEST_F(ProgressDialog, EveryWayOfClosingItIsNoWishForARepair) {
 
 TEST_F(ProgressDialog, ItsRepairButtonClosesItAndSaysWhatIsWanted) {
   TfrmScan& dialog = Open(TProgressMode::Scan);
-  dialog.ShowResult(TRunEnd::Complete, u"11013(3),11015(3).", 3);
+  dialog.ShowResult(TRunEnd::Complete,
+                    Says(TextId::ProblemsFound, u"3") + u"," + Says(TextId::ProblemsSelected, u"3") + u".",
+                    3);
   ::PostMessageW(Control(kRepairButton), BM_CLICK, 0, 0);
   EXPECT_EQ(dialog.ShowModal(), TProgressEnd::RepairWanted);
   EXPECT_FALSE(IsWindowVisible(dialog.Handle()));
@@ -264,7 +277,7 @@ TEST_F(ProgressDialog, ItsRepairButtonClosesItAndSaysWhatIsWanted) {
 TEST_F(ProgressDialog, ItsRepairButtonWaitsUntilARepairMayBegin) {
   TfrmScan& dialog = Open(TProgressMode::Scan);
   dialog.EnableRepair(false);
-  dialog.ShowResult(TRunEnd::Complete, u"11012,11014.", 1);
+  dialog.ShowResult(TRunEnd::Complete, kOneProblem, 1);
   EXPECT_FALSE(IsHidden(Control(kRepairButton)));
   EXPECT_FALSE(IsWindowEnabled(Control(kRepairButton)));
   dialog.EnableRepair(true);
@@ -276,7 +289,7 @@ TEST_F(ProgressDialog, ItsRepairButtonWaitsUntilARepairMayBegin) {
 TEST_F(ProgressDialog, TheTaskbarShowsItsProgressAndFlashesAtTheEnd) {
   TfrmScan& dialog = Open(TProgressMode::Scan);
   dialog.SetOverallPosition(40);
-  dialog.ShowResult(TRunEnd::Complete, u"11016,11017.", 0);
+  dialog.ShowResult(TRunEnd::Complete, kNoProblem, 0);
   dialog.RunEnded(TRunEnd::Complete);
   EXPECT_EQ(m_taskbar.Calls, TLines({"progress 40", "progress 100", "hide", "flash"}));
 }
@@ -284,7 +297,7 @@ TEST_F(ProgressDialog, TheTaskbarShowsItsProgressAndFlashesAtTheEnd) {
 TEST_F(ProgressDialog, TheTaskbarShowsAnErrorUntilTheDialogIsClosed) {
   TfrmScan& dialog = Open(TProgressMode::Scan);
   dialog.SetOverallPosition(40);
-  dialog.ShowResult(TRunEnd::Failed, u"11012,11014.", 1);
+  dialog.ShowResult(TRunEnd::Failed, kOneProblem, 1);
   dialog.RunEnded(TRunEnd::Failed);
   m_dialog.reset();
   EXPECT_EQ(m_taskbar.Calls, TLines({"progress 40", "error", "flash", "hide"}));
@@ -299,16 +312,17 @@ TEST_F(ProgressDialog, ADialogThatIsClosedInTheMiddleTakesItsProgressFromTheTask
 TEST_F(ProgressDialog, ItsEndIsAnAlertAboutTheOutcome) {
   const TEventListener listener;
   TfrmScan& dialog = Open(TProgressMode::Scan);
-  dialog.ShowResult(TRunEnd::Complete, u"11012,11014.", 1);
+  dialog.ShowResult(TRunEnd::Complete, kOneProblem, 1);
   EXPECT_EQ(TEventListener::Heard(), TLines());
   dialog.RunEnded(TRunEnd::Complete);
-  EXPECT_EQ(TEventListener::Heard(), TLines({"11012,11014.\r\n\r\n11033"}));
+  EXPECT_EQ(TEventListener::Heard(),
+            TLines({EncodeUtf8(kOneProblem + u"\r\n\r\n" + Says(TextId::InviteRepair))}));
 }
 
 TEST_F(ProgressDialog, IsADialogWithItsTextsToAssistiveTechnology) {
   TfrmScan& dialog = Open(TProgressMode::Scan);
   ShowWindow(dialog.Handle(), SW_SHOW);
-  dialog.SetSectionLabel(u"11035 Windows Fonts...");
+  dialog.SetSectionLabel(kScanning);
   dialog.SetItemLabel(u"Software\\A & B");
   IAccessible* object = nullptr;
   ASSERT_EQ(AccessibleObjectFromWindow(dialog.Handle(), static_cast<DWORD>(OBJID_CLIENT),
@@ -319,10 +333,10 @@ TEST_F(ProgressDialog, IsADialogWithItsTextsToAssistiveTechnology) {
   VARIANT role = {};
   EXPECT_EQ(object->get_accRole(self, &role), S_OK);
   EXPECT_EQ(role.lVal, ROLE_SYSTEM_DIALOG);
-  EXPECT_EQ(NameOf(*object), u"11035 ...");
+  EXPECT_EQ(NameOf(*object), Says(TextId::ScanningSection) + u" ...");
   BSTR description = nullptr;
   EXPECT_EQ(object->get_accDescription(self, &description), S_OK);
-  EXPECT_EQ(FromWide(description, SysStringLen(description)), u"11035 Windows Fonts...\r\nSoftware\\A & B");
+  EXPECT_EQ(FromWide(description, SysStringLen(description)), kScanning + u"\r\nSoftware\\A & B");
   SysFreeString(description);
   object->Release();
 }
@@ -333,14 +347,14 @@ TEST_F(ProgressDialog, TheKeyboardStaysOnItsCloseButtonWhenTheRepairIsOffered) {
   TfrmScan& dialog = Open(TProgressMode::Scan);
   ShowWindow(dialog.Handle(), SW_SHOW);
   SetFocus(Control(kCloseButton));
-  dialog.ShowResult(TRunEnd::Complete, u"11012,11014.", 1);
+  dialog.ShowResult(TRunEnd::Complete, kOneProblem, 1);
   EXPECT_EQ(GetFocus(), Control(kCloseButton));
 }
 
 TEST_F(ProgressDialog, EnterPressesTheButtonThatHasTheKeyboard) {
   TfrmScan& dialog = Open(TProgressMode::Scan);
   ShowWindow(dialog.Handle(), SW_SHOW);
-  dialog.ShowResult(TRunEnd::Complete, u"11012,11014.", 1);
+  dialog.ShowResult(TRunEnd::Complete, kOneProblem, 1);
   for (const int button : {kRepairButton, kCloseButton}) {
     SetFocus(Control(button));
     const LRESULT answer = ::SendMessageW(dialog.Handle(), DM_GETDEFID, 0, 0);

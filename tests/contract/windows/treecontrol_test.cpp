@@ -48,7 +48,7 @@ class TreeControl : public testing::Test, private TTreeControlOwner {
     ::SendMessageW(m_control.Handle(), WM_KEYDOWN, key, 0);
   }
 
-  // Moves the mouse over a row; answers the text of its tip, empty when it has none.
+  // Moves the mouse over a row; returns the text of its tip, empty when it has none.
   Text TipOfRow(int row) {
     const RECT first = m_control.RowRect(m_model.FirstRoot());
     const int y = first.top + row * (first.bottom - first.top) + 3;
@@ -137,7 +137,7 @@ VARIANT Child(LONG number) {
   return child;
 }
 
-// The tree as assistive technology is answered about it: a section with two rows, and one after it.
+// The tree as assistive technology sees it: a section with two rows, and one after it.
 class TreeControlAccessible : public TreeControl {
  protected:
   static constexpr LONG kSection = 1;
@@ -153,7 +153,7 @@ class TreeControlAccessible : public TreeControl {
     m_tree->Release();
   }
 
-  // A text that a routine answered; "-" for none.
+  // A text that a routine returned; "-" for none.
   static Text Taken(HRESULT result, BSTR text) {
     const Text taken = result == S_OK ? Text(FromWide(text, SysStringLen(text))) : Text(u"-");
     SysFreeString(text);

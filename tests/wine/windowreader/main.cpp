@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <stdexcept>
 
 #include "tests/wine/windowreader/commands.h"
 

@@ -44,7 +44,7 @@ class TOutline {
       Refuse("the tree refuses");
   }
 
-  // The text that a routine answers and hands over.
+  // The text that a routine returns, which the caller must free: it is freed here.
   static Text Taken(HRESULT result, const BSTR& text) {
     Check(result);
     Text taken = text == nullptr ? Text() : Text(FromWide(text, SysStringLen(text)));

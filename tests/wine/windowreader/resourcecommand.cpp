@@ -11,7 +11,7 @@ namespace corvalt {
 
 namespace {
 
-// Under Wine GetProcessHandleCount and GetGuiResources answer 0. What the session's server and the process
+// Under Wine GetProcessHandleCount and GetGuiResources return 0. What the session's server and the process
 // itself keep account of is read there instead.
 
 struct TSessionHandle {

@@ -38,7 +38,7 @@ RECT RowPlace(const TOutline& outline, const VARIANT& row) {
   return {left, top, left + width, top + height};
 }
 
-// A row's number that a routine answers; 0 for the tree itself, "-" for none.
+// A row's number that a routine returns; 0 for the tree itself, "-" for none.
 Text RowText(HRESULT result, const VARIANT& row) {
   TOutline::Check(result);
   return result == S_OK && row.vt == VT_I4 ? Number(row.lVal) : Text(u"-");
