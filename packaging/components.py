@@ -25,7 +25,7 @@ class Component:
     package: str  # the Debian package; empty for the unpacked source package of pugixml
     licence: str  # SPDX identifier
     purpose: str
-    relationship: str = "STATIC_LINK"
+    in_programs: bool = True  # else in the installer
 
     def version(self):
         if not self.package:
@@ -46,8 +46,8 @@ COMPONENTS = [
     Component("zlib", "libz-mingw-w64-dev", "Zlib", "inflates the packed data files"),
     Component("pugixml", "", "MIT", "reads the adware catalogue"),
     Component("GCC runtime", "gcc-mingw-w64-base", "GPL-3.0-or-later WITH GCC-exception-3.1", "the C++ library"),
-    Component("mingw-w64", "mingw-w64-common", "ZPL-2.1", "the C library and the threads"),
-    Component("NSIS", "nsis-common", "Zlib", "the installer alone", "OTHER"),
+    Component("mingw-w64", "mingw-w64-common", "ZPL-2.1 AND MIT AND BSD-3-Clause", "the C library and the threads"),
+    Component("NSIS", "nsis-common", "Zlib AND CPL-1.0", "the installer alone", in_programs=False),
 ]
 
 
@@ -99,10 +99,13 @@ def bill_of_materials(version, commit, seconds, files):
     entries = [file_entry(pathlib.Path(name)) for name in sorted(files)]
     document = "SPDXRef-DOCUMENT"
     relations = [(document, "DESCRIBES", product["SPDXID"])]
-    relations += [
-        (product["SPDXID"], component.relationship, identifier(component.name)) for component in COMPONENTS
-    ]
     relations += [(product["SPDXID"], "CONTAINS", entry["SPDXID"]) for entry in entries]
+    setup = [entry["SPDXID"] for entry in entries if entry["fileName"].endswith("-setup.exe")]
+    for component in COMPONENTS:
+        if component.in_programs:
+            relations.append((product["SPDXID"], "STATIC_LINK", identifier(component.name)))
+        else:
+            relations += [(entry, "CONTAINS", identifier(component.name)) for entry in setup]
     return {
         "spdxVersion": "SPDX-2.3",
         "dataLicense": "CC0-1.0",

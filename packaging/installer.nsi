@@ -14,6 +14,8 @@ Unicode true
 SetCompressor /SOLID lzma
 ; Files get the time of their installation, and the installer has the same bytes whenever it is made.
 SetDateSave off
+; A file that can't be written ends the installation; a silent one would leave it out and end with success.
+AllowSkipFiles off
 
 !include LogicLib.nsh
 !include x64.nsh
@@ -54,7 +56,8 @@ VIAddVersionKey "LegalCopyright" "${PUBLISHER}"
 !insertmacro MUI_PAGE_INSTFILES
 !insertmacro MUI_PAGE_FINISH
 !define MUI_UNCONFIRMPAGE_TEXT_TOP "Backups, settings and the ignore list stay, unless the uninstaller was started with \
-/PURGE. The backups are in the folder 'TessalySoft\Tessaly Utilities\Backups' of each user's application data."
+/PURGE. The backups are in the folder 'TessalySoft\Tessaly Utilities\Backups' of each user's application data, settings and ignore list in \
+HKEY_CURRENT_USER\Software\TessalySoft\Tessaly Utilities."
 !insertmacro MUI_UNPAGE_CONFIRM
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE "English"
@@ -101,6 +104,17 @@ Var Is64Bit
   ${EndIf}
 !macroend
 
+; The program's folder and the suite's around it, which the installer may have made, where they are empty: other programs
+; of the suite and files of the user's stay.
+!macro RemoveFolder FOLDER
+  RMDir "${FOLDER}"
+  ${GetParent} "${FOLDER}" $R0
+  ${GetFileName} "$R0" $R1
+  ${If} $R1 == "Tessaly Utilities"
+    RMDir "$R0"
+  ${EndIf}
+!macroend
+
 Function .onInit
   !insertmacro CheckAdministrator
   !insertmacro FindSystem
@@ -133,7 +147,7 @@ Function RemoveOlderVersion
       Quit
     ${EndIf}
     Delete "$0\${UNINSTALLER}"
-    RMDir "$0"
+    !insertmacro RemoveFolder "$0"
   ${EndIf}
 FunctionEnd
 
@@ -148,7 +162,13 @@ Section
   ${EndIf}
   !include "${LISTS}\common.nsh"
   SetOutPath "$INSTDIR"
+  ClearErrors
   WriteUninstaller "$INSTDIR\${UNINSTALLER}"
+  ${If} ${Errors}
+    MessageBox MB_OK|MB_ICONSTOP "The uninstaller could not be written; ${PRODUCT} is not whole." /SD IDOK
+    SetErrorLevel ${CODE_ABORTED}
+    Quit
+  ${EndIf}
 
   CreateDirectory "${MENU_FOLDER}"
   CreateShortCut "${MENU_FOLDER}\Corvalt.lnk" "$INSTDIR\${MAIN_PROGRAM}" "" "$INSTDIR\${MAIN_PROGRAM}" 0 "" "" \
@@ -201,13 +221,7 @@ Section "Uninstall"
   Call un.Purge
   !include "${LISTS}\remove.nsh"
   Delete "$INSTDIR\${UNINSTALLER}"
-  RMDir "$INSTDIR"
-  ; The suite's folder, which the installer may have made; other programs of the suite keep it.
-  ${GetParent} "$INSTDIR" $0
-  ${GetFileName} "$0" $1
-  ${If} $1 == "Tessaly Utilities"
-    RMDir "$0"
-  ${EndIf}
+  !insertmacro RemoveFolder "$INSTDIR"
   Delete "${MENU_FOLDER}\Corvalt.lnk"
   RMDir "${MENU_FOLDER}"
   DeleteRegKey HKLM "${APPS_KEY}"

@@ -41,6 +41,40 @@ apps_value() {
   grep -qF -- "$2" "$work/query"
 }
 
+# refused COMMAND...: the installer ends with the code that it has when it stops by itself.
+refused() {
+  local code=0
+  "$@" || code=$?
+  echo "exit code $code"
+  [[ $code == 2 ]]
+}
+
+# install_elsewhere: over the version that is there.
+install_elsewhere() {
+  run_windows "$setup" /S '/D=C:\Elsewhere\Corvalt'
+  apps_value InstallLocation 'C:\Elsewhere\Corvalt' && test -e "$WINEPREFIX/drive_c/Elsewhere/Corvalt/corvalt.exe"
+}
+
+stays_elsewhere() {
+  run_windows "$setup" /S
+  apps_value InstallLocation 'C:\Elsewhere\Corvalt' && test ! -e "$usual_parent"
+}
+
+uninstall_elsewhere() {
+  installed='C:\Elsewhere\Corvalt' uninstall && test ! -e "$WINEPREFIX/drive_c/Elsewhere/Corvalt"
+}
+
+# Whether it is refused while the program's window is open.
+refused_while_running() {
+  local reader=build/windows-x64/tests/wine_windowreader.exe code=0
+  run_windows "$installed\\corvalt.exe" &
+  run_windows "$reader" wait 'Corvalt Registry Cleaner'
+  refused run_windows "$setup" /S || code=$?
+  run_windows "$reader" close
+  wait $!
+  return $code
+}
+
 without_suite() {
   grep -vF 'TessalySoft' "$1"
 }
@@ -49,7 +83,8 @@ same_files() {
   diff <(without_suite "$1") <(without_suite "$2")
 }
 
-ok "the test's installer is made" test -s "$packages/Corvalt-$version-setup-native64.exe"
+setup=$packages/Corvalt-$version-setup-native64.exe
+ok "the test's installer is made" test -s "$setup"
 ok "an older version's installer is made" make_older_installer
 
 start_display
@@ -57,17 +92,20 @@ start_fresh_wine "$PWD/build/wine"
 files "$work/files.before"
 dump "$work/dump.before"
 
+usual_parent="$WINEPREFIX/drive_c/Program Files/Tessaly Utilities"
+mkdir -p "$WINEPREFIX/drive_c/Blocked/help.chm"
+ok "a file that can't be written ends a silent installation" refused run_windows "$setup" /S '/D=C:\Blocked'
+rm -r "$WINEPREFIX/drive_c/Blocked"
+
 ok "the older version installs silently" run_windows "$work/older.exe" /S
 ok "it brings its own file" test -e "$WINEPREFIX/drive_c/Program Files/Tessaly Utilities/Corvalt/old.txt"
 older_uninstaller="$WINEPREFIX/drive_c/Program Files/Tessaly Utilities/Corvalt/uninstall.exe"
 mv "$older_uninstaller" "$work/uninstall.exe"
 echo "no program" >"$older_uninstaller"
-code=0
-run_windows "$packages/Corvalt-$version-setup-native64.exe" /S || code=$?
-ok "an older version that can't remove itself is not installed over" test "$code" = 2
+ok "an older version that can't remove itself is not installed over" refused run_windows "$setup" /S
 ok "nor changed" test -e "$WINEPREFIX/drive_c/Program Files/Tessaly Utilities/Corvalt/old.txt"
 mv "$work/uninstall.exe" "$older_uninstaller"
-ok "the present version installs over it" run_windows "$packages/Corvalt-$version-setup-native64.exe" /S
+ok "the present version installs over it" run_windows "$setup" /S
 (cd "$packages/x64" && find . -type f && echo ./uninstall.exe) | sort >"$work/expected"
 program_files >"$work/installed"
 ok "exactly its own files are there" diff "$work/expected" "$work/installed"
@@ -75,6 +113,14 @@ ok "Apps shows its version" apps_value DisplayVersion "$version"
 ok "Apps shows its publisher" apps_value Publisher TessalySoft
 ok "Apps shows its icon" apps_value DisplayIcon "$installed\\corvalt.exe,0"
 ok "the start menu has it" test -e "$WINEPREFIX/drive_c/ProgramData/Microsoft/Windows/Start Menu/Programs/Tessaly Utilities/Corvalt.lnk"
+
+ok "a program that runs is not installed over" refused_while_running
+ok "it installs into another folder" install_elsewhere
+ok "the folders that it made before have gone" test ! -e "$usual_parent"
+ok "a new version stays in the other folder" stays_elsewhere
+ok "it uninstalls from there" uninstall_elsewhere
+rmdir "$WINEPREFIX/drive_c/Elsewhere"
+ok "it installs into the usual folder again" run_windows "$setup" /S
 
 folder="$installed"
 code=0
@@ -84,6 +130,9 @@ backups=$(run_windows "$folder\\corvaltc.exe" backups | wc -l)
 ok "its backup is listed" test "$backups" = 1
 ok "its changes are logged" test -n "$(find "$WINEPREFIX/drive_c/users" -path '*Backups/*' -name '[0-9]*.log' -size +0)"
 echo kept >"$WINEPREFIX/drive_c/Program Files/Tessaly Utilities/Corvalt/mine.txt"
+for name in $(run_windows "$folder\\corvaltc.exe" backups | cut -f 1); do
+  ok "its backup is restored" run_windows "$folder\\corvaltc.exe" restore "$name"
+done
 
 ok "it uninstalls silently" uninstall
 ok "a file of the user's stays" test -e "$WINEPREFIX/drive_c/Program Files/Tessaly Utilities/Corvalt/mine.txt"
@@ -101,7 +150,7 @@ suite='HKCU\Software\TessalySoft\Tessaly Utilities'
 printf '[46000]\r\nType=29001\r\n29601=more\r\n' >"$work/othersection"
 cat "$work/othersection" >>"$backup_folder/index.ini"
 touch "$backup_folder"/{46000,46000.log,more}
-ok "it installs again" run_windows "$packages/Corvalt-$version-setup-native64.exe" /S
+ok "it installs again" run_windows "$setup" /S
 ok "there is something to purge" test -n "$(own_backups)"
 ok "it uninstalls with what it has stored" uninstall /PURGE
 ok "its backups and logs have gone" test -z "$(own_backups)"
@@ -111,6 +160,10 @@ ok "its key has gone" is_missing run_windows reg query "$suite\\Corvalt"
 ok "the suite's settings stay" run_windows reg query "$suite\\Settings"
 files "$work/files.after"
 ok "nothing else of it is left on the disk" same_files "$work/files.before" "$work/files.after"
+dump "$work/dump.after"
+# Wine writes the colours of its own console when the uninstaller runs a console program.
+sed -i '/^HKCU\\Console/d' "$work"/dump.{before,after}
+ok "nothing else of it is left in the registry" same_registry "$work/dump.before" "$work/dump.after"
 
 echo "$passed passed, $failed failed"
 exit $((failed > 0))
