@@ -2,9 +2,9 @@
 # that leaves nothing running. Expects "set -euo pipefail".
 
 export LC_ALL=C.UTF-8 WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all}
-# Without its own debugger a program that crashes ends, instead of waiting in a dialog; the other two would offer a
-# download.
-export WINEDLLOVERRIDES="winedbg.exe=d;mscoree=;mshtml="
+# Without its own debugger a program that crashes ends, instead of waiting in a dialog. The menu builder would put what a
+# program installs into the menus of whoever runs this; the other two would offer a download.
+export WINEDLLOVERRIDES="winedbg.exe=d;winemenubuilder.exe=d;mscoree=;mshtml="
 
 wine_program=/usr/lib/wine/wine64
 wine_server=/usr/lib/wine/wineserver64
