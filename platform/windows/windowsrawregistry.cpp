@@ -255,7 +255,7 @@ TRawResult TWindowsRawRegistry::CreateParents(TRootKey rootKey, const Text& path
   const TRawResult result = OpenOrCreate(rootKey, path.substr(0, end), {}, parent);
   if (result != TRawResult::MustBeVolatile || !newKey.IsVolatile)
     return result;
-  return OpenOrCreate(rootKey, path.substr(0, end), {.IsVolatile = true}, parent);
+  return OpenOrCreate(rootKey, path.substr(0, end), {{}, true}, parent);
 }
 
 TRawResult TWindowsRawRegistry::CreateKey(TRootKey rootKey, TextView keyPath, const TNewKey& newKey,
