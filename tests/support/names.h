@@ -43,6 +43,12 @@ Text Says(TextId id);
 Text Says(TextId id, TextView argument);
 Text Says(TextId id, TextView first, TextView second);
 
+// The same in UTF-8.
+template <typename... TArguments>
+std::string Said(TextId id, const TArguments&... arguments) {
+  return EncodeUtf8(Says(id, arguments...));
+}
+
 // A message box with this text and the title of its kind, as the double of the message boxes writes it.
 std::string InformationBox(TextView text);
 std::string FailureBox(TextView text);

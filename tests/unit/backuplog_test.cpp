@@ -7,6 +7,7 @@
 #include "repair/prepare.h"
 #include "repair/restoredeleted.h"
 #include "tests/support/mainrig.h"
+#include "tests/support/names.h"
 #include "tests/support/repairrig.h"
 #include "tests/support/storerig.h"
 #include "tests/support/testconsole.h"
@@ -75,7 +76,7 @@ TEST(BackupLog, ListsEachChangeOfARepairBesideItsBackup) {
 TEST(BackupLog, NamesWhatFailed) {
   TLoggedRepair rig;
   rig.Repair([&rig](const std::string& update, TWorkerThread&) {
-    if (update == "section: 11036 Broken...") {
+    if (update == "section: " + Said(TextId::RepairingSection) + " Broken...") {
       rig.System.Registry.Set(kOld, u"New", u"x");
       rig.System.Registry.Deny(kRun);
     }
@@ -155,7 +156,7 @@ TEST(BackupLog, IsNotWrittenWithoutABackup) {
 TEST(BackupLog, IsNotWrittenWhereTheBackupHasGone) {
   TLoggedRepair rig;
   rig.Repair([&rig](const std::string& update, TWorkerThread&) {
-    if (update == "section: 11036 Broken...")
+    if (update == "section: " + Said(TextId::RepairingSection) + " Broken...")
       rig.System.Disk.Remove(rig.Vars.SuiteBackupsFolder + u"46341.5");
   });
   EXPECT_FALSE(rig.System.Registry.HasKey(kOld));
@@ -168,7 +169,7 @@ TEST(BackupLog, IsWrittenByNothingButRepairsAndRestores) {
   const Text folder = u"C:\\Users\\Ann\\AppData\\TessalySoft\\Tessaly Utilities\\Backups\\";
   rig.Scan.System.Disk.AddFile(folder + u"index.ini", "[46340]\r\nType=11001\r\n");
   rig.Scan.System.Disk.AddFile(folder + u"46340", "REGEDIT4\r\n");
-  EXPECT_NE(rig.Run({u"scan", u"--sections", u"1"}), 3);
+  EXPECT_NE(rig.Run({u"scan", u"--sections", DecimalText(Section::RegistryIntegrity)}), 3);
   EXPECT_EQ(rig.Run({u"ignore", u"add", u"x"}), 0);
   // The start sequence and the ignore list have written into the registry.
   EXPECT_TRUE(rig.Scan.System.Registry.HasKey(u"HKEY_CURRENT_USER\\Software\\TessalySoft"));
@@ -180,7 +181,7 @@ TEST(BackupLog, HoldsWhatWasDeletedBeforeTheCancel) {
   TJournal journal;
   rig.System.KeepJournal(journal);
   rig.Repair([](const std::string& update, TWorkerThread& thread) {
-    if (update == "item: 11069 ")
+    if (update == "item: " + Said(TextId::DeletingKey) + " ")
       thread.Terminate();
   });
   EXPECT_EQ(rig.Outcome.NotReached, 1U);
@@ -280,9 +281,10 @@ TEST(ABackupLogThatFails, IsToldByTheWindowAfterTheRepair) {
   rig.System.Disk.FailGrowing(kErrorDiskFull);
   rig.Main.Repair();
   EXPECT_FALSE(rig.IsBroken(0));
-  EXPECT_EQ(rig.Dialogs.back().Results.back(), "11008|0");
+  EXPECT_EQ(rig.Dialogs.back().Results.back(), Said(TextId::RepairFinalMessage) + "|0");
   ASSERT_EQ(rig.System.Calls.size(), 1U);
-  EXPECT_TRUE(rig.System.Calls[0].starts_with("failure 40001 | 40052(")) << rig.System.Calls[0];
+  EXPECT_TRUE(rig.System.Calls[0].starts_with(FailureBox(Says(TextId::ChangesNotListed) + u"(")))
+      << rig.System.Calls[0];
   EXPECT_TRUE(rig.System.Calls[0].ends_with(".log: System message 112.)")) << rig.System.Calls[0];
 }
 
@@ -292,14 +294,16 @@ TEST(ABackupLogThatFails, IsToldByTheConsoleAndChangesNoExitCode) {
       u"HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
   rig.Scan.System.Registry.Set(folders, u"Fonts", u"C:\\gone");
   rig.Scan.System.Disk.FailGrowing(kErrorDiskFull);
-  const std::string failure =
-      "40052(C:\\Users\\Ann\\AppData\\TessalySoft\\Tessaly Utilities\\Backups\\46341.5.log: "
-      "System message 112.)\n";
-  EXPECT_EQ(rig.Run({u"repair", u"--sections", u"1", u"--yes"}), 0);
-  EXPECT_EQ(rig.Told(), "40117(46341.5)\n40118(1)\n" + failure);
+  const std::string failure = Said(TextId::ChangesNotListed,
+                                   u"C:\\Users\\Ann\\AppData\\TessalySoft\\Tessaly "
+                                   u"Utilities\\Backups\\46341.5.log: System message 112.") +
+                              "\n";
+  EXPECT_EQ(rig.Run({u"repair", u"--sections", DecimalText(Section::RegistryIntegrity), u"--yes"}), 0);
+  EXPECT_EQ(rig.Told(), Said(TextId::BackupNamed, u"46341.5") + "\n" + Said(TextId::EntriesRepaired, u"1") +
+                            "\n" + failure);
   rig.Console.Told.clear();
   EXPECT_EQ(rig.Run({u"restore", u"46341.5"}), 0);
-  EXPECT_EQ(rig.Told(), "11041(46341.5)\n" + failure);
+  EXPECT_EQ(rig.Told(), Said(TextId::RestoreDone, u"46341.5") + "\n" + failure);
 }
 
 TEST(ABackupLogThatFails, IsToldOnceAlsoWhenTheRestoreIsIncomplete) {
@@ -310,7 +314,8 @@ TEST(ABackupLogThatFails, IsToldOnceAlsoWhenTheRestoreIsIncomplete) {
   TSystem system = rig.System.Bundle();
   const TRestoreOutcome outcome = RestoreBackup(system, rig.Vars, u"46341.5");
   EXPECT_EQ(EncodeUtf8(DescribeRestore(outcome, u"row", rig.Vars, rig.System.Locale)),
-            "40014(row)\r\n40016(2)\r\n40052(" + EncodeUtf8(rig.LogPath()) + ": System message 112.)");
+            Said(TextId::RestoreIncomplete, u"row") + "\r\n" + Said(TextId::EntriesNotWritten, u"2") +
+                "\r\n" + Said(TextId::ChangesNotListed, rig.LogPath() + u": System message 112."));
 }
 
 }  // namespace corvalt

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "platform/memory/memorysecurity.h"
+#include "tests/support/names.h"
 #include "tests/support/repairrig.h"
 
 namespace corvalt {
@@ -42,7 +43,7 @@ class DeletedAsSaved : public testing::Test {
   // Repairs, with this change of the registry between the backup and the first deletion.
   void RepairAfter(const std::function<void()>& change) {
     m_rig.Repair([&change](const std::string& update, TWorkerThread&) {
-      if (update == "section: 11036 Broken...")
+      if (update == "section: " + Said(TextId::RepairingSection) + " Broken...")
         change();
     });
   }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/scanrig.h"
 
 namespace corvalt {
@@ -9,10 +10,6 @@ namespace corvalt {
 namespace {
 
 using TStrings = std::vector<std::string>;
-
-constexpr std::int32_t kFilesOfUser = 22;
-constexpr std::int32_t kObsoleteSoftware = 3;
-constexpr std::int32_t kStartMenu = 7;
 
 constexpr TextView kGone = u"C:\\gone.exe";
 
@@ -26,7 +23,7 @@ class RegistryLinks : public ::testing::Test {
   }
   // The keys of the problems that a walk of the user's registry finds.
   TStrings KeysFound() {
-    Rig.Run({kFilesOfUser});
+    Rig.Run({Section::FilesOfCurrentUser});
     TStrings keys;
     for (const ScanProblem& problem : Rig.Problems())
       keys.push_back(EncodeUtf8(problem.KeyPath));
@@ -84,7 +81,7 @@ TEST_F(RegistryLinks, WhatLiesBehindALinkElsewhereIsFound) {
 TEST_F(RegistryLinks, AKeyThatHoldsOnlyALinkToItsParentIsNotEmpty) {
   Link(u"\\Software\\Vendor\\Loop", u"\\Software");
   Registry.AddKey(u"HKEY_CURRENT_USER\\Software\\Empty\\Below");
-  Rig.Run({kObsoleteSoftware});
+  Rig.Run({Section::ObsoleteSoftware});
   ASSERT_EQ(Rig.Problems().size(), 1u);
   EXPECT_EQ(Rig.Problems()[0].KeyPath, u"\\software\\Empty");
 }
@@ -92,7 +89,7 @@ TEST_F(RegistryLinks, AKeyThatHoldsOnlyALinkToItsParentIsNotEmpty) {
 TEST_F(RegistryLinks, AKeyWhoseLinkLeadsToAnEmptyKeyIsEmpty) {
   Registry.AddKey(u"HKEY_CURRENT_USER\\Elsewhere\\Below");
   Link(u"\\Software\\Vendor\\There", u"\\Elsewhere");
-  Rig.Run({kObsoleteSoftware});
+  Rig.Run({Section::ObsoleteSoftware});
   ASSERT_EQ(Rig.Problems().size(), 1u);
   EXPECT_EQ(Rig.Problems()[0].KeyPath, u"\\software\\Vendor");
 }
@@ -100,7 +97,7 @@ TEST_F(RegistryLinks, AKeyWhoseLinkLeadsToAnEmptyKeyIsEmpty) {
 TEST_F(RegistryLinks, TheTestForAnEmptyKeyListensToCancel) {
   for (int i = 0; i < 2000; ++i)
     Registry.AddKey(u"HKEY_CURRENT_USER\\Software\\Vendor\\Empty" + DecimalText(i));
-  Rig.RunAndCancel({kObsoleteSoftware}, 20);
+  Rig.RunAndCancel({Section::ObsoleteSoftware}, 20);
   EXPECT_LT(Rig.Reads(), 60);
   EXPECT_TRUE(Rig.Problems().empty());
 }
@@ -111,7 +108,7 @@ TEST_F(RegistryLinks, TheStartMenuDoesNotGoRound) {
       u"Menu2\\Programs";
   Registry.AddKey(programs + u"\\Folder\\Gone");
   Registry.MakeLink(programs + u"\\Folder\\Loop", programs + u"\\Folder");
-  Rig.Run({kStartMenu});
+  Rig.Run({Section::StartMenu});
   ASSERT_EQ(Rig.Problems().size(), 1u);
   EXPECT_TRUE(Rig.Problems()[0].KeyPath.ends_with(u"\\Folder\\Gone"));
 }

@@ -7,6 +7,7 @@
 #include "platform/memory/memorysystem.h"
 #include "repair/backuporigin.h"
 #include "tests/support/keyat.h"
+#include "tests/support/names.h"
 #include "tests/support/scanrig.h"
 #include "ui/restoremodel.h"
 
@@ -49,6 +50,11 @@ class TRestoreRig {
   std::string m_index;
 };
 
+// The caption of a backup's row.
+Text RowOf(TextView dateAndTime) {
+  return Says(TextId::BackupRowPrefix) + u" - " + Text(dateAndTime);
+}
+
 TLines NamesOf(const TRestoreModel& model) {
   TLines names;
   for (const TRestoreRow& row : model.Rows())
@@ -64,10 +70,10 @@ TEST(RestoreDialog, ShowsDateTimeAndSizeOfEachBackup) {
   rig.AddBackup("46340", "x");
   const TRestoreModel model = rig.Filled();
   ASSERT_EQ(model.Rows().size(), 2U);
-  EXPECT_EQ(model.Rows()[0].Caption, u"11039 - 11/15/2026 12:00:00 PM");
+  EXPECT_EQ(model.Rows()[0].Caption, RowOf(u"11/15/2026 12:00:00 PM"));
   EXPECT_EQ(model.Rows()[0].SizeText, u"2.00 KB");
   EXPECT_EQ(model.Rows()[0].BackupName.Value(), u"46341.5");
-  EXPECT_EQ(model.Rows()[1].Caption, u"11039 - 11/14/2026 12:00:00 AM");
+  EXPECT_EQ(model.Rows()[1].Caption, RowOf(u"11/14/2026 12:00:00 AM"));
   EXPECT_EQ(model.Rows()[1].SizeText, u"1 Byte");
 }
 
@@ -96,7 +102,9 @@ TEST(RestoreDialog, SaysWhyTheListCannotBeRead) {
   rig.AddBackup("1");
   rig.System.Disk.FailReading(kErrorAccessDenied);
   EXPECT_TRUE(rig.Filled().Rows().empty());
-  EXPECT_EQ(rig.System.Calls, TLines({"failure 40001 | 40009(C:\\Backups\\index.ini: System message 5.)"}));
+  EXPECT_EQ(
+      rig.System.Calls,
+      TLines({FailureBox(Says(TextId::BackupsNotListed, u"C:\\Backups\\index.ini: System message 5."))}));
 }
 
 TEST(RestoringABackup, AsksImportsAndReports) {
@@ -106,15 +114,17 @@ TEST(RestoringABackup, AsksImportsAndReports) {
   rig.System.MessageBoxes.Answers = {TAnswer::Yes};
   model.Restore(0);
   EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Path"));
-  EXPECT_EQ(rig.System.Calls, TLines({"question 10044 | 11040(11039 - 11/15/2026 12:00:00 PM)",
-                                      "information 10045 | 11041(11039 - 11/15/2026 12:00:00 PM)"}));
+  EXPECT_EQ(rig.System.Calls,
+            TLines({QuestionBox(Says(TextId::ConfirmRestore, RowOf(u"11/15/2026 12:00:00 PM"))),
+                    InformationBox(Says(TextId::RestoreDone, RowOf(u"11/15/2026 12:00:00 PM")))}));
   EXPECT_EQ(NamesOf(model), TLines({"46341.5"}));
   EXPECT_TRUE(rig.System.Disk.Content(u"C:\\Backups\\46341.5"));
 }
 
 TEST(RestoringABackup, ShowsEachAmpersandOfItsTextsOnce) {
   TRestoreRig rig;
-  const std::string lines = "11039=Reg & co\n11040=Restore & overwrite? %s\n40010=Gone & lost: %s\n";
+  const std::string lines = Said(TextId::BackupRowPrefix) + "=Reg & co\n" + Said(TextId::ConfirmRestore) +
+                            "=Restore & overwrite? %s\n" + Said(TextId::BackupMissing) + "=Gone & lost: %s\n";
   rig.Vars.Texts.Selected =
       TLanguageTable::FromFile(std::vector<std::uint8_t>(lines.begin(), lines.end()), rig.System.Locale);
   rig.AddBackup("46341.5");
@@ -124,9 +134,9 @@ TEST(RestoringABackup, ShowsEachAmpersandOfItsTextsOnce) {
   rig.System.MessageBoxes.Answers = {TAnswer::Yes};
   model.Restore(0);
   model.View(0);
-  const std::string gone = "failure 40001 | Gone & lost: Reg & co - 11/15/2026 12:00:00 PM";
+  const std::string gone = FailureBox(u"Gone & lost: Reg & co - 11/15/2026 12:00:00 PM");
   EXPECT_EQ(rig.System.Calls,
-            TLines({"question 10044 | Restore & overwrite? Reg & co - 11/15/2026 12:00:00 PM", gone, gone}));
+            TLines({QuestionBox(u"Restore & overwrite? Reg & co - 11/15/2026 12:00:00 PM"), gone, gone}));
 }
 
 TEST(RestoringABackup, WritesOverWhatIsThere) {
@@ -155,7 +165,8 @@ TEST(RestoringABackup, SaysThatItsFileIsMissing) {
   rig.System.Disk.Remove(u"C:\\Backups\\46341.5");
   rig.System.MessageBoxes.Answers = {TAnswer::Yes};
   model.Restore(0);
-  EXPECT_EQ(rig.System.Calls.back(), "failure 40001 | 40010(11039 - 11/15/2026 12:00:00 PM)");
+  EXPECT_EQ(rig.System.Calls.back(),
+            FailureBox(Says(TextId::BackupMissing, RowOf(u"11/15/2026 12:00:00 PM"))));
 }
 
 TEST(RestoringABackup, SaysThatItsFileIsNoRegistryText) {
@@ -165,7 +176,8 @@ TEST(RestoringABackup, SaysThatItsFileIsNoRegistryText) {
   rig.System.MessageBoxes.Answers = {TAnswer::Yes};
   model.Restore(0);
   EXPECT_FALSE(rig.System.Registry.HasKey(kKey));
-  EXPECT_EQ(rig.System.Calls.back(), "failure 40001 | 40011(11039 - 11/15/2026 12:00:00 PM)");
+  EXPECT_EQ(rig.System.Calls.back(),
+            FailureBox(Says(TextId::BackupDamaged, RowOf(u"11/15/2026 12:00:00 PM"))));
 }
 
 TEST(RestoringABackup, SaysWhyItsFileCannotBeRead) {
@@ -175,8 +187,9 @@ TEST(RestoringABackup, SaysWhyItsFileCannotBeRead) {
   rig.System.Disk.FailReading(kErrorAccessDenied);
   rig.System.MessageBoxes.Answers = {TAnswer::Yes};
   model.Restore(0);
-  EXPECT_EQ(rig.System.Calls.back(),
-            "failure 40001 | 40012(11039 - 11/15/2026 12:00:00 PM|System message 5.)");
+  EXPECT_EQ(
+      rig.System.Calls.back(),
+      FailureBox(Says(TextId::BackupUnreadable, RowOf(u"11/15/2026 12:00:00 PM"), u"System message 5.")));
 }
 
 TEST(RestoringABackup, ImportsAroundMalformedLinesAndCountsThem) {
@@ -187,9 +200,11 @@ TEST(RestoringABackup, ImportsAroundMalformedLinesAndCountsThem) {
   model.Restore(0);
   EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Path"));
   EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"b"));
-  EXPECT_EQ(rig.System.Calls.back(),
-            "failure 40001 | 40014(11039 - 11/15/2026 12:00:00 PM)\r\n40015(2)\r\n40085(5|\"broken)\r\n"
-            "40085(7|nonsense)");
+  EXPECT_EQ(
+      rig.System.Calls.back(),
+      FailureBox(Says(TextId::RestoreIncomplete, RowOf(u"11/15/2026 12:00:00 PM")) + u"\r\n" +
+                 Says(TextId::LinesSkipped, u"2") + u"\r\n" + Says(TextId::SkippedLine, u"5", u"\"broken") +
+                 u"\r\n" + Says(TextId::SkippedLine, u"7", u"nonsense")));
 }
 
 TEST(RestoringABackup, ListsTheFirstTwentySkippedLinesAndCountsTheOthers) {
@@ -201,9 +216,14 @@ TEST(RestoringABackup, ListsTheFirstTwentySkippedLinesAndCountsTheOthers) {
   TSystem system = rig.System.Bundle();
   const TRestoreOutcome outcome = RestoreBackup(system, rig.Vars, u"1");
   const std::string told = EncodeUtf8(DescribeRestore(outcome, u"row", rig.Vars, rig.System.Locale));
-  EXPECT_TRUE(told.starts_with("40014(row)\r\n40015(23)\r\n40085(5|nonsense 0)\r\n40085(6|nonsense 1)\r\n"))
+  EXPECT_TRUE(told.starts_with(Said(TextId::RestoreIncomplete, u"row") + "\r\n" +
+                               Said(TextId::LinesSkipped, u"23") + "\r\n" +
+                               Said(TextId::SkippedLine, u"5", u"nonsense 0") + "\r\n" +
+                               Said(TextId::SkippedLine, u"6", u"nonsense 1") + "\r\n"))
       << told;
-  EXPECT_TRUE(told.ends_with("\r\n40085(24|nonsense 19)\r\n40086(3)")) << told;
+  EXPECT_TRUE(told.ends_with("\r\n" + Said(TextId::SkippedLine, u"24", u"nonsense 19") + "\r\n" +
+                             Said(TextId::MoreSkippedLines, u"3")))
+      << told;
 }
 
 TEST(RestoringABackup, CountsWhatTheRegistryRefused) {
@@ -216,8 +236,10 @@ TEST(RestoringABackup, CountsWhatTheRegistryRefused) {
   EXPECT_EQ(outcome.End, TRestoreEnd::Incomplete);
   EXPECT_GT(outcome.Import.WritesFailed, 0U);
   const std::string told = EncodeUtf8(DescribeRestore(outcome, u"row", rig.Vars, rig.System.Locale));
-  EXPECT_EQ(told, "40014(row)\r\n40015(1)\r\n40085(5|\"broken)\r\n40016(" +
-                      std::to_string(outcome.Import.WritesFailed) + ")");
+  EXPECT_EQ(told, Said(TextId::RestoreIncomplete, u"row") + "\r\n" + Said(TextId::LinesSkipped, u"1") +
+                      "\r\n" + Said(TextId::SkippedLine, u"5", u"\"broken") + "\r\n" +
+                      Said(TextId::EntriesNotWritten,
+                           DecimalText(static_cast<std::int64_t>(outcome.Import.WritesFailed))));
 }
 
 TEST(RestoringABackup, WithNothingWrittenIsNotRestored) {
@@ -228,7 +250,7 @@ TEST(RestoringABackup, WithNothingWrittenIsNotRestored) {
   const TRestoreOutcome outcome = RestoreBackup(system, rig.Vars, u"46341.5");
   EXPECT_EQ(outcome.End, TRestoreEnd::NotRestored);
   EXPECT_EQ(EncodeUtf8(DescribeRestore(outcome, u"row", rig.Vars, rig.System.Locale)),
-            "40080(row)\r\n40016(2)");
+            Said(TextId::NothingRestored, u"row") + "\r\n" + Said(TextId::EntriesNotWritten, u"2"));
 }
 
 TEST(RestoringABackup, WithNothingInItIsRestored) {
@@ -273,7 +295,8 @@ TEST(RestoringABackup, StopsBetweenTwoEntriesAndSaysWhatWasWritten) {
   EXPECT_EQ(outcome.End, TRestoreEnd::Stopped);
   EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Path"));
   EXPECT_FALSE(rig.System.Registry.HasValue(kKey, u"b"));
-  EXPECT_EQ(EncodeUtf8(DescribeRestore(outcome, u"row", rig.Vars, rig.System.Locale)), "40089(1|1)");
+  EXPECT_EQ(EncodeUtf8(DescribeRestore(outcome, u"row", rig.Vars, rig.System.Locale)),
+            Said(TextId::RestoreStopped, u"1", u"1"));
 }
 
 namespace {
@@ -303,15 +326,17 @@ TLines ShownByRestore(TRestoreRig& rig, std::deque<TAnswer> answers) {
 }
 
 constexpr TAnswer kYes = TAnswer::Yes;
-const std::string kFirstQuestion = "question 10044 | 11040(11039 - 12/31/1899 12:00:00 AM)";
+const std::string kFirstQuestion =
+    QuestionBox(Says(TextId::ConfirmRestore, RowOf(u"12/31/1899 12:00:00 AM")));
 
 }  // namespace
 
 TEST(RestoringABackup, MadeHereAsksOnlyOnce) {
   TRestoreRig rig;
   rig.AddBackup("1", OwnBackup(rig));
-  EXPECT_EQ(ShownByRestore(rig, {kYes}),
-            TLines({kFirstQuestion, "information 10045 | 11041(11039 - 12/31/1899 12:00:00 AM)"}));
+  EXPECT_EQ(
+      ShownByRestore(rig, {kYes}),
+      TLines({kFirstQuestion, InformationBox(Says(TextId::RestoreDone, RowOf(u"12/31/1899 12:00:00 AM")))}));
   EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Path"));
 }
 
@@ -322,8 +347,9 @@ TEST(RestoringABackup, MadeOnAnotherComputerOrByAnotherUserAsksOnceMore) {
     (otherComputer ? rig.System.Machine.Computer : rig.System.Machine.User) = u"OTHER";
     const TLines shown = ShownByRestore(rig, {kYes, kYes});
     ASSERT_EQ(shown.size(), 3U);
-    EXPECT_EQ(shown[1], "question 10044 | 40082(ANNS-PC|S-1-5-21-1000-2000-3000-1001)\r\n40084");
-    EXPECT_TRUE(shown[2].starts_with("information 10045 | 11041("));
+    EXPECT_EQ(shown[1], QuestionBox(Says(TextId::BackupForeign, u"ANNS-PC", u"S-1-5-21-1000-2000-3000-1001") +
+                                    u"\r\n" + Says(TextId::RestoreAnyway)));
+    EXPECT_TRUE(shown[2].starts_with(InformationBox(Says(TextId::RestoreDone) + u"(")));
     EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Path"));
   }
 }
@@ -367,8 +393,8 @@ TEST(RestoringABackup, WhoseEndIsMissingAsksAndIsRestoredInPart) {
   rig.AddBackup("1", whole.substr(0, whole.rfind(";Corvalt end=")));
   const TLines shown = ShownByRestore(rig, {kYes, kYes});
   ASSERT_EQ(shown.size(), 3U);
-  EXPECT_EQ(shown[1], "question 10044 | 40083\r\n40084");
-  EXPECT_EQ(shown[2], "failure 40001 | 40014(11039 - 12/31/1899 12:00:00 AM)");
+  EXPECT_EQ(shown[1], QuestionBox(Says(TextId::BackupNotWhole) + u"\r\n" + Says(TextId::RestoreAnyway)));
+  EXPECT_EQ(shown[2], FailureBox(Says(TextId::RestoreIncomplete, RowOf(u"12/31/1899 12:00:00 AM"))));
   EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Path"));
 }
 
@@ -391,7 +417,8 @@ TEST(RestoringABackup, OfACodePageAViewOrAFormThatIsNotHereChangesNothing) {
     file.replace(begin, file.find("\r\n", begin) - begin, field);
     rig.AddBackup("1", file);
     EXPECT_EQ(ShownByRestore(rig, {kYes, kYes, kYes}),
-              TLines({kFirstQuestion, "failure 40001 | 40081(11039 - 12/31/1899 12:00:00 AM)"}))
+              TLines({kFirstQuestion,
+                      FailureBox(Says(TextId::BackupNotSupported, RowOf(u"12/31/1899 12:00:00 AM")))}))
         << field;
     EXPECT_FALSE(rig.System.Registry.HasKey(kKey));
   }
@@ -423,7 +450,7 @@ TEST(RestoringABackup, SaysHowManyPermissionsAndTimesWereLostAndIsRestored) {
   const TRestoreOutcome outcome = RestoreBackup(system, rig.Vars, u"1");
   EXPECT_EQ(outcome.End, TRestoreEnd::Restored);
   EXPECT_EQ(EncodeUtf8(DescribeRestore(outcome, u"row", rig.Vars, rig.System.Locale)),
-            "11041(row)\r\n40087(1)");
+            Said(TextId::RestoreDone, u"row") + "\r\n" + Said(TextId::AttributesNotWritten, u"1"));
 }
 
 TEST(RestoringABackup, IsReadInTheCodePageThatItWasMadeIn) {
@@ -490,10 +517,9 @@ TEST(RemovingARow, KeepsItAndSaysWhyWhenTheFileCannotBeDeleted) {
   rig.System.Disk.FailDeleting(kErrorAccessDenied);
   EXPECT_FALSE(model.Remove(0));
   EXPECT_EQ(NamesOf(model), TLines({"46341.5"}));
-  EXPECT_EQ(
-      rig.System.Calls,
-      TLines(
-          {"failure 40001 | 40013(11039 - 11/15/2026 12:00:00 PM|C:\\Backups\\46341.5: System message 5.)"}));
+  EXPECT_EQ(rig.System.Calls,
+            TLines({FailureBox(Says(TextId::BackupNotRemoved, RowOf(u"11/15/2026 12:00:00 PM"),
+                                    u"C:\\Backups\\46341.5: System message 5."))}));
 }
 
 TEST(ViewingABackup, ShowsTheFileUnderTheRowsText) {
@@ -501,7 +527,7 @@ TEST(ViewingABackup, ShowsTheFileUnderTheRowsText) {
   rig.AddBackup("46341.5", "REGEDIT4\n\n[x]\n");
   const std::optional<TBackupView> view = rig.Filled().View(0);
   ASSERT_TRUE(view);
-  EXPECT_EQ(view->Caption, u"11039 - 11/15/2026 12:00:00 PM");
+  EXPECT_EQ(view->Caption, RowOf(u"11/15/2026 12:00:00 PM"));
   EXPECT_EQ(view->Content, u"REGEDIT4\r\n\r\n[x]\r\n");
 }
 
@@ -511,7 +537,8 @@ TEST(ViewingABackup, SaysThatItsFileIsMissing) {
   TRestoreModel model = rig.Filled();
   rig.System.Disk.Remove(u"C:\\Backups\\46341.5");
   EXPECT_FALSE(model.View(0));
-  EXPECT_EQ(rig.System.Calls, TLines({"failure 40001 | 40010(11039 - 11/15/2026 12:00:00 PM)"}));
+  EXPECT_EQ(rig.System.Calls,
+            TLines({FailureBox(Says(TextId::BackupMissing, RowOf(u"11/15/2026 12:00:00 PM")))}));
 }
 
 }  // namespace corvalt

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/repairrig.h"
 #include "ui/tree/treelayout.h"
 
@@ -74,33 +75,34 @@ class ResultsRows : public testing::Test {
 // Lines and heights
 
 TEST_F(ResultsRows, AHeaderOfASectionBeingScannedSaysSo) {
-  EXPECT_EQ(LinesOf(AddHeader(u"Fonts")), TLines({"*Fonts - 11019..."}));
+  EXPECT_EQ(LinesOf(AddHeader(u"Fonts")), TLines({"*Fonts - " + Said(TextId::HeaderScanning) + "..."}));
 }
 
 TEST_F(ResultsRows, AHeaderSaysItsStoredCountBehindTwoBlanks) {
-  EXPECT_EQ(LinesOf(AddHeader(u"Fonts", 3)), TLines({"*Fonts  11018(3)"}));
+  EXPECT_EQ(LinesOf(AddHeader(u"Fonts", 3)), TLines({"*Fonts  " + Said(TextId::HeaderCount, u"3")}));
 }
 
 TEST_F(ResultsRows, AHeaderCountsByItsStoredCountAndNotByItsRows) {
   TResultsNode* header = AddHeader(u"Fonts");
   AddProblem(header);
-  EXPECT_EQ(LinesOf(header), TLines({"*Fonts - 11019..."}));
+  EXPECT_EQ(LinesOf(header), TLines({"*Fonts - " + Said(TextId::HeaderScanning) + "..."}));
 }
 
 TEST_F(ResultsRows, AKeyProblemShowsRootAndPathThenItsReasonInGrey) {
   ScanProblem problem = KeyProblem(kHkeyLocalMachine, u"\\Software\\Old");
   problem.Description = u"why";
   EXPECT_EQ(LinesOf(AddProblem(AddHeader(u"A"), problem)),
-            TLines({"11020 HKEY_LOCAL_MACHINE\\Software\\Old", "~why"}));
+            TLines({Said(TextId::RowLocation) + " HKEY_LOCAL_MACHINE\\Software\\Old", "~why"}));
 }
 
 TEST_F(ResultsRows, AValueProblemShowsItsKey) {
   const TResultsNode* node = AddProblem(AddHeader(u"A"), ValueProblem(kHkeyUsers, u"\\Run", u"Updater"));
-  EXPECT_EQ(LinesOf(node).front(), "11020 HKEY_USERS\\Run");
+  EXPECT_EQ(LinesOf(node).front(), Said(TextId::RowLocation) + " HKEY_USERS\\Run");
 }
 
 TEST_F(ResultsRows, AFileProblemShowsItsFileWithoutRoot) {
-  EXPECT_EQ(LinesOf(AddProblem(AddHeader(u"A"), FileProblem(u"C:\\a.lnk"))).front(), "11020 C:\\a.lnk");
+  EXPECT_EQ(LinesOf(AddProblem(AddHeader(u"A"), FileProblem(u"C:\\a.lnk"))).front(),
+            Said(TextId::RowLocation) + " C:\\a.lnk");
 }
 
 TEST_F(ResultsRows, TheSelectedProblemHasNoGreyAndAThirdLineForItsControls) {
@@ -108,13 +110,14 @@ TEST_F(ResultsRows, TheSelectedProblemHasNoGreyAndAThirdLineForItsControls) {
   problem.Description = u"why";
   TResultsNode* node = AddProblem(AddHeader(u"A"), problem);
   Rows.Select(node);
-  EXPECT_EQ(LinesOf(node), TLines({"11020 HKEY_CURRENT_USER\\Old", "why", "11021 "}));
+  EXPECT_EQ(LinesOf(node), TLines({Said(TextId::RowLocation) + " HKEY_CURRENT_USER\\Old", "why",
+                                   Said(TextId::RowAction) + " "}));
 }
 
 TEST_F(ResultsRows, ASelectedHeaderKeepsItsOneLine) {
   TResultsNode* header = AddHeader(u"Fonts", 1);
   Rows.Select(header);
-  EXPECT_EQ(LinesOf(header), TLines({"*Fonts  11018(1)"}));
+  EXPECT_EQ(LinesOf(header), TLines({"*Fonts  " + Said(TextId::HeaderCount, u"1")}));
   EXPECT_EQ(TResultsRows::HeightInUnits(*header), 1);
 }
 
@@ -122,9 +125,9 @@ TEST_F(ResultsRows, PathsKeepTheirAmpersandsAndDescriptionsShowEachOnce) {
   ScanProblem problem = KeyProblem(kHkeyCurrentUser, u"\\A && B & C");
   problem.Description = u"A && B";
   EXPECT_EQ(LinesOf(AddProblem(AddHeader(u"A"), problem)),
-            TLines({"11020 HKEY_CURRENT_USER\\A && B & C", "~A & B"}));
+            TLines({Said(TextId::RowLocation) + " HKEY_CURRENT_USER\\A && B & C", "~A & B"}));
   problem = FileProblem(u"C:\\A && B");
-  EXPECT_EQ(LinesOf(AddProblem(AddHeader(u"A"), problem)).front(), "11020 C:\\A && B");
+  EXPECT_EQ(LinesOf(AddProblem(AddHeader(u"A"), problem)).front(), Said(TextId::RowLocation) + " C:\\A && B");
 }
 
 TEST_F(ResultsRows, AHeaderIsOneUnitHighAProblemTwoAndTheSelectedOneThree) {
@@ -232,18 +235,21 @@ TEST_F(ResultsRows, ARegistryProblemOffersThreeChoicesAndTheRegistryEditor) {
        {KeyProblem(kHkeyCurrentUser, u"\\Old"), ValueProblem(kHkeyCurrentUser, u"\\Old", u"v")}) {
     Rows.Select(AddProblem(AddHeader(u"A"), problem));
     const TRowControls controls = Rows.Controls();
-    EXPECT_EQ(controls.Choices, std::vector<Text>({u"11024", u"11025", u"11026"}));
-    EXPECT_EQ(controls.ButtonCaption, u"11022");
-    EXPECT_EQ(controls.ButtonTip, u"11023");
+    EXPECT_EQ(controls.Choices,
+              std::vector<Text>(
+                  {Says(TextId::ChoiceRepair), Says(TextId::ChoiceDoNotRepair), Says(TextId::ChoiceIgnore)}));
+    EXPECT_EQ(controls.ButtonCaption, Says(TextId::ButtonOpenInRegedit));
+    EXPECT_EQ(controls.ButtonTip, Says(TextId::TipOpenInRegedit));
   }
 }
 
 TEST_F(ResultsRows, AFileProblemOffersTwoChoicesAndItsProperties) {
   Rows.Select(AddProblem(AddHeader(u"A"), FileProblem(u"C:\\a")));
   const TRowControls controls = Rows.Controls();
-  EXPECT_EQ(controls.Choices, std::vector<Text>({u"11029", u"11030"}));
-  EXPECT_EQ(controls.ButtonCaption, u"11027");
-  EXPECT_EQ(controls.ButtonTip, u"11028");
+  EXPECT_EQ(controls.Choices,
+            std::vector<Text>({Says(TextId::ChoiceRepairFile), Says(TextId::ChoiceDoNotRepairFile)}));
+  EXPECT_EQ(controls.ButtonCaption, Says(TextId::ButtonProperties));
+  EXPECT_EQ(controls.ButtonTip, Says(TextId::TipProperties));
 }
 
 TEST_F(ResultsRows, TheChooserShowsTheMark) {

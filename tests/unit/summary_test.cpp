@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/names.h"
 #include "tests/support/scanrig.h"
 
 namespace corvalt {
@@ -35,20 +36,24 @@ TEST(Summary, OfNoProblemsSaysNoneTwice) {
   const TSummary summary = tree.Summary();
   EXPECT_EQ(summary.Total, 0u);
   EXPECT_EQ(summary.Selected, 0u);
-  EXPECT_EQ(summary.TotalText, u"11016");
-  EXPECT_EQ(summary.SelectedText, u"11017");
-  EXPECT_EQ(summary.Label, u"11011 (11016,11017)");
-  EXPECT_EQ(summary.FinalMessage, u"11016,11017.");
+  EXPECT_EQ(summary.TotalText, Says(TextId::NoProblemFound));
+  EXPECT_EQ(summary.SelectedText, Says(TextId::NoProblemSelected));
+  EXPECT_EQ(summary.Label, Says(TextId::Summary) + u" (" + Says(TextId::NoProblemFound) + u"," +
+                               Says(TextId::NoProblemSelected) + u")");
+  EXPECT_EQ(summary.FinalMessage,
+            Says(TextId::NoProblemFound) + u"," + Says(TextId::NoProblemSelected) + u".");
 }
 
 TEST(Summary, OfOneCheckedProblemHasTextsWithoutNumber) {
   TTree tree;
   tree.AddProblem(tree.AddHeader());
   const TSummary summary = tree.Summary();
-  EXPECT_EQ(summary.TotalText, u"11012");
-  EXPECT_EQ(summary.SelectedText, u"11014");
-  EXPECT_EQ(summary.Label, u"11011 (11012,11014)");
-  EXPECT_EQ(summary.FinalMessage, u"11012,11014.");
+  EXPECT_EQ(summary.TotalText, Says(TextId::OneProblemFound));
+  EXPECT_EQ(summary.SelectedText, Says(TextId::OneProblemSelected));
+  EXPECT_EQ(summary.Label, Says(TextId::Summary) + u" (" + Says(TextId::OneProblemFound) + u"," +
+                               Says(TextId::OneProblemSelected) + u")");
+  EXPECT_EQ(summary.FinalMessage,
+            Says(TextId::OneProblemFound) + u"," + Says(TextId::OneProblemSelected) + u".");
 }
 
 TEST(Summary, OfSeveralProblemsSaysTheirNumber) {
@@ -59,8 +64,10 @@ TEST(Summary, OfSeveralProblemsSaysTheirNumber) {
   const TSummary summary = tree.Summary();
   EXPECT_EQ(summary.Total, 12u);
   EXPECT_EQ(summary.Selected, 2u);
-  EXPECT_EQ(summary.Label, u"11011 (11013(12),11015(2))");
-  EXPECT_EQ(summary.FinalMessage, u"11013(12),11015(2).");
+  EXPECT_EQ(summary.Label, Says(TextId::Summary) + u" (" + Says(TextId::ProblemsFound, u"12") + u"," +
+                               Says(TextId::ProblemsSelected, u"2") + u")");
+  EXPECT_EQ(summary.FinalMessage,
+            Says(TextId::ProblemsFound, u"12") + u"," + Says(TextId::ProblemsSelected, u"2") + u".");
 }
 
 TEST(Summary, ThousandsHaveNoSeparator) {
@@ -68,7 +75,7 @@ TEST(Summary, ThousandsHaveNoSeparator) {
   TResultsNode* header = tree.AddHeader();
   for (int i = 0; i < 1234; ++i)
     tree.AddProblem(header);
-  EXPECT_EQ(tree.Summary().TotalText, u"11013(1234)");
+  EXPECT_EQ(tree.Summary().TotalText, Says(TextId::ProblemsFound, u"1234"));
 }
 
 TEST(Summary, CountsTheProblemsOfAllSections) {
@@ -100,7 +107,9 @@ TEST(Summary, TheCheckBoxCountsAndNotTheMark) {
 }
 
 TEST(Summary, TheWidestLabelHasTheLargestCounts) {
-  EXPECT_EQ(WidestSummary(NumberedTexts()).Label, u"11011 (11013(1000000),11015(1000000))");
+  EXPECT_EQ(WidestSummary(NumberedTexts()).Label, Says(TextId::Summary) + u" (" +
+                                                      Says(TextId::ProblemsFound, u"1000000") + u"," +
+                                                      Says(TextId::ProblemsSelected, u"1000000") + u")");
 }
 
 }  // namespace corvalt
