@@ -155,8 +155,11 @@ void BackupStore::TakeBack(const TRun& run) {
   TBackupFolder folder = OpenStore();
   TakeBackFile(folder, run);
   const Text& section = run.Name.Value();
-  folder.ChangeIndex([&run, &section](TIniFile& index) {
-    if (!run.WasListed)
+  // The file that is there now is the backup of another run of the same tick, which deletes by it. (One that
+  // was written after this run began and replaced by it is gone, as after any second backup of a tick.)
+  const bool isOthers = folder.HasFile(section);
+  folder.ChangeIndex([&run, &section, isOthers](TIniFile& index) {
+    if (!run.WasListed && !isOthers)
       index.EraseSection(section);
     else if (run.TypeBefore)
       index.Write(section, kTypeKey, *run.TypeBefore);

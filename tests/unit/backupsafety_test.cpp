@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "repair/prepare.h"
+#include "tests/support/names.h"
 #include "tests/support/storerig.h"
 
 namespace corvalt {
@@ -104,6 +105,18 @@ TEST(ABackupThatFails, AfterItHasReplacedAnotherOfItsTickPutsThatOneBack) {
   EXPECT_EQ(rig.System.Disk.Content(Text(kFolder) + u"46341.5"), file);
 }
 
+TEST(ABackupThatFails, LeavesTheOneThatAnotherRunMadeInItsTickMeanwhile) {
+  TStoreRig rig;
+  BackupStore first = rig.Store();
+  const TBackupName name = first.BeginBackup();
+  rig.BackUpOneValue();
+  const std::optional<std::string> file = rig.System.Disk.Content(Text(kFolder) + u"46341.5");
+  rig.System.Disk.FailReplacing(kErrorDiskFull, u"46341.5");
+  EXPECT_THROW(static_cast<void>(first.CommitBackup(name)), TSystemException);
+  EXPECT_EQ(rig.Listed(), TNames({"46341.5"}));
+  EXPECT_EQ(rig.System.Disk.Content(Text(kFolder) + u"46341.5"), file);
+}
+
 TEST(ABackupThatFails, GivesAnotherModulesSectionOfItsNameBack) {
   TStoreRig rig;
   rig.SetIndex("[46341.5]\r\nType=29001\r\n");
@@ -166,7 +179,7 @@ TEST(WaitingForTheBackups, EndsWithAMessageThatNamesTheProgram) {
   rig.AddBackups({"1"});
   rig.System.Interprocess.LongestPatience = std::chrono::milliseconds(20);
   const std::unique_ptr<THeldLock> others = rig.System.Interprocess.HoldEveryLock();
-  EXPECT_EQ(RemoveAs(rig.System.Interprocess, rig), "40050(11001)");
+  EXPECT_EQ(RemoveAs(rig.System.Interprocess, rig), Said(TextId::BackupsInUse, Says(TextId::ProgramTitle)));
   EXPECT_TRUE(rig.HasFile(u"1"));
 }
 
@@ -195,7 +208,7 @@ TEST(TwoUsersOfAPortableStore, WaitForEachOther) {
   other.User = u"S-1-5-21-1-2-3-1002";
   other.LongestPatience = std::chrono::milliseconds(20);
   std::unique_ptr<THeldLock> held = LockAs(rig.System.Interprocess, rig);
-  EXPECT_EQ(RemoveAs(other, rig), "40050(11001)");
+  EXPECT_EQ(RemoveAs(other, rig), Said(TextId::BackupsInUse, Says(TextId::ProgramTitle)));
   held.reset();
   EXPECT_EQ(RemoveAs(other, rig), "done");
 }
