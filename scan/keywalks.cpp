@@ -53,6 +53,7 @@ class TKeyTreeWalk {
 void TKeyTreeWalk::Walk(TextView keyPath, TextView name) {
   if (IsExcluded(m_root, keyPath, m_exclusions))
     return;
+  m_scan.HandOverIfDue();
   std::vector<Text> subKeys;
   {
     // The names of a large key's values aren't kept while the keys below it are walked.
@@ -94,7 +95,7 @@ void TKeyTreeWalk::CheckValues(TextView keyPath, const std::vector<Text>& names)
 // One walk of TScan::IsKeyEmpty.
 class TEmptyKeyWalk {
  public:
-  TEmptyKeyWalk(const TScan& scan, RegistryStore& registry) : m_scan(scan), m_registry(registry) {
+  TEmptyKeyWalk(TScan& scan, RegistryStore& registry) : m_scan(scan), m_registry(registry) {
   }
 
   bool IsEmpty(TextView keyPath, TextView name, bool recursive);
@@ -102,7 +103,7 @@ class TEmptyKeyWalk {
  private:
   bool AreEmpty(TextView keyPath, const std::vector<Text>& subKeys);
 
-  const TScan& m_scan;
+  TScan& m_scan;
   RegistryStore& m_registry;
   TWalkedPlaces m_places;
 };
@@ -111,6 +112,7 @@ class TEmptyKeyWalk {
 bool TEmptyKeyWalk::IsEmpty(TextView keyPath, TextView name, bool recursive) {
   if (m_scan.Terminated())
     return false;
+  m_scan.HandOverIfDue();
   const TOpenKey key(m_registry, keyPath);
   if (!key)
     return false;

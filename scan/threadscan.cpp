@@ -1,7 +1,5 @@
 #include "scan/threadscan.h"
 
-#include <algorithm>
-#include <exception>
 #include <utility>
 
 #include "base/lettercase.h"
@@ -34,6 +32,18 @@ std::vector<Text> IgnoredPhrases(const TGlobalReg& reg) {
 Text CutBelowModule(TextView text, TextView extensionWithSeparator) {
   const std::size_t at = text.find(extensionWithSeparator);
   return Text(at == TextView::npos ? text : text.substr(0, at + extensionWithSeparator.size() - 1));
+}
+
+ScanProblem Problem(TProblemKind kind, TRootKey rootKey, TextView keyPath, TextView valueName,
+                    TextView valueData, TextView description) {
+  ScanProblem problem;
+  problem.KeyPath = keyPath;
+  problem.ValueName = valueName;
+  problem.ValueData = valueData;
+  problem.RootKey = rootKey;
+  problem.Description = description;
+  problem.Kind = kind;
+  return problem;
 }
 
 }  // namespace
@@ -71,6 +81,9 @@ TScan::TScan(TScanContext context, TProgressDialog& progressDialog)
       m_probe(m_context.System.Probe),
       m_paths(m_probe, m_context.Vars, [this] { return Terminated(); }),
       m_ignored(IgnoredPhrases(m_context.Reg)),
+      m_batch({.Results = m_context.Results,
+               .Synchronize = [this](const TProblemBatch::TRoutine& routine) { Synchronize(routine); },
+               .IsCancelled = [this] { return Terminated(); }}),
       Registry(m_context.System.Registry.CreateStore(TRegistryAccess::Read)),
       ProgressDialog(progressDialog) {
   Start();
@@ -92,20 +105,12 @@ void TScan::Execute() {
   }
 }
 
-// A scanner that throws ends the scan. Its section ends like any other: a header without a number would look
-// as if it were still being scanned.
 void TScan::RunSection(const TSection& section) {
   m_section = &section;
-  AddHeader();
-  std::exception_ptr failure;
-  try {
+  m_batch.RunSection([&] {
+    AddHeader();
     section.Scanner(*this);
-  } catch (...) {
-    failure = std::current_exception();
-  }
-  Synchronize([this] { EndSection(); });
-  if (failure)
-    std::rethrow_exception(failure);
+  });
 }
 
 Text TScan::CollectEnabledSections(TSectionsNode* node) {
@@ -135,7 +140,7 @@ void TScan::ShowSectionAt(std::int32_t position) {
 }
 
 void TScan::ShowSection() {
-  Synchronize([this] {
+  m_batch.Show([this] {
     if (Terminated())
       return;
     ProgressDialog.SetItemLabel({});
@@ -144,74 +149,36 @@ void TScan::ShowSection() {
   });
 }
 
-void TScan::EndSection() {
-  if (ParentNode == nullptr)
-    return;
-  TResultsTree& results = m_context.Results;
-  const std::size_t count = results.ChildCount(ParentNode);
-  results.Data(ParentNode).ChildCount = static_cast<std::uint32_t>(count);
-  if (count == 0)
-    results.DeleteNode(std::exchange(ParentNode, nullptr));
-}
-
-void TScan::AddProblem(TResultsNode* parentNode, TRootKey rootKey, TextView sectionCaption,
-                       std::int32_t imageIndex, TextView keyPath, TextView valueName, TextView valueData,
-                       TextView extra, TextView description, TCheckMark checkMark, TProblemKind kind) {
-  ParentNode = parentNode;
-  m_pending.KeyPath = keyPath;
-  m_pending.ValueName = valueName;
-  m_pending.ValueData = valueData;
-  m_pending.RootKey = rootKey;
-  m_pending.Description = description;
-  m_pending.Kind = kind;
-  m_pending.SectionCaption = sectionCaption;
-  m_pending.ImageIndex = imageIndex;
-  m_pending.CheckMark = checkMark;
-  m_pending.Extra = extra;
-}
-
-bool TScan::HandOver() {
-  if (IsIgnored())
+bool TScan::Report(ScanProblem row) {
+  if (IsIgnored(row))
     return false;
-  Synchronize([this] { AddProblemNode(); });
+  m_batch.Add(std::move(row));
   return true;
 }
 
-void TScan::AddProblemNode() {
-  TResultsTree& results = m_context.Results;
-  const int textWidth =
-      std::max(results.MeasureText(m_pending.KeyPath), results.MeasureText(m_pending.Description));
-  if (textWidth + kColumnRoom > results.ColumnWidth())
-    results.SetColumnWidth(textWidth + kColumnRoom);
-  TResultsNode* node = results.AddNode(ParentNode);
-  results.Data(node) = m_pending;
-  if (ParentNode == nullptr)
-    ParentNode = node;
-}
-
-bool TScan::IsIgnored() const {
-  const Text probe = KeyText(m_pending) + u"\\" + m_pending.ValueName + u"\\" + m_pending.ValueData;
+bool TScan::IsIgnored(const ScanProblem& row) const {
+  const Text probe = KeyText(row) + u"\\" + row.ValueName + u"\\" + row.ValueData;
   return m_ignored.OccursIn(LowerCase(probe));
 }
 
 void TScan::AddHeader() {
-  AddProblem(nullptr, m_section->HeaderRoot, m_section->HeaderCaption, m_section->HeaderImage, {}, {}, {}, {},
-             {}, TCheckMark::Repair, TProblemKind::Value);
-  HandOver();
+  ScanProblem header;
+  header.RootKey = m_section->HeaderRoot;
+  header.SectionCaption = m_section->HeaderCaption;
+  header.ImageIndex = m_section->HeaderImage;
+  Report(std::move(header));
 }
 
 bool TScan::ReportKey(TRootKey rootKey, TextView keyPath, TextView valueData, TextView description,
                       std::int32_t imageIndex, TextView valueName) {
-  AddProblem(ParentNode, rootKey, {}, imageIndex, keyPath, valueName, valueData, {}, description,
-             TCheckMark::Repair, TProblemKind::Key);
-  return HandOver();
+  ScanProblem problem = Problem(TProblemKind::Key, rootKey, keyPath, valueName, valueData, description);
+  problem.ImageIndex = imageIndex;
+  return Report(std::move(problem));
 }
 
 bool TScan::ReportValue(TRootKey rootKey, TextView keyPath, TextView valueName, TextView valueData,
                         TextView description) {
-  AddProblem(ParentNode, rootKey, {}, kNoImage, keyPath, valueName, valueData, {}, description,
-             TCheckMark::Repair, TProblemKind::Value);
-  return HandOver();
+  return Report(Problem(TProblemKind::Value, rootKey, keyPath, valueName, valueData, description));
 }
 
 Text TScan::Say(TextId id, TextView arg1, TextView arg2) const {
@@ -227,8 +194,10 @@ void TScan::ReportProgress(std::int32_t percent, TextView label) {
   if (IsProgressDue()) {
     ItemPercent = percent;
     ProgressLabel = label;
-    Synchronize([this] { RefreshProgress(); });
+    m_batch.Show([this] { RefreshProgress(); });
     ProgressCounter = 0;
+  } else {
+    m_batch.HandOverIfDue();
   }
   ++ProgressCounter;
 }

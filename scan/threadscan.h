@@ -20,6 +20,7 @@
 #include "core/workerthread.h"
 #include "scan/catalogue.h"
 #include "scan/phrasematcher.h"
+#include "scan/problembatch.h"
 #include "scan/reportedclassids.h"
 #include "scan/scanproblem.h"
 #include "scan/scantrees.h"
@@ -77,6 +78,12 @@ class TScan final : public TWorkerThread {
   void ReportProgress(std::int32_t percent, TextView label);
   bool IsProgressDue() const;
 
+  // What was found is not to wait for the next problem, or the next call of ReportProgress, any longer than
+  // need be. To be called where neither may come for some time.
+  void HandOverIfDue() {
+    m_batch.HandOverIfDue();
+  }
+
   // Shows the section anew with another position of the overall bar, in percent.
   void ShowSectionAt(std::int32_t position);
 
@@ -110,17 +117,11 @@ class TScan final : public TWorkerThread {
   void RunSection(const TSection& section);
   void BeginSection(std::int32_t ordinal, TextView name);
   void ShowSection();
-  void EndSection();
 
-  // The hand-over of one problem: AddProblem fills the pending problem, HandOver has AddProblemNode add it to
-  // the tree on the user-interface thread, unless it is ignored; returns whether it was added.
-  void AddProblem(TResultsNode* parentNode, TRootKey rootKey, TextView sectionCaption,
-                  std::int32_t imageIndex, TextView keyPath, TextView valueName, TextView valueData,
-                  TextView extra, TextView description, TCheckMark checkMark, TProblemKind kind);
-  bool HandOver();
-  void AddProblemNode();
+  // Adds a row to the tree, unless it is ignored; returns whether it is added.
+  bool Report(ScanProblem row);
   void AddHeader();
-  bool IsIgnored() const;
+  bool IsIgnored(const ScanProblem& row) const;
 
   void RefreshProgress();
 
@@ -128,12 +129,11 @@ class TScan final : public TWorkerThread {
   TCachedFileProbe m_probe;
   TPathChecks m_paths;
   TPhraseMatcher m_ignored;  // made of both lists when the scan was created
+  TProblemBatch m_batch;
   const TSection* m_section = nullptr;
 
   std::unique_ptr<RegistryStore> Registry;
   TProgressDialog& ProgressDialog;
-  TResultsNode* ParentNode = nullptr;  // of the pending problem, and the current section's node
-  ScanProblem m_pending;
   Text CurrentSectionName;
   Text ProgressLabel;
   std::int32_t SectionPosition = 0;

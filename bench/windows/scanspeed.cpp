@@ -70,36 +70,42 @@ Text ProgramFile(std::size_t number) {
 
 constexpr std::size_t kProgramFiles = 2000;
 
-// One value in a hundred names a file that is gone, every third one that exists.
-Text StringData(TDice& dice) {
+// How many of a hundred strings name a file that is gone, and how many more one that exists.
+constexpr std::size_t kUsualGone = 1;
+constexpr std::size_t kManyGone = 38;  // 30 of a hundred values, of which 80 are strings
+constexpr std::size_t kExisting = 33;
+
+Text StringData(TDice& dice, std::size_t gone) {
   const std::size_t kind = dice.Below(100);
-  if (kind == 0)
+  if (kind < gone)
     return Text(kProgramsFolder) + u"Gone\\" + NumberedName(u"Module", dice.Below(kProgramFiles)) + u".dll";
-  if (kind < 34)
+  if (kind < gone + kExisting)
     return ProgramFile(dice.Below(kProgramFiles));
   return NumberedName(u"A setting of the usual length", dice.Below(10000));
 }
 
-void WriteValue(HKEY key, std::size_t number, TDice& dice) {
+void WriteValue(HKEY key, std::size_t number, std::size_t gone, TDice& dice) {
   const Text name = NumberedName(u"Value", number);
   if (dice.Below(100) < 20) {
     const auto data = static_cast<DWORD>(dice.Below(1000));
     RegSetValueExW(key, Wide(name), 0, REG_DWORD, reinterpret_cast<const BYTE*>(&data), sizeof(data));
     return;
   }
-  const Text data = StringData(dice);
+  const Text data = StringData(dice, gone);
   const DWORD type = dice.Below(10) == 0 ? REG_EXPAND_SZ : REG_SZ;
   RegSetValueExW(key, Wide(name), 0, type, reinterpret_cast<const BYTE*>(data.c_str()),
                  static_cast<DWORD>((data.size() + 1) * sizeof(char16_t)));
 }
 
 struct TPlan {
+  std::size_t Gone = kUsualGone;
   std::vector<std::vector<std::size_t>> SubKeys;  // of each key, by number; key 0 is the top
   std::vector<std::size_t> Values;                // of each key
 };
 
-TPlan MakePlan(TDice& dice) {
+TPlan MakePlan(std::size_t gone, TDice& dice) {
   TPlan plan;
+  plan.Gone = gone;
   plan.SubKeys.resize(kKeys);
   plan.Values.resize(kKeys);
   std::vector<std::size_t> depth(kKeys);
@@ -121,15 +127,15 @@ void WriteKey(HKEY parent, const Text& name, std::size_t number, const TPlan& pl
       ERROR_SUCCESS)
     return;
   for (std::size_t i = 0; i < plan.Values[number]; ++i)
-    WriteValue(key, i, dice);
+    WriteValue(key, i, plan.Gone, dice);
   for (const std::size_t subKey : plan.SubKeys[number])
     WriteKey(key, NumberedName(u"Key", subKey), subKey, plan, dice);
   RegCloseKey(key);
 }
 
-void WriteHive() {
+void WriteHive(std::size_t gone) {
   TDice dice;
-  const TPlan plan = MakePlan(dice);
+  const TPlan plan = MakePlan(gone, dice);
   WriteKey(HKEY_CURRENT_USER, Text(kScratchKey), 0, plan, dice);
 }
 
@@ -216,6 +222,17 @@ class TCountedRegistry : public TRegistryFactory {
   };
 };
 
+// A queue that counts how often another thread waited for it.
+class TCountedUiThread : public TQueueUiThread {
+ public:
+  bool Send(const std::function<void()>& routine) override {
+    ++Sends;
+    return TQueueUiThread::Send(routine);
+  }
+
+  std::uint64_t Sends = 0;
+};
+
 // The Files and Folders section for the current user, with the real registry and the existence of every file
 // known in memory.
 class TWalk {
@@ -230,6 +247,7 @@ class TWalk {
 
   void Run() {
     m_registry.Calls = 0;
+    m_uiThread.Sends = 0;
     m_results.Clear();
     bool finished = false;
     const auto onFinished = [&finished](TWorkerThread&) { finished = true; };
@@ -247,8 +265,11 @@ class TWalk {
   std::uint64_t Calls() const {
     return m_registry.Calls;
   }
+  std::uint64_t Sends() const {
+    return m_uiThread.Sends;
+  }
   std::size_t Problems() {
-    return m_results.Model().TotalCount();
+    return m_results.Model().TotalCount() - 1;
   }
 
  private:
@@ -263,28 +284,51 @@ class TWalk {
   TGlobalReg m_reg;
   TSectionsTreeModel m_sections;
   TResultsTreeModel m_results;
-  TQueueUiThread m_uiThread;
+  TCountedUiThread m_uiThread;
   TSilentDialog m_dialog;
 };
 
-void MeasureWalk() {
+struct TWalkTimes {
+  double Floor = 1e9;
+  double Scan = 1e9;
+};
+
+// Taken in turn, so that a time in which the machine is slower counts for both.
+TWalkTimes TimeWalks(TWalk& walk) {
+  TWalkTimes times;
+  for (int i = 0; i < kRounds; ++i) {
+    times.Floor = std::min(times.Floor, Seconds([] { TBareWalk().Walk(HKEY_CURRENT_USER); }));
+    times.Scan = std::min(times.Scan, Seconds([&walk] { walk.Run(); }));
+  }
+  return times;
+}
+
+void MeasureWalk(TWindowsSystem& windows) {
+  DeleteHive(windows);
+  WriteHive(kUsualGone);
   TWalk walk;
   TBareWalk counts;
   counts.Walk(HKEY_CURRENT_USER);
-  double floor = 1e9;
-  double scan = 1e9;
-  // Taken in turn, so that a time in which the machine is slower counts for both.
-  for (int i = 0; i < kRounds; ++i) {
-    floor = std::min(floor, Seconds([] { TBareWalk().Walk(HKEY_CURRENT_USER); }));
-    scan = std::min(scan, Seconds([&walk] { walk.Run(); }));
-  }
+  const TWalkTimes times = TimeWalks(walk);
   std::printf("%zu keys, %zu values, %zu problems; floor %.3f s, scan %.3f s, %llu registry calls\n\n",
-              counts.Keys, counts.Values, walk.Problems() - 1, floor, scan,
+              counts.Keys, counts.Values, walk.Problems(), times.Floor, times.Scan,
               static_cast<unsigned long long>(walk.Calls()));
   const double keyCalls = static_cast<double>(walk.Calls()) - static_cast<double>(counts.Values);
-  PrintRow("Files and Folders walk / bare walk", scan / floor, 1.3, "");
+  PrintRow("Files and Folders walk / bare walk", times.Scan / times.Floor, 1.3, "");
   PrintRow("registry calls beyond one a value / keys", keyCalls / static_cast<double>(counts.Keys), 5,
            "calls");
+}
+
+void MeasureProblems(TWindowsSystem& windows) {
+  DeleteHive(windows);
+  WriteHive(kManyGone);
+  TWalk walk;
+  const TWalkTimes times = TimeWalks(walk);
+  std::printf("\n%zu problems, %llu hand-overs; floor %.3f s, scan %.3f s\n\n", walk.Problems(),
+              static_cast<unsigned long long>(walk.Sends()), times.Floor, times.Scan);
+  PrintRow("the same walk with 30 problems in 100 values", times.Scan / times.Floor, 1.5, "");
+  PrintRow("waits for the user interface / problems",
+           static_cast<double>(walk.Sends()) / static_cast<double>(walk.Problems()), 0.1, "waits");
 }
 
 // Real folders, and questions about files in them of which every second one is not there.
@@ -357,9 +401,8 @@ void MeasureChecks(TWindowsSystem& windows) {
 int RunBenchmark() {
   try {
     TWindowsSystem windows;
-    DeleteHive(windows);
-    WriteHive();
-    MeasureWalk();
+    MeasureWalk(windows);
+    MeasureProblems(windows);
     DeleteHive(windows);
     MeasureChecks(windows);
     return 0;

@@ -55,12 +55,21 @@ TScanRig::TScanRig(TNameOrder order) : System(order) {
 }
 
 void TScanRig::Run(const std::vector<std::int32_t>& sectionCodes) {
-  RunAndCancel(sectionCodes, -1);
+  Dialog.Updates.clear();
+  RunWith(Dialog, sectionCodes);
 }
 
 void TScanRig::RunAndCancel(const std::vector<std::int32_t>& sectionCodes, int afterReads) {
+  OnRead = [afterReads](TScan& scan, int reads) {
+    if (reads == afterReads)
+      scan.Terminate();
+  };
+  Run(sectionCodes);
+  OnRead = nullptr;
+}
+
+void TScanRig::RunWith(TProgressDialog& dialog, const std::vector<std::int32_t>& sectionCodes) {
   Sections.CheckOnly(sectionCodes);
-  Dialog.Updates.clear();
   m_reads = 0;
   bool finished = false;
   TSystem system = System.Bundle();
@@ -69,8 +78,8 @@ void TScanRig::RunAndCancel(const std::vector<std::int32_t>& sectionCodes, int a
   // asked.
   System.Registry.OnRead = [&] {
     ++m_reads;
-    if (m_reads == afterReads)
-      scan->Terminate();
+    if (OnRead)
+      OnRead(*scan, m_reads);
   };
   const auto onFinished = [&](TWorkerThread& thread) {
     Failure = thread.FatalException();
@@ -83,7 +92,7 @@ void TScanRig::RunAndCancel(const std::vector<std::int32_t>& sectionCodes, int a
                                 .Results = Results,
                                 .UiThread = UiThread,
                                 .OnFinished = onFinished};
-  scan = &TWorkerThread::Launch<TScan>(context, Dialog);
+  scan = &TWorkerThread::Launch<TScan>(context, dialog);
   UiThread.RunUntil([&finished] { return finished; });
   System.Registry.OnRead = nullptr;
 }

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,13 @@ class TScanRig {
 
   // The same, telling the thread to terminate when the registry has been asked for the given number of reads.
   void RunAndCancel(const std::vector<std::int32_t>& sectionCodes, int afterReads);
+
+  // The same as Run with another dialog.
+  void RunWith(TProgressDialog& dialog, const std::vector<std::int32_t>& sectionCodes);
+
+  // Called on the scan's thread before each read of the registry, with the number of reads until then, itself
+  // among them.
+  std::function<void(TScan& scan, int reads)> OnRead;
 
   // How often the last run asked the registry.
   int Reads() const {
