@@ -3,6 +3,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <unordered_set>
 #include <vector>
 
 #include "base/text.h"
@@ -14,6 +16,10 @@ namespace corvalt {
 // asked once for each link to a class; neither costs more with a longer list than a search in a sorted one.
 class TReportedClassIds {
  public:
+  TReportedClassIds() = default;
+  TReportedClassIds(const TReportedClassIds&) = delete;
+  TReportedClassIds& operator=(const TReportedClassIds&) = delete;
+
   // Duplicates are allowed.
   void Append(TextView identifier);
 
@@ -25,10 +31,17 @@ class TReportedClassIds {
     std::uint32_t Start;  // in m_wholeText
     std::uint32_t Size;
   };
+  // All different parts of one length that the entries have.
+  using TParts = std::unordered_set<TextView>;
 
   TextView TextOf(const TEntry& entry) const;
   bool IsEntry(TextView identifier) const;
-  bool OccursInside(TextView identifier);
+  bool OccursInAnEntry(TextView identifier);
+  bool OccursAnywhere(TextView identifier);
+
+  // Null when the parts of enough other lengths are kept already.
+  const TParts* PartsOfLength(std::size_t length);
+
   void SortEntries();
   void SortSuffixes();
 
@@ -37,6 +50,7 @@ class TReportedClassIds {
   std::size_t m_longestEntry = 0;
   bool m_isSorted = true;                 // m_entries, by their texts
   std::vector<std::uint32_t> m_suffixes;  // starts in m_wholeText, sorted; made when first needed
+  std::map<std::size_t, TParts> m_parts;  // by length, of the first lengths that were asked for
 };
 
 }  // namespace corvalt

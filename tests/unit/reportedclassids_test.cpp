@@ -15,12 +15,12 @@ Text Joined(const std::vector<Text>& identifiers) {
   return text;
 }
 
-TReportedClassIds ListOf(const std::vector<Text>& identifiers) {
-  TReportedClassIds list;
-  for (const Text& identifier : identifiers)
-    list.Append(identifier);
-  return list;
-}
+struct TListOf : TReportedClassIds {
+  explicit TListOf(const std::vector<Text>& identifiers) {
+    for (const Text& identifier : identifiers)
+      Append(identifier);
+  }
+};
 
 }  // namespace
 
@@ -31,7 +31,7 @@ TEST(ReportedClassIds, AnEmptyListHoldsNothing) {
 }
 
 TEST(ReportedClassIds, HoldsWhatWasAppended) {
-  TReportedClassIds list = ListOf({u"{1}", u"{2}", u"{1}"});
+  TListOf list({u"{1}", u"{2}", u"{1}"});
   EXPECT_TRUE(list.Holds(u"{1}"));
   EXPECT_TRUE(list.Holds(u"{2}"));
   EXPECT_FALSE(list.Holds(u"{3}"));
@@ -39,11 +39,11 @@ TEST(ReportedClassIds, HoldsWhatWasAppended) {
 }
 
 TEST(ReportedClassIds, LetterCaseCounts) {
-  EXPECT_FALSE(ListOf({u"{ABC}"}).Holds(u"{abc}"));
+  EXPECT_FALSE(TListOf({u"{ABC}"}).Holds(u"{abc}"));
 }
 
 TEST(ReportedClassIds, HoldsEveryPartOfAnIdentifier) {
-  TReportedClassIds list = ListOf({u"{abcd}", u"{efgh}"});
+  TListOf list({u"{abcd}", u"{efgh}"});
   for (const TextView part : {u"{ab", u"bc", u"cd}", u"h}", u"e"})
     EXPECT_TRUE(list.Holds(part));
   EXPECT_FALSE(list.Holds(u"ac"));
@@ -51,7 +51,7 @@ TEST(ReportedClassIds, HoldsEveryPartOfAnIdentifier) {
 }
 
 TEST(ReportedClassIds, HoldsATextAcrossALineBreak) {
-  TReportedClassIds list = ListOf({u"{ab}", u"{cd}"});
+  TListOf list({u"{ab}", u"{cd}"});
   EXPECT_TRUE(list.Holds(u"b}\r\n{c"));
   EXPECT_TRUE(list.Holds(u"\r\n"));
   EXPECT_TRUE(list.Holds(u"\n"));
@@ -61,16 +61,33 @@ TEST(ReportedClassIds, HoldsATextAcrossALineBreak) {
 }
 
 TEST(ReportedClassIds, WhatIsAppendedLaterIsFoundToo) {
-  TReportedClassIds list = ListOf({u"{ab}"});
+  TListOf list({u"{ab}"});
   EXPECT_FALSE(list.Holds(u"cd"));
   list.Append(u"{cd}");
   EXPECT_TRUE(list.Holds(u"cd"));
   EXPECT_TRUE(list.Holds(u"}\r\n{"));
 }
 
+TEST(ReportedClassIds, PartsOfManyLengthsAreFoundAlsoAfterTheListHasGrown) {
+  const Text first = u"{abcdefghijklmnop}";
+  const Text later = u"{ponmlkjihgfedcba}";
+  TListOf list({first});
+  const auto expectParts = [&list](const Text& whole, bool held) {
+    for (std::size_t length = 2; length <= whole.size(); ++length) {
+      for (std::size_t start = 0; start + length <= whole.size(); ++start)
+        EXPECT_EQ(list.Holds(whole.substr(start, length)), held) << length << " from " << start;
+    }
+  };
+  expectParts(first, true);
+  expectParts(later, false);
+  list.Append(later);
+  expectParts(first, true);
+  expectParts(later, true);
+}
+
 TEST(ReportedClassIds, LongIdentifiersAreToldApartToTheirEnds) {
   const Text stem(250, u'a');
-  TReportedClassIds list = ListOf({stem + u"b", stem + u"d"});
+  TListOf list({stem + u"b", stem + u"d"});
   EXPECT_TRUE(list.Holds(stem));
   EXPECT_TRUE(list.Holds(stem.substr(1) + u"b"));
   EXPECT_FALSE(list.Holds(stem.substr(1) + u"c"));
@@ -82,7 +99,7 @@ TEST(ReportedClassIds, ATextLongerThanAnyIdentifierIsFoundAcrossLines) {
   std::vector<Text> identifiers;
   for (int i = 0; i < 40; ++i)
     identifiers.push_back(u"{same-identifier}");
-  TReportedClassIds list = ListOf(identifiers);
+  TListOf list(identifiers);
   const Text whole = Joined(identifiers);
   EXPECT_TRUE(list.Holds(whole));
   EXPECT_TRUE(list.Holds(TextView(whole).substr(3, 400)));
