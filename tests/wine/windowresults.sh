@@ -104,6 +104,19 @@ export_as() {
   reader wait 'Save As' >"$work/dialog" && xdotool type "$1" && picture "${2:-last}" && key Return
 }
 
+# thumb PICTURE: a checksum of the results tree's vertical scroll bar in a picture that is taken now. The mouse is moved
+# away from the rows, whose tips would lie over it.
+thumb() {
+  xdotool mousemove $((tree[4] + 200)) $((tree[5] - 20))
+  picture "$1"
+  convert "$work/$1.png" -crop "18x$((tree[7] - 60))+$((tree[4] + tree[6] - 18))+$((tree[5] + 30))" +repage rgb:- | cksum
+}
+
+# wheel TURNS BUTTON: over the rows; 4 is up, 5 is down.
+wheel() {
+  xdotool mousemove $((tree[4] + 200)) $((tree[5] + 200)) click --repeat "$1" --delay 20 "$2"
+}
+
 start_window_tests
 fill_prefix
 count=$(problem_count)
@@ -114,11 +127,13 @@ picture results
 
 # Scrolling
 IFS=$'\t' read -ra tree < <(reader controls "$title" | awk -F '\t' '$3 == 2002')
-xdotool mousemove $((tree[4] + 200)) $((tree[5] + 200)) click --repeat 4 --delay 20 5
+top=$(thumb top)
+wheel 4 5
 ok "the wheel scrolls down" eventually has_states results 'Registry Integrity' offscreen
-picture scrolled
-xdotool click --repeat 5 --delay 20 4
+ok "and the scroll bar's thumb goes with the rows" test "$(thumb scrolled)" != "$top"
+wheel 5 4
 ok "and up" eventually row_is_at 'Registry Integrity' 6 $((tree[5] + 20))
+ok "and the thumb is where it was" test "$(thumb scrolled-back)" = "$top"
 click $((tree[4] + tree[6] - 26)) $((tree[5] + tree[7] - 8))
 ok "the lower scroll bar shows more of long rows" eventually row_is_at 'Registry Integrity' 5 $((tree[4] - 22))
 picture scrolled-right

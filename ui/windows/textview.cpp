@@ -186,15 +186,9 @@ std::size_t TTextView::PlaceAt(POINT point) {
 // Scrolling
 
 void TTextView::UpdateScrollBars() {
-  SCROLLINFO info = {};
-  info.cbSize = sizeof info;
-  info.fMask = SIF_RANGE | SIF_PAGE | SIF_DISABLENOSCROLL;
-  info.nMax = static_cast<int>(m_lines.Count()) - 1;
-  info.nPage = static_cast<UINT>(LinesInSight());
-  SetScrollInfo(Handle(), SB_VERT, &info, TRUE);
-  info.nMax = m_geometry.Widest() + 2 * m_scale(kMargin) - 1;
-  info.nPage = static_cast<UINT>(std::max<LONG>(ClientSize().cx, 0));
-  SetScrollInfo(Handle(), SB_HORZ, &info, TRUE);
+  ShowScrollRange(Handle(), SB_VERT, {static_cast<int>(m_lines.Count()) - 1, LinesInSight(), true});
+  const int lastAcross = m_geometry.Widest() + 2 * m_scale(kMargin) - 1;
+  ShowScrollRange(Handle(), SB_HORZ, {lastAcross, static_cast<int>(ClientSize().cx), true});
   ScrollTo(m_scrollLeft, m_topLine);
 }
 
@@ -213,8 +207,8 @@ void TTextView::ScrollTo(int left, int line) {
     return;
   m_scrollLeft = left;
   m_topLine = line;
-  SetScrollPos(Handle(), SB_VERT, line, TRUE);
-  SetScrollPos(Handle(), SB_HORZ, left, TRUE);
+  ShowScrollPosition(Handle(), SB_VERT, line);
+  ShowScrollPosition(Handle(), SB_HORZ, left);
   InvalidateRect(Handle(), nullptr, FALSE);
   PlaceCaret();
 }

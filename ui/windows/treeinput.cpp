@@ -64,15 +64,10 @@ void TTreeControl::UpdateScrollBars() {
   const std::int64_t height = m_layout.TotalHeight();
   // Without rows there is no text to be scrolled to, however wide the column was made for earlier ones.
   m_geometry.SetContent(m_options.HasHeader && height > 0 ? m_owner.ColumnWidth() : 0, height);
-  SCROLLINFO info = {};
-  info.cbSize = sizeof info;
-  info.fMask = SIF_RANGE | SIF_PAGE;
-  info.nMax = static_cast<int>(std::max<std::int64_t>(height - 1, 0));
-  info.nPage = static_cast<UINT>(std::max(m_geometry.RowsArea().Height(), 0));
-  SetScrollInfo(Handle(), SB_VERT, &info, TRUE);
-  info.nMax = m_options.HasHeader ? std::max(m_geometry.RowWidth() - 1, 0) : 0;
-  info.nPage = static_cast<UINT>(std::max<LONG>(ClientSize().cx, 0));
-  SetScrollInfo(Handle(), SB_HORZ, &info, TRUE);
+  const int last = static_cast<int>(std::max<std::int64_t>(height - 1, 0));
+  ShowScrollRange(Handle(), SB_VERT, {last, m_geometry.RowsArea().Height()});
+  const int lastAcross = m_options.HasHeader ? std::max(m_geometry.RowWidth() - 1, 0) : 0;
+  ShowScrollRange(Handle(), SB_HORZ, {lastAcross, static_cast<int>(ClientSize().cx)});
   ScrollTo(m_geometry.ScrollLeft(), m_geometry.ScrollTop());
   PlaceHeader();
 }
@@ -90,8 +85,8 @@ void TTreeControl::ScrollTo(int left, std::int64_t top) {
   if (!m_geometry.ScrollTo(left, top))
     return;
   m_tipNode = nullptr;
-  SetScrollPos(Handle(), SB_VERT, static_cast<int>(m_geometry.ScrollTop()), TRUE);
-  SetScrollPos(Handle(), SB_HORZ, m_geometry.ScrollLeft(), TRUE);
+  ShowScrollPosition(Handle(), SB_VERT, static_cast<int>(m_geometry.ScrollTop()));
+  ShowScrollPosition(Handle(), SB_HORZ, m_geometry.ScrollLeft());
   PlaceHeader();
   InvalidateRect(Handle(), nullptr, FALSE);
   m_owner.RowsMoved();
