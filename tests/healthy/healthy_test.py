@@ -67,7 +67,7 @@ class HealthyRegistry(unittest.TestCase):
         return found
 
     def test_every_line_is_a_key_a_value_or_a_remark(self):
-        form = re.compile(r'(@|"(?:[^"\\]|\\.)*")=((?:expand:)?"(?:[^"\\]|\\.)*"|dword:[0-9a-f]{8})')
+        form = re.compile(r'(@|"(?:[^"\\]|\\.)*")=((?:expand:|multi:)?"(?:[^"\\]|\\.)*"|dword:[0-9a-f]{8})')
         roots = ("[HKEY_CLASSES_ROOT\\", "[HKEY_CURRENT_USER\\", "[HKEY_LOCAL_MACHINE\\", "[HKEY_USERS\\")
         for number, line in enumerate(lines_of("healthy.reg")[1:], start=2):
             if line and not line.startswith(";"):
@@ -152,11 +152,16 @@ class IntoAPrefix(unittest.TestCase):
             list(intoprefix.missing_part(text, existing)), ["[HKEY_CLASSES_ROOT\\.txt]", '"PerceivedType"="text"']
         )
 
-    def test_writes_an_expandable_string_in_the_editors_form(self):
-        self.assertEqual(
-            intoprefix.expandable('"a"=expand:"%A%\\\\"'), '"a"=hex(2):25,00,41,00,25,00,5c,00,00,00'
-        )
-        self.assertEqual(intoprefix.expandable('@="%A%"'), '@="%A%"')
+    def test_writes_an_expandable_string_and_a_list_in_the_editors_form(self):
+        for line, written in (
+            ('"a"=expand:"%A%\\\\"', '"a"=hex(2):25,00,41,00,25,00,5c,00,00,00'),
+            ('@=expand:"A"', "@=hex(2):41,00,00,00"),
+            ('"a"=multi:"A"', '"a"=hex(7):41,00,00,00,00,00'),
+            ('@="%A%"', '@="%A%"'),
+            ('"b=expand:"="A"', '"b=expand:"="A"'),
+        ):
+            with self.subTest(line):
+                self.assertEqual(intoprefix.in_the_editors_form(line), written)
 
     def test_makes_files_beside_what_is_there_in_another_letter_case(self):
         with tempfile.TemporaryDirectory() as folder:

@@ -8,6 +8,7 @@ intoprefix.py files LIST DRIVE
 """
 
 import pathlib
+import re
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent.parent / "data"))
@@ -19,6 +20,9 @@ REAL_ROOTS = {
     "hkey_classes_root": "hkey_local_machine\\software\\classes",
     "hkey_current_user": "hkey_users\\s-1-5-21-0-0-0-1000",
 }
+
+# The type of a text by its mark, and what ends its data: REG_EXPAND_SZ, REG_MULTI_SZ.
+KINDS_OF_TEXT = {"expand": (2, "\0"), "multi": (7, "\0\0")}
 
 
 def real_key(path):
@@ -45,13 +49,15 @@ def values_of(text):
     return found
 
 
-def expandable(line):
-    """The line with an expandable string in the editor's own form."""
-    name, mark, text = line.partition('=expand:"')
-    if not mark:
+def in_the_editors_form(line):
+    """The line with an expandable string, or a list of one string, as the editor writes it."""
+    marked = re.match(r'(@|"(?:[^"\\]|\\.)*")=(expand|multi):(.*)', line)
+    if not marked:
         return line
-    data = (unquoted('"' + text) + "\0").encode("utf-16-le")
-    return f"{name}=hex(2):" + ",".join(f"{byte:02x}" for byte in data)
+    name, mark, text = marked.groups()
+    kind, end = KINDS_OF_TEXT[mark]
+    data = (unquoted(text) + end).encode("utf-16-le")
+    return f"{name}=hex({kind}):" + ",".join(f"{byte:02x}" for byte in data)
 
 
 def missing_part(text, existing):
@@ -60,7 +66,7 @@ def missing_part(text, existing):
         if line.startswith("["):
             key = real_key(line[1:-1])
         if not is_value(line) or (key, value_name(line)) not in existing:
-            yield expandable(line)
+            yield in_the_editors_form(line)
 
 
 def write_registry(healthy, existing, target):

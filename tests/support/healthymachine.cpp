@@ -4,7 +4,9 @@
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <utility>
 
+#include "system/registryvalues.h"
 #include "tests/support/sourcefolder.h"
 
 namespace corvalt {
@@ -40,6 +42,10 @@ Text TakeQuoted(TextView& line) {
   return text;
 }
 
+// What stands before the quotes of a text that is no plain string.
+constexpr std::pair<TextView, std::uint32_t> kTextMarks[] = {{u"expand:", kRegExpandSz},
+                                                             {u"multi:", kRegMultiSz}};
+
 class THealthyReader {
  public:
   explicit THealthyReader(TMemoryRegistry& registry) : m_registry(registry) {
@@ -73,21 +79,33 @@ class THealthyReader {
     else
       line.remove_prefix(1);
     line.remove_prefix(1);  // "="
-    const bool expands = line.starts_with(u"expand:");
-    if (line.starts_with(u"dword:")) {
-      const std::uint32_t number =
-          static_cast<std::uint32_t>(std::stoul(EncodeUtf8(line.substr(6)), nullptr, 16));
-      for (const Text& place : m_places)
-        m_registry.SetInteger(place, name, number);
-      return;
+    if (line.starts_with(u"dword:"))
+      SetNumber(name, line.substr(TextView(u"dword:").size()));
+    else
+      SetText(name, line);
+  }
+
+  void SetNumber(const Text& name, TextView hexadecimal) {
+    const std::uint32_t number = static_cast<std::uint32_t>(std::stoul(EncodeUtf8(hexadecimal), nullptr, 16));
+    for (const Text& place : m_places)
+      m_registry.SetInteger(place, name, number);
+  }
+
+  void SetText(const Text& name, TextView line) {
+    std::uint32_t type = kRegSz;
+    for (const auto& [mark, marked] : kTextMarks) {
+      if (line.starts_with(mark)) {
+        type = marked;
+        line.remove_prefix(mark.size());
+      }
     }
-    if (expands)
-      line.remove_prefix(TextView(u"expand:").size());
     if (!line.starts_with(u'"'))
       throw std::runtime_error("a value of an unknown form: " + EncodeUtf8(line));
-    const Text data = TakeQuoted(line);
+    Text data = TakeQuoted(line);
+    if (type == kRegMultiSz)
+      data += u'\0';  // the end of the list, after that of its only string
     for (const Text& place : m_places)
-      expands ? m_registry.SetExpand(place, name, data) : m_registry.Set(place, name, data);
+      m_registry.SetRaw(place, {name, type, StringBytes(data)});
   }
 
   TMemoryRegistry& m_registry;
