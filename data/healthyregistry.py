@@ -9,8 +9,14 @@ CLASSES = (
     ("hkey_local_machine\\software\\classes\\", "hkey_classes_root\\"),
     ("hkey_current_user\\software\\classes\\", "hkey_classes_root\\"),
 )
-# The same settings in the view of 32-bit programs, and in the control set that is the current one.
+# The same settings under another name: in a user's hive (the system's own accounts are users too), in the current
+# hardware profile, in the view of 32-bit programs, and in the control set that is the current one.
 OTHER_VIEWS = (
+    (re.compile(r"^hkey_users\\(?:\.default|s-1-5-[0-9-]+)\\"), "hkey_current_user\\\\"),
+    (
+        re.compile(r"^hkey_current_config\\"),
+        r"hkey_local_machine\\system\\currentcontrolset\\hardware profiles\\current\\",
+    ),
     (re.compile(r"^(hkey_(?:local_machine|current_user)\\software\\(?:classes\\)?|hkey_classes_root\\)wow6432node\\"), r"\1"),
     (re.compile(r"^(hkey_local_machine\\system\\)controlset\d{3}\\"), r"\1currentcontrolset\\"),
 )
@@ -53,12 +59,14 @@ class HealthyRegistry:
 
     def holds(self, kind, trace):
         """Whether the trace would be found on the machine."""
-        # A mapped key itself is found by its path with the separator.
-        place = self._as_classes(in_the_usual_view(trace.lower() + "\\")).rstrip("\\")
+        place = trace.lower()
         if kind == "SERVICE":
             return SERVICES + place in self.keys
         if kind == "BHO":
             return HELPER_OBJECTS + place in self.keys
         if kind == "TOOLBAR":
             return TOOLBAR + place in self.values
-        return place in (self.keys if kind == "REGKEY" else self.values)
+        held = self.keys if kind == "REGKEY" else self.values
+        # A mapped key itself is found by its path with the separator.
+        usual = self._as_classes(in_the_usual_view(place + "\\")).rstrip("\\")
+        return place in held or usual in held

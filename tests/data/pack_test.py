@@ -416,6 +416,90 @@ class InnocentTraces(Refusals):
             with self.subTest(trace):
                 self.assert_innocent(kind, trace, "a healthy machine holds this")
 
+    def assert_all_innocent(self, kind, traces):
+        for trace in traces:
+            with self.subTest(trace):
+                self.assert_innocent(kind, trace, "a healthy machine holds this")
+
+    def test_a_service_that_every_windows_has(self):
+        self.assert_all_innocent(
+            "SERVICE",
+            "Winmgmt Spooler Dnscache BFE wuauserv AudioSrv SamSs Schedule CryptSvc DcomLaunch Dhcp LanmanWorkstation "
+            "mpssvc WSearch wscsvc SecurityHealthService VSS TermService WpnService UsoSvc edgeupdate".split(),
+        )
+
+    def test_the_template_of_a_service_of_each_user(self):
+        self.assert_all_innocent("SERVICE", "CDPUserSvc WpnUserService OneSyncSvc cbdhsvc UnistoreSvc".split())
+
+    def test_a_driver_that_every_windows_has(self):
+        self.assert_all_innocent(
+            "SERVICE",
+            "NTFS disk atapi storahci stornvme volsnap pci ACPI kbdclass i8042prt HidUsb USBSTOR partmgr volmgr FltMgr "
+            "NDIS Tcpip AFD mouclass fastfat cdrom usbhub USBXHCI Wdf01000 HDAudBus Null".split(),
+        )
+
+    def test_a_class_of_folders_and_drives(self):
+        self.assert_all_innocent(
+            "REGKEY",
+            [
+                "HKEY_CLASSES_ROOT\\" + name
+                for name in (
+                    *("Directory", "Folder", "Drive", "Unknown", "AllFilesystemObjects", "DesktopBackground"),
+                    *("LibraryFolder", "directory\\background", "Component Categories", "MIME", "PROTOCOLS", "https"),
+                )
+            ],
+        )
+
+    def test_a_hive_or_a_key_of_the_system(self):
+        control = "SYSTEM\\CurrentControlSet\\Control\\"
+        self.assert_all_innocent(
+            "REGKEY",
+            [
+                "HKEY_LOCAL_MACHINE\\" + name
+                for name in (
+                    *("SAM", "SECURITY", "HARDWARE", "BCD00000000", "SYSTEM\\MountedDevices", "SYSTEM\\DriverDatabase"),
+                    *("SYSTEM\\CurrentControlSet\\Enum", "SYSTEM\\CurrentControlSet\\Hardware Profiles"),
+                    *(
+                        control + name
+                        for name in ("SafeBoot", "Lsa", "Class", "Session Manager", "Print", "Nls", "NetworkProvider")
+                    ),
+                    control + "Session Manager\\SubSystems",
+                    *(
+                        "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\" + name
+                        for name in ("Svchost", "Svchost\\netsvcs", "Windows", "Perflib", "IniFileMapping", "Ports")
+                    ),
+                    "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Shell Extensions",
+                )
+            ],
+        )
+
+    def test_a_key_of_every_user(self):
+        self.assert_all_innocent(
+            "REGKEY",
+            [
+                "HKEY_CURRENT_USER\\" + name
+                for name in ("Volatile Environment", "Printers", "Network", "EUDC", "System", "Keyboard Layout")
+            ],
+        )
+
+    def test_a_value_that_windows_starts_with(self):
+        control = "HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Control\\"
+        self.assert_all_innocent(
+            "REGVALUE",
+            (
+                control + "Session Manager\\BootExecute",
+                control + "Session Manager\\SubSystems\\Windows",
+                control + "Lsa\\Authentication Packages",
+                control + "NetworkProvider\\Order\\ProviderOrder",
+                control + "SecurityProviders\\SecurityProviders",
+                control + "SafeBoot\\AlternateShell",
+                control + "ServiceGroupOrder\\List",
+                "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Windows\\AppInit_DLLs",
+                "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Svchost\\netsvcs",
+                "HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\Tcpip\\Parameters\\DataBasePath",
+            ),
+        )
+
     def test_what_every_windows_holds_named_in_another_view(self):
         for kind, trace in (
             ("REGKEY", "HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Node\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon"),
@@ -425,6 +509,10 @@ class InnocentTraces(Refusals):
             ("REGKEY", "HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001"),
             ("REGKEY", "HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet001\\Services\\RpcSs"),
             ("REGVALUE", "HKEY_LOCAL_MACHINE\\SYSTEM\\ControlSet002\\Services\\Schedule\\ImagePath"),
+            ("REGKEY", "HKEY_USERS\\S-1-5-21-1004336348-1177238915-682003330-1001\\Keyboard Layout"),
+            ("REGKEY", "HKEY_USERS\\.DEFAULT\\Software\\Wow6432Node\\Microsoft\\Windows\\CurrentVersion\\Explorer"),
+            ("REGVALUE", "HKEY_USERS\\S-1-5-19\\Software\\Microsoft\\Windows\\CurrentVersion\\Run\\OneDriveSetup"),
+            ("REGKEY", "HKEY_CURRENT_CONFIG\\Software\\Fonts"),
         ):
             with self.subTest(trace):
                 self.assert_innocent(kind, trace, "a healthy machine holds this")

@@ -43,7 +43,7 @@ class HealthyRegistry(unittest.TestCase):
     def test_every_source_can_be_looked_up(self):
         page = r"(win32|drivers) [A-Za-z0-9]+(/[a-z0-9-]+)?"
         place = re.compile(page + r'|page \S+/\S+|text "[^"]{5,}"')
-        known = re.compile(r"hivecls|hivesft|wine\.inf|XP image|8\.1 image|10 listing|10 log|this program|rules")
+        known = re.compile(r"hive(cls|sft|sys|def)|wine\.inf|XP image|8\.1 image|10 listing|10 log|this program|rules")
         for source in self.sources():
             self.assertTrue(place.search(source) or known.search(source), source)
             self.assertNotRegex(source, r"own knowledge|public (code|text)", source)
