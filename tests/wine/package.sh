@@ -152,6 +152,29 @@ cat "$work/othersection" >>"$backup_folder/index.ini"
 touch "$backup_folder"/{46000,46000.log,more}
 ok "it installs again" run_windows "$setup" /S
 ok "there is something to purge" test -n "$(own_backups)"
+# In place, so that it ends with a code. The uninstaller knows "_?=" only without quotes around it, which an argument
+# with blanks would get here.
+purge_in_place() {
+  printf '@echo off\r\nstart /wait "" "%s" /S /PURGE _?=%s\r\nexit %%errorlevel%%\r\n' \
+    "$installed\\uninstall.exe" "$installed" >"$work/purge.bat"
+  run_windows cmd /c "Z:$work/purge.bat"
+}
+mv "$backup_folder/index.ini" "$work/index.ini"
+mkdir "$backup_folder/index.ini"
+program_files >"$work/installed"
+own_backups >"$work/backups"
+code=0
+purge_in_place || code=$?
+ok "one whose backups can't be purged says so" answered 2
+program_files >"$work/still"
+ok "and stays installed" diff "$work/installed" "$work/still"
+ok "Apps lists it still" apps_value DisplayVersion "$version"
+ok "the start menu has it still" test -e "$WINEPREFIX/drive_c/ProgramData/Microsoft/Windows/Start Menu/Programs/Tessaly Utilities/Corvalt.lnk"
+own_backups >"$work/kept"
+ok "the backups are there still" diff "$work/backups" "$work/kept"
+ok "so are the settings" run_windows reg query "$suite\\Corvalt"
+rmdir "$backup_folder/index.ini"
+mv "$work/index.ini" "$backup_folder/index.ini"
 ok "it uninstalls with what it has stored" uninstall /PURGE
 ok "its backups and logs have gone" test -z "$(own_backups)"
 ok "another module's files stay" ls "$backup_folder"/{46000,46000.log,more}
