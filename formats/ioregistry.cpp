@@ -39,6 +39,12 @@ Text StoredPath(const Text& path, TextView placePath) {
   return path.substr(0, kept) + Text(placePath.substr(placePath.size() - (path.size() - kept)));
 }
 
+// A key of a tree that is still to be exported.
+struct TPendingKey {
+  Text Below;                  // its path below the top
+  bool SavesSecurity = false;  // also where its permissions are inherited
+};
+
 Text PathBelow(const Text& path, const Text& below) {
   return path == u"\\" && !below.empty() ? below : path + below;
 }
@@ -112,30 +118,32 @@ TExportResult TIORegistry::ExportKey(const TKeyPath& key, const TKeyPlace& place
   return result;
 }
 
-// The keys in the order in which the system's editor writes them: each before its subkeys.
+// The keys in the order in which the system's editor writes them: each before its subkeys. Below a key whose
+// permissions are saved those of every key are: when a restore creates them, the key above has other
+// permissions to inherit.
 TExportResult TIORegistry::AppendTree(TRootKey rootKey, const Text& path, const TKeyPlace& top) {
   TRegFileWriter writer(m_locale, m_text);
-  std::vector<Text> pending{Text()};  // paths below the top
+  std::vector<TPendingKey> pending{{}};
   while (!pending.empty()) {
-    const Text below = std::move(pending.back());
+    const auto [below, savesSecurity] = std::move(pending.back());
     pending.pop_back();
     TExportedKey key{rootKey, PathBelow(path, below), {top.RootKey, PathBelow(top.KeyPath, below)}, {}, {}};
     std::vector<Text> subKeys;
-    const TRawResult read = ReadKey(key, subKeys);
+    const TRawResult read = ReadKey(key, savesSecurity, subKeys);
     // A subkey may have gone since its parent was read.
     if (read == TRawResult::Missing && !below.empty())
       continue;
     if (read != TRawResult::Done)
       return ExportResultOf(read);
     for (auto name = subKeys.rbegin(); name != subKeys.rend(); ++name)
-      pending.push_back(below + u"\\" + *name);
+      pending.push_back({below + u"\\" + *name, savesSecurity || !key.Attributes.Security.empty()});
     AppendKey(writer, std::move(key));
   }
   return TExportResult::Done;
 }
 
 // All of one key, from its place.
-TRawResult TIORegistry::ReadKey(TExportedKey& key, std::vector<Text>& subKeys) {
+TRawResult TIORegistry::ReadKey(TExportedKey& key, bool savesSecurity, std::vector<Text>& subKeys) {
   TRawKey raw;
   const TRawResult read = m_registry.ReadKey(key.Place.RootKey, key.Place.KeyPath, raw);
   if (read != TRawResult::Done)
@@ -153,7 +161,7 @@ TRawResult TIORegistry::ReadKey(TExportedKey& key, std::vector<Text>& subKeys) {
                     attributes.IsVolatile.value_or(false),
                     {},
                     attributes.LastWrite};
-  if (attributes.HasOwnSecurity)
+  if (attributes.HasOwnSecurity || savesSecurity)
     key.Attributes.Security = std::move(attributes.Security);
   return asked;
 }

@@ -92,7 +92,7 @@ class TIORegistry {
 
  private:
   TExportResult AppendTree(TRootKey rootKey, const Text& path, const TKeyPlace& top);
-  TRawResult ReadKey(TExportedKey& key, std::vector<Text>& subKeys);
+  TRawResult ReadKey(TExportedKey& key, bool savesSecurity, std::vector<Text>& subKeys);
   void AppendKey(TRegFileWriter& writer, TExportedKey key);
   TBackupEnd CountExported() const;
 

@@ -67,9 +67,12 @@ void TRegFileImport::PlanKeys() {
     TKeyPlace place = PlaceOf(*entry);
     const auto [planned, isFirst] =
         m_planned.try_emplace({place.RootKey, UpperCase(place.KeyPath)}, entry->Attributes);
-    // The key line above a single value holds hardly anything of its key, not even the time.
-    if (!isFirst && !planned->second.LastWrite)
-      planned->second = entry->Attributes;
+    // The key line above a single value holds hardly anything of its key, not even the time; and only below
+    // a key with permissions of its own are inherited ones saved.
+    const TRegFileAttributes& known = planned->second;
+    const TRegFileAttributes& here = entry->Attributes;
+    if (!isFirst && (!known.LastWrite || (known.Security.empty() && here.LastWrite)))
+      planned->second = here;
   }
 }
 

@@ -4,6 +4,7 @@
 #include "formats/ioregistry.h"
 #include "platform/memory/memorysecurity.h"
 #include "platform/memory/memorysystem.h"
+#include "system/securitydescriptor.h"
 #include "tests/support/keyat.h"
 
 namespace corvalt {
@@ -59,6 +60,16 @@ class RestoredAttributes : public ::testing::Test {
     registry.SetLastWrite(kKey, kOldTime);
   }
 
+  // A list of the key's own, which the keys below have inherited.
+  void BuildKeyThatHandsDown() {
+    TMemoryRegistry& registry = m_system.Registry;
+    registry.AddKey(kKey);
+    registry.SetSecurity(
+        kKey, SecurityBytes({.Access = {{u"S-1-5-18", 0xF003F, kAceContainerInherit}}, .IsProtected = true}));
+    registry.Set(Text(kKey) + u"\\Sub\\Deeper", u"a", u"x");
+    registry.AddKey(Text(kKey) + u"\\Other");
+  }
+
   TMemorySystem m_system;
   TIORegistry m_exporter{m_system.Raw, m_system.Locale};
 };
@@ -69,6 +80,27 @@ TEST_F(RestoredAttributes, ComeBackWithTheirKeys) {
   BuildKey();
   const std::vector<std::string> before = Dump();
   Export(u"HKEY_CURRENT_USER\\K");
+  m_system.Registry.RemoveKey(kKey);
+  EXPECT_EQ(Import().AttributesLost, 0U);
+  EXPECT_EQ(Dump(), before) << Exported();
+}
+
+// A list that is set on a key is not handed down to the keys that are there (RegSetKeySecurity,
+// learn.microsoft.com), so the keys below come back with what they inherit only if that was saved.
+TEST_F(RestoredAttributes, InheritedFromAKeyWithItsOwnComeBack) {
+  BuildKeyThatHandsDown();
+  const std::vector<std::string> before = Dump();
+  Export(kKey);
+  m_system.Registry.RemoveKey(kKey);
+  EXPECT_EQ(Import().AttributesLost, 0U);
+  EXPECT_EQ(Dump(), before) << Exported();
+}
+
+TEST_F(RestoredAttributes, InheritedFromAKeyWithItsOwnComeBackAlsoWhenTheSubkeyWasSavedBefore) {
+  BuildKeyThatHandsDown();
+  const std::vector<std::string> before = Dump();
+  Export(Text(kKey) + u"\\Sub");
+  Export(kKey);
   m_system.Registry.RemoveKey(kKey);
   EXPECT_EQ(Import().AttributesLost, 0U);
   EXPECT_EQ(Dump(), before) << Exported();
