@@ -78,14 +78,13 @@ void TRegFileImport::PlanKeys() {
 
 TRawResult TRegFileImport::Replay(const TRegFileEntry& entry) {
   const TKeyPlace place = PlaceOf(entry);
+  if (IsDeletion(entry))
+    m_existing.reset();
   switch (entry.Kind) {
     case TRegFileEntry::TKind::Key:
       return ReplayKey(place);
-    case TRegFileEntry::TKind::Value: {
-      const TRawResult written = m_registry.WriteValue(place.RootKey, place.KeyPath, entry.Value);
-      m_result.ValuesWritten += written == TRawResult::Done ? 1 : 0;
-      return written;
-    }
+    case TRegFileEntry::TKind::Value:
+      return ReplayValue(place, entry.Value);
     case TRegFileEntry::TKind::DeleteKey:
       return m_registry.DeleteKey(place.RootKey, place.KeyPath);
     case TRegFileEntry::TKind::DeleteValue:
@@ -103,7 +102,43 @@ TRawResult TRegFileImport::ReplayKey(const TKeyPlace& place) {
     if (m_planned.contains(parent) && !m_done.contains(parent))
       std::ignore = CreatePlanned(parent, {place.RootKey, place.KeyPath.substr(0, end)});
   }
-  return CreatePlanned(id, place);
+  const std::size_t keysBefore = m_result.KeysWritten;
+  const TRawResult result = CreatePlanned(id, place);
+  if (result == TRawResult::Done && m_result.KeysWritten == keysBefore)
+    LookAtExisting(id, place);
+  else
+    m_existing.reset();
+  return result;
+}
+
+// Of single values that were saved one after another from one key the first reads the key for all.
+void TRegFileImport::LookAtExisting(const TKeyId& id, const TKeyPlace& place) {
+  if (m_existing == id)
+    return;
+  m_existing = id;
+  m_existingValues.clear();
+  TRawKey key;
+  // What can't be read is written.
+  if (m_registry.ReadKey(place.RootKey, place.KeyPath, key) != TRawResult::Done)
+    return;
+  for (TRawValue& value : key.Values)
+    m_existingValues.insert_or_assign(UpperCase(value.Name), std::move(value));
+}
+
+TRawResult TRegFileImport::ReplayValue(const TKeyPlace& place, const TRawValue& value) {
+  const Text name = m_existing ? UpperCase(StoredValueName(value.Name)) : Text();
+  const auto there = m_existing ? m_existingValues.find(name) : m_existingValues.end();
+  const bool isThere =
+      there != m_existingValues.end() && there->second.Type == value.Type && there->second.Data == value.Data;
+  if (isThere)
+    return TRawResult::Done;
+  const TRawResult written = m_registry.WriteValue(place.RootKey, place.KeyPath, value);
+  if (written != TRawResult::Done)
+    return written;
+  ++m_result.ValuesWritten;
+  if (m_existing)
+    m_existingValues.insert_or_assign(name, value);
+  return written;
 }
 
 TRawResult TRegFileImport::CreatePlanned(const TKeyId& id, TKeyPlace place) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <set>
 #include <span>
 #include <utility>
@@ -33,9 +34,9 @@ struct [[nodiscard]] TImportResult {
   bool Stopped = false;
   std::size_t LinesSkipped = 0;
   std::vector<TSkippedLine> FirstSkipped;  // the first twenty of them
-  std::size_t WritesFailed = 0;  // keys, values and deletions that the registry refused; the rest went on
-  std::size_t KeysWritten = 0;   // those that did not exist
-  std::size_t ValuesWritten = 0;
+  std::size_t WritesFailed = 0;   // keys, values and deletions that the registry refused; the rest went on
+  std::size_t KeysWritten = 0;    // those that did not exist
+  std::size_t ValuesWritten = 0;  // those that were not there as the file has them
   std::size_t AttributesLost = 0;  // of keys that were created: class, volatility, permissions, time
 
   // Lost attributes do not count.
@@ -44,9 +45,10 @@ struct [[nodiscard]] TImportResult {
   }
 };
 
-// One import. A key that is created gets the class and the volatility that the file gives it, and when
-// everything below it is there, its permissions and at last its time; a key that exists keeps what it has. A
-// key below HKEY_CLASSES_ROOT goes to the hive that the file names.
+// One import. Values that a key holds already, as the file has them, are not written: the key keeps its time,
+// and need not be open to changes. A key that is created gets the class and the volatility that the file
+// gives it, and when everything below it is there, its permissions and at last its time; a key that exists
+// keeps what it has. A key below HKEY_CLASSES_ROOT goes to the hive that the file names.
 class TRegFileImport {
  public:
   // All must outlive this object.
@@ -68,7 +70,9 @@ class TRegFileImport {
   void PlanKeys();
   TRawResult Replay(const TRegFileEntry& entry);
   TRawResult ReplayKey(const TKeyPlace& place);
+  TRawResult ReplayValue(const TKeyPlace& place, const TRawValue& value);
   TRawResult CreatePlanned(const TKeyId& id, TKeyPlace place);
+  void LookAtExisting(const TKeyId& id, const TKeyPlace& place);
   void CheckNewKey(const TKeyPlace& place, const TRegFileAttributes& attributes);
   void WriteAttributes();
 
@@ -79,6 +83,9 @@ class TRegFileImport {
   std::map<TKeyId, TRegFileAttributes> m_planned;  // every key line of the file
   std::set<TKeyId> m_done;                         // those that were created or exist
   std::vector<TCreatedKey> m_created;
+  // The key whose values come now, when it existed, and what it holds by upper-cased name.
+  std::optional<TKeyId> m_existing;
+  std::map<Text, TRawValue> m_existingValues;
   TImportResult m_result;
 };
 

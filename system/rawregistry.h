@@ -125,7 +125,7 @@ class TRawRegistry {
   virtual bool OpensWithFullAccess(TRootKey rootKey, TextView subKey) = 0;
 
   // Creates the key; missing parents get no class, and are volatile only below a volatile key. Done also when
-  // the key exists, and isNew tells which.
+  // the key exists, even where the user may only read it, and isNew tells which.
   virtual TRawResult CreateKey(TRootKey rootKey, TextView keyPath, const TNewKey& newKey, bool& isNew) = 0;
   TRawResult CreateKey(TRootKey rootKey, TextView keyPath) {
     bool isNew = false;

@@ -142,8 +142,6 @@ TRawResult TMemoryRawRegistry::CreateKey(TRootKey rootKey, TextView keyPath, con
     return TRawResult::Failed;
   TOpenMemoryKey found;
   const TRawResult opened = Open(rootKey, keyPath, found);
-  if (opened == TRawResult::Done && found.Key->Rights == TMemoryRights::Read)
-    return TRawResult::Denied;
   if (opened != TRawResult::Missing) {
     isNew = false;
     return opened;
@@ -167,6 +165,8 @@ TRawResult TMemoryRawRegistry::WriteValue(TRootKey rootKey, TextView keyPath, co
   const TRawResult opened = Open(rootKey, keyPath, key);
   if (opened != TRawResult::Done)
     return opened;
+  if (key.Key->Rights == TMemoryRights::Read)
+    return TRawResult::Denied;
   m_registry.Note("write value", value.Name);
   m_hives.WriteValue(*key.Key, {Text(StoredValueName(value.Name)), value.Type, value.Data});
   return TRawResult::Done;

@@ -271,7 +271,9 @@ TRawResult TWindowsRawRegistry::CreateKey(TRootKey rootKey, TextView keyPath, co
   if (parents != TRawResult::Done)
     return parents;
   TKeptPointer key;
-  const TRawResult result = OpenOrCreate(rootKey, *path, newKey, key);
+  TRawResult result = OpenOrCreate(rootKey, *path, newKey, key);
+  if (result == TRawResult::Denied && OpenKept(rootKey, *path, kReadAccess, key) == TRawResult::Done)
+    result = TRawResult::Done;
   if (result == TRawResult::Done)
     isNew = key->IsNew;
   return result;

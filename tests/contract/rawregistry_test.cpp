@@ -154,6 +154,19 @@ TEST_F(RawRegistryContract, AKeyWithoutAccessIsDenied) {
   EXPECT_EQ(key.SubKeys, std::vector<Text>{u"Denied"});
 }
 
+// RegCreateKeyEx (learn.microsoft.com) opens a key that exists with the access that was asked for.
+TEST_F(RawRegistryContract, AKeyThatMayOnlyBeReadExistsForItsCreation) {
+  Put(u"Key", {u"v", kRegSz, {}});
+  m_subject->LetOnlyRead(At(u"Key"));
+  bool isNew = true;
+  EXPECT_EQ(m_system.Raw.CreateKey(kScratchRoot, At(u"Key"), {}, isNew), TRawResult::Done);
+  EXPECT_FALSE(isNew);
+  EXPECT_EQ(Write(u"Key", {u"v", kRegBinary, {1}}), TRawResult::Denied);
+  TRawValue value;
+  EXPECT_EQ(Read(u"Key", u"v", value), TRawResult::Done);
+  EXPECT_EQ(value.Type, kRegSz);
+}
+
 TEST_F(RawRegistryContract, ALinkIsSaidAndNeverFollowed) {
   Create(u"Target\\Sub");
   EXPECT_EQ(Write(u"Target", {u"value", kRegSz, {}}), TRawResult::Done);

@@ -29,6 +29,8 @@ class TSubject {
 
   // Takes every access from a key that exists.
   virtual void Deny(TextView keyPath) = 0;
+  // Lets everybody read a key that exists, and nobody change it.
+  virtual void LetOnlyRead(TextView keyPath) = 0;
   // Makes a registry link to a key that exists; both paths below kScratchRoot.
   virtual void MakeLink(TextView keyPath, TextView targetPath) = 0;
   // The path of a link to an existing folder.

@@ -426,6 +426,50 @@ TEST_F(IORegistry, AnImportWritesOverWhatIsThere) {
   EXPECT_TRUE(System.Registry.HasValue(kKey, u"b"));
 }
 
+TEST_F(IORegistry, WhatIsThereAsTheFileHasItIsNotWrittenAgain) {
+  System.Registry.Set(kKey, u"Name", u"x");
+  System.Registry.Set(kKey, u"changed", u"new");
+  System.Registry.Set(u"HKEY_CURRENT_USER\\L", u"Name", u"x");
+  const std::uint64_t time = System.Registry.KeyAt(u"HKEY_CURRENT_USER\\L")->LastWrite;
+  const TImportResult result =
+      Exporter.Import(BytesOf("REGEDIT4\n[HKEY_CURRENT_USER\\K]\n\"name\"=\"x\"\n\"changed\"=\"old\"\n"
+                              "[HKEY_CURRENT_USER\\L]\n\"NAME\"=\"x\"\n"));
+  EXPECT_TRUE(result.EverythingWritten());
+  EXPECT_EQ(result.KeysWritten, 0U);
+  EXPECT_EQ(result.ValuesWritten, 1U);
+  EXPECT_EQ(System.Registry.KeyAt(u"HKEY_CURRENT_USER\\L")->LastWrite, time);
+  EXPECT_EQ(System.Registry.FindValue(kKey, u"changed")->Data, StringBytes(u"old"));
+}
+
+TEST_F(IORegistry, OfAKeyThatMayOnlyBeReadOnlyWhatDiffersFails) {
+  System.Registry.Set(kKey, u"same", u"x");
+  System.Registry.Set(kKey, u"differs", u"new");
+  System.Registry.LetUse(kKey, TMemoryRights::Read);
+  EXPECT_TRUE(
+      Exporter.Import(BytesOf("REGEDIT4\n[HKEY_CURRENT_USER\\K]\n\"same\"=\"x\"\n")).EverythingWritten());
+  const TImportResult result = Exporter.Import(
+      BytesOf("REGEDIT4\n[HKEY_CURRENT_USER\\K]\n\"same\"=\"x\"\n\"differs\"=\"old\"\n\"gone\"=\"x\"\n"));
+  EXPECT_EQ(result.WritesFailed, 2U);
+  EXPECT_EQ(result.ValuesWritten, 0U);
+}
+
+// The same name twice: what the file has last counts.
+TEST_F(IORegistry, OfAValueThatStandsInTheFileTwiceTheLastIsWritten) {
+  System.Registry.Set(kKey, u"a", u"first");
+  EXPECT_TRUE(Exporter
+                  .Import(BytesOf("REGEDIT4\n[HKEY_CURRENT_USER\\K]\n\"a\"=\"second\"\n"
+                                  "[HKEY_CURRENT_USER\\K]\n\"a\"=\"first\"\n"))
+                  .EverythingWritten());
+  EXPECT_EQ(System.Registry.FindValue(kKey, u"a")->Data, StringBytes(u"first"));
+}
+
+TEST_F(IORegistry, AValueThatTheFileDeletesFirstIsWrittenAlsoWhenItWasThere) {
+  System.Registry.Set(kKey, u"a", u"x");
+  EXPECT_TRUE(Exporter.Import(BytesOf("REGEDIT4\n[HKEY_CURRENT_USER\\K]\n\"a\"=-\n\"a\"=\"x\"\n"))
+                  .EverythingWritten());
+  EXPECT_TRUE(System.Registry.HasValue(kKey, u"a"));
+}
+
 TEST_F(IORegistry, RefusedWritesAreCountedAndTheRestGoesOn) {
   System.Registry.Deny(u"HKEY_CURRENT_USER\\K\\Denied");
   const TImportResult result = Exporter.Import(

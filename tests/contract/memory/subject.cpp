@@ -37,6 +37,9 @@ class TMemorySubject : public TSubject {
   void Deny(TextView keyPath) override {
     m_system.Registry.Deny(FullPath(keyPath));
   }
+  void LetOnlyRead(TextView keyPath) override {
+    m_system.Registry.LetUse(FullPath(keyPath), TMemoryRights::Read);
+  }
   void MakeLink(TextView keyPath, TextView targetPath) override {
     m_system.Registry.MakeLink(FullPath(keyPath), FullPath(targetPath));
   }

@@ -68,6 +68,15 @@ void DenyEverything(TextView keyPath) {
   SetAccessList(keyPath, &empty);
 }
 
+void AllowReading(TextView keyPath) {
+  SID everyone = {SID_REVISION, 1, SECURITY_WORLD_SID_AUTHORITY, {SECURITY_WORLD_RID}};
+  std::uint64_t buffer[16] = {};
+  auto* const list = reinterpret_cast<PACL>(buffer);
+  ASSERT_TRUE(InitializeAcl(list, sizeof(buffer), ACL_REVISION));
+  ASSERT_TRUE(AddAccessAllowedAce(list, ACL_REVISION, KEY_READ, &everyone));
+  SetAccessList(keyPath, list);
+}
+
 void AllowEverything(TextView keyPath) {
   SetAccessList(keyPath, nullptr);
 }

@@ -6,8 +6,9 @@
 
 namespace corvalt {
 
-// An access list without entries, and one that lets everybody do everything.
+// An access list without entries, one that lets everybody read, and one that lets everybody do everything.
 void DenyEverything(TextView keyPath);
+void AllowReading(TextView keyPath);
 void AllowEverything(TextView keyPath);
 
 void CreateLink(TextView keyPath, TextView targetPath);

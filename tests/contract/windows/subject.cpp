@@ -74,6 +74,10 @@ class TWindowsSubject final : public TSubject {
     m_denied.emplace_back(keyPath);
     DenyEverything(keyPath);
   }
+  void LetOnlyRead(TextView keyPath) override {
+    m_denied.emplace_back(keyPath);
+    AllowReading(keyPath);
+  }
   void MakeLink(TextView keyPath, TextView targetPath) override {
     m_links.emplace_back(keyPath);
     CreateLink(keyPath, targetPath);
