@@ -50,11 +50,23 @@ TImportResult TRegFileImport::Run() {
     if (replayed != TRawResult::Done && !wasGone)
       ++m_result.WritesFailed;
   }
-  WriteAttributes();
   m_result.Stopped = entry != nullptr;
   m_result.LinesSkipped = reader.LinesSkipped();
   m_result.FirstSkipped = reader.FirstSkipped();
+  NoteUnfinished(reader, entry);
+  WriteAttributes();
   return m_result;
+}
+
+// Permissions could forbid a second import to write what is missing, and it would change the times.
+void TRegFileImport::NoteUnfinished(TRegFileReader& reader, const TRegFileEntry* entry) {
+  for (; entry != nullptr; entry = reader.Next()) {
+    const TKeyPlace place = PlaceOf(*entry);
+    Text path = UpperCase(place.KeyPath);
+    // A key that is noted has its parents noted.
+    while (!path.empty() && m_unfinished.insert({place.RootKey, path}).second)
+      path.resize(path.rfind(u'\\'));
+  }
 }
 
 // A key that was saved before its parent would be restored before it too, and the parent would be created on
@@ -179,15 +191,20 @@ void TRegFileImport::WriteAttributes() {
     return DepthOf(a.Place.KeyPath) > DepthOf(b.Place.KeyPath);
   });
   for (const TCreatedKey& key : m_created) {
-    const TWantedAttributes wanted{key.Attributes->LastWrite, key.Attributes->Security};
-    if (!wanted.LastWrite && wanted.Security.empty())
-      continue;
-    TAttributesLost lost{!wanted.Security.empty(), wanted.LastWrite.has_value()};
-    TAttributesLost notSet;
-    if (m_registry.WriteAttributes(key.Place.RootKey, key.Place.KeyPath, wanted, notSet) == TRawResult::Done)
-      lost = notSet;
+    const TAttributesLost lost = WriteAttributes(key);
     m_result.AttributesLost += (lost.Security ? 1 : 0) + (lost.LastWrite ? 1 : 0);
   }
+}
+
+TAttributesLost TRegFileImport::WriteAttributes(const TCreatedKey& key) {
+  const TWantedAttributes wanted{key.Attributes->LastWrite, key.Attributes->Security};
+  TAttributesLost lost{!wanted.Security.empty(), wanted.LastWrite.has_value()};
+  if (!lost.Any() || m_unfinished.contains({key.Place.RootKey, UpperCase(key.Place.KeyPath)}))
+    return lost;
+  TAttributesLost notSet;
+  if (m_registry.WriteAttributes(key.Place.RootKey, key.Place.KeyPath, wanted, notSet) == TRawResult::Done)
+    lost = notSet;
+  return lost;
 }
 
 }  // namespace corvalt

@@ -37,7 +37,9 @@ struct [[nodiscard]] TImportResult {
   std::size_t WritesFailed = 0;   // keys, values and deletions that the registry refused; the rest went on
   std::size_t KeysWritten = 0;    // those that did not exist
   std::size_t ValuesWritten = 0;  // those that were not there as the file has them
-  std::size_t AttributesLost = 0;  // of keys that were created: class, volatility, permissions, time
+  // Of keys that were created: class, volatility, permissions, time. After a stop also the permissions and
+  // the times of those that lack something of the file, which are not set.
+  std::size_t AttributesLost = 0;
 
   // Lost attributes do not count.
   bool EverythingWritten() const {
@@ -74,7 +76,9 @@ class TRegFileImport {
   TRawResult CreatePlanned(const TKeyId& id, TKeyPlace place);
   void LookAtExisting(const TKeyId& id, const TKeyPlace& place);
   void CheckNewKey(const TKeyPlace& place, const TRegFileAttributes& attributes);
+  void NoteUnfinished(TRegFileReader& reader, const TRegFileEntry* entry);
   void WriteAttributes();
+  TAttributesLost WriteAttributes(const TCreatedKey& key);
 
   TRawRegistry& m_registry;
   std::span<const std::uint8_t> m_bytes;
@@ -83,6 +87,7 @@ class TRegFileImport {
   std::map<TKeyId, TRegFileAttributes> m_planned;  // every key line of the file
   std::set<TKeyId> m_done;                         // those that were created or exist
   std::vector<TCreatedKey> m_created;
+  std::set<TKeyId> m_unfinished;  // those that the entries after a stop would change, and their parents
   // The key whose values come now, when it existed, and what it holds by upper-cased name.
   std::optional<TKeyId> m_existing;
   std::map<Text, TRawValue> m_existingValues;

@@ -162,6 +162,29 @@ TEST_F(RestoredAttributes, ComeBackAlsoWhenAValueWasSavedBeforeItsKey) {
   EXPECT_EQ(Dump(), before);
 }
 
+// Permissions that forbid changes would keep a second import from writing what is missing.
+TEST_F(RestoredAttributes, AreNotSetOnAKeyThatAStopLeftIncomplete) {
+  TMemoryRegistry& registry = m_system.Registry;
+  registry.Set(Text(kKey) + u"\\Half", u"a", u"x");
+  registry.Set(Text(kKey) + u"\\Half", u"b", u"y");
+  registry.AddKey(Text(kKey) + u"\\Done");
+  for (const TextView name : {u"\\Half", u"\\Done"})
+    registry.SetSecurity(Text(kKey) + Text(name), OwnSecurity());
+  Export(kKey);
+  m_exporter.Finish();
+  const TBytes file = m_exporter.ExportedText();
+  registry.RemoveKey(kKey);
+  // K, Done, Half and its first value.
+  const TImportResult result = m_exporter.Import(file, {true, [left = 4]() mutable { return left-- == 0; }});
+  EXPECT_TRUE(result.Stopped);
+  EXPECT_EQ(registry.KeyAt(Text(kKey) + u"\\Done")->Security, OwnSecurity());
+  EXPECT_NE(registry.KeyAt(Text(kKey) + u"\\Half")->Security, OwnSecurity());
+  // The permissions and the time of Half, and the time of K, which a second import changes.
+  EXPECT_EQ(result.AttributesLost, 3U);
+  EXPECT_TRUE(m_exporter.Import(file).EverythingWritten());
+  EXPECT_TRUE(registry.HasValue(Text(kKey) + u"\\Half", u"b"));
+}
+
 TEST_F(RestoredAttributes, ThatCantBeGivenBackAreCounted) {
   BuildKey();
   Export(u"HKEY_CURRENT_USER\\K");
