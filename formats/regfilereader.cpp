@@ -84,17 +84,25 @@ bool TRegFileReader::ReadEntry() {
 
 // Only a key line follows the comments about a key: what stands there instead has taken its place.
 void TRegFileReader::EndKeyWhereAKeyLineIsMissing() {
-  if (std::exchange(m_attributes, {}) != TRegFileAttributes())
+  TRegFileAttributes attributes;
+  if (!TakeAttributes(attributes) || attributes != TRegFileAttributes())
     m_hasKey = false;
+}
+
+// What was read for this key; false where it tells of no hive that could be read: the key, and its values,
+// may not go to another one.
+bool TRegFileReader::TakeAttributes(TRegFileAttributes& attributes) {
+  attributes = std::exchange(m_attributes, {});
+  return !std::exchange(m_hiveIsLost, false);
 }
 
 // A key's name may hold "]": the last one ends the line.
 bool TRegFileReader::ReadKeyLine() {
   m_hasKey = false;
-  m_entry.Attributes = std::exchange(m_attributes, {});
+  const bool hasHive = TakeAttributes(m_entry.Attributes);
   const TextView line = m_cursor.Rest();
   const std::size_t close = line.rfind(u']');
-  if (close == TextView::npos)
+  if (close == TextView::npos || !hasHive)
     return false;
   TextView name = line.substr(1, close - 1);
   m_cursor.RemovePrefix(close + 1);
@@ -232,8 +240,8 @@ bool TRegFileReader::ReadExactLine() {
   }
   // A comment of this form that is no value may be a damaged key line.
   m_hasKey = false;
-  m_entry.Attributes = std::exchange(m_attributes, {});
-  return m_cursor.TakeWord(kExactKey) && ReadExactKey();
+  const bool hasHive = TakeAttributes(m_entry.Attributes);
+  return hasHive && m_cursor.TakeWord(kExactKey) && ReadExactKey();
 }
 
 bool TRegFileReader::ReadExactKey() {
@@ -278,10 +286,9 @@ bool TRegFileReader::ReadExactText(Text& text) {
 bool TRegFileReader::ReadAttribute() {
   if (m_cursor.TakeExact(kHiveWord)) {
     const TRootKey hive = IsRootKeyName(m_cursor.Rest()) ? RootKeyFromName(m_cursor.Rest()) : kNoRootKey;
-    if (hive != kHkeyCurrentUser && hive != kHkeyLocalMachine)
-      return false;
-    m_attributes.Hive = hive;
-    return true;
+    m_hiveIsLost = hive != kHkeyCurrentUser && hive != kHkeyLocalMachine;
+    m_attributes.Hive = m_hiveIsLost ? kNoRootKey : hive;
+    return !m_hiveIsLost;
   }
   if (m_cursor.TakeExact(kClassWord))
     return ReadClass();

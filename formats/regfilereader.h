@@ -74,6 +74,7 @@ class TRegFileReader {
   bool IsWanted() const;
   bool ReadEntry();
   void EndKeyWhereAKeyLineIsMissing();
+  bool TakeAttributes(TRegFileAttributes& attributes);
   bool ReadKeyLine();
   bool ReadValueLine();
   bool ReadName();
@@ -99,6 +100,7 @@ class TRegFileReader {
   bool m_hasHeader = false;
   bool m_hasKey = false;            // values may follow
   TRegFileAttributes m_attributes;  // read for the key line to come
+  bool m_hiveIsLost = false;        // a damaged comment named the hive of that key
   Text m_string;                    // the buffer of the string being read
   TRegFileEntry m_entry;
 };

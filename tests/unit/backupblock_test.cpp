@@ -173,10 +173,28 @@ TEST(BackupAttributes, BelongToTheNextKeyOnly) {
 TEST(BackupAttributes, OfADamagedLineAreLeftOutAndTheLineIsCounted) {
   for (const std::string line :
        {"class=4", "class=410", "class=41zz", "class=4100+", "security=0", "security=01+\n[", "time=01",
-        "time=01d9a1b2c3d4e5f6aa", "time=01d9a1b2c3d4e5g6", "hive=HKEY_USERS", "hive=hkey_local_machine"}) {
+        "time=01d9a1b2c3d4e5f6aa", "time=01d9a1b2c3d4e5g6"}) {
     const TRegFileAttributes attributes = AttributesIn(
         "REGEDIT4\n;Corvalt " + line + "\n[HKEY_CLASSES_ROOT\\K]\n", line.ends_with('[') ? 2 : 1);
     EXPECT_EQ(attributes, TRegFileAttributes()) << line;
+  }
+}
+
+// The merged root would take the key to the machine's hive, for all users.
+TEST(BackupAttributes, WithADamagedHiveTakeTheirKeyToNoHive) {
+  TMemoryLocale locale;
+  for (const std::string hive : {"HKEY_USERS", "hkey_local_machine", "HKEY_CURRENT_USE", ""}) {
+    for (const std::string key : {"[HKEY_CLASSES_ROOT\\K]", ";TIORegistry key=HKEY_CLASSES_ROOT:5c004b00"}) {
+      const std::string text = "REGEDIT4\n;Corvalt hive=" + hive + "\n;Corvalt class=4100\n" + key +
+                               "\n;TIORegistry value=6100:3:00\n[HKEY_CLASSES_ROOT\\L]\n";
+      TRegFileReader reader(BytesOf(text), locale);
+      const TRegFileEntry* entry = reader.Next();
+      ASSERT_NE(entry, nullptr) << text;
+      EXPECT_EQ(entry->KeyPath, u"\\L") << text;
+      EXPECT_EQ(entry->Attributes, TRegFileAttributes());
+      EXPECT_EQ(reader.Next(), nullptr);
+      EXPECT_EQ(reader.LinesSkipped(), 3U) << text;
+    }
   }
 }
 
