@@ -24,6 +24,10 @@ std::uint32_t CodePageOf(const std::optional<TBackupOrigin>& origin, TLocale& lo
 
 }  // namespace
 
+TCodePage CodePageOfFile(std::span<const std::uint8_t> bytes, TLocale& locale) {
+  return {locale, CodePageOf(ReadOrigin(bytes), locale)};
+}
+
 TRegFileReader::TRegFileReader(std::span<const std::uint8_t> bytes, TLocale& locale, TDeletionLines deletions)
     : m_origin(ReadOrigin(bytes)),
       m_codePage{locale, CodePageOf(m_origin, locale)},

@@ -37,12 +37,15 @@ enum class TDeletionLines {
   Skipped,  // they count as malformed
 };
 
+// The code page of a file's texts: the one that the file names, or the system's own when it names none or one
+// that the system lacks. The locale must outlive the result.
+[[nodiscard]] TCodePage CodePageOfFile(std::span<const std::uint8_t> bytes, TLocale& locale);
+
 // Malformed lines are skipped and counted, and so are the values after a malformed key line or a deleted key.
 // Takes time and memory in proportion to the file.
 class TRegFileReader {
  public:
-  // Both must outlive this object. The texts are decoded with the code page that the file names, or with the
-  // system's own when it names none or one that the system lacks.
+  // Both must outlive this object.
   TRegFileReader(std::span<const std::uint8_t> bytes, TLocale& locale,
                  TDeletionLines deletions = TDeletionLines::Entries);
 

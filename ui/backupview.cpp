@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "formats/regfilereader.h"
 #include "formats/textfile.h"
 
 namespace corvalt {
@@ -14,7 +15,7 @@ constexpr TextView kLineEnd = u"\r\n";
 }  // namespace
 
 Text BackupViewText(std::span<const std::uint8_t> bytes, TLocale& locale) {
-  const Text text = locale.DecodeAnsi(AsCharacters(bytes));
+  const Text text = CodePageOfFile(bytes, locale).Decode(AsCharacters(bytes));
   Text shown;
   shown.reserve(text.size() + text.size() / 16);
   for (std::size_t i = 0; i < text.size(); ++i) {

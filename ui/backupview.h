@@ -14,8 +14,8 @@ struct TBackupView {
   Text Content;
 };
 
-// The whole file, read in the ANSI code page: every line ends with CR LF, the only one that breaks a line in
-// a text box, and a NUL, which would end the text there, is shown as U+2400.
+// The whole file, read in its code page (see CodePageOfFile): every line ends with CR LF, the only one that
+// breaks a line in a text box, and a NUL, which would end the text there, is shown as U+2400.
 Text BackupViewText(std::span<const std::uint8_t> bytes, TLocale& locale);
 
 // Where the Close button stands in a window of this width; pixels.

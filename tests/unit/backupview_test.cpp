@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "formats/backupblock.h"
 #include "platform/memory/memorysystem.h"
 #include "tests/support/largeinput.h"
 
@@ -31,6 +32,15 @@ TEST(BackupView, ShowsNulsInsteadOfEndingAtThem) {
 
 TEST(BackupView, ReadsTheFileInTheAnsiCodePage) {
   EXPECT_EQ(Shown("\x80 \xE4"), u"\x20AC \xE4");
+}
+
+TEST(BackupView, ReadsABackupInTheCodePageThatItWasMadeWith) {
+  TBackupOrigin origin;
+  origin.CodePage = 1251;
+  const std::string head = "REGEDIT4\r\n" + OriginLines(origin);
+  EXPECT_TRUE(Shown(head + "\xD1\xEB").ends_with(u"\u0421\u043B"));
+  origin.CodePage = 12345;
+  EXPECT_TRUE(Shown("REGEDIT4\r\n" + OriginLines(origin) + "\x80").ends_with(u"\u20AC"));
 }
 
 TEST(BackupView, OfAnEmptyFileIsEmpty) {
