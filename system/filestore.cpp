@@ -4,6 +4,8 @@
 #include <charconv>
 #include <string>
 
+#include "base/limits.h"
+
 namespace corvalt {
 
 namespace {
@@ -33,7 +35,7 @@ bool TakeUnit(TextView& text, char16_t unit) {
 }  // namespace
 
 bool IsPlainFileName(TextView name) {
-  if (name.empty() || name.back() == u'.' || name.back() == u' ')
+  if (name.empty() || name.size() > kLongestFileName || name.back() == u'.' || name.back() == u' ')
     return false;
   return std::all_of(name.begin(), name.end(), [](char16_t unit) {
     return unit >= u' ' && kForbiddenUnits.find(unit) == TextView::npos;

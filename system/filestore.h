@@ -24,7 +24,7 @@ struct TFileInfo {
 };
 
 // Whether the name can only mean an entry of the folder that it is looked for in: no separator, drive, stream
-// or wildcard in it, and no blank or dot at its end, which Windows drops.
+// or wildcard in it, no blank or dot at its end, which Windows drops, and no longer than a name can be.
 [[nodiscard]] bool IsPlainFileName(TextView name);
 
 // The temporary file through which ReplaceFile writes: TARGET.PROCESS-NUMBER.tmp, with the identifier of the

@@ -248,6 +248,21 @@ TEST_F(OpenFolderContract, ANameThatLeavesTheFolderIsRefused) {
   EXPECT_EQ(Read(u"precious"), (TBytes{1, 2, 3}));
 }
 
+// UNICODE_STRING (learn.microsoft.com) counts its bytes in 16 bits: this name must not be cut to "name".
+TEST_F(OpenFolderContract, ANameThatIsTooLongIsNotCut) {
+  const auto folder = OpenedFolder(m_system, m_subject->ScratchFolder());
+  ASSERT_EQ(folder->ReplaceFile(u"name", TBytes{1}), TSystemError{});
+  const Text name = u"name" + Text(32768, u'x');
+  TBytes bytes;
+  EXPECT_FALSE(folder->Info(name).Exists);
+  EXPECT_EQ(folder->ReadFile(name, bytes).Code, kErrorInvalidName);
+  EXPECT_EQ(folder->DeleteFile(name).Code, kErrorInvalidName);
+  EXPECT_EQ(folder->ReplaceFile(name, bytes).Code, kErrorInvalidName);
+  EXPECT_EQ(folder->DeleteFile(Text(256, u'x')).Code, kErrorInvalidName);
+  EXPECT_EQ(folder->ReadFile(u"name", bytes), TSystemError{});
+  EXPECT_EQ(bytes, TBytes{1});
+}
+
 TEST_F(OpenFolderContract, AFolderBelowIsNoFile) {
   MakeFolder(u"Below");
   const auto folder = OpenedFolder(m_system, m_subject->ScratchFolder());
