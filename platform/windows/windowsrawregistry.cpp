@@ -75,9 +75,15 @@ TRawResult TWindowsRawRegistry::OpenOrCreate(TRootKey rootKey, const Text& path,
   if (opened != TRawResult::Missing)
     return opened;
   const TRawResult created = RawResultOf(m_chain.Create(rootKey, path, kChangeAccess, newKey, key));
-  if (created == TRawResult::Done)
-    key->LinkChecked = true;
-  return created;
+  if (created != TRawResult::Done)
+    return created;
+  if (!key->IsNew) {
+    // The same: what was opened may be the target of a link.
+    m_chain.Clear();
+    return OpenKept(rootKey, path, kChangeAccess, key);
+  }
+  key->LinkChecked = true;
+  return TRawResult::Done;
 }
 
 // Runs a routine that returns the system's error code on the key. A kept key that somebody deleted meanwhile

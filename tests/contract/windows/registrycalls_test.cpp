@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
+
 #include "platform/windows/windowsrawregistry.h"
 #include "platform/windows/windowsregistrystore.h"
 #include "tests/contract/registrycontract.h"
@@ -7,6 +10,32 @@
 namespace corvalt {
 
 namespace {
+
+Text SystemNameOf(const Text& path) {
+  TRegistryCalls calls;
+  TRegistryKey key;
+  EXPECT_EQ(calls.Open(RootHandle(kScratchRoot), path.substr(1), KEY_READ, false, key), ERROR_SUCCESS);
+  return calls.SystemName(key.Get());
+}
+
+// Does nothing where a key is.
+void TryToPlantLink(const Text& path, const Text& target) {
+  HKEY link = nullptr;
+  if (RegCreateKeyExW(RootHandle(kScratchRoot), Wide(path) + 1, 0, nullptr,
+                      REG_OPTION_CREATE_LINK | REG_OPTION_VOLATILE, KEY_WRITE | KEY_CREATE_LINK, nullptr,
+                      &link, nullptr) != ERROR_SUCCESS)
+    return;
+  RegSetValueExW(link, Wide(Text(kLinkValueName)), 0, REG_LINK, reinterpret_cast<const BYTE*>(target.data()),
+                 static_cast<DWORD>(target.size() * sizeof(char16_t)));
+  RegCloseKey(link);
+}
+
+void TryToDelete(const Text& path) {
+  TRegistryCalls calls;
+  TRegistryKey key;
+  if (calls.Open(RootHandle(kScratchRoot), path.substr(1), DELETE, true, key) == ERROR_SUCCESS)
+    calls.DeleteKey(key.Get());
+}
 
 class RegistryCalls : public TRegistryContract {
  protected:
@@ -113,6 +142,30 @@ TEST_F(RegistryCalls, ALinkInANewKeyIsNotFollowed) {
   m_subject->MakeLink(At(u"New\\Link"), At(u"Target"));
   EXPECT_EQ(raw.WriteValue(kScratchRoot, At(u"New\\Link"), {u"a", kRegDword, {1, 0, 0, 0}}),
             TRawResult::Link);
+  TRawValue value;
+  EXPECT_EQ(raw.ReadValue(kScratchRoot, At(u"Target"), u"a", value), TRawResult::Missing);
+}
+
+// A link that comes between the look for a key and its creation: RegCreateKeyEx (learn.microsoft.com) opens a
+// key that exists, and would open the link's target.
+TEST_F(RegistryCalls, ALinkThatComesWhileAKeyIsCreatedIsNotFollowed) {
+  constexpr int kRounds = 300;
+  Create(u"Target");
+  std::atomic<bool> ends = false;
+  std::thread other([&] {
+    const Text target = SystemNameOf(At(u"Target"));
+    while (!ends) {
+      TryToPlantLink(At(u"Link"), target);
+      TryToDelete(At(u"Link"));
+    }
+  });
+  TWindowsRawRegistry raw;
+  for (int i = 0; i < kRounds; ++i) {
+    static_cast<void>(raw.WriteValue(kScratchRoot, At(u"Link"), {u"a", kRegDword, {1, 0, 0, 0}}));
+    raw.ReleaseKeys();
+  }
+  ends = true;
+  other.join();
   TRawValue value;
   EXPECT_EQ(raw.ReadValue(kScratchRoot, At(u"Target"), u"a", value), TRawResult::Missing);
 }
