@@ -149,17 +149,17 @@ void TBackupPruning::PruneByCount(TIniFile& index, std::vector<Text> names) {
   }
 }
 
-// The file of the backup, and of a backup of this module the list of changes beside it.
+// The file of the backup, and of a backup of this module that is gone the list of changes beside it.
 void TBackupPruning::DeleteFiles(const TIniFile& index, const Text& name) {
   const std::optional<TBackupName> backup = TBackupName::FromText(name);
-  if (backup && IsOfModule(index, name, kCleanerModuleId))
+  if (Delete(name) && backup && IsOfModule(index, name, kCleanerModuleId))
     Delete(backup->LogName());
-  Delete(name);
 }
 
-// A file that can't be deleted stays; its backup is taken out of the index all the same.
-void TBackupPruning::Delete(TextView name) {
-  static_cast<void>(m_folder.DeleteFile(name));
+// Whether there is no such file any more. A file that can't be deleted stays; its backup is taken out of the
+// index all the same.
+bool TBackupPruning::Delete(TextView name) {
+  return !m_folder.DeleteFile(name).Failed();
 }
 
 void RemoveTemporaryFiles(TSystem& system, TBackupFolder& folder) {

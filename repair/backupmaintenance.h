@@ -42,7 +42,7 @@ class TBackupPruning {
   void PruneByCount(TIniFile& index, std::vector<Text> names);
   bool IsTooOld(TextView name);
   void DeleteFiles(const TIniFile& index, const Text& name);
-  void Delete(TextView name);
+  bool Delete(TextView name);
 
   TSystem& m_system;
   const TGlobalVars& m_vars;

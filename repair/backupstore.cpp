@@ -21,10 +21,21 @@ Text ParentPath(const Text& keyPath) {
   return end == 0 ? Text(u"\\") : keyPath.substr(0, end);
 }
 
-// The log first: without its backup nobody would ever remove it. Ends at the first failure.
-TSystemError DeleteFiles(TBackupFolder& folder, const TBackupName& name) {
-  const TSystemError error = folder.DeleteFile(name.LogName());
-  return error.Failed() ? error : folder.DeleteFile(name.Value());
+// Of a file of a backup that could not be deleted.
+struct TDeletionFailure {
+  TSystemError Error;
+  Text FileName;
+};
+
+// The log last: as long as there is the backup there is its log. Ends at the first failure; a log that stays
+// keeps the backup listed, so that both can still be removed.
+std::optional<TDeletionFailure> DeleteFiles(TBackupFolder& folder, const TBackupName& name) {
+  for (const Text& fileName : {name.Value(), name.LogName()}) {
+    const TSystemError error = folder.DeleteFile(fileName);
+    if (error.Failed())
+      return TDeletionFailure{error, fileName};
+  }
+  return std::nullopt;
 }
 
 void Expect(TSystemError error, const Text& path) {
@@ -201,7 +212,8 @@ void BackupStore::RemoveBackup(const TBackupName& name) {
   if (!folder)
     return;
   folder->ChangeIndex([&folder, &name](TIniFile& index) {
-    Expect(DeleteFiles(*folder, name), folder->Path() + name.Value());
+    if (const std::optional<TDeletionFailure> failure = DeleteFiles(*folder, name))
+      throw TSystemException(failure->Error, folder->Path() + failure->FileName);
     index.EraseSection(name.Value());
   });
 }
@@ -218,9 +230,9 @@ TRemovedBackups BackupStore::RemoveAllBackups(TextView moduleId) {
       if (!IsOfModule(index, section, moduleId))
         continue;
       const std::optional<TBackupName> name = TBackupName::FromText(section);
-      const TSystemError error = name ? DeleteFiles(*folder, *name) : TSystemError();
-      if (error.Failed()) {
-        result.Kept.emplace_back(*name, error);
+      const std::optional<TDeletionFailure> failure = name ? DeleteFiles(*folder, *name) : std::nullopt;
+      if (failure) {
+        result.Kept.emplace_back(*name, failure->Error);
         continue;
       }
       index.EraseSection(section);
@@ -228,6 +240,11 @@ TRemovedBackups BackupStore::RemoveAllBackups(TextView moduleId) {
     }
   });
   return result;
+}
+
+bool BackupStore::HasFile(const TBackupName& name) {
+  std::optional<TBackupFolder> folder = OpenStoreIfThere();
+  return folder && folder->HasFile(name.Value());
 }
 
 Text BackupStore::BackupFilePath(const TBackupName& name) const {

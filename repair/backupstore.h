@@ -75,8 +75,10 @@ class BackupStore {
   // the lock.
   [[nodiscard]] std::vector<TBackup> ListBackups(TextView moduleId);
 
-  // Deletes the file with its list of changes, then the place in the index; any of them may be missing.
+  // Deletes the file, then its list of changes, then the place in the index; any of them may be missing. Ends
+  // at the first failure.
   void RemoveBackup(const TBackupName& name);
+  [[nodiscard]] bool HasFile(const TBackupName& name);
 
   // Removes every backup of a module as RemoveBackup does, but goes on where a file can't be deleted: that
   // backup stays listed.

@@ -15,13 +15,19 @@ TRestoreModel::TRestoreModel(TSystem& system, const TGlobalVars& vars, std::func
 void TRestoreModel::Fill() {
   m_rows.clear();
   try {
-    for (const TBackup& backup : BackupsNewestFirst(m_system, m_vars)) {
-      const Text caption = Plain(TextId::BackupRowPrefix) + u" - " + BackupTimeText(backup, m_system.Locale);
-      m_rows.push_back({caption, FormatSize(backup.Size, m_system.Locale), backup.Name});
-    }
+    List();
   } catch (...) {
     const Text reason = DescribeException(std::current_exception(), m_system.Locale);
     ShowFailure(Plain(TextId::BackupsNotListed, reason));
+  }
+}
+
+void TRestoreModel::List() {
+  const std::vector<TBackup> backups = BackupsNewestFirst(m_system, m_vars);
+  m_rows.clear();
+  for (const TBackup& backup : backups) {
+    const Text caption = Plain(TextId::BackupRowPrefix) + u" - " + BackupTimeText(backup, m_system.Locale);
+    m_rows.push_back({caption, FormatSize(backup.Size, m_system.Locale), backup.Name});
   }
 }
 
@@ -61,11 +67,24 @@ bool TRestoreModel::Remove(std::size_t row) {
     m_store.RemoveBackup(chosen.BackupName);
   } catch (...) {
     const Text reason = DescribeException(std::current_exception(), m_system.Locale);
-    ShowFailure(Plain(TextId::BackupNotRemoved, chosen.Caption, reason));
+    TellNotRemoved(chosen, reason);
     return false;
   }
   m_rows.erase(m_rows.begin() + static_cast<std::ptrdiff_t>(row));
   return true;
+}
+
+// A backup whose file is gone was removed, though it is still listed or its log is still there.
+void TRestoreModel::TellNotRemoved(const TRestoreRow& row, TextView reason) {
+  const Text notRemoved = Plain(TextId::BackupNotRemoved, row.Caption, reason);
+  bool fileIsGone = false;
+  try {
+    fileIsGone = !m_store.HasFile(row.BackupName);
+    List();
+  } catch (...) {
+    // The failure to tell is the one that led here.
+  }
+  ShowFailure(fileIsGone ? reason : TextView(notRemoved));
 }
 
 std::optional<TBackupView> TRestoreModel::View(std::size_t row) {

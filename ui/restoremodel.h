@@ -40,14 +40,18 @@ class TRestoreModel {
   }
 
   // Each expects the index of a row. Restore asks first, Remove does not. Remove returns whether the row is
-  // gone; View returns nullopt when the file can't be shown, and has told the user.
+  // gone; if not, the rows may be others than before. View returns nullopt when the file can't be shown, and
+  // has told the user.
   void Restore(std::size_t row);
   bool Remove(std::size_t row);
   std::optional<TBackupView> View(std::size_t row);
 
  private:
+  // Throws as the store does; then the rows stay.
+  void List();
   // Only Yes goes on.
   bool WantsAnyway(TRestoreDoubt doubt, const TBackupOrigin& origin);
+  void TellNotRemoved(const TRestoreRow& row, TextView reason);
   void ShowFailure(TextView text);
   Text Plain(TextId id, TextView arg1 = {}, TextView arg2 = {}) const;
 

@@ -522,6 +522,44 @@ TEST(RemovingARow, KeepsItAndSaysWhyWhenTheFileCannotBeDeleted) {
                                     u"C:\\Backups\\46341.5: System message 5."))}));
 }
 
+TEST(RemovingARow, TellsOnlyTheFailureWhenTheFileIsGoneAndListsAnew) {
+  TRestoreRig rig;
+  rig.AddBackup("46341.5");
+  TRestoreModel model = rig.Filled();
+  rig.System.Disk.FailReplacing(kErrorDiskFull, u"index.ini");
+  EXPECT_FALSE(model.Remove(0));
+  EXPECT_EQ(rig.System.Calls, TLines({FailureBox(u"C:\\Backups\\index.ini: System message 112.")}));
+  ASSERT_EQ(NamesOf(model), TLines({"46341.5"}));
+  EXPECT_EQ(model.Rows()[0].SizeText, u"0 Byte");
+  rig.System.Disk.FailReplacing(0);
+  EXPECT_TRUE(model.Remove(0));
+  EXPECT_TRUE(NamesOf(rig.Filled()).empty());
+}
+
+TEST(RemovingARow, KeepsItListedUntilItsLogIsGoneToo) {
+  TRestoreRig rig;
+  rig.AddBackup("46341.5");
+  rig.System.Disk.AddFile(u"C:\\Backups\\46341.5.log", "changes");
+  TRestoreModel model = rig.Filled();
+  rig.System.Disk.FailDeleting(kErrorSharingViolation, u".log");
+  EXPECT_FALSE(model.Remove(0));
+  EXPECT_EQ(rig.System.Calls, TLines({FailureBox(u"C:\\Backups\\46341.5.log: System message 32.")}));
+  EXPECT_EQ(NamesOf(model), TLines({"46341.5"}));
+  rig.System.Disk.FailDeleting(0);
+  EXPECT_TRUE(model.Remove(0));
+  EXPECT_FALSE(rig.System.Disk.Content(u"C:\\Backups\\46341.5.log"));
+}
+
+TEST(RemovingARow, LeavesTheLogOfABackupThatStays) {
+  TRestoreRig rig;
+  rig.AddBackup("46341.5");
+  rig.System.Disk.AddFile(u"C:\\Backups\\46341.5.log", "changes");
+  TRestoreModel model = rig.Filled();
+  rig.System.Disk.FailDeleting(kErrorSharingViolation, u"46341.5");
+  EXPECT_FALSE(model.Remove(0));
+  EXPECT_TRUE(rig.System.Disk.Content(u"C:\\Backups\\46341.5.log"));
+}
+
 TEST(ViewingABackup, ShowsTheFileUnderTheRowsText) {
   TRestoreRig rig;
   rig.AddBackup("46341.5", "REGEDIT4\n\n[x]\n");

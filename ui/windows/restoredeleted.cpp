@@ -182,8 +182,12 @@ void TfrmRestore::RestoreRow(std::size_t row) {
 
 void TfrmRestore::RemoveSelected() {
   const int row = SelectedRow();
-  if (!m_model.Remove(static_cast<std::size_t>(row)))
+  if (!m_model.Remove(static_cast<std::size_t>(row))) {
+    ::SendMessageW(m_list, LVM_DELETEALLITEMS, 0, 0);
+    FillList();
+    SelectListRow(m_list, std::min(row, static_cast<int>(m_model.Rows().size()) - 1));
     return;
+  }
   ::SendMessageW(m_list, LVM_DELETEITEM, static_cast<WPARAM>(row), 0);
   SelectListRow(m_list, std::min(row, static_cast<int>(m_model.Rows().size()) - 1));
   UpdateButtons();
