@@ -99,6 +99,15 @@ TSystemError TBackupFolder::GrowFile(TextView name, std::unique_ptr<TGrowingFile
   return m_folder->GrowFile(name, file);
 }
 
+TSystemError TBackupFolder::HoldFile(TextView name, std::unique_ptr<THeldFile>& file) {
+  return Patiently([this, name, &file] { return m_folder->HoldFile(name, file); }, false);
+}
+
+bool TBackupFolder::IsSame(const TBackupFolder& other) const {
+  const std::optional<TFolderIdentity> identity = m_folder->Identity();
+  return identity && identity == other.m_folder->Identity();
+}
+
 TSystemError TBackupFolder::Patiently(const std::function<TSystemError()>& attempt, bool replaces) {
   for (std::chrono::milliseconds waited(0);; waited += kIndexSlice) {
     const TSystemError error = attempt();

@@ -53,6 +53,8 @@ class TBackupFolder {
   // Success when there is no file.
   TSystemError DeleteFile(TextView name);
   TSystemError GrowFile(TextView name, std::unique_ptr<TGrowingFile>& file);
+  // Another program that has the file open is waited for, for two seconds.
+  TSystemError HoldFile(TextView name, std::unique_ptr<THeldFile>& file);
 
   // The index; empty when there is none. Another program that has it open is waited for, for two seconds.
   TIniFile ReadIndex();
@@ -64,6 +66,9 @@ class TBackupFolder {
   // Deletes an index without sections. Success when there is none.
   TSystemError DeleteIndex();
   bool HasIndex();
+
+  // Whether the two are one folder, by whatever paths they were opened.
+  bool IsSame(const TBackupFolder& other) const;
 
   const Text& Path() const {
     return m_path;

@@ -48,10 +48,24 @@ class TGrowingFile {
   virtual TSystemError Flush() = 0;
 };
 
+// A file that nobody can delete, replace or write to until the object goes. It may be read.
+class THeldFile {
+ public:
+  virtual ~THeldFile() = default;
+};
+
+// What tells a folder from every other one, whatever path led to it.
+struct TFolderIdentity {
+  std::uint64_t Volume = 0;
+  std::uint64_t Index = 0;
+
+  bool operator==(const TFolderIdentity&) const = default;
+};
+
 // A folder held open. Every name is that of an entry directly in it, wherever the folder's path leads
 // meanwhile; a name that is not plain fails with kErrorInvalidName. A link is never followed: Info tells of
-// the link itself, reading and growing one fail with kErrorStoppedOnLink, replacing and deleting one takes
-// the link. A failing operation leaves its outputs, and the files, as they were.
+// the link itself, reading, growing and holding one fail with kErrorStoppedOnLink, replacing and deleting one
+// takes the link. A failing operation leaves its outputs, and the files, as they were.
 class TOpenFolder {
  public:
   virtual ~TOpenFolder() = default;
@@ -64,6 +78,10 @@ class TOpenFolder {
   // Opens a file for writing behind what it holds, and creates it where it is missing. Several may write to
   // one file, each Append in one piece, and whoever deletes it need not wait for them.
   virtual TSystemError GrowFile(TextView name, std::unique_ptr<TGrowingFile>& file) = 0;
+  // Fails with kErrorSharingViolation where another has the file open in order to change it.
+  virtual TSystemError HoldFile(TextView name, std::unique_ptr<THeldFile>& file) = 0;
+  // nullopt where the system does not tell.
+  [[nodiscard]] virtual std::optional<TFolderIdentity> Identity() = 0;
 };
 
 // A failing operation leaves its outputs, and the files, as they were.

@@ -17,7 +17,8 @@ struct TMemoryFile {
   bool IsLink = false;
   bool IsNameSurrogate = false;  // of a link: it stands for another place
   bool IsUnreadable = false;     // a folder that can't be listed, a file that can't be read
-  int Holders = 0;               // how many have the folder open
+  int Holders = 0;               // how many have the folder open, or hold the file
+  std::shared_ptr<TMemoryFile> LinkTarget = nullptr;  // of a junction that leads somewhere
   std::vector<std::uint8_t> Bytes;
   std::map<Text, std::shared_ptr<TMemoryFile>> Entries;  // by upper-cased name
 
@@ -25,7 +26,7 @@ struct TMemoryFile {
   std::shared_ptr<TMemoryFile> Entry(TextView name) const;
   std::shared_ptr<TMemoryFile> AddEntry(TextView name, bool isFolder);
 
-  // Whether somebody has this folder, or one below it, open.
+  // Whether somebody has this folder, or something below it, open.
   bool IsHeldOpen() const;
 
   // Appends the full path of everything below this folder, whose path is given.

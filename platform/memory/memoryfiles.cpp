@@ -48,6 +48,10 @@ void TMemoryDisk::MakeLink(TextView path, bool isNameSurrogate) {
   Find(path)->IsLink = true;
   Find(path)->IsNameSurrogate = isNameSurrogate;
 }
+void TMemoryDisk::MakeJunction(TextView path, TextView targetFolder) {
+  MakeLink(path);
+  Find(path)->LinkTarget = FindShared(targetFolder);
+}
 void TMemoryDisk::MakeUnreadable(TextView path) {
   Find(path)->IsUnreadable = true;
 }
@@ -144,8 +148,11 @@ std::shared_ptr<TMemoryFile> TMemoryDisk::FindShared(TextView path) const {
   if (drive == m_drives.end())
     return nullptr;
   std::shared_ptr<TMemoryFile> file = drive->second.Root;
-  for (std::size_t i = 1; i < names.size() && file != nullptr; ++i)
+  for (std::size_t i = 1; i < names.size() && file != nullptr; ++i) {
     file = file->Entry(names[i]);
+    if (file != nullptr && file->LinkTarget && i + 1 < names.size())
+      file = file->LinkTarget;
+  }
   return file;
 }
 
@@ -283,6 +290,9 @@ TSystemError TMemoryDisk::ReplaceEntry(TMemoryFile& folder, TextView name, TextV
     return Error(kErrorAccessDenied);
   if (Fails(m_replaceFailure, path))
     return Error(m_replaceFailure.Code);
+  // MoveFileEx, learn.microsoft.com: a file that somebody has open can't be replaced; access is denied.
+  if (file != nullptr && file->Holders != 0)
+    return Error(kErrorAccessDenied);
   Note("replace file", path);
   if (file == nullptr)
     file = folder.AddEntry(name, false);
@@ -298,6 +308,9 @@ TSystemError TMemoryDisk::DeleteEntry(TMemoryFile& folder, const TMemoryFile& fi
     return Error(kErrorAccessDenied);
   if (Fails(m_deleteFailure, path))
     return Error(m_deleteFailure.Code);
+  // CreateFile, learn.microsoft.com: nobody may delete what is open without FILE_SHARE_DELETE.
+  if (file.Holders != 0)
+    return Error(kErrorSharingViolation);
   Note("delete file", path);
   folder.Entries.erase(UpperCase(file.Name));
   return {};

@@ -43,6 +43,8 @@ class TMemoryDisk : public FileSystemProbe, public TFileStore {
   void SetShortName(TextView path, TextView shortName);
   // A reparse point: a junction, or one that is no name surrogate, such as a deduplicated file.
   void MakeLink(TextView path, bool isNameSurrogate = true);
+  // The same of a junction that leads to a folder: paths through it are followed.
+  void MakeJunction(TextView path, TextView targetFolder);
   void MakeUnreadable(TextView path);
   // From now on a question about the path, or about anything below it, fails with this code
   // (GetFileAttributesW, learn.microsoft.com), whether something is there or not; its folders can't be
@@ -129,6 +131,7 @@ class TMemoryDisk : public FileSystemProbe, public TFileStore {
  private:
   friend class TMemoryFolder;
   friend class TMemoryGrowingFile;
+  friend class TMemoryHeldFile;
 
   struct TRedirection {
     Text From;  // upper case, no trailing "\"

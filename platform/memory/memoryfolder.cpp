@@ -31,6 +31,17 @@ TSystemError TMemoryGrowingFile::Flush() {
   return {};
 }
 
+TMemoryHeldFile::TMemoryHeldFile(TMemoryDisk& disk, std::shared_ptr<TMemoryFile> file)
+    : m_disk(disk), m_file(std::move(file)) {
+  const TMemoryDisk::THold hold(m_disk.m_mutex);
+  ++m_file->Holders;
+}
+
+TMemoryHeldFile::~TMemoryHeldFile() {
+  const TMemoryDisk::THold hold(m_disk.m_mutex);
+  --m_file->Holders;
+}
+
 TMemoryFolder::TMemoryFolder(TMemoryDisk& disk, std::shared_ptr<TMemoryFile> folder, Text path)
     : m_disk(disk), m_folder(std::move(folder)), m_path(std::move(path)) {
   const TMemoryDisk::THold hold(m_disk.m_mutex);
@@ -88,8 +99,29 @@ TSystemError TMemoryFolder::GrowFile(TextView name, std::unique_ptr<TGrowingFile
     return {m_disk.m_growFailure.Code};
   if (!info.Exists)
     m_folder->AddEntry(name, false);
+  // CreateFile, learn.microsoft.com: nobody may write to what is open without FILE_SHARE_WRITE.
+  if (m_folder->Entry(name)->Holders != 0)
+    return {kErrorSharingViolation};
   file = std::make_unique<TMemoryGrowingFile>(m_disk, m_folder->Entry(name), path);
   return {};
+}
+
+TSystemError TMemoryFolder::HoldFile(TextView name, std::unique_ptr<THeldFile>& file) {
+  const TMemoryDisk::THold hold(m_disk.m_mutex);
+  const TFileInfo info = Info(name);
+  const TSystemError error = CheckEntry(name, info);
+  if (error.Failed())
+    return error;
+  if (info.IsLink)
+    return {kErrorStoppedOnLink};
+  if (info.IsFolder)
+    return {kErrorAccessDenied};
+  file = std::make_unique<TMemoryHeldFile>(m_disk, m_folder->Entry(name));
+  return {};
+}
+
+std::optional<TFolderIdentity> TMemoryFolder::Identity() {
+  return TFolderIdentity{0, reinterpret_cast<std::uintptr_t>(m_folder.get())};
 }
 
 }  // namespace corvalt

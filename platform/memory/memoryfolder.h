@@ -30,6 +30,16 @@ class TMemoryGrowingFile : public TGrowingFile {
   Text m_path;
 };
 
+class TMemoryHeldFile : public THeldFile {
+ public:
+  TMemoryHeldFile(TMemoryDisk& disk, std::shared_ptr<TMemoryFile> file);
+  ~TMemoryHeldFile() override;
+
+ private:
+  TMemoryDisk& m_disk;
+  std::shared_ptr<TMemoryFile> m_file;
+};
+
 class TMemoryFolder : public TOpenFolder {
  public:
   // path ends with "\".
@@ -41,6 +51,8 @@ class TMemoryFolder : public TOpenFolder {
   TSystemError ReplaceFile(TextView name, std::span<const std::uint8_t> bytes) override;
   TSystemError DeleteFile(TextView name) override;
   TSystemError GrowFile(TextView name, std::unique_ptr<TGrowingFile>& file) override;
+  TSystemError HoldFile(TextView name, std::unique_ptr<THeldFile>& file) override;
+  std::optional<TFolderIdentity> Identity() override;
 
  private:
   TMemoryDisk& m_disk;

@@ -145,6 +145,15 @@ class TWindowsGrowingFile : public TGrowingFile {
   TOwnedFile m_file;
 };
 
+class TWindowsHeldFile : public THeldFile {
+ public:
+  explicit TWindowsHeldFile(TOwnedFile file) : m_file(std::move(file)) {
+  }
+
+ private:
+  TOwnedFile m_file;
+};
+
 }  // namespace
 
 TSystemError TWindowsFolder::Open(TextView path, std::unique_ptr<TOpenFolder>& folder) {
@@ -271,6 +280,28 @@ TSystemError TWindowsFolder::GrowFile(TextView name, std::unique_ptr<TGrowingFil
     return {kErrorStoppedOnLink};
   file = std::make_unique<TWindowsGrowingFile>(std::move(opened));
   return {};
+}
+
+TSystemError TWindowsFolder::HoldFile(TextView name, std::unique_ptr<THeldFile>& file) {
+  TOwnedFile opened;
+  TSystemError error = CheckName(name);
+  if (!error.Failed())
+    error =
+        OpenBelow(m_folder.Get(), name, {FILE_READ_DATA, FILE_SHARE_READ, FILE_OPEN, kFileAsLink}, opened);
+  if (error.Failed())
+    return error;
+  if (IsLink(opened.Get()))
+    return {kErrorStoppedOnLink};
+  file = std::make_unique<TWindowsHeldFile>(std::move(opened));
+  return {};
+}
+
+std::optional<TFolderIdentity> TWindowsFolder::Identity() {
+  BY_HANDLE_FILE_INFORMATION info = {};
+  if (!GetFileInformationByHandle(m_folder.Get(), &info))
+    return std::nullopt;
+  return TFolderIdentity{info.dwVolumeSerialNumber,
+                         (std::uint64_t{info.nFileIndexHigh} << 32) | info.nFileIndexLow};
 }
 
 }  // namespace corvalt

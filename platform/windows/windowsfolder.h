@@ -28,6 +28,8 @@ class TWindowsFolder : public TOpenFolder {
   TSystemError ReplaceFile(TextView name, std::span<const std::uint8_t> bytes) override;
   TSystemError DeleteFile(TextView name) override;
   TSystemError GrowFile(TextView name, std::unique_ptr<TGrowingFile>& file) override;
+  TSystemError HoldFile(TextView name, std::unique_ptr<THeldFile>& file) override;
+  std::optional<TFolderIdentity> Identity() override;
 
  private:
   TSystemError CheckName(TextView name) const;

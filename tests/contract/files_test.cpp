@@ -323,6 +323,40 @@ TEST_F(OpenFolderContract, AGrowingFileKeepsWhatItHeld) {
 
 // FILE_APPEND_DATA without FILE_WRITE_DATA writes at the file's end, wherever it is by then (NtCreateFile,
 // learn.microsoft.com).
+// CreateFile, learn.microsoft.com: without FILE_SHARE_DELETE and FILE_SHARE_WRITE.
+TEST_F(OpenFolderContract, AHeldFileIsReadButNeitherChangedNorDeleted) {
+  const auto folder = OpenedFolder(m_system, m_subject->ScratchFolder());
+  const auto other = OpenedFolder(m_system, m_subject->ScratchFolder());
+  ASSERT_EQ(folder->ReplaceFile(u"file", TBytes{1}), TSystemError{});
+  std::unique_ptr<THeldFile> held;
+  ASSERT_EQ(folder->HoldFile(u"file", held), TSystemError{});
+  TBytes bytes;
+  std::unique_ptr<TGrowingFile> growing;
+  for (TOpenFolder* each : {folder.get(), other.get()}) {
+    EXPECT_EQ(each->ReadFile(u"file", bytes), TSystemError{});
+    EXPECT_EQ(each->DeleteFile(u"file").Code, kErrorSharingViolation);
+    EXPECT_EQ(each->ReplaceFile(u"file", TBytes{2}).Code, kErrorAccessDenied);
+    EXPECT_EQ(each->GrowFile(u"file", growing).Code, kErrorSharingViolation);
+  }
+  EXPECT_EQ(bytes, TBytes{1});
+  EXPECT_EQ(Names(), std::vector<Text>{u"file"});
+  held.reset();
+  EXPECT_EQ(other->ReplaceFile(u"file", TBytes{2}), TSystemError{});
+  EXPECT_EQ(other->DeleteFile(u"file"), TSystemError{});
+  EXPECT_EQ(folder->HoldFile(u"file", held).Code, kErrorFileNotFound);
+  EXPECT_EQ(folder->HoldFile(u"..\\file", held).Code, kErrorInvalidName);
+  EXPECT_EQ(held, nullptr);
+}
+
+TEST_F(OpenFolderContract, AFolderHasOneIdentity) {
+  MakeFolder(u"Folder");
+  MakeFolder(u"Other");
+  const auto folder = OpenedFolder(m_system, At(u"Folder"));
+  ASSERT_TRUE(folder->Identity());
+  EXPECT_EQ(folder->Identity(), OpenedFolder(m_system, At(u"Other\\..\\FOLDER\\"))->Identity());
+  EXPECT_NE(folder->Identity(), OpenedFolder(m_system, At(u"Other"))->Identity());
+}
+
 TEST_F(OpenFolderContract, TwoMayGrowOneFileAndItMayBeDeletedMeanwhile) {
   const auto folder = OpenedFolder(m_system, m_subject->ScratchFolder());
   std::unique_ptr<TGrowingFile> first;

@@ -36,6 +36,12 @@ class TNotingFolder : public TOpenFolder {
   TSystemError GrowFile(TextView name, std::unique_ptr<TGrowingFile>& file) override {
     return m_folder->GrowFile(name, file);
   }
+  TSystemError HoldFile(TextView name, std::unique_ptr<THeldFile>& file) override {
+    return m_folder->HoldFile(name, file);
+  }
+  std::optional<TFolderIdentity> Identity() override {
+    return m_folder->Identity();
+  }
 
  private:
   std::unique_ptr<TOpenFolder> m_folder;
