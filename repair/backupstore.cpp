@@ -138,6 +138,8 @@ void BackupStore::WriteVerifiedFile(TBackupFolder& folder, const TBackupName& na
   Expect(folder.ReplaceFile(name.Value(), m_exporter.ExportedText()), path);
   if (m_run)
     m_run->FileReplaced = true;
+  m_held = {name, nullptr};
+  Expect(folder.HoldFile(name.Value(), m_held->File), path);
   std::vector<std::uint8_t> bytes;
   Expect(folder.ReadFile(name.Value(), bytes), path);
   if (!m_exporter.HoldsWhatWasExported(bytes))
@@ -150,10 +152,24 @@ void BackupStore::ExpectListed(TBackupFolder& folder, const TBackupName& name) c
     ThrowNotVerified(m_vars);
 }
 
+// Another copy of the program that was asked to remove the backup, or found too many, has failed to delete
+// the file. The file is let go under the lock, so that no such copy comes between. Waits also after Cancel.
+void BackupStore::ReleaseBackup() {
+  const std::optional<THeldBackup> held = std::exchange(m_held, std::nullopt);
+  if (!held)
+    return;
+  const std::unique_ptr<THeldLock> lock = LockBackups(m_system, m_vars, {});
+  OpenStore().ChangeIndex([&held](TIniFile& index) {
+    if (!IsOfModule(index, held->Name.Value(), kCleanerModuleId))
+      index.Write(held->Name.Value(), kTypeKey, kCleanerModuleId);
+  });
+}
+
 void BackupStore::AbandonBackup() noexcept {
   const std::optional<TRun> run = std::exchange(m_run, std::nullopt);
   if (!run)
     return;
+  m_held.reset();
   try {
     TakeBack(*run);
   } catch (...) {

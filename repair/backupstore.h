@@ -64,8 +64,13 @@ class BackupStore {
   [[nodiscard]] bool HoldsKey(const TKeyPath& key) const;
 
   // Writes the backup's file, reads it back, compares it with what was exported, and looks once more whether
-  // the index lists it. Returns the right to delete what it holds. A failure abandons the backup.
+  // the index lists it. Returns the right to delete what it holds. A failure abandons the backup. From here
+  // on nobody can delete or replace the file, until ReleaseBackup or the end of the store.
   [[nodiscard]] TDeletionRight CommitBackup(const TBackupName& name);
+
+  // After the deletions: lists the backup again where another copy of the program has taken it out of the
+  // index meanwhile, and lets its file go. Does nothing without a commit.
+  void ReleaseBackup();
 
   // Takes back out what the backup that was begun has made: its file and its place in the index, unless they
   // were there before. Does nothing after a commit. What can't be taken back stays; does not throw.
@@ -115,6 +120,12 @@ class BackupStore {
     bool FileReplaced = false;
   };
 
+  // A backup that is complete, with its file.
+  struct THeldBackup {
+    TBackupName Name;
+    std::unique_ptr<THeldFile> File;
+  };
+
   [[nodiscard]] std::unique_ptr<THeldLock> LockStore() const;
   TBackupFolder OpenStore();
   std::optional<TBackupFolder> OpenStoreIfThere();
@@ -130,6 +141,7 @@ class BackupStore {
   TIORegistry m_exporter;
   TDeletionRight m_collected;
   std::optional<TRun> m_run;
+  std::optional<THeldBackup> m_held;
 };
 
 }  // namespace corvalt

@@ -45,6 +45,7 @@ void TCleaning::Repair() {
   m_outcome.BackupMade = true;
   try {
     DeleteLogged(std::move(right));
+    m_store.ReleaseBackup();
   } catch (...) {
     EndWith(TextId::RepairFailed);
   }

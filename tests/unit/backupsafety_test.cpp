@@ -174,6 +174,34 @@ TEST(ABackup, IsExportedAndWrittenWithoutTheLock) {
   EXPECT_NE(store.CommitBackup(name).PlaceOfKey(KeyAt(kKey)), nullptr);
 }
 
+// CreateFile, learn.microsoft.com: what is open without FILE_SHARE_DELETE can't be deleted.
+TEST(ABackupWhoseRepairRuns, IsNotRemovedByAnotherCopy) {
+  TStoreRig rig;
+  BackupStore store = rig.Store();
+  const TBackupName name = store.BeginBackup();
+  static_cast<void>(store.CommitBackup(name));
+  EXPECT_THROW(rig.Store().RemoveBackup(name), TSystemException);
+  EXPECT_TRUE(rig.HasFile(u"46341.5"));
+  EXPECT_EQ(rig.Listed(), TNames({"46341.5"}));
+  store.ReleaseBackup();
+  rig.Store().RemoveBackup(name);
+  EXPECT_FALSE(rig.HasFile(u"46341.5"));
+}
+
+TEST(ABackupWhoseRepairRuns, IsListedAgainWhenAnotherCopyHasPrunedIt) {
+  TStoreRig rig;
+  rig.Vars.BackupsMax = 1;
+  BackupStore store = rig.Store();
+  static_cast<void>(store.CommitBackup(store.BeginBackup()));
+  rig.System.Disk.AddFile(Text(kFolder) + u"46341.5.log", "changes");
+  rig.Store().PruneBackups(Never);
+  EXPECT_EQ(rig.Listed(), TNames());
+  EXPECT_TRUE(rig.HasFile(u"46341.5"));
+  EXPECT_TRUE(rig.HasFile(u"46341.5.log"));
+  store.ReleaseBackup();
+  EXPECT_EQ(rig.Listed(), TNames({"46341.5"}));
+}
+
 TEST(WaitingForTheBackups, EndsWithAMessageThatNamesTheProgram) {
   TStoreRig rig;
   rig.AddBackups({"1"});

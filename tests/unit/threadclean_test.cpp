@@ -733,4 +733,19 @@ TEST(MruRepair, LooksAtTheProblemsOwnPictureNotAtItsSections) {
   EXPECT_FALSE(Holds(rig.BackupText(), "MRUList"));
 }
 
+TEST(Cleaning, KeepsItsBackupFromAnotherCopyThatFindsTooMany) {
+  TSmallRepair rig;
+  rig.Vars.BackupsMax = 1;
+  rig.Repair([&rig](const std::string& update, TWorkerThread&) {
+    if (update == Repairing("Broken")) {
+      TSystem system = rig.System.Bundle();
+      BackupStore(system, rig.Vars).PruneBackups([] { return false; });
+    }
+  });
+  EXPECT_EQ(rig.FailureText, "");
+  EXPECT_EQ(rig.Backups().size(), 1U);
+  EXPECT_EQ(rig.RestoreTheBackup(), TRestoreEnd::Restored);
+  EXPECT_TRUE(rig.System.Registry.HasKey(kOld));
+}
+
 }  // namespace corvalt
