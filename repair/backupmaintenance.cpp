@@ -88,11 +88,14 @@ void MigrateBackups(TSystem& system, const TGlobalVars& vars, const std::functio
     return;
   const std::unique_ptr<THeldLock> lock = LockBackups(system, vars, stop);
   TBackupFolder legacy = TBackupFolder::Open(system, vars, legacyPath);
-  const std::vector<Text> names = legacy.ReadIndex().SectionNames();
   const TSystemError made = system.Files.MakeFolders(vars.SuiteBackupsFolder);
   if (made.Failed())
     throw TSystemException(made, vars.SuiteBackupsFolder);
   TBackupFolder suite = TBackupFolder::Open(system, vars, vars.SuiteBackupsFolder);
+  // A link further up in the path may lead there too.
+  if (suite.IsSame(legacy))
+    return;
+  const std::vector<Text> names = legacy.ReadIndex().SectionNames();
   const std::vector<Text> added = ListInSuite(suite, names);
   MoveFiles(system, legacy, suite, names);
   const TSystemError deleted = legacy.DeleteIndex();

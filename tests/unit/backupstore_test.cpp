@@ -710,4 +710,17 @@ TEST(PruningByCount, StopsBetweenTwoBackups) {
   EXPECT_EQ(rig.Listed(), TNames({"46340", "46341"}));
 }
 
+// A junction (page "Hard Links and Junctions", learn.microsoft.com) can stand anywhere in a path.
+TEST(MigratingOldBackups, LeavesTheSuitesIndexWhereAJunctionLeadsToIt) {
+  TStoreRig rig;
+  rig.AddBackups({"46341"});
+  const std::string index = rig.Index();
+  const Text suite = u"C:\\Users\\Ann\\AppData\\TessalySoft\\Tessaly Utilities";
+  rig.System.Disk.AddFolder(u"C:\\Users\\Ann\\AppData\\TessalySoft\\Corvalt");
+  rig.System.Disk.MakeJunction(u"C:\\Users\\Ann\\AppData\\TessalySoft\\Corvalt", suite);
+  rig.Store().MigrateLegacyBackups();
+  EXPECT_EQ(rig.Index(), index);
+  EXPECT_TRUE(rig.HasFile(u"46341"));
+}
+
 }  // namespace corvalt
