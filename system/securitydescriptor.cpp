@@ -110,17 +110,23 @@ std::optional<TSecurityParts> ParseSecurity(std::span<const std::uint8_t> descri
   return saclIsWhole && daclIsWhole ? std::optional<TSecurityParts>(parts) : std::nullopt;
 }
 
-bool HasOwnSecurity(std::span<const std::uint8_t> descriptor, std::span<const std::uint8_t> parent) {
-  if (Same(descriptor, parent))
-    return false;
+bool HasOwnSecurity(std::span<const std::uint8_t> descriptor, std::span<const std::uint8_t> parent,
+                    std::span<const std::uint8_t> newOwner) {
   const std::optional<TSecurityParts> own = ParseSecurity(descriptor);
-  const std::optional<TSecurityParts> above = ParseSecurity(parent);
   if (!own)
     return false;
+  // Where CREATOR OWNER is inherited the access list is another one too.
+  if (!newOwner.empty() && !Same(own->Owner, newOwner))
+    return true;
+  if (Same(descriptor, parent))
+    return false;
+  const std::optional<TSecurityParts> above = ParseSecurity(parent);
   const bool isProtected = (own->Control & kSeDaclProtected) != 0;
   if (isProtected || own->AccessList.empty() || HasEntryOfItsOwn(own->AccessList))
     return true;
-  return above && (!Same(own->Owner, above->Owner) || !Same(own->Label, above->Label));
+  if (!above)
+    return false;
+  return !Same(own->Label, above->Label) || (newOwner.empty() && !Same(own->Owner, above->Owner));
 }
 
 bool HasSecurity(std::span<const std::uint8_t> descriptor, std::span<const std::uint8_t> wanted) {

@@ -36,10 +36,14 @@ struct TSecurityParts {
 // nullopt where the bytes are no whole self-relative descriptor.
 std::optional<TSecurityParts> ParseSecurity(std::span<const std::uint8_t> descriptor);
 
-// Whether a key's permissions are more than what it inherits from its parent: the access list is protected,
-// or missing, or has an entry that is not inherited, or the owner or the label is not the parent's. False
-// where the descriptors are equal byte for byte, and where there is none.
-bool HasOwnSecurity(std::span<const std::uint8_t> descriptor, std::span<const std::uint8_t> parent);
+// Whether a key's permissions are others than those of a key that is created in its place: the owner is not
+// the one that new keys get, which is never the parent's but comes from whoever creates them (page "Owner of
+// a New Object", learn.microsoft.com); or the access list is protected, or missing, or has an entry that is
+// not inherited; or the label is not the parent's. False where the descriptors are equal byte for byte but
+// for such an owner, and where there is none. newOwner is a SID; where it is empty the parent's owner is
+// compared.
+bool HasOwnSecurity(std::span<const std::uint8_t> descriptor, std::span<const std::uint8_t> parent,
+                    std::span<const std::uint8_t> newOwner);
 
 // Whether owner, group, access list with its protection, and label are the same. A part that wanted lacks is
 // not compared.

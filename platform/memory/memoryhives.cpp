@@ -4,7 +4,6 @@
 
 #include "base/lettercase.h"
 #include "base/limits.h"
-#include "platform/memory/memorysecurity.h"
 
 namespace corvalt {
 
@@ -88,7 +87,7 @@ TMemoryKeyPointer TMemoryHives::Add(const TMemoryKeyPointer& parent, TextView na
   auto key = std::make_shared<TMemoryKey>();
   key->Name = Text(name);
   key->Parent = parent;
-  key->Security = InheritedSecurity(parent->Security);
+  key->Security = InheritedSecurity(parent->Security, m_creator);
   Touch(*key);
   Touch(*parent);
   parent->SubKeys[UpperCase(name)] = key;

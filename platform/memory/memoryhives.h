@@ -9,10 +9,12 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "base/keypaths.h"
 #include "base/text.h"
+#include "platform/memory/memorysecurity.h"
 #include "system/rawregistry.h"
 #include "system/registryvalues.h"
 
@@ -70,6 +72,14 @@ class TMemoryHives {
  public:
   explicit TMemoryHives(TNameOrder order);
 
+  // Whose keys those are that are created from now on.
+  void CreateAs(TMemoryCreator creator) {
+    m_creator = std::move(creator);
+  }
+  const TMemoryCreator& Creator() const {
+    return m_creator;
+  }
+
   // The key of a root; none for a number that is no root key.
   TOpenMemoryKey Root(TRootKey rootKey) const;
 
@@ -115,6 +125,7 @@ class TMemoryHives {
   std::vector<const TMemoryKey::TValue*> SortedValues(const TMemoryKey& key) const;
 
   TNameOrder m_order;
+  TMemoryCreator m_creator;
   std::map<TRootKey, TMemoryKeyPointer> m_roots;  // but for HKEY_CLASSES_ROOT
   TMemoryKeyPointer m_userClasses;
   TMemoryKeyPointer m_machineClasses;

@@ -111,7 +111,8 @@ TRawResult TMemoryRawRegistry::ReadAttributes(TRootKey rootKey, TextView keyPath
   attributes.LastWrite = key.LastWrite;
   attributes.Security = key.Security;
   const TMemoryKeyPointer parent = key.Parent.lock();
-  attributes.HasOwnSecurity = parent && HasOwnSecurity(key.Security, parent->Security);
+  attributes.HasOwnSecurity =
+      parent && HasOwnSecurity(key.Security, parent->Security, m_hives.Creator().Owner);
   return TRawResult::Done;
 }
 

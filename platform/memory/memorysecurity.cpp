@@ -29,23 +29,6 @@ void Append(TBytes& bytes, TSecurityPart part) {
   bytes.insert(bytes.end(), part.begin(), part.end());
 }
 
-// "S-1-5-32-544": a revision, an authority, and at least one number below it.
-TBytes SidBytes(TextView sid) {
-  std::vector<std::uint32_t> numbers;
-  for (const char16_t unit : sid.substr(1)) {
-    if (unit == u'-') {
-      numbers.push_back(0);
-    } else {
-      numbers.back() = numbers.back() * 10 + (unit - u'0');
-    }
-  }
-  TBytes bytes = {kRevision, static_cast<std::uint8_t>(numbers.size() - 2), 0, 0, 0, 0,
-                  0,         static_cast<std::uint8_t>(numbers[1])};
-  for (std::size_t i = 2; i < numbers.size(); ++i)
-    Append32(bytes, numbers[i]);
-  return bytes;
-}
-
 TBytes EntryBytes(std::uint8_t type, std::uint8_t flags, std::uint32_t mask, const TBytes& sid) {
   TBytes bytes = {type, flags};
   Append16(bytes, 8 + sid.size());
@@ -87,13 +70,25 @@ TBytes DescriptorBytes(std::size_t control, TSecurityPart owner, TSecurityPart g
   return bytes;
 }
 
-std::vector<TBytes> EntriesToInherit(TSecurityPart accessList) {
+std::uint32_t Number32(const TBytes& bytes, std::size_t offset) {
+  std::uint32_t number = 0;
+  for (std::size_t i = 4; i-- > 0;)
+    number = number << 8 | bytes[offset + i];
+  return number;
+}
+
+std::vector<TBytes> EntriesToInherit(TSecurityPart accessList, const TBytes& owner) {
+  const TBytes creatorOwner = SidBytes(u"S-1-3-0");
   std::vector<TBytes> entries;
   for (TSecurityPart rest = accessList.subspan(8); rest.size() >= 8;) {
     const std::size_t size = rest[2] + 256U * rest[3];
     TBytes entry(rest.begin(), rest.begin() + static_cast<std::ptrdiff_t>(size));
+    const bool isCreators = std::ranges::equal(TSecurityPart(entry).subspan(8), creatorOwner);
     if ((entry[1] & kAceContainerInherit) != 0) {
-      entry[1] = static_cast<std::uint8_t>((entry[1] | kAceInherited) & ~kAceInheritOnly);
+      if (isCreators)
+        entries.push_back(EntryBytes(entry[0], kAceInherited, Number32(entry, 4), owner));
+      const int flags = entry[1] | kAceInherited;
+      entry[1] = static_cast<std::uint8_t>(isCreators ? flags | kAceInheritOnly : flags & ~kAceInheritOnly);
       entries.push_back(std::move(entry));
     }
     rest = rest.subspan(size);
@@ -102,6 +97,23 @@ std::vector<TBytes> EntriesToInherit(TSecurityPart accessList) {
 }
 
 }  // namespace
+
+// A revision, an authority, and at least one number below it.
+TBytes SidBytes(TextView sid) {
+  std::vector<std::uint32_t> numbers;
+  for (const char16_t unit : sid.substr(1)) {
+    if (unit == u'-') {
+      numbers.push_back(0);
+    } else {
+      numbers.back() = numbers.back() * 10 + (unit - u'0');
+    }
+  }
+  TBytes bytes = {kRevision, static_cast<std::uint8_t>(numbers.size() - 2), 0, 0, 0, 0,
+                  0,         static_cast<std::uint8_t>(numbers[1])};
+  for (std::size_t i = 2; i < numbers.size(); ++i)
+    Append32(bytes, numbers[i]);
+  return bytes;
+}
 
 TBytes SecurityBytes(const TMemorySecurity& security) {
   std::vector<TBytes> entries;
@@ -121,12 +133,12 @@ TBytes DefaultSecurity() {
                                    {u"S-1-5-32-545", kReadAccess, kAceContainerInherit}}});
 }
 
-TBytes InheritedSecurity(const TBytes& parent) {
+TBytes InheritedSecurity(const TBytes& parent, const TMemoryCreator& creator) {
   const std::optional<TSecurityParts> parts = ParseSecurity(parent);
   if (!parts || parts->AccessList.empty())
     return parent;
-  return DescriptorBytes(kSeDaclAutoInherited, parts->Owner, parts->Group, parts->Label,
-                         EntriesToInherit(parts->AccessList));
+  return DescriptorBytes(kSeDaclAutoInherited, creator.Owner, creator.Group, parts->Label,
+                         EntriesToInherit(parts->AccessList, creator.Owner));
 }
 
 }  // namespace corvalt

@@ -31,8 +31,19 @@ TBytes SecurityBytes(const TMemorySecurity& security);
 // Of the top of a hive: administrators may do everything, users read, both inherited by what lies below.
 TBytes DefaultSecurity();
 
-// What a new key gets from its parent: owner, group, label, and the entries that the parent hands down,
-// marked as inherited.
-TBytes InheritedSecurity(const TBytes& parent);
+// "S-1-5-32-544" as bytes.
+TBytes SidBytes(TextView sid);
+
+// Who creates keys: new keys get his owner and group, never those of the parent (page "Owner of a New
+// Object", learn.microsoft.com).
+struct TMemoryCreator {
+  TBytes Owner = SidBytes(u"S-1-5-32-544");
+  TBytes Group = SidBytes(u"S-1-5-18");
+};
+
+// What a new key gets: owner and group of its creator, and from its parent the label and the entries that the
+// parent hands down, marked as inherited. An entry for CREATOR OWNER becomes one for the owner, and is handed
+// down further (page "ACE Inheritance Rules", learn.microsoft.com).
+TBytes InheritedSecurity(const TBytes& parent, const TMemoryCreator& creator);
 
 }  // namespace corvalt

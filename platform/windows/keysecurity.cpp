@@ -1,5 +1,7 @@
 #include "platform/windows/keysecurity.h"
 
+#include <vector>
+
 #include "system/securitydescriptor.h"
 
 namespace corvalt {
@@ -61,6 +63,23 @@ void AskForInheritance(TBytes& descriptor) {
     descriptor[3] = static_cast<std::uint8_t>(descriptor[3] | (kSeDaclAutoInheritReq >> 8));
 }
 
+// The SID with which the record begins (TOKEN_USER, TOKEN_OWNER); empty where it can't be read.
+TBytes TokenSid(TOKEN_INFORMATION_CLASS information) {
+  HANDLE opened = nullptr;
+  if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened))
+    return {};
+  const TOwnedObject token(opened);
+  DWORD size = 0;
+  GetTokenInformation(token.Get(), information, nullptr, 0, &size);
+  // Aligned as the record needs it.
+  std::vector<std::uint64_t> record(size / sizeof(std::uint64_t) + 1);
+  if (size == 0 || !GetTokenInformation(token.Get(), information, record.data(), size, &size))
+    return {};
+  const PSID sid = *reinterpret_cast<const PSID*>(record.data());
+  const auto* const bytes = static_cast<const std::uint8_t*>(sid);
+  return {bytes, bytes + GetLengthSid(sid)};
+}
+
 }  // namespace
 
 TBytes ReadSecurity(HKEY key) {
@@ -70,6 +89,14 @@ TBytes ReadSecurity(HKEY key) {
   if (Query(key, kPlainInformation, descriptor) == ERROR_SUCCESS)
     return descriptor;
   return {};
+}
+
+TBytes OwnerOfNewKeys() {
+  // S-1-5-32-544.
+  const TBytes administrators = {1, 2, 0, 0, 0, 0, 0, 5, 32, 0, 0, 0, 0x20, 2, 0, 0};
+  const TBytes owner = TokenSid(TokenOwner);
+  const bool isOwner = owner == administrators || owner == TokenSid(TokenUser);
+  return isOwner ? owner : TBytes();
 }
 
 void WriteSecurity(HKEY key, const TBytes& descriptor) {

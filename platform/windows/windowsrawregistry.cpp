@@ -199,6 +199,12 @@ const TBytes& TWindowsRawRegistry::SecurityOf(TKeptKey& key) {
   return *key.Security;
 }
 
+const TBytes& TWindowsRawRegistry::NewOwner() {
+  if (!m_newOwner)
+    m_newOwner = OwnerOfNewKeys();
+  return *m_newOwner;
+}
+
 TBytes TWindowsRawRegistry::ParentSecurity(TRootKey rootKey, TextView path) {
   if (const TKeptPointer parent = m_chain.DirectParent(rootKey, path))
     return SecurityOf(*parent);
@@ -229,7 +235,7 @@ TRawResult TWindowsRawRegistry::ReadAttributes(TRootKey rootKey, TextView keyPat
     return result;
   if (const TKeptPointer key = m_chain.Last(rootKey, *path))
     read.Security = SecurityOf(*key);
-  read.HasOwnSecurity = HasOwnSecurity(read.Security, ParentSecurity(rootKey, *path));
+  read.HasOwnSecurity = HasOwnSecurity(read.Security, ParentSecurity(rootKey, *path), NewOwner());
   attributes = std::move(read);
   return TRawResult::Done;
 }

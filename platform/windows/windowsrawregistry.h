@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 #include "base/keypaths.h"
 #include "base/text.h"
@@ -62,6 +63,7 @@ class TWindowsRawRegistry : public TRawRegistry {
   TRawResult PlaceOfKey(TRootKey rootKey, const Text& path, TKeyPlace& place);
   TRawResult OpenForDeletion(const TKeyPlace& place, const Text& path, TKeptPointer& key);
   const TBytes& SecurityOf(TKeptKey& key);
+  const TBytes& NewOwner();
   TBytes ParentSecurity(TRootKey rootKey, TextView path);
   TRawResult OpenForAttributes(TRootKey rootKey, const Text& path, TRegistryKey& key);
 
@@ -76,6 +78,7 @@ class TWindowsRawRegistry : public TRawRegistry {
   TKeyPlaces m_places{m_calls};
   TValueNames m_names{m_calls};
   TValueBuffer m_buffer;
+  std::optional<TBytes> m_newOwner;  // of keys that are created, once it was asked for
 };
 
 }  // namespace corvalt

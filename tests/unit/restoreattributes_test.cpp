@@ -1,6 +1,8 @@
 // What a key has besides its values, through an export and an import.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "formats/ioregistry.h"
 #include "platform/memory/memorysecurity.h"
 #include "platform/memory/memorysystem.h"
@@ -104,6 +106,32 @@ TEST_F(RestoredAttributes, InheritedFromAKeyWithItsOwnComeBackAlsoWhenTheSubkeyW
   m_system.Registry.RemoveKey(kKey);
   EXPECT_EQ(Import().AttributesLost, 0U);
   EXPECT_EQ(Dump(), before) << Exported();
+}
+
+// "Owner of a New Object", learn.microsoft.com: a key that a restore creates belongs to whoever restores.
+TEST_F(RestoredAttributes, OfAnotherOwnerComeBack) {
+  TMemoryRegistry& registry = m_system.Registry;
+  registry.AddKey(u"HKEY_CURRENT_USER\\Parent");
+  registry.SetSecurity(
+      u"HKEY_CURRENT_USER\\Parent",
+      SecurityBytes({.Access = {{u"S-1-3-0", 0xF003F, kAceContainerInherit | kAceInheritOnly},
+                                {u"S-1-5-32-545", 0x20019, kAceContainerInherit}}}));
+  registry.Hives().CreateAs({SidBytes(u"S-1-5-18"), SidBytes(u"S-1-5-18")});
+  registry.Set(u"HKEY_CURRENT_USER\\Parent\\Systems\\Sub", u"a", u"x");
+  registry.Hives().CreateAs({SidBytes(u"S-1-5-21-1-2-3-1001"), SidBytes(u"S-1-5-21-1-2-3-513")});
+  registry.Set(u"HKEY_CURRENT_USER\\Parent\\Own", u"a", u"x");
+  const std::vector<std::string> before = Dump(u"HKEY_CURRENT_USER\\Parent");
+  for (const TextView name : {u"Own", u"Systems"}) {
+    Export(u"HKEY_CURRENT_USER\\Parent\\" + Text(name));
+    // What a new key of this user gets anyway is not written.
+    EXPECT_EQ(Exported().find("security=") != std::string::npos, name == u"Systems");
+    registry.RemoveKey(u"HKEY_CURRENT_USER\\Parent\\" + Text(name));
+  }
+  EXPECT_EQ(Import().AttributesLost, 0U);
+  std::vector<std::string> after = Dump(u"HKEY_CURRENT_USER\\Parent");
+  ASSERT_EQ(after.size(), before.size());
+  // But for the parent's own line, which holds its time.
+  EXPECT_TRUE(std::equal(after.begin() + 2, after.end(), before.begin() + 2)) << Exported();
 }
 
 TEST_F(RestoredAttributes, OfAVolatileKeyComeBack) {

@@ -11,6 +11,8 @@ constexpr TextView kSystem = u"S-1-5-18";
 constexpr std::uint32_t kLowLabel = 0x1000;     // SECURITY_MANDATORY_LOW_RID (winnt.h)
 constexpr std::uint32_t kMediumLabel = 0x2000;  // SECURITY_MANDATORY_MEDIUM_RID
 
+const TBytes kNewOwner = SidBytes(TMemorySecurity().Owner);
+
 TMemorySecurity Inherited() {
   return {.Access = {{Text(kSystem), 1, kAceInherited}}};
 }
@@ -42,47 +44,54 @@ TEST(SecurityDescriptor, NoByteMakesItReadBeyondItsEnd) {
     for (const unsigned value : {0x00U, 0x01U, 0x7FU, 0x80U, 0xFFU}) {
       TBytes damaged = bytes;
       damaged[i] = static_cast<std::uint8_t>(value);
-      HasOwnSecurity(damaged, bytes);
+      HasOwnSecurity(damaged, bytes, kNewOwner);
       HasSecurity(damaged, bytes);
     }
   }
 }
 
 TEST(SecurityDescriptor, WhatIsInheritedIsNotItsOwn) {
-  EXPECT_FALSE(HasOwnSecurity(SecurityBytes(Inherited()), Parent()));
+  EXPECT_FALSE(HasOwnSecurity(SecurityBytes(Inherited()), Parent(), kNewOwner));
 }
 
 TEST(SecurityDescriptor, AProtectedListIsItsOwn) {
   TMemorySecurity security = Inherited();
   security.IsProtected = true;
-  EXPECT_TRUE(HasOwnSecurity(SecurityBytes(security), Parent()));
+  EXPECT_TRUE(HasOwnSecurity(SecurityBytes(security), Parent(), kNewOwner));
 }
 
 TEST(SecurityDescriptor, AnEntryThatIsNotInheritedIsItsOwn) {
   TMemorySecurity security = Inherited();
   security.Access.push_back({Text(kSystem)});
-  EXPECT_TRUE(HasOwnSecurity(SecurityBytes(security), Parent()));
+  EXPECT_TRUE(HasOwnSecurity(SecurityBytes(security), Parent(), kNewOwner));
 }
 
-TEST(SecurityDescriptor, AnotherOwnerThanTheParentsIsItsOwn) {
+// "Owner of a New Object", learn.microsoft.com: it is the creator's, whoever owns the parent.
+TEST(SecurityDescriptor, AnotherOwnerThanANewKeysIsItsOwn) {
   TMemorySecurity security = Inherited();
   security.Owner = kSystem;
-  EXPECT_TRUE(HasOwnSecurity(SecurityBytes(security), Parent()));
+  const TBytes systems = SecurityBytes(security);
+  EXPECT_TRUE(HasOwnSecurity(systems, systems, kNewOwner));
+  // Nobody tells whose a new key would be.
+  EXPECT_TRUE(HasOwnSecurity(systems, Parent(), {}));
+  EXPECT_FALSE(HasOwnSecurity(systems, systems, {}));
+  EXPECT_FALSE(HasOwnSecurity(SecurityBytes(Inherited()), systems, kNewOwner));
+  EXPECT_TRUE(HasOwnSecurity(SecurityBytes(security), Parent(), kNewOwner));
 }
 
 TEST(SecurityDescriptor, AnotherLabelThanTheParentsIsItsOwn) {
   TMemorySecurity security = Inherited();
   security.Label = kLowLabel;
-  EXPECT_TRUE(HasOwnSecurity(SecurityBytes(security), Parent()));
+  EXPECT_TRUE(HasOwnSecurity(SecurityBytes(security), Parent(), kNewOwner));
 }
 
 TEST(SecurityDescriptor, TheParentsByteForByteIsNotItsOwn) {
   const TBytes own = SecurityBytes({.Access = {{Text(kSystem)}}, .IsProtected = true});
-  EXPECT_FALSE(HasOwnSecurity(own, own));
+  EXPECT_FALSE(HasOwnSecurity(own, own, kNewOwner));
 }
 
 TEST(SecurityDescriptor, NoneIsNotItsOwn) {
-  EXPECT_FALSE(HasOwnSecurity({}, Parent()));
+  EXPECT_FALSE(HasOwnSecurity({}, Parent(), kNewOwner));
 }
 
 TEST(SecurityDescriptor, EveryWantedPartIsCompared) {
