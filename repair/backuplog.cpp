@@ -44,6 +44,8 @@ std::string_view NameOf(TRawResult result) {
       return "must be volatile";
     case TRawResult::Refused:
       return "not as saved";
+    case TRawResult::InPart:
+      return "in part";
     case TRawResult::Failed:
       return "failed";
   }

@@ -31,6 +31,7 @@ enum class [[nodiscard]] TRawResult{
     MustBeVolatile,  // the parent is volatile and takes only volatile subkeys (ERROR_CHILD_MUST_BE_VOLATILE,
                      // 1021)
     Refused,         // the caller's check did not agree, or the key has moved to another place
+    InPart,          // of a tree some keys are deleted, and others stay
     Failed,          // any other failure
 };
 
@@ -87,9 +88,10 @@ struct TAttributesLost {
   }
 };
 
-// Looks at one key of a tree before anything of the tree is deleted. pathBelow is empty for the top of the
-// tree, else the path below it, each name after a "\". False keeps the whole tree. Must not call the registry
-// that calls it.
+// Looks at each key of a tree before anything of the tree is deleted, and once more directly before the key
+// itself is deleted, when its subkeys are gone. pathBelow is empty for the top of the tree, else the path
+// below it, each name after a "\". False keeps the whole tree at first, and later what is left of it. Must
+// not call the registry that calls it.
 using TKeyCheck = std::function<bool(TextView pathBelow, const TRawKey& key)>;
 // The same for one value.
 using TValueCheck = std::function<bool(const TRawValue& value)>;
@@ -147,8 +149,9 @@ class TRawRegistry {
   virtual TRawResult DeleteValue(TRootKey rootKey, TextView keyPath, TextView name) = 0;
 
   // Deletes what was saved before: the key must still lie at exactly this place and the check agree to every
-  // key of the tree, or to the value, as it is now; else Refused, and all of it stays. Each key is read and
-  // deleted through one handle, opened as a link, so that a link put in its place meanwhile is not followed.
+  // key of the tree, or to the value, as it is now; else Refused, and all of it stays. InPart where a tree
+  // was changed during its deletion. Each key is read and deleted through one handle, opened as a link, so
+  // that a link put in its place meanwhile is not followed.
   virtual TRawResult DeleteKeyAt(const TKeyPlace& place, const TKeyCheck& mayDelete) = 0;
   virtual TRawResult DeleteValueAt(const TKeyPlace& place, TextView name, const TValueCheck& mayDelete) = 0;
 

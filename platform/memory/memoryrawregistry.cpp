@@ -251,13 +251,12 @@ TRawResult TMemoryRawRegistry::OpenPlace(const TKeyPlace& place, TMemoryKeyPoint
 
 // Collects the keys of a tree, each before its subkeys.
 TRawResult TMemoryRawRegistry::Inspect(const TMemoryKeyPointer& top, const TKeyCheck& mayDelete,
-                                       std::vector<TMemoryKeyPointer>& keys) const {
-  std::vector<Text> pathsBelow = {{}};
-  keys = {top};
+                                       std::vector<TTreeKey>& keys) const {
+  keys = {{top, {}}};
   for (std::size_t i = 0; i < keys.size(); ++i) {
-    const TOpenMemoryKey key = {keys[i], nullptr};
-    const Text pathBelow = pathsBelow[i];
-    if (keys[i]->IsLink)
+    const TOpenMemoryKey key = {keys[i].Key, nullptr};
+    const Text pathBelow = keys[i].PathBelow;
+    if (key.Key->IsLink)
       return TRawResult::Link;
     const TRawKey content = Content(key);
     if (!mayDelete(pathBelow, content))
@@ -268,8 +267,7 @@ TRawResult TMemoryRawRegistry::Inspect(const TMemoryKeyPointer& top, const TKeyC
         continue;
       if (subKey.Key->Rights >= TMemoryRights::Read)
         return TRawResult::Denied;
-      keys.push_back(subKey.Key);
-      pathsBelow.push_back(pathBelow + u"\\" + name);
+      keys.push_back({subKey.Key, pathBelow + u"\\" + name});
     }
   }
   return TRawResult::Done;
@@ -282,18 +280,29 @@ TRawResult TMemoryRawRegistry::DeleteKeyAt(const TKeyPlace& place, const TKeyChe
   TRawResult result = OpenPlace(place, top);
   if (result == TRawResult::Done && top->Rights >= TMemoryRights::Read)
     result = TRawResult::Denied;
-  std::vector<TMemoryKeyPointer> keys;
+  std::vector<TTreeKey> keys;
   if (result == TRawResult::Done)
     result = Inspect(top, mayDelete, keys);
   if (result != TRawResult::Done)
     return result;
   m_registry.Note("delete key", place.KeyPath);
   for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
-    // A subkey that came meanwhile (page "ZwDeleteKey": a key with subkeys is not deleted).
-    if (!(*key)->SubKeys.empty())
-      return TRawResult::Denied;
-    m_hives.Delete(*key);
+    result = DeleteOne(*key, mayDelete);
+    if (result != TRawResult::Done)
+      return key == keys.rbegin() ? result : TRawResult::InPart;
   }
+  return TRawResult::Done;
+}
+
+TRawResult TMemoryRawRegistry::DeleteOne(const TTreeKey& key, const TKeyCheck& mayDelete) {
+  if (key.Key->Deleted)
+    return TRawResult::Done;
+  if (!mayDelete(key.PathBelow, Content({key.Key, nullptr})))
+    return TRawResult::Refused;
+  // A subkey that came meanwhile (page "ZwDeleteKey": a key with subkeys is not deleted).
+  if (!key.Key->SubKeys.empty())
+    return TRawResult::Denied;
+  m_hives.Delete(key.Key);
   return TRawResult::Done;
 }
 

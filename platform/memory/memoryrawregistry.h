@@ -47,8 +47,14 @@ class TMemoryRawRegistry : public TRawRegistry {
   std::optional<TKeyPlace> PlaceOf(const TMemoryKeyPointer& key, const TKeyPlace& opened) const;
   TRawResult OpenPlace(const TKeyPlace& place, TMemoryKeyPointer& key) const;
   TRawKey Content(const TOpenMemoryKey& key) const;
+  // A key of a tree that is to be deleted.
+  struct TTreeKey {
+    TMemoryKeyPointer Key;
+    Text PathBelow;
+  };
   TRawResult Inspect(const TMemoryKeyPointer& top, const TKeyCheck& mayDelete,
-                     std::vector<TMemoryKeyPointer>& keys) const;
+                     std::vector<TTreeKey>& keys) const;
+  TRawResult DeleteOne(const TTreeKey& key, const TKeyCheck& mayDelete);
 
   TMemoryRegistry& m_registry;
   TMemoryHives& m_hives;

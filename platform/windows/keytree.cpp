@@ -73,14 +73,27 @@ TRawResult TKeyTree::Inspect(const TKeyCheck& mayDelete) {
   return TRawResult::Done;
 }
 
-TRawResult TKeyTree::Delete() {
+TRawResult TKeyTree::Delete(const TKeyCheck& mayDelete) {
+  bool someAreGone = false;
   while (!m_keys.empty()) {
-    const TRawResult deleted = RawResultOf(m_calls.DeleteKey(m_keys.back().Key.Get()));
+    const TRawResult deleted = DeleteOne(m_keys.back(), mayDelete);
     if (deleted != TRawResult::Done && deleted != TRawResult::Missing)
-      return deleted;
+      return someAreGone ? TRawResult::InPart : deleted;
+    someAreGone = true;
     m_keys.pop_back();
   }
   return TRawResult::Done;
+}
+
+// What was written into the key since the whole tree was looked at is in no backup.
+TRawResult TKeyTree::DeleteOne(const TTreeKey& key, const TKeyCheck& mayDelete) {
+  const HKEY handle = key.Key.Get();
+  TKeyCounts counts;
+  std::vector<Text> subKeys;
+  const TRawResult looked = mayDelete ? Look(handle, key.PathBelow, mayDelete, subKeys) : TRawResult::Done;
+  if (looked == TRawResult::Done)
+    return RawResultOf(m_calls.DeleteKey(handle));
+  return IsGone(m_calls.Counts(handle, counts)) ? TRawResult::Missing : looked;
 }
 
 TRawResult DeleteKeyAndBelow(TRegistryCalls& calls, TRootKey rootKey, TextView path) {
@@ -95,7 +108,7 @@ TRawResult DeleteKeyAndBelow(TRegistryCalls& calls, TRootKey rootKey, TextView p
   }
   if (result == TRawResult::Done)
     result = tree.Inspect({});
-  return result == TRawResult::Done ? tree.Delete() : result;
+  return result == TRawResult::Done ? tree.Delete({}) : result;
 }
 
 }  // namespace corvalt

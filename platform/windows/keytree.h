@@ -27,8 +27,9 @@ class TKeyTree {
   // the check does not agree to one. An empty check agrees to all.
   TRawResult Inspect(const TKeyCheck& mayDelete);
 
-  // Deletes what Inspect found, deepest first.
-  TRawResult Delete();
+  // Deletes what Inspect found, deepest first, each key after the check has agreed to it once more. InPart
+  // where a key stays after others are gone.
+  TRawResult Delete(const TKeyCheck& mayDelete);
 
  private:
   struct TTreeKey {
@@ -37,6 +38,7 @@ class TKeyTree {
   };
 
   TRawResult Look(HKEY key, TextView pathBelow, const TKeyCheck& mayDelete, std::vector<Text>& subKeys);
+  TRawResult DeleteOne(const TTreeKey& key, const TKeyCheck& mayDelete);
   TRawResult ListSubKeys(HKEY key, std::vector<Text>& subKeys);
 
   TRegistryCalls& m_calls;

@@ -402,7 +402,7 @@ TRawResult TWindowsRawRegistry::DeleteKeyAt(const TKeyPlace& place, const TKeyCh
     result = TRawResult::Refused;
   if (result == TRawResult::Done)
     result = tree.Inspect(mayDelete);
-  return result == TRawResult::Done ? tree.Delete() : result;
+  return result == TRawResult::Done ? tree.Delete(mayDelete) : result;
 }
 
 TRawResult TWindowsRawRegistry::DeleteValueAt(const TKeyPlace& place, TextView name,

@@ -262,8 +262,13 @@ TEST_F(RawKeysContract, ATreeIsDeletedAfterEveryKeyOfItWasAgreedTo) {
     return true;
   };
   EXPECT_EQ(m_system.Raw.DeleteKeyAt(PlaceOf(u"Key"), check), TRawResult::Done);
-  std::sort(met.begin(), met.end());
-  EXPECT_EQ(met, (std::vector<Text>{u"\\A\\Leaf|1", u"\\A|0", u"\\B|0", u"|1"}));
+  // Each is looked at once more when it is deleted.
+  ASSERT_EQ(met.size(), 8U);
+  std::sort(met.begin(), met.begin() + 4);
+  std::sort(met.begin() + 4, met.end());
+  const std::vector<Text> expected = {u"\\A\\Leaf|1", u"\\A|0", u"\\B|0", u"|1"};
+  EXPECT_TRUE(std::equal(expected.begin(), expected.end(), met.begin()));
+  EXPECT_TRUE(std::equal(expected.begin(), expected.end(), met.begin() + 4));
   EXPECT_FALSE(Exists(u"Key"));
 }
 
@@ -274,6 +279,41 @@ TEST_F(RawKeysContract, NothingOfATreeIsDeletedWhenOneKeyIsRefused) {
   EXPECT_EQ(m_system.Raw.DeleteKeyAt(PlaceOf(u"Key"), check), TRawResult::Refused);
   EXPECT_TRUE(Exists(u"Key\\A\\Leaf"));
   EXPECT_TRUE(Exists(u"Key\\B"));
+}
+
+// The longer a tree takes, the likelier somebody writes into it.
+TEST_F(RawKeysContract, AKeyThatChangesAfterItWasAgreedToStays) {
+  Put(u"Key\\A", {u"old", kRegSz, {}});
+  Put(u"Key\\B", {u"old", kRegSz, {}});
+  const TKeyPlace place = PlaceOf(u"Key");
+  int met = 0;
+  const TKeyCheck check = [&](TextView, const TRawKey& key) {
+    // The third key is the last one that is looked at before the first is deleted.
+    if (++met == 3) {
+      EXPECT_TRUE(OpenStoreAt(u"Key\\A")->WriteString(u"new", u"x"));
+    }
+    return std::ranges::none_of(key.Values, [](const TRawValue& value) { return value.Name == u"new"; });
+  };
+  EXPECT_EQ(m_system.Raw.DeleteKeyAt(place, check), TRawResult::InPart);
+  EXPECT_TRUE(OpenStoreAt(u"Key\\A")->ValueExists(u"new"));
+  EXPECT_TRUE(OpenStoreAt(u"Key\\A")->ValueExists(u"old"));
+  EXPECT_FALSE(Exists(u"Key\\B"));
+}
+
+TEST_F(RawKeysContract, AKeyThatGoesWhileItsTreeIsDeletedKeepsNothingFromTheDeletion) {
+  Create(u"Key\\A");
+  Create(u"Key\\B");
+  const TKeyPlace place = PlaceOf(u"Key");
+  int met = 0;
+  const TKeyCheck check = [&](TextView, const TRawKey&) {
+    if (++met == 3) {
+      const std::unique_ptr<RegistryStore> store = OpenStore();
+      EXPECT_TRUE(store->DeleteKey(At(u"Key\\A")));
+    }
+    return true;
+  };
+  EXPECT_EQ(m_system.Raw.DeleteKeyAt(place, check), TRawResult::Done);
+  EXPECT_FALSE(Exists(u"Key"));
 }
 
 TEST_F(RawKeysContract, AKeyReachedThroughALinkIsDeletedOnlyAtItsRealPlace) {

@@ -227,12 +227,13 @@ TEST(BackupLog, KeepsEveryNameOnItsLineAndApartFromOthers) {
 
 TEST(BackupLog, NamesEveryResult) {
   std::vector<TRegistryChange> changes;
-  for (const TRawResult result : {TRawResult::Done, TRawResult::Missing, TRawResult::Denied, TRawResult::Link,
-                                  TRawResult::MustBeVolatile, TRawResult::Refused, TRawResult::Failed})
+  for (const TRawResult result :
+       {TRawResult::Done, TRawResult::Missing, TRawResult::Denied, TRawResult::Link,
+        TRawResult::MustBeVolatile, TRawResult::Refused, TRawResult::InPart, TRawResult::Failed})
     changes.push_back({TChangeKind::KeyDeleted, kHkeyUsers, u"\\K", {}, result});
   std::string expected;
-  for (const char* name :
-       {"done", "missing", "access denied", "is a link", "must be volatile", "not as saved", "failed"})
+  for (const char* name : {"done", "missing", "access denied", "is a link", "must be volatile",
+                           "not as saved", "in part", "failed"})
     expected += std::string("HKEY_USERS\\K\t\tkey deleted\t") + name + "\r\n";
   EXPECT_EQ(LoggedLines(changes), expected);
 }
