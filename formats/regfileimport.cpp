@@ -105,15 +105,9 @@ TRawResult TRegFileImport::Replay(const TRegFileEntry& entry) {
   return TRawResult::Failed;
 }
 
-// The parents that the file has come first.
 TRawResult TRegFileImport::ReplayKey(const TKeyPlace& place) {
   const TKeyId id{place.RootKey, UpperCase(place.KeyPath)};
-  for (std::size_t end = place.KeyPath.find(u'\\', 1); end != Text::npos;
-       end = place.KeyPath.find(u'\\', end + 1)) {
-    const TKeyId parent{place.RootKey, id.second.substr(0, end)};
-    if (m_planned.contains(parent) && !m_done.contains(parent))
-      std::ignore = CreatePlanned(parent, {place.RootKey, place.KeyPath.substr(0, end)});
-  }
+  CreateParents(id, place);
   const std::size_t keysBefore = m_result.KeysWritten;
   const TRawResult result = CreatePlanned(id, place);
   if (result == TRawResult::Done && m_result.KeysWritten == keysBefore)
@@ -121,6 +115,26 @@ TRawResult TRegFileImport::ReplayKey(const TKeyPlace& place) {
   else
     m_existing.reset();
   return result;
+}
+
+// Missing parents one by one: each counts, and one that the file has gets what the file has for it.
+void TRegFileImport::CreateParents(const TKeyId& id, const TKeyPlace& place) {
+  std::vector<std::size_t> missing;
+  for (std::size_t end = place.KeyPath.rfind(u'\\'); end != 0; end = place.KeyPath.rfind(u'\\', end - 1)) {
+    const TKeyId parent{place.RootKey, id.second.substr(0, end)};
+    if (m_done.contains(parent))
+      break;
+    // Links are followed on the way.
+    const TRawResult asked = m_registry.MayCreateSubKeys(place.RootKey, place.KeyPath.substr(0, end));
+    if (asked != TRawResult::Missing) {
+      m_done.insert(parent);
+      break;
+    }
+    missing.push_back(end);
+  }
+  for (auto end = missing.rbegin(); end != missing.rend(); ++end)
+    std::ignore = CreatePlanned({place.RootKey, id.second.substr(0, *end)},
+                                {place.RootKey, place.KeyPath.substr(0, *end)});
 }
 
 // Of single values that were saved one after another from one key the first reads the key for all.
@@ -154,7 +168,8 @@ TRawResult TRegFileImport::ReplayValue(const TKeyPlace& place, const TRawValue& 
 }
 
 TRawResult TRegFileImport::CreatePlanned(const TKeyId& id, TKeyPlace place) {
-  const TRegFileAttributes& attributes = m_planned.at(id);
+  // A parent that the file lacks gets nothing of its own.
+  const TRegFileAttributes& attributes = m_planned[id];
   TNewKey newKey{attributes.ClassName, attributes.IsVolatile};
   bool isNew = false;
   TRawResult result = m_registry.CreateKey(place.RootKey, place.KeyPath, newKey, isNew);

@@ -72,6 +72,7 @@ class TRegFileImport {
   void PlanKeys();
   TRawResult Replay(const TRegFileEntry& entry);
   TRawResult ReplayKey(const TKeyPlace& place);
+  void CreateParents(const TKeyId& id, const TKeyPlace& place);
   TRawResult ReplayValue(const TKeyPlace& place, const TRawValue& value);
   TRawResult CreatePlanned(const TKeyId& id, TKeyPlace place);
   void LookAtExisting(const TKeyId& id, const TKeyPlace& place);
@@ -84,8 +85,9 @@ class TRegFileImport {
   std::span<const std::uint8_t> m_bytes;
   TLocale& m_locale;
   const TImportOptions& m_options;
-  std::map<TKeyId, TRegFileAttributes> m_planned;  // every key line of the file
-  std::set<TKeyId> m_done;                         // those that were created or exist
+  std::map<TKeyId, TRegFileAttributes>
+      m_planned;            // every key line of the file, and parents that were missing
+  std::set<TKeyId> m_done;  // those that were created or exist
   std::vector<TCreatedKey> m_created;
   std::set<TKeyId> m_unfinished;  // those that the entries after a stop would change, and their parents
   // The key whose values come now, when it existed, and what it holds by upper-cased name.

@@ -92,8 +92,11 @@ TRawResult TLoggedRawRegistry::WriteValue(TRootKey rootKey, TextView keyPath, co
 
 TRawResult TLoggedRawRegistry::WriteAttributes(TRootKey rootKey, TextView keyPath,
                                                const TWantedAttributes& wanted, TAttributesLost& lost) {
-  return Report(TChangeKind::AttributesWritten, rootKey, keyPath, {},
-                m_registry.WriteAttributes(rootKey, keyPath, wanted, lost));
+  const TRawResult result = m_registry.WriteAttributes(rootKey, keyPath, wanted, lost);
+  const bool isInPart = result == TRawResult::Done && lost.Any();
+  static_cast<void>(
+      Report(TChangeKind::AttributesWritten, rootKey, keyPath, {}, isInPart ? TRawResult::InPart : result));
+  return result;
 }
 
 TRawResult TLoggedRawRegistry::DeleteKey(TRootKey rootKey, TextView keyPath) {

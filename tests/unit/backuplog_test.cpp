@@ -115,6 +115,21 @@ TEST(BackupLog, GetsTheLinesOfARestoreBehindThoseOfTheRepair) {
             "HKEY_CURRENT_USER\\Software\\Old\t\tattributes written\tdone\r\n");
 }
 
+TEST(BackupLog, ListsTheParentsThatARestoreCreates) {
+  TLoggedRepair rig;
+  rig.Repair();
+  rig.System.Registry.RemoveKey(kRun);
+  rig.System.Registry.RemoveKey(u"HKEY_CURRENT_USER\\Software");
+  TSystem system = rig.System.Bundle();
+  const TRestoreOutcome outcome = RestoreBackup(system, rig.Vars, u"46341.5");
+  EXPECT_EQ(outcome.End, TRestoreEnd::Restored);
+  EXPECT_EQ(outcome.Import.KeysWritten, 3U);
+  EXPECT_NE(rig.Log().find("HKEY_CURRENT_USER\\Software\t\tkey created\tdone\r\n"
+                           "HKEY_CURRENT_USER\\Software\\Old\t\tkey created\tdone\r\n"),
+            std::string::npos)
+      << rig.Log();
+}
+
 TEST(BackupLog, ListsWhatARestoreCouldNotWrite) {
   TLoggedRepair rig;
   rig.Repair();

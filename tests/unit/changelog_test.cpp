@@ -62,6 +62,16 @@ TEST_F(ChangeLog, TellsWhatFailed) {
                  Change(TChangeKind::ValueDeleted, u"\\Denied", u"v", TRawResult::Denied)});
 }
 
+TEST_F(ChangeLog, TellsThatAttributesWereSetOnlyInPart) {
+  m_registry.AddKey(u"HKEY_CURRENT_USER\\Key");
+  m_registry.SetsTimes = false;
+  TAttributesLost lost;
+  EXPECT_EQ(m_raw.WriteAttributes(kHkeyCurrentUser, u"\\Key", {std::uint64_t{5}, {}}, lost),
+            TRawResult::Done);
+  EXPECT_TRUE(lost.LastWrite);
+  ExpectChanges({Change(TChangeKind::AttributesWritten, u"\\Key", {}, TRawResult::InPart)});
+}
+
 TEST_F(ChangeLog, TellsNothingOfWhatOnlyReads) {
   m_registry.Set(u"HKEY_CURRENT_USER\\Key", u"v", u"x");
   const auto store = m_logged.CreateStore(TRegistryAccess::Full);
