@@ -168,6 +168,7 @@ TRawResult TRegFileImport::ReplayValue(const TKeyPlace& place, const TRawValue& 
 }
 
 TRawResult TRegFileImport::CreatePlanned(const TKeyId& id, TKeyPlace place) {
+  const bool isInFile = m_planned.contains(id);
   // A parent that the file lacks gets nothing of its own.
   const TRegFileAttributes& attributes = m_planned[id];
   TNewKey newKey{attributes.ClassName, attributes.IsVolatile};
@@ -183,20 +184,22 @@ TRawResult TRegFileImport::CreatePlanned(const TKeyId& id, TKeyPlace place) {
   if (!isNew)
     return result;
   ++m_result.KeysWritten;
-  CheckNewKey(place, attributes);
+  if (isInFile)
+    CheckNewKey(place, attributes, newKey);
   m_created.push_back({std::move(place), &attributes});
   return result;
 }
 
-// Reads back what can only be given at the creation.
-void TRegFileImport::CheckNewKey(const TKeyPlace& place, const TRegFileAttributes& attributes) {
-  if (attributes.ClassName.empty() && !attributes.IsVolatile)
+// Reads back what can only be given at the creation. A lasting key is volatile now where its parent is.
+void TRegFileImport::CheckNewKey(const TKeyPlace& place, const TRegFileAttributes& attributes,
+                                 const TNewKey& newKey) {
+  if (newKey.ClassName.empty() && !newKey.IsVolatile)
     return;
   TKeyAttributes read;
   const bool isRead = m_registry.ReadAttributes(place.RootKey, place.KeyPath, read) == TRawResult::Done;
   if (!isRead || read.ClassName != attributes.ClassName)
     ++m_result.AttributesLost;
-  if (!isRead || (attributes.IsVolatile && !read.IsVolatile.value_or(true)))
+  if (!isRead || read.IsVolatile.value_or(attributes.IsVolatile) != attributes.IsVolatile)
     ++m_result.AttributesLost;
 }
 

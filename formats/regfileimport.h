@@ -76,7 +76,7 @@ class TRegFileImport {
   TRawResult ReplayValue(const TKeyPlace& place, const TRawValue& value);
   TRawResult CreatePlanned(const TKeyId& id, TKeyPlace place);
   void LookAtExisting(const TKeyId& id, const TKeyPlace& place);
-  void CheckNewKey(const TKeyPlace& place, const TRegFileAttributes& attributes);
+  void CheckNewKey(const TKeyPlace& place, const TRegFileAttributes& attributes, const TNewKey& newKey);
   void NoteUnfinished(TRegFileReader& reader, const TRegFileEntry* entry);
   void WriteAttributes();
   TAttributesLost WriteAttributes(const TCreatedKey& key);

@@ -156,6 +156,19 @@ TEST_F(RestoredAttributes, AKeyBelowAVolatileOneIsCreatedVolatileAlsoWhenNothing
   EXPECT_TRUE(m_system.Registry.KeyAt(Text(kKey) + u"\\Sub")->IsVolatile);
 }
 
+TEST_F(RestoredAttributes, OfALastingKeyThatCouldOnlyComeBackVolatileAreCounted) {
+  m_system.Registry.Set(Text(kKey) + u"\\Sub", u"a", u"x");
+  Export(Text(kKey) + u"\\Sub");
+  m_system.Registry.RemoveKey(Text(kKey) + u"\\Sub");
+  m_system.Registry.MakeVolatile(kKey);
+  EXPECT_EQ(Import().AttributesLost, 1U);
+  EXPECT_TRUE(m_system.Registry.HasValue(Text(kKey) + u"\\Sub", u"a"));
+  // A system that does not tell which keys are volatile did not tell it at the export either.
+  m_system.Registry.TellsVolatility = false;
+  m_system.Registry.RemoveKey(Text(kKey) + u"\\Sub");
+  EXPECT_EQ(m_exporter.Import(m_exporter.ExportedText()).AttributesLost, 0U);
+}
+
 TEST_F(RestoredAttributes, OfAKeyThatIsThereAreLeftAsTheyAre) {
   BuildKey();
   Export(u"HKEY_CURRENT_USER\\K");
