@@ -73,7 +73,7 @@ bool IsWhole(std::span<const std::uint8_t> bytes, TLocale& locale) {
 
 TRegFileFacts InspectRegFile(std::span<const std::uint8_t> bytes, TLocale& locale) {
   const TRegFileReader reader(bytes, locale);
-  return {reader.HasHeader(), reader.Origin(), IsWhole(bytes, locale)};
+  return {reader.HasHeader(), reader.Origin(), IsWhole(bytes, locale), ReadEnd(bytes).has_value()};
 }
 
 TIORegistry::TIORegistry(TRawRegistry& registry, TLocale& locale) : m_registry(registry), m_locale(locale) {

@@ -43,6 +43,8 @@ struct TRegFileFacts {
   // Whether the file is as it was written: it has the last line of a backup, the checksum in it is right, and
   // so are the numbers of keys and values. A file without an origin counts as whole.
   bool IsWhole = false;
+  // Only the checksum: a later program's file may have it right and still count as not whole here.
+  bool ChecksumIsRight = false;
 };
 
 [[nodiscard]] TRegFileFacts InspectRegFile(std::span<const std::uint8_t> bytes, TLocale& locale);

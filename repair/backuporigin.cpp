@@ -26,7 +26,9 @@ bool IsForeign(const TBackupOrigin& origin, TSystem& system) {
          !EqualIgnoringCase(origin.UserSid, system.Machine.UserSid());
 }
 
-bool IsSupported(const TBackupOrigin& origin, TSystem& system) {
+bool IsSupported(const TBackupOrigin& origin, bool mayBeDamaged, TSystem& system) {
+  if (mayBeDamaged)
+    return true;
   const bool hasCodePage = origin.CodePage == 0 || system.Locale.HasCodePage(origin.CodePage);
   return origin.Format <= kBackupFormat && hasCodePage;
 }

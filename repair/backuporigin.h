@@ -15,9 +15,9 @@ namespace corvalt {
 // Whether the backup was made on another computer or by another user than this one.
 [[nodiscard]] bool IsForeign(const TBackupOrigin& origin, TSystem& system);
 
-// Whether this program reads the backup's form, and the system has its code page. A number that is damaged
-// (0) is no obstacle: the file is not whole then, which is asked about.
-[[nodiscard]] bool IsSupported(const TBackupOrigin& origin, TSystem& system);
+// Whether this program reads the backup's form, and the system has its code page. Numbers that may be damaged
+// are no obstacle: the file is not whole then, which is asked about.
+[[nodiscard]] bool IsSupported(const TBackupOrigin& origin, bool mayBeDamaged, TSystem& system);
 
 // A registry to work on. Opened owns it where it was opened for this use, and is null where it is the
 // program's own.

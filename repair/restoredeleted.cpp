@@ -38,7 +38,7 @@ Text SkippedLinesText(const TGlobalVars& vars, const TImportResult& import) {
 // no origin, and one whose numbers are missing is not whole.
 std::optional<TRestoreEnd> ObstacleOf(const TRegFileFacts& facts, TSystem& system,
                                       const TRestoreGuide& guide) {
-  if (facts.Origin && !IsSupported(*facts.Origin, system))
+  if (facts.Origin && !IsSupported(*facts.Origin, !facts.ChecksumIsRight, system))
     return TRestoreEnd::NotSupported;
   if (facts.Origin && IsForeign(*facts.Origin, system) && !guide.GoOn(TRestoreDoubt::Foreign, *facts.Origin))
     return TRestoreEnd::Refused;

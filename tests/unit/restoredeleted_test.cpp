@@ -325,6 +325,13 @@ TLines ShownByRestore(TRestoreRig& rig, std::deque<TAnswer> answers) {
   return rig.System.Calls;
 }
 
+// The file without its last line, and with another number in this line behind the header.
+std::string WithField(std::string file, const std::string& field) {
+  const std::size_t begin = file.find(field.substr(0, field.find('=')));
+  file.replace(begin, file.find("\r\n", begin) - begin, field);
+  return file.substr(0, file.rfind(";Corvalt end="));
+}
+
 constexpr TAnswer kYes = TAnswer::Yes;
 const std::string kFirstQuestion =
     QuestionBox(Says(TextId::ConfirmRestore, RowOf(u"12/31/1899 12:00:00 AM")));
@@ -411,16 +418,26 @@ TEST(RestoringABackup, WhoseFileWasChangedAsksAndAnyAnswerButYesChangesNothing) 
 TEST(RestoringABackup, OfACodePageAViewOrAFormThatIsNotHereChangesNothing) {
   for (const std::string field : {"codepage=4711", "view=128", "format=2"}) {
     TRestoreRig rig;
-    std::string file = OwnBackup(rig);
-    const std::string name = field.substr(0, field.find('='));
-    const std::size_t begin = file.find(name);
-    file.replace(begin, file.find("\r\n", begin) - begin, field);
-    rig.AddBackup("1", file);
+    const std::string text = WithField(OwnBackup(rig), field);
+    rig.AddBackup("1", text + EndLine(AsBytes(text), {1, 1}));
     EXPECT_EQ(ShownByRestore(rig, {kYes, kYes, kYes}),
               TLines({kFirstQuestion,
                       FailureBox(Says(TextId::BackupNotSupported, RowOf(u"12/31/1899 12:00:00 AM")))}))
         << field;
     EXPECT_FALSE(rig.System.Registry.HasKey(kKey));
+  }
+}
+
+TEST(RestoringABackup, WhoseCodePageOrFormIsDamagedAsksAndIsRestoredInPart) {
+  for (const std::string field : {"codepage=125", "format=9"}) {
+    TRestoreRig rig;
+    const std::string whole = OwnBackup(rig);
+    rig.AddBackup("1", WithField(whole, field) + whole.substr(whole.rfind(";Corvalt end=")));
+    const TLines shown = ShownByRestore(rig, {kYes, kYes});
+    ASSERT_EQ(shown.size(), 3U) << field;
+    EXPECT_EQ(shown[1], QuestionBox(Says(TextId::BackupNotWhole) + u"\r\n" + Says(TextId::RestoreAnyway)));
+    EXPECT_EQ(shown[2], FailureBox(Says(TextId::RestoreIncomplete, RowOf(u"12/31/1899 12:00:00 AM"))));
+    EXPECT_TRUE(rig.System.Registry.HasValue(kKey, u"Path"));
   }
 }
 
