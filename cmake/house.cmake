@@ -81,4 +81,7 @@ if(WIN32)
   # An object, not an archive: it must win over the system's import library.
   add_library(xp_floor OBJECT "${CMAKE_SOURCE_DIR}/platform/windows/xpfloor.cpp")
   target_link_libraries(xp_floor PRIVATE house_options)
+  # The same: it must win over the C++ library.
+  add_library(plain_terminate OBJECT "${CMAKE_SOURCE_DIR}/platform/windows/terminate.cpp")
+  target_link_libraries(plain_terminate PRIVATE house_options)
 endif()

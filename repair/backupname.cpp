@@ -1,8 +1,10 @@
 #include "repair/backupname.h"
 
 #include <array>
-#include <charconv>
+#include <cerrno>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include "base/lettercase.h"
@@ -15,6 +17,8 @@ namespace {
 constexpr int kSignificantDigits = 15;
 constexpr TextView kNumberUnits = u"0123456789.eE+-";
 
+// The C library's routines, not from_chars and to_chars, whose tables for floating-point numbers are a tenth
+// of the program. The decimal sign is a point for both, because the program never calls setlocale.
 std::optional<double> NumberWithSign(TextView name, TextView sign) {
   const Text text = sign.empty() ? Text(name) : ReplaceAll(name, sign, u".");
   if (text.find_first_not_of(kNumberUnits) != Text::npos)
@@ -22,18 +26,21 @@ std::optional<double> NumberWithSign(TextView name, TextView sign) {
   std::string ascii(text.begin(), text.end());
   if (ascii.starts_with('+'))
     ascii.erase(0, 1);
-  double number = 0;
-  const char* const end = ascii.data() + ascii.size();
-  const std::from_chars_result result = std::from_chars(ascii.data(), end, number);
-  const bool isNumber = result.ec == std::errc() && result.ptr == end && std::isfinite(number);
+  if (ascii.empty() || ascii.starts_with('+'))
+    return std::nullopt;
+  char* end = nullptr;
+  errno = 0;
+  const double number = std::strtod(ascii.c_str(), &end);
+  // Too large gives infinity, too small zero; a number that only lost digits is one.
+  const bool isInRange = std::isfinite(number) && (errno != ERANGE || number != 0);
+  const bool isNumber = isInRange && end == ascii.c_str() + ascii.size();
   return isNumber ? std::optional(number) : std::nullopt;
 }
 
 Text WithPoint(TDateTime time) {
   std::array<char, 32> digits{};
-  const std::to_chars_result result = std::to_chars(digits.data(), digits.data() + digits.size(), time,
-                                                    std::chars_format::general, kSignificantDigits);
-  return FromAscii({digits.data(), static_cast<std::size_t>(result.ptr - digits.data())});
+  const int length = std::snprintf(digits.data(), digits.size(), "%.*g", kSignificantDigits, time);
+  return FromAscii({digits.data(), static_cast<std::size_t>(length)});
 }
 
 }  // namespace

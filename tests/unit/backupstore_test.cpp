@@ -120,8 +120,8 @@ TEST(BackupName, IsReadWithPointCommaOrTheUsersSign) {
 }
 
 TEST(BackupName, ThatIsNoNumberSaysNoTime) {
-  for (const TextView name :
-       {u"", u"notes", u"46341'5", u"46341.5.1", u"1e999", u"inf", u"nan", u"0x10", u"5 "})
+  for (const TextView name : {u"", u"notes", u"46341'5", u"46341.5.1", u"1e999", u"1e-999", u"inf", u"nan",
+                              u"0x10", u"5 ", u"+", u"++5"})
     EXPECT_EQ(TimeOfBackupName(name, u","), std::nullopt) << EncodeUtf8(name);
 }
 

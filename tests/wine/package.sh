@@ -83,7 +83,14 @@ same_files() {
   diff <(without_suite "$1") <(without_suite "$2")
 }
 
+# Both programs for both machine types, of at most 2 MB each.
+programs_are_small() {
+  local programs=("$packages"/{x64,x86}/{corvalt,corvaltc}.exe)
+  stat --format='%s %n' "${programs[@]}" && [[ -z $(find "${programs[@]}" -size +2000000c) ]]
+}
+
 setup=$packages/Corvalt-$version-setup-native64.exe
+ok "no program is larger than 2 MB" programs_are_small
 ok "the test's installer is made" test -s "$setup"
 ok "an older version's installer is made" make_older_installer
 
