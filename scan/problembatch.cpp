@@ -3,23 +3,22 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <exception>
 #include <utility>
 
 namespace corvalt {
 
 void TProblemBatch::RunSection(const TRoutine& scanner) {
   Append(TStep::BeginSection);
-  std::exception_ptr failure;
   try {
     scanner();
+    Append(TStep::EndSection);
+    HandOver();
   } catch (...) {
-    failure = std::current_exception();
+    // A hand-over that failed has dropped what came after, the end with it.
+    Append(TStep::EndSection);
+    HandOver();
+    throw;
   }
-  Append(TStep::EndSection);
-  HandOver();
-  if (failure)
-    std::rethrow_exception(failure);
 }
 
 void TProblemBatch::Add(ScanProblem row) {
