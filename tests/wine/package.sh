@@ -83,10 +83,10 @@ same_files() {
   diff <(without_suite "$1") <(without_suite "$2")
 }
 
-# Both programs for both machine types, of at most 2 MB each.
+# Both programs for both machine types, of at most 2 MB each, as Explorer counts them.
 programs_are_small() {
   local programs=("$packages"/{x64,x86}/{corvalt,corvaltc}.exe)
-  stat --format='%s %n' "${programs[@]}" && [[ -z $(find "${programs[@]}" -size +2000000c) ]]
+  stat --format='%s %n' "${programs[@]}" && [[ -z $(find "${programs[@]}" -size +2097152c) ]]
 }
 
 setup=$packages/Corvalt-$version-setup-native64.exe
