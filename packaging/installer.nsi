@@ -55,9 +55,10 @@ VIAddVersionKey "LegalCopyright" "${PUBLISHER}"
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
 !insertmacro MUI_PAGE_FINISH
-!define MUI_UNCONFIRMPAGE_TEXT_TOP "Backups, settings and the ignore list stay, unless the uninstaller was started with \
-/PURGE. The backups are in the folder 'TessalySoft\Tessaly Utilities\Backups' of each user's application data, settings and ignore list in \
-HKEY_CURRENT_USER\Software\TessalySoft\Tessaly Utilities."
+; The page has room for three lines.
+!define MUI_UNCONFIRMPAGE_TEXT_TOP "Unless started with /PURGE, this leaves the backups, in each user's application data \
+below 'TessalySoft\Tessaly Utilities', and the settings and the ignore list, in the registry below \
+'HKEY_CURRENT_USER\Software\TessalySoft'."
 !insertmacro MUI_UNPAGE_CONFIRM
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE "English"
