@@ -108,7 +108,7 @@ class TOurTree : private TTreeControlOwner {
     m_control.Refresh();
     UpdateWindow(Handle());
   }
-  void StepDown() {
+  void StepDown() const {
     SendMessageW(Handle(), WM_KEYDOWN, VK_HOME, 1);
     for (int step = 0; step < kSteps; ++step) {
       SendMessageW(Handle(), WM_KEYDOWN, VK_DOWN, 1);

@@ -6,7 +6,8 @@
 // The library's name.
 namespace __gnu_cxx {  // NOLINT(bugprone-reserved-identifier)
 
-void __verbose_terminate_handler() {  // NOLINT(bugprone-reserved-identifier)
+// NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming)
+void __verbose_terminate_handler() {
   std::abort();
 }
 

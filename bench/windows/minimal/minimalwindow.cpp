@@ -12,7 +12,7 @@ LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lPar
 
 }  // namespace
 
-int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show) {
+int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int nShowCmd) {
   WNDCLASSW windowClass = {};
   windowClass.lpfnWndProc = Procedure;
   windowClass.hInstance = instance;
@@ -21,7 +21,7 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show) {
   RegisterClassW(&windowClass);
   HWND window = CreateWindowExW(0, L"MinimalWindow", L"Minimal", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT,
                                 CW_USEDEFAULT, 750, 527, nullptr, nullptr, instance, nullptr);
-  ShowWindow(window, show);
+  ShowWindow(window, nShowCmd);
   UpdateWindow(window);
   MSG message = {};
   while (GetMessageW(&message, nullptr, 0, 0) > 0)
