@@ -15,6 +15,12 @@ TSystemError CheckEntry(TextView name, const TFileInfo& info) {
   return error.Failed() || info.Exists ? error : TSystemError{kErrorFileNotFound};
 }
 
+// Of an entry that is there and is opened itself: a link is not followed.
+TSystemError CheckOpened(TextView name, const TFileInfo& info) {
+  const TSystemError error = CheckEntry(name, info);
+  return error.Failed() || !info.IsLink ? error : TSystemError{kErrorStoppedOnLink};
+}
+
 }  // namespace
 
 TSystemError TMemoryGrowingFile::Append(std::span<const std::uint8_t> bytes) {
@@ -61,11 +67,9 @@ TFileInfo TMemoryFolder::Info(TextView name) {
 TSystemError TMemoryFolder::ReadFile(TextView name, std::vector<std::uint8_t>& bytes) {
   const TMemoryDisk::THold hold(m_disk.m_mutex);
   const TFileInfo info = Info(name);
-  const TSystemError error = CheckEntry(name, info);
+  const TSystemError error = CheckOpened(name, info);
   if (error.Failed())
     return error;
-  if (info.IsLink)
-    return {kErrorStoppedOnLink};
   return m_disk.ReadEntry(*m_folder->Entry(name), m_path + Text(name), bytes);
 }
 
@@ -109,11 +113,9 @@ TSystemError TMemoryFolder::GrowFile(TextView name, std::unique_ptr<TGrowingFile
 TSystemError TMemoryFolder::HoldFile(TextView name, std::unique_ptr<THeldFile>& file) {
   const TMemoryDisk::THold hold(m_disk.m_mutex);
   const TFileInfo info = Info(name);
-  const TSystemError error = CheckEntry(name, info);
+  const TSystemError error = CheckOpened(name, info);
   if (error.Failed())
     return error;
-  if (info.IsLink)
-    return {kErrorStoppedOnLink};
   if (info.IsFolder)
     return {kErrorAccessDenied};
   file = std::make_unique<TMemoryHeldFile>(m_disk, m_folder->Entry(name));
