@@ -133,10 +133,10 @@ TEST_F(ConsoleProgram, AValueMayFollowItsOptionAfterAnEqualsSign) {
 
 TEST_F(ConsoleProgram, AReportAndJsonOfOneFileAreRefusedHoweverItIsSpelled) {
   AddShellFolderProblem();
-  m_rig.Scan.System.Disk.CurrentFolder = u"C:\\Work";
+  m_rig.Scan.System.Disk.CurrentFolder = u"C:\\Reports";
   const std::vector<std::pair<Text, Text>> spellings = {{u"C:\\a.txt", u"c:\\A.TXT"},
                                                         {u"a.txt", u".\\a.txt"},
-                                                        {u"a.txt", u"c:/work//A.txt"},
+                                                        {u"a.txt", u"c:/reports//A.txt"},
                                                         {u"..\\a.txt", u"\\a.txt"},
                                                         {u"C:\\b\\..\\a.txt", u"C:\\a.txt"}};
   for (const auto& [report, json] : spellings) {
